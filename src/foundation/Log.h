@@ -1,0 +1,14 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QString>
+
+namespace tovek {
+
+/// Writes one line to standard output at once. Line breaks inside the text become blanks, so that
+/// one event is always one line. Any thread.
+void logLine(const QString &text);
+
+} // namespace tovek

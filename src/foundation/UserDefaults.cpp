@@ -1,0 +1,117 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "foundation/UserDefaults.h"
+
+#include "foundation/Log.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QSaveFile>
+#include <QStandardPaths>
+
+namespace tovek {
+
+UserDefaults::UserDefaults(QString path)
+    : m_path(std::move(path))
+{
+}
+
+std::optional<QString> UserDefaults::string(const QString &key) const
+{
+    load();
+    const QJsonValue value = m_values.value(key);
+    return value.isString() ? std::optional(value.toString()) : std::nullopt;
+}
+
+std::optional<bool> UserDefaults::boolean(const QString &key) const
+{
+    load();
+    const QJsonValue value = m_values.value(key);
+    return value.isBool() ? std::optional(value.toBool()) : std::nullopt;
+}
+
+bool UserDefaults::contains(const QString &key) const
+{
+    load();
+    return m_values.contains(key);
+}
+
+void UserDefaults::remove(const QString &key)
+{
+    load();
+    if (!m_values.contains(key))
+        return;
+    m_values.remove(key);
+    write();
+}
+
+QString UserDefaults::standardPath()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+        + QStringLiteral("/tovek/defaults.json");
+}
+
+void UserDefaults::load() const
+{
+    if (m_isLoaded)
+        return;
+    m_isLoaded = true;
+    QFile file(m_path);
+    if (!file.exists())
+        return;
+    if (!file.open(QIODevice::ReadOnly)) {
+        logLine(QStringLiteral("Failed to read settings %1: %2").arg(m_path, file.errorString()));
+        m_canWrite = false;
+        return;
+    }
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
+    if (error.error == QJsonParseError::NoError && document.isObject()) {
+        m_values = document.object();
+        return;
+    }
+    file.close();
+    setAside();
+}
+
+void UserDefaults::setAside() const
+{
+    QString aside = m_path + QStringLiteral(".broken");
+    for (int number = 2; QFile::exists(aside); ++number)
+        aside = m_path + QStringLiteral(".broken-%1").arg(number);
+    if (QFile::rename(m_path, aside)) {
+        logLine(QStringLiteral("Settings %1 are not valid and were set aside as %2")
+                    .arg(m_path, QFileInfo(aside).fileName()));
+        return;
+    }
+    m_canWrite = false;
+    logLine(QStringLiteral("Settings %1 are not valid and could not be set aside; they are left "
+                           "as they are and changes are not stored")
+                .arg(m_path));
+}
+
+void UserDefaults::set(const QString &key, const QJsonValue &value)
+{
+    load();
+    m_values.insert(key, value);
+    write();
+}
+
+void UserDefaults::write()
+{
+    if (!m_canWrite) {
+        logLine(QStringLiteral("Failed to write settings %1: the file there cannot be replaced")
+                    .arg(m_path));
+        return;
+    }
+    QDir().mkpath(QFileInfo(m_path).absolutePath());
+    QSaveFile file(m_path);
+    const QByteArray bytes = QJsonDocument(m_values).toJson(QJsonDocument::Indented);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+        logLine(QStringLiteral("Failed to write settings %1: %2").arg(m_path, file.errorString()));
+}
+
+} // namespace tovek

@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QtGlobal>
+
+#include <functional>
+
+namespace tovek {
+
+/// A key and the modifiers that must be held with it, as shortcuts store them.
+struct KeyCombo
+{
+    quint32 carbonKeyCode = 0;   ///< hardware key code by position
+    quint32 carbonModifiers = 0; ///< control 0x1000, option 0x800, shift 0x200, command 0x100
+
+    bool operator==(const KeyCombo &) const = default;
+};
+
+/// System-wide keys. Main thread only.
+///
+/// A combination fires whatever the lock keys are; a key held down fires once. Where the system
+/// reports no release, `onReleased` follows `onPressed` at once (see `reportsRelease`).
+class HotKeys
+{
+public:
+    virtual ~HotKeys() = default;
+    /// 0, or the window system's status: that of its error when another program holds the
+    /// combination, 1 when no key of the keyboard has the code.
+    [[nodiscard]] virtual int grab(quint32 id, KeyCombo combo) = 0;
+    virtual void release(quint32 id) = 0;
+    /// While on, keys that go to this program itself (one of its menus is open) are offered to
+    /// `onRawKey` first.
+    virtual void setWatchingRawKeys(bool isOn) = 0;
+    virtual bool reportsRelease() const = 0;
+    /// True when another program or the desktop itself holds the combination now.
+    virtual bool isTaken(KeyCombo combo) = 0;
+
+    std::function<void(quint32 id)> onPressed;
+    std::function<void(quint32 id)> onReleased;
+    /// True swallows the key: the menu does not see it.
+    std::function<bool(KeyCombo combo, bool isDown)> onRawKey;
+};
+
+} // namespace tovek

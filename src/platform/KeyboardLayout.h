@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QString>
+
+#include <functional>
+#include <optional>
+
+namespace tovek {
+
+/// What the keys of the current layout type. Main thread only.
+class KeyboardLayout
+{
+public:
+    virtual ~KeyboardLayout() = default;
+    /// The one character that the key with this hardware code types without modifiers, in the
+    /// first group of the layout that types Latin letters (the active one, when none does).
+    /// Absent for a dead key, for a key without a character, and for one that does not exist.
+    virtual std::optional<QString> character(int carbonKeyCode) const = 0;
+
+    std::function<void()> onChanged;
+};
+
+} // namespace tovek

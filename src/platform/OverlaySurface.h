@@ -1,0 +1,99 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/ScreenGrabber.h"
+
+#include <QRegion>
+
+#include <functional>
+#include <variant>
+#include <vector>
+
+class QWindow;
+
+namespace tovek {
+
+/// Everything that lies over a frozen display, in native pixels of the display, y down, in paint
+/// order: the frozen picture; a black veil everywhere but in `clear`; then the items.
+struct DisplayList
+{
+    /// A flat rectangle, blended over what lies below.
+    struct Fill
+    {
+        QRect rect;
+        QRgb color = 0; ///< premultiplied
+        bool operator==(const Fill &) const = default;
+    };
+    /// A small picture, blended over what lies below. Two decals with the same key hold the same
+    /// pixels, so that a renderer can keep what it has uploaded.
+    struct Decal
+    {
+        quint64 key = 0;
+        QPoint at;
+        QImage image; ///< Format_ARGB32_Premultiplied, device pixel ratio 1
+        QRect clip;   ///< nothing is painted outside; a null rectangle does not clip
+        bool operator==(const Decal &other) const
+        {
+            return key == other.key && at == other.at && clip == other.clip;
+        }
+    };
+    using Item = std::variant<Fill, Decal>;
+
+    double veil = 0; ///< alpha of the black outside `clear`
+    QRect clear;     ///< empty: the veil lies everywhere
+    std::vector<Item> items;
+
+    bool operator==(const DisplayList &) const = default;
+};
+
+/// What an item covers, in native pixels.
+QRect boundsOf(const DisplayList::Item &item);
+
+/// The pixels in which two lists over the same frozen display can differ; a superset, exact enough
+/// that a small change of the list stays a small region whatever the size of the display.
+QRegion damageBetween(const DisplayList &before, const DisplayList &after);
+
+/// Turns one window into the overlay of one screen: above everything, without animation or shadow,
+/// exactly over the screen's native pixels, showing the frozen display from its first instant on.
+/// Main thread only. The window must outlive the surface.
+class OverlaySurface
+{
+public:
+    virtual ~OverlaySurface() = default;
+    /// Shows the window above everything, whatever is active. When this returns, the request is
+    /// on its way to the display server and nothing needs to be painted first.
+    virtual void orderFrontRegardless() = 0;
+    virtual void orderOut() = 0;
+    virtual bool isVisible() const = 0;
+    /// Brings all keys to this window, without moving the input focus of the desktop where that
+    /// is possible. Where another program holds the keyboard (an open menu), it is asked to let
+    /// go for a moment; `onKeyboardDenied` tells when it did not.
+    virtual void makeKey() = 0;
+    virtual bool isKey() const = 0;
+    /// Shows the list at once. False where the platform cannot draw it; the widget then paints
+    /// itself. Pixels inside `setCovered` are left alone.
+    virtual bool present(const DisplayList &list) = 0;
+    /// The part of the window, in native pixels, that child widgets paint themselves.
+    virtual void setCovered(const QRegion &region) = 0;
+
+    std::function<void()> onKeyboardDenied;
+    /// The screen under the overlay went away; the surface shows nothing any more.
+    std::function<void()> onScreenGone;
+};
+
+/// Makes overlay surfaces. Main thread only.
+class OverlayShell
+{
+public:
+    virtual ~OverlayShell() = default;
+    /// See ScreenGrabber::prepare.
+    virtual void prepare() = 0;
+    /// The window must not have been shown; its geometry and flags are set here.
+    virtual std::unique_ptr<OverlaySurface> create(QWindow &window, const Screen &screen,
+                                                   std::shared_ptr<FrozenDisplay> frozen)
+        = 0;
+};
+
+} // namespace tovek

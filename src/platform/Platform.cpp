@@ -1,0 +1,21 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/Platform.h"
+
+#include "platform/Clipboard.h"
+#include "platform/Clock.h"
+#include "platform/FrontmostApp.h"
+#include "platform/HotKeys.h"
+#include "platform/KeyboardLayout.h"
+#include "platform/OverlaySurface.h"
+#include "platform/ScreenGrabber.h"
+
+namespace tovek {
+
+Platform::Platform() = default;
+Platform::~Platform() = default;
+Platform::Platform(Platform &&) noexcept = default;
+Platform &Platform::operator=(Platform &&) noexcept = default;
+
+} // namespace tovek

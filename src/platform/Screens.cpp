@@ -1,0 +1,17 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/Screens.h"
+
+namespace tovek {
+
+std::optional<Screen> screenContaining(const std::vector<Screen> &screens, Point point)
+{
+    for (const Screen &screen : screens) {
+        if (screen.frame.contains(point))
+            return screen;
+    }
+    return std::nullopt;
+}
+
+} // namespace tovek

@@ -1,0 +1,100 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include <QDirIterator>
+#include <QFile>
+#include <QHash>
+#include <QRegularExpression>
+#include <QTest>
+
+/// Reads every #include under src/ and fails on an arrow that runs upwards or sideways.
+class TestArchitecture : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void includesOnlyWhatTheRoomMayKnow_data()
+    {
+        QTest::addColumn<QString>("file");
+        QDirIterator files(source(), {QStringLiteral("*.h"), QStringLiteral("*.cpp")}, QDir::Files,
+                           QDirIterator::Subdirectories);
+        while (files.hasNext()) {
+            const QString path = files.next().mid(source().size() + 1);
+            QTest::newRow(qPrintable(path)) << path;
+        }
+    }
+    void includesOnlyWhatTheRoomMayKnow()
+    {
+        QFETCH(QString, file);
+        QFile opened(source() + QLatin1Char('/') + file);
+        QVERIFY(opened.open(QIODevice::ReadOnly));
+        static const QRegularExpression include(QStringLiteral("^#include \"([^\"]+)\""),
+                                                QRegularExpression::MultilineOption);
+        auto matches = include.globalMatch(QString::fromUtf8(opened.readAll()));
+        while (matches.hasNext()) {
+            const QString target = matches.next().captured(1);
+            if (target.endsWith(QStringLiteral(".moc")))
+                continue;
+            QVERIFY2(allowed(file, target),
+                     qPrintable(QStringLiteral("%1 includes %2").arg(file, target)));
+        }
+    }
+
+    void knowsAForbiddenArrow()
+    {
+        QVERIFY(!allowed(QStringLiteral("overlay/A.cpp"), QStringLiteral("capture/B.h")));
+        QVERIFY(!allowed(QStringLiteral("annotations/A.cpp"), QStringLiteral("text/B.h")));
+        QVERIFY(!allowed(QStringLiteral("capture/A.cpp"), QStringLiteral("platform/x11/B.h")));
+        QVERIFY(!allowed(QStringLiteral("platform/A.cpp"), QStringLiteral("platform/x11/B.h")));
+        QVERIFY(!allowed(QStringLiteral("platform/x11/A.cpp"), QStringLiteral("overlay/B.h")));
+        QVERIFY(!allowed(QStringLiteral("foundation/A.cpp"), QStringLiteral("platform/B.h")));
+        QVERIFY(!allowed(QStringLiteral("KeyboardShortcuts/A.cpp"), QStringLiteral("app/B.h")));
+        QVERIFY(!allowed(QStringLiteral("app/AppDelegate.cpp"),
+                         QStringLiteral("platform/linux/B.h")));
+        QVERIFY(allowed(QStringLiteral("app/PlatformFactory.cpp"),
+                        QStringLiteral("platform/x11/B.h")));
+        QVERIFY(allowed(QStringLiteral("platform/x11/A.cpp"),
+                        QStringLiteral("platform/linux/B.h")));
+    }
+
+private:
+    static QString source() { return qEnvironmentVariable("TOVEK_SOURCE_DIR") + "/src"; }
+
+    static bool allowed(const QString &from, const QString &to)
+    {
+        // What each room may include beside itself. Rules of a room include no platform; their
+        // library, which links no widgets, guards that by itself.
+        static const QHash<QString, QStringList> rooms {
+            {"foundation", {}},
+            {"platform", {"foundation"}},
+            {"platform/linux", {"platform", "foundation"}},
+            {"platform/x11", {"platform", "platform/linux", "foundation"}},
+            {"platform/wayland", {"platform", "platform/linux", "foundation"}},
+            {"annotations", {"foundation"}},
+            {"text", {"platform", "foundation"}},
+            {"overlay", {"annotations", "text", "platform", "foundation"}},
+            {"feedback", {"platform", "foundation"}},
+            {"update", {"platform", "foundation"}},
+            {"KeyboardShortcuts", {"platform", "foundation"}},
+            {"capture", {"overlay", "annotations", "text", "platform", "foundation"}},
+            {"menubar",
+             {"capture", "overlay", "annotations", "text", "platform", "foundation"}},
+            {"app",
+             {"menubar", "capture", "overlay", "annotations", "text", "KeyboardShortcuts",
+              "feedback", "update", "platform", "foundation"}},
+        };
+        const QString fromRoom = roomOf(from);
+        const QString toRoom = roomOf(to);
+        if (fromRoom == toRoom)
+            return true;
+        // The one place that chooses between the desktop's implementations.
+        if (from.startsWith(QStringLiteral("app/PlatformFactory.")) && toRoom.startsWith("platform"))
+            return true;
+        return rooms.contains(fromRoom) && rooms.value(fromRoom).contains(toRoom);
+    }
+
+    static QString roomOf(const QString &path) { return path.left(path.lastIndexOf('/')); }
+};
+
+QTEST_APPLESS_MAIN(TestArchitecture)
+#include "tst_Architecture.moc"

@@ -1,0 +1,57 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "fakes/FakeOverlayShell.h"
+
+namespace tovek {
+
+FakeOverlaySurface::FakeOverlaySurface(FakeOverlayShell &shell, Screen screen)
+    : m_shell(shell)
+    , m_screen(std::move(screen))
+{
+    m_shell.surfaces.push_back(this);
+}
+
+FakeOverlaySurface::~FakeOverlaySurface()
+{
+    std::erase(m_shell.surfaces, this);
+    if (m_shell.keySurface == this)
+        m_shell.keySurface = nullptr;
+}
+
+void FakeOverlaySurface::orderFrontRegardless()
+{
+    m_isVisible = true;
+    m_shell.events << QStringLiteral("front %1").arg(m_screen.displayId.value_or(0));
+}
+
+void FakeOverlaySurface::orderOut()
+{
+    m_isVisible = false;
+    m_shell.events << QStringLiteral("out %1").arg(m_screen.displayId.value_or(0));
+}
+
+void FakeOverlaySurface::makeKey()
+{
+    m_shell.keySurface = this;
+    m_shell.events << QStringLiteral("key %1").arg(m_screen.displayId.value_or(0));
+}
+
+bool FakeOverlaySurface::isKey() const
+{
+    return m_shell.keySurface == this;
+}
+
+bool FakeOverlaySurface::present(const DisplayList &list)
+{
+    presented.push_back(list);
+    return m_shell.draws;
+}
+
+std::unique_ptr<OverlaySurface> FakeOverlayShell::create(QWindow &, const Screen &screen,
+                                                         std::shared_ptr<FrozenDisplay>)
+{
+    return std::make_unique<FakeOverlaySurface>(*this, screen);
+}
+
+} // namespace tovek

@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/OverlaySurface.h"
+
+#include <QStringList>
+
+namespace tovek {
+
+class FakeOverlayShell;
+
+/// A surface that shows nothing and remembers what it was told.
+class FakeOverlaySurface : public OverlaySurface
+{
+public:
+    FakeOverlaySurface(FakeOverlayShell &shell, Screen screen);
+    ~FakeOverlaySurface() override;
+    void orderFrontRegardless() override;
+    void orderOut() override;
+    bool isVisible() const override { return m_isVisible; }
+    void makeKey() override;
+    bool isKey() const override;
+    bool present(const DisplayList &list) override;
+    void setCovered(const QRegion &region) override { covered = region; }
+
+    const Screen &screen() const { return m_screen; }
+
+    std::vector<DisplayList> presented;
+    QRegion covered;
+
+private:
+    FakeOverlayShell &m_shell;
+    Screen m_screen;
+    bool m_isVisible = false;
+};
+
+class FakeOverlayShell : public OverlayShell
+{
+public:
+    void prepare() override { ++preparations; }
+    std::unique_ptr<OverlaySurface> create(QWindow &window, const Screen &screen,
+                                           std::shared_ptr<FrozenDisplay> frozen) override;
+
+    int preparations = 0;
+    bool draws = true;  ///< false: widgets must paint themselves
+    QStringList events; ///< "front 1", "key 1", "out 1": with the display's number
+    std::vector<FakeOverlaySurface *> surfaces; ///< alive, in order of creation
+    FakeOverlaySurface *keySurface = nullptr;
+};
+
+} // namespace tovek

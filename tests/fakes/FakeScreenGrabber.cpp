@@ -1,0 +1,75 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "fakes/FakeScreenGrabber.h"
+
+namespace tovek {
+
+namespace {
+
+template <typename T>
+QFuture<T> ready(T value)
+{
+    QPromise<T> promise;
+    promise.start();
+    promise.addResult(std::move(value));
+    promise.finish();
+    return promise.future();
+}
+
+} // namespace
+
+QFuture<QImage> FakeFrozenDisplay::pixels()
+{
+    return ready(m_image);
+}
+
+std::optional<ShareableContent> FakeScreenGrabber::shareableContent()
+{
+    if (!hasContent)
+        return std::nullopt;
+    ShareableContent content;
+    for (const auto &[id, image] : images)
+        content.displays.push_back({id, image.rect()});
+    return content;
+}
+
+QFuture<ScreenGrabber::Result> FakeScreenGrabber::capture(const ShareableContent &,
+                                                          const CaptureDisplay &display,
+                                                          const std::vector<quint32> &)
+{
+    const auto held = m_held.find(display.displayId);
+    if (held == m_held.end())
+        return ready(resultFor(display.displayId));
+    held->second = std::make_shared<Held>();
+    held->second->promise.start();
+    return held->second->promise.future();
+}
+
+void FakeScreenGrabber::finish(quint32 displayId)
+{
+    const std::shared_ptr<Held> held = m_held.at(displayId);
+    m_held.erase(displayId);
+    held->promise.addResult(resultFor(displayId));
+    held->promise.finish();
+}
+
+QImage FakeScreenGrabber::captureFallback(QRect native, const std::vector<quint32> &)
+{
+    fallbackRects.push_back(native);
+    return fallbackImage;
+}
+
+std::shared_ptr<FrozenDisplay> FakeScreenGrabber::frozenFromImage(const QImage &image)
+{
+    return std::make_shared<FakeFrozenDisplay>(image);
+}
+
+ScreenGrabber::Result FakeScreenGrabber::resultFor(quint32 displayId) const
+{
+    if (const auto error = errors.find(displayId); error != errors.end())
+        return {nullptr, error->second};
+    return {std::make_shared<FakeFrozenDisplay>(images.at(displayId)), {}};
+}
+
+} // namespace tovek
