@@ -71,7 +71,7 @@ QString toString(const Rect &rect);
 /// and native pixels with y down (images). The only place where y is flipped.
 struct ViewSpace
 {
-    Size size;        ///< of the view, in points
+    Size size; ///< of the view, in points
     double scale = 1; ///< native pixels per point; need not be whole
 
     Point pointFromWidget(QPointF p) const { return {p.x(), size.height - p.y()}; }

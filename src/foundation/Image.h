@@ -15,7 +15,7 @@ namespace tovek {
 struct Image
 {
     QImage bitmap; ///< Format_RGB32 for what was captured, never with a device pixel ratio
-    Size size;     ///< points
+    Size size; ///< points
 
     bool isEmpty() const { return bitmap.isNull(); }
     /// Pixels per point; 1 for an image without a bitmap or without a width.

@@ -14,7 +14,7 @@ enum class KeyFlag : quint32 {
     capsLock = 0x10000,
     shift = 0x20000,
     control = 0x40000,
-    option = 0x80000,   ///< Alt
+    option = 0x80000, ///< Alt
     command = 0x100000, ///< Super for global shortcuts, Ctrl or Super inside our own windows
     numericPad = 0x200000,
     help = 0x400000,

@@ -14,10 +14,7 @@
 
 namespace tovek {
 
-UserDefaults::UserDefaults(QString path)
-    : m_path(std::move(path))
-{
-}
+UserDefaults::UserDefaults(QString path) : m_path(std::move(path)) { }
 
 std::optional<QString> UserDefaults::string(const QString &key) const
 {

@@ -16,7 +16,7 @@ namespace tovek {
 struct RunningApplication
 {
     quint64 window = 0; ///< the window that was active
-    quint64 focus = 0;  ///< the window that had the keyboard, where that is another one
+    quint64 focus = 0; ///< the window that had the keyboard, where that is another one
     qint64 processId = 0;
 
     bool operator==(const RunningApplication &) const = default;

@@ -12,7 +12,7 @@ namespace tovek {
 /// A key and the modifiers that must be held with it, as shortcuts store them.
 struct KeyCombo
 {
-    quint32 carbonKeyCode = 0;   ///< hardware key code by position
+    quint32 carbonKeyCode = 0; ///< hardware key code by position
     quint32 carbonModifiers = 0; ///< control 0x1000, option 0x800, shift 0x200, command 0x100
 
     bool operator==(const KeyCombo &) const = default;

@@ -19,8 +19,8 @@ QRegion damageBetween(const DisplayList &before, const DisplayList &after)
     QRegion damage;
     if (before.veil != after.veil) {
         // The veil lies outside of both holes.
-        damage = QRegion(-(1 << 14), -(1 << 14), 1 << 15, 1 << 15)
-            - QRegion(before.clear & after.clear);
+        damage =
+            QRegion(-(1 << 14), -(1 << 14), 1 << 15, 1 << 15) - QRegion(before.clear & after.clear);
     } else if (before.clear != after.clear && after.veil > 0) {
         damage = QRegion(before.clear).xored(QRegion(after.clear));
     }

@@ -33,7 +33,7 @@ struct DisplayList
         quint64 key = 0;
         QPoint at;
         QImage image; ///< Format_ARGB32_Premultiplied, device pixel ratio 1
-        QRect clip;   ///< nothing is painted outside; a null rectangle does not clip
+        QRect clip; ///< nothing is painted outside; a null rectangle does not clip
         bool operator==(const Decal &other) const
         {
             return key == other.key && at == other.at && clip == other.clip;
@@ -42,7 +42,7 @@ struct DisplayList
     using Item = std::variant<Fill, Decal>;
 
     double veil = 0; ///< alpha of the black outside `clear`
-    QRect clear;     ///< empty: the veil lies everywhere
+    QRect clear; ///< empty: the veil lies everywhere
     std::vector<Item> items;
 
     bool operator==(const DisplayList &) const = default;
@@ -92,8 +92,7 @@ public:
     virtual void prepare() = 0;
     /// The window must not have been shown; its geometry and flags are set here.
     virtual std::unique_ptr<OverlaySurface> create(QWindow &window, const Screen &screen,
-                                                   std::shared_ptr<FrozenDisplay> frozen)
-        = 0;
+                                                   std::shared_ptr<FrozenDisplay> frozen) = 0;
 };
 
 } // namespace tovek

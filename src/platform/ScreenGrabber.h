@@ -41,8 +41,8 @@ struct CaptureDisplay
 struct ShareableContent
 {
     std::vector<CaptureDisplay> displays;
-    std::vector<quint32> windows;    ///< identifiers of the windows on the screen, bottom to top
-    std::shared_ptr<void> snapshot;  ///< the grabber's own; released with the content
+    std::vector<quint32> windows; ///< identifiers of the windows on the screen, bottom to top
+    std::shared_ptr<void> snapshot; ///< the grabber's own; released with the content
 };
 
 /// Takes pictures of displays. Main thread unless stated otherwise.
@@ -52,7 +52,7 @@ public:
     struct Result
     {
         std::shared_ptr<FrozenDisplay> frozen; ///< null when the capture failed
-        QString error;                         ///< a readable reason, when it failed
+        QString error; ///< a readable reason, when it failed
     };
 
     virtual ~ScreenGrabber() = default;
@@ -63,8 +63,7 @@ public:
     virtual std::optional<ShareableContent> shareableContent() = 0;
     /// One display of the content without the windows given.
     virtual QFuture<Result> capture(const ShareableContent &content, const CaptureDisplay &display,
-                                    const std::vector<quint32> &excludedWindows)
-        = 0;
+                                    const std::vector<quint32> &excludedWindows) = 0;
     /// The older and slower way: an image of a rectangle of the live desktop (native pixels, y
     /// down, global), without the windows from the first excluded one upwards. Any thread. A null
     /// image on failure.

@@ -18,11 +18,11 @@ namespace tovek {
 struct Screen
 {
     std::optional<quint32> displayId; ///< absent when the window system cannot identify it
-    QString name;       ///< as the user knows it
-    Rect frame;         ///< points, y up, global; origin at the first screen's bottom left corner
-    Rect visibleFrame;  ///< the frame without panels and docks
-    QRect native;       ///< native pixels, y down, global
-    double scale = 1;   ///< native pixels per point; need not be whole
+    QString name; ///< as the user knows it
+    Rect frame; ///< points, y up, global; origin at the first screen's bottom left corner
+    Rect visibleFrame; ///< the frame without panels and docks
+    QRect native; ///< native pixels, y down, global
+    double scale = 1; ///< native pixels per point; need not be whole
 
     ViewSpace space() const { return {frame.size(), scale}; }
     bool operator==(const Screen &) const = default;

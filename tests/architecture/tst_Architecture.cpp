@@ -49,12 +49,12 @@ private Q_SLOTS:
         QVERIFY(!allowed(QStringLiteral("platform/x11/A.cpp"), QStringLiteral("overlay/B.h")));
         QVERIFY(!allowed(QStringLiteral("foundation/A.cpp"), QStringLiteral("platform/B.h")));
         QVERIFY(!allowed(QStringLiteral("KeyboardShortcuts/A.cpp"), QStringLiteral("app/B.h")));
-        QVERIFY(!allowed(QStringLiteral("app/AppDelegate.cpp"),
-                         QStringLiteral("platform/linux/B.h")));
-        QVERIFY(allowed(QStringLiteral("app/PlatformFactory.cpp"),
-                        QStringLiteral("platform/x11/B.h")));
-        QVERIFY(allowed(QStringLiteral("platform/x11/A.cpp"),
-                        QStringLiteral("platform/linux/B.h")));
+        QVERIFY(
+            !allowed(QStringLiteral("app/AppDelegate.cpp"), QStringLiteral("platform/linux/B.h")));
+        QVERIFY(
+            allowed(QStringLiteral("app/PlatformFactory.cpp"), QStringLiteral("platform/x11/B.h")));
+        QVERIFY(
+            allowed(QStringLiteral("platform/x11/A.cpp"), QStringLiteral("platform/linux/B.h")));
     }
 
 private:
@@ -64,7 +64,7 @@ private:
     {
         // What each room may include beside itself. Rules of a room include no platform; their
         // library, which links no widgets, guards that by itself.
-        static const QHash<QString, QStringList> rooms {
+        static const QHash<QString, QStringList> rooms{
             {"foundation", {}},
             {"platform", {"foundation"}},
             {"platform/linux", {"platform", "foundation"}},
@@ -77,8 +77,7 @@ private:
             {"update", {"platform", "foundation"}},
             {"KeyboardShortcuts", {"platform", "foundation"}},
             {"capture", {"overlay", "annotations", "text", "platform", "foundation"}},
-            {"menubar",
-             {"capture", "overlay", "annotations", "text", "platform", "foundation"}},
+            {"menubar", {"capture", "overlay", "annotations", "text", "platform", "foundation"}},
             {"app",
              {"menubar", "capture", "overlay", "annotations", "text", "KeyboardShortcuts",
               "feedback", "update", "platform", "foundation"}},
@@ -88,7 +87,8 @@ private:
         if (fromRoom == toRoom)
             return true;
         // The one place that chooses between the desktop's implementations.
-        if (from.startsWith(QStringLiteral("app/PlatformFactory.")) && toRoom.startsWith("platform"))
+        if (from.startsWith(QStringLiteral("app/PlatformFactory."))
+            && toRoom.startsWith("platform"))
             return true;
         return rooms.contains(fromRoom) && rooms.value(fromRoom).contains(toRoom);
     }

@@ -7,8 +7,7 @@
 
 namespace tovek {
 
-void FakeClock::after(std::chrono::milliseconds delay, QObject *context,
-                      std::function<void()> call)
+void FakeClock::after(std::chrono::milliseconds delay, QObject *context, std::function<void()> call)
 {
     m_calls.push_back({m_elapsed + delay, m_serial++, context, std::move(call)});
 }
@@ -17,8 +16,8 @@ void FakeClock::advance(std::chrono::milliseconds time)
 {
     const auto end = m_elapsed + time;
     while (true) {
-        const auto next = std::min_element(
-            m_calls.begin(), m_calls.end(), [](const Call &a, const Call &b) {
+        const auto next =
+            std::min_element(m_calls.begin(), m_calls.end(), [](const Call &a, const Call &b) {
                 return std::pair(a.due, a.serial) < std::pair(b.due, b.serial);
             });
         if (next == m_calls.end() || next->due > end)

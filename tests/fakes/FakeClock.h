@@ -33,8 +33,8 @@ private:
         std::function<void()> function;
     };
 
-    QDateTime m_now {QDate(2025, 3, 7), QTime(14, 5, 9)};
-    std::chrono::milliseconds m_elapsed {0};
+    QDateTime m_now{QDate(2025, 3, 7), QTime(14, 5, 9)};
+    std::chrono::milliseconds m_elapsed{0};
     quint64 m_serial = 0;
     std::vector<Call> m_calls;
 };

@@ -44,7 +44,7 @@ public:
                                            std::shared_ptr<FrozenDisplay> frozen) override;
 
     int preparations = 0;
-    bool draws = true;  ///< false: widgets must paint themselves
+    bool draws = true; ///< false: widgets must paint themselves
     QStringList events; ///< "front 1", "key 1", "out 1": with the display's number
     std::vector<FakeOverlaySurface *> surfaces; ///< alive, in order of creation
     FakeOverlaySurface *keySurface = nullptr;

@@ -15,10 +15,7 @@ namespace tovek {
 class FakeFrozenDisplay : public FrozenDisplay
 {
 public:
-    explicit FakeFrozenDisplay(QImage image)
-        : m_image(std::move(image))
-    {
-    }
+    explicit FakeFrozenDisplay(QImage image) : m_image(std::move(image)) { }
     QSize size() const override { return m_image.size(); }
     QFuture<QImage> pixels() override;
 
@@ -43,7 +40,7 @@ public:
 
     std::map<quint32, QImage> images;
     std::map<quint32, QString> errors; ///< displays whose capture fails, with the reason
-    QImage fallbackImage;              ///< null: the fallback fails too
+    QImage fallbackImage; ///< null: the fallback fails too
     bool hasContent = true;
     int preparations = 0;
     std::vector<QRect> fallbackRects;

@@ -28,12 +28,12 @@ private Q_SLOTS:
     {
         QFETCH(double, x);
         QFETCH(double, y);
-        QTEST((Rect {10, 20, 30, 40}.contains({x, y})), "expected");
+        QTEST((Rect{10, 20, 30, 40}.contains({x, y})), "expected");
     }
 
     void spansTwoPointsInAnyOrder()
     {
-        const Rect expected {1, 2, 3, 4};
+        const Rect expected{1, 2, 3, 4};
         QVERIFY((Rect::spanning({1, 2}, {4, 6}) == expected));
         QVERIFY((Rect::spanning({4, 6}, {1, 2}) == expected));
         QVERIFY((Rect::spanning({1, 6}, {4, 2}) == expected));
@@ -41,9 +41,9 @@ private Q_SLOTS:
 
     void flipsOnceBetweenPointsAndWidgets()
     {
-        const ViewSpace space {{1440, 900}, 2};
+        const ViewSpace space{{1440, 900}, 2};
         QCOMPARE(space.widgetFromPoint({10, 0}), QPointF(10, 900));
-        QVERIFY((space.pointFromWidget({10, 0}) == Point {10, 900}));
+        QVERIFY((space.pointFromWidget({10, 0}) == Point{10, 900}));
         QCOMPARE(space.widgetFromRect({10, 20, 30, 40}), QRectF(10, 840, 30, 40));
         QCOMPARE(space.pixelsFromRect({10, 20, 30, 40}), QRectF(20, 1680, 60, 80));
     }

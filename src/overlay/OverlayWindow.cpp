@@ -1,0 +1,97 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "overlay/OverlayWindow.h"
+
+#include <QEvent>
+#include <QPointer>
+#include <QWindow>
+
+namespace tovek {
+
+OverlayWindow::OverlayWindow(const OverlayContext &context, OverlayShell &shell)
+    : QWidget(nullptr,
+              Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint
+                  | Qt::BypassWindowManagerHint)
+    , m_targetScreen(context.screen)
+    , m_selectionView(new SelectionOverlayView(context, this))
+{
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_NoSystemBackground);
+    setWindowTitle(QStringLiteral("Tovek"));
+    resize(qRound(m_targetScreen.frame.width), qRound(m_targetScreen.frame.height));
+    winId(); // the surface needs the native window, before anything is shown
+    m_surface = shell.create(*windowHandle(), m_targetScreen, context.screenshot);
+    m_surface->onScreenGone = [this] {
+        if (onScreenGone)
+            onScreenGone();
+    };
+    m_surface->onKeyboardDenied = [this] {
+        if (onKeyboardDenied)
+            onKeyboardDenied();
+    };
+    m_selectionView->setGeometry(rect());
+    m_selectionView->setSurface(m_surface.get());
+    m_selectionView->installEventFilter(this);
+    forwardCallbacks();
+}
+
+OverlayWindow::~OverlayWindow()
+{
+    m_selectionView->setSurface(nullptr);
+}
+
+void OverlayWindow::orderFrontRegardless()
+{
+    m_surface->orderFrontRegardless();
+}
+
+void OverlayWindow::makeKey()
+{
+    m_surface->makeKey();
+    m_selectionView->setFocus();
+}
+
+void OverlayWindow::orderOut()
+{
+    m_surface->orderOut();
+}
+
+void OverlayWindow::activeSpaceDidChange()
+{
+    if (!m_surface->isVisible() || m_surface->isKey())
+        return;
+    makeKey();
+    m_selectionView->setCaptureCursor();
+}
+
+bool OverlayWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    // A press on another screen's overlay brings the keyboard there and acts there at once.
+    if (event->type() == QEvent::MouseButtonPress && !m_surface->isKey())
+        makeKey();
+    return QWidget::eventFilter(watched, event);
+}
+
+void OverlayWindow::forwardCallbacks()
+{
+    const QPointer<OverlayWindow> window(this);
+    // One lambda a callback, all of one shape: hold the window weakly, call its own of that name.
+    const auto forward = [window](auto OverlayCallbacks::*member) {
+        return [window, member](const auto &...argument) {
+            if (window && window->callbacks.*member)
+                (window->callbacks.*member)(argument...);
+        };
+    };
+    OverlayCallbacks &view = m_selectionView->callbacks;
+    view.onCancel = forward(&OverlayCallbacks::onCancel);
+    view.onSelectionComplete = forward(&OverlayCallbacks::onSelectionComplete);
+    view.onCopyImage = forward(&OverlayCallbacks::onCopyImage);
+    view.onCopyAnnotatedImage = forward(&OverlayCallbacks::onCopyAnnotatedImage);
+    view.onCopyAllText = forward(&OverlayCallbacks::onCopyAllText);
+    view.onCopySelectedText = forward(&OverlayCallbacks::onCopySelectedText);
+    view.onSaveImage = forward(&OverlayCallbacks::onSaveImage);
+    view.onSaveAnnotatedImage = forward(&OverlayCallbacks::onSaveAnnotatedImage);
+}
+
+} // namespace tovek

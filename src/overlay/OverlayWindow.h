@@ -1,0 +1,46 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "overlay/SelectionOverlayView.h"
+
+namespace tovek {
+
+/// The borderless window over one screen, filled by one view. Lives for one capture.
+class OverlayWindow : public QWidget
+{
+public:
+    OverlayWindow(const OverlayContext &context, OverlayShell &shell);
+    ~OverlayWindow() override;
+
+    SelectionOverlayView *selectionView() const { return m_selectionView; }
+    const Screen &targetScreen() const { return m_targetScreen; }
+
+    void orderFrontRegardless();
+    /// Takes the keyboard; the view is its receiver.
+    void makeKey();
+    void orderOut();
+    /// The desktop changed under the overlay: a visible overlay that lost the keyboard by that
+    /// takes it back.
+    void activeSpaceDidChange();
+
+    /// Reports of the view, passed on.
+    OverlayCallbacks callbacks;
+    /// The screen under this window went away; the window shows nothing any more.
+    std::function<void()> onScreenGone;
+    /// The keyboard could not be had: without it nobody could leave the overlay.
+    std::function<void()> onKeyboardDenied;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void forwardCallbacks();
+
+    Screen m_targetScreen;
+    SelectionOverlayView *m_selectionView;
+    std::unique_ptr<OverlaySurface> m_surface;
+};
+
+} // namespace tovek
