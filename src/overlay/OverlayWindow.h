@@ -20,6 +20,7 @@ public:
     void orderFrontRegardless();
     /// Takes the keyboard; the view is its receiver.
     void makeKey();
+    bool isKey() const { return m_surface->isKey(); }
     void orderOut();
     /// The desktop changed under the overlay: a visible overlay that lost the keyboard by that
     /// takes it back.

@@ -1,0 +1,246 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "fakes/FakeClock.h"
+#include "fakes/FakeOverlayShell.h"
+#include "fakes/FakeScreenGrabber.h"
+#include "fakes/FakeScreens.h"
+#include "overlay/OverlayWindow.h"
+
+#include <QTest>
+
+using namespace tovek;
+using namespace std::chrono_literals;
+
+namespace {
+
+QImage plain(QSize size)
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(Qt::darkGreen);
+    return image;
+}
+
+/// A window over a screen of 400 by 300 points at scale 2, and what it reported.
+struct Fixture
+{
+    explicit Fixture(CaptureMode mode = CaptureMode::normal)
+        : screen(FakeScreens::screen(1, {0, 0, 400, 300}, 2))
+        , window({screen, std::make_shared<FakeFrozenDisplay>(plain({800, 600})), mode, clock},
+                 shell)
+    {
+        window.callbacks.onCancel = [this] { reports << QStringLiteral("cancel"); };
+        window.callbacks.onSelectionComplete = [this](const Rect &rect) {
+            reports << "complete " + toString(rect);
+        };
+        window.callbacks.onCopyImage = [this](const Rect &rect) {
+            reports << "copy " + toString(rect);
+        };
+        window.callbacks.onSaveImage = [this](const Rect &rect) {
+            reports << "save " + toString(rect);
+        };
+        window.orderFrontRegardless();
+    }
+
+    SelectionOverlayView *view() { return window.selectionView(); }
+    FakeOverlaySurface &surface() { return *shell.surfaces.front(); }
+    /// From one point to another, in widget coordinates.
+    void drag(QPoint from, QPoint to)
+    {
+        QTest::mousePress(view(), Qt::LeftButton, {}, from);
+        move(to);
+        QTest::mouseRelease(view(), Qt::LeftButton, {}, to);
+    }
+    void move(QPoint to)
+    {
+        QMouseEvent event(QEvent::MouseMove, to, to, Qt::NoButton, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(view(), &event);
+    }
+    void key(Qt::Key code, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(view(), code, modifiers);
+    }
+
+    FakeClock clock;
+    FakeOverlayShell shell;
+    Screen screen;
+    OverlayWindow window;
+    QStringList reports;
+};
+
+} // namespace
+
+class TestOverlayWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void reportsASelectionWithYUp()
+    {
+        Fixture f;
+        f.drag({100, 50}, {200, 80});
+        QCOMPARE(f.reports, QStringList{"complete (100, 220, 100, 30)"});
+        QVERIFY(f.view()->isSelectionFinalized());
+    }
+
+    void showsNothingOfItsOwnBeforeThePress()
+    {
+        Fixture f;
+        QVERIFY(f.surface().presented.empty());
+    }
+
+    void showsEachStepOfADragInPixels()
+    {
+        Fixture f;
+        QTest::mousePress(f.view(), Qt::LeftButton, {}, QPoint(100, 50));
+        f.move({150, 90});
+        QCOMPARE(f.surface().presented.back().clear, QRect(200, 100, 100, 80));
+        f.clock.advance(200ms);
+        QCOMPARE(f.surface().presented.back().veil, 0.5);
+        const size_t shown = f.surface().presented.size();
+        f.move({150, 90});
+        QCOMPARE(f.surface().presented.size(), shown);
+    }
+
+    void forgetsATooSmallSelection()
+    {
+        Fixture f;
+        f.drag({100, 50}, {110, 90});
+        QVERIFY(f.reports.isEmpty());
+        QVERIFY(!f.view()->selectionRect());
+        f.key(Qt::Key_Return);
+        QVERIFY(f.reports.isEmpty());
+    }
+
+    void actsOnItsKeys_data()
+    {
+        QTest::addColumn<Qt::Key>("code");
+        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+        QTest::addColumn<QString>("report");
+        const QString copied = QStringLiteral("copy (100, 220, 100, 30)");
+        const QString saved = QStringLiteral("save (100, 220, 100, 30)");
+        const auto row = [](const char *name, Qt::Key code, Qt::KeyboardModifiers modifiers,
+                            const QString &report) {
+            QTest::newRow(name) << code << modifiers << report;
+        };
+        row("Return", Qt::Key_Return, {}, copied);
+        row("Space", Qt::Key_Space, {}, copied);
+        row("Ctrl C", Qt::Key_C, Qt::ControlModifier, copied);
+        row("Super C", Qt::Key_C, Qt::MetaModifier, copied);
+        row("Ctrl S", Qt::Key_S, Qt::ControlModifier, saved);
+        row("Ctrl Shift S", Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier, {});
+        row("Escape", Qt::Key_Escape, {}, QStringLiteral("cancel"));
+        row("s", Qt::Key_S, {}, {});
+        row("Delete", Qt::Key_Delete, {}, {});
+    }
+    void actsOnItsKeys()
+    {
+        QFETCH(Qt::Key, code);
+        QFETCH(Qt::KeyboardModifiers, modifiers);
+        QFETCH(QString, report);
+        Fixture f;
+        f.drag({100, 50}, {200, 80});
+        f.reports.clear();
+        f.key(code, modifiers);
+        QCOMPARE(f.reports, report.isEmpty() ? QStringList() : QStringList{report});
+    }
+
+    void cancelsBeforeAnySelection()
+    {
+        Fixture f;
+        f.key(Qt::Key_Escape);
+        QCOMPARE(f.reports, QStringList{"cancel"});
+    }
+
+    void resizesAndReportsAgain()
+    {
+        Fixture f;
+        f.drag({100, 50}, {200, 80});
+        f.reports.clear();
+        f.drag({205, 60}, {245, 60});
+        QCOMPARE(f.reports, QStringList{"complete (100, 220, 140, 30)"});
+    }
+
+    void ignoresAPressBesideAFinalisedSelection()
+    {
+        Fixture f;
+        f.drag({100, 50}, {200, 80});
+        f.reports.clear();
+        f.drag({300, 200}, {380, 280});
+        QVERIFY(f.reports.isEmpty());
+        QVERIFY((f.view()->selectionRect() == Rect{100, 220, 100, 30}));
+    }
+
+    void showsTheCursorOfThePlace_data()
+    {
+        QTest::addColumn<QPoint>("at");
+        QTest::addColumn<Qt::CursorShape>("shape");
+        QTest::newRow("left edge") << QPoint(96, 65) << Qt::SizeHorCursor;
+        QTest::newRow("right edge") << QPoint(204, 65) << Qt::SizeHorCursor;
+        QTest::newRow("top edge") << QPoint(150, 46) << Qt::SizeVerCursor;
+        QTest::newRow("bottom edge") << QPoint(150, 84) << Qt::SizeVerCursor;
+        QTest::newRow("top left") << QPoint(95, 45) << Qt::SizeFDiagCursor;
+        QTest::newRow("bottom right") << QPoint(205, 85) << Qt::SizeFDiagCursor;
+        QTest::newRow("top right") << QPoint(205, 45) << Qt::SizeBDiagCursor;
+        QTest::newRow("bottom left") << QPoint(95, 85) << Qt::SizeBDiagCursor;
+        QTest::newRow("inside") << QPoint(150, 65) << Qt::ArrowCursor;
+        QTest::newRow("outside") << QPoint(300, 200) << Qt::ArrowCursor;
+    }
+    void showsTheCursorOfThePlace()
+    {
+        QFETCH(QPoint, at);
+        Fixture f;
+        QCOMPARE(f.view()->cursor().shape(), Qt::CrossCursor);
+        f.drag({100, 50}, {200, 80});
+        QMouseEvent event(QEvent::MouseMove, at, at, Qt::NoButton, Qt::NoButton, {});
+        QCoreApplication::sendEvent(f.view(), &event);
+        QTEST(f.view()->cursor().shape(), "shape");
+    }
+
+    void drawsHandlesInNormalModeOnly()
+    {
+        Fixture normal;
+        normal.drag({100, 50}, {200, 80});
+        Fixture copies(CaptureMode::copyImage);
+        copies.drag({100, 50}, {200, 80});
+        QCOMPARE(normal.surface().presented.back().items.size(),
+                 copies.surface().presented.back().items.size() + 4);
+    }
+
+    void takesTheKeyboardWithAPress()
+    {
+        Fixture f;
+        QVERIFY(!f.window.isKey());
+        QTest::mousePress(f.view(), Qt::LeftButton, {}, QPoint(10, 10));
+        QVERIFY(f.window.isKey());
+    }
+
+    void takesTheKeyboardBackAfterAChangeOfDesktop()
+    {
+        Fixture f;
+        f.window.activeSpaceDidChange();
+        QVERIFY(f.window.isKey());
+        f.window.orderOut();
+        f.shell.keySurface = nullptr;
+        f.window.activeSpaceDidChange();
+        QVERIFY(!f.window.isKey());
+    }
+
+    void paintsItselfWhereThePlatformCannotDraw()
+    {
+        Fixture f;
+        f.shell.draws = false;
+        f.drag({100, 50}, {200, 80});
+        f.clock.advance(200ms);
+        const QImage shown = f.view()->grab().toImage();
+        QCOMPARE(shown.pixelColor(shown.width() * 150 / 400, shown.height() * 65 / 300),
+                 QColor(Qt::darkGreen));
+        QCOMPARE(shown.pixelColor(shown.width() * 300 / 400, shown.height() * 200 / 300).green(),
+                 64);
+    }
+};
+
+QTEST_MAIN(TestOverlayWindow)
+#include "tst_OverlayWindow.moc"
