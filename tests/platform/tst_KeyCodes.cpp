@@ -74,10 +74,10 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("carbon");
         QTest::addColumn<std::vector<int>>("evdev");
-        QTest::newRow("Print Screen and F13") << 105 << std::vector<int> {99, 183};
-        QTest::newRow("Scroll Lock and F14") << 107 << std::vector<int> {70, 184};
-        QTest::newRow("Pause and F15") << 113 << std::vector<int> {119, 185};
-        QTest::newRow("Insert and Help") << 114 << std::vector<int> {110, 138};
+        QTest::newRow("Print Screen and F13") << 105 << std::vector<int>{99, 183};
+        QTest::newRow("Scroll Lock and F14") << 107 << std::vector<int>{70, 184};
+        QTest::newRow("Pause and F15") << 113 << std::vector<int>{119, 185};
+        QTest::newRow("Insert and Help") << 114 << std::vector<int>{110, 138};
     }
     void putsTheCommonOfTwoKeysFirst()
     {
