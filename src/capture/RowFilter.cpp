@@ -62,7 +62,7 @@ RowFilter chooseFilter(const uint8_t *rows, size_t rowCount, size_t stride, size
     Sample sample;
     for (size_t y = 1 + (rowCount - 2) % sampleStep / 2; y < rowCount; y += sampleStep)
         sample.add(rows + y * stride, rows + (y - 1) * stride, rowBytes, pixelBytes);
-    if (2 * sample.repeats >= sample.bytes)
+    if (2 * sample.repeats >= sample.pixels)
         return RowFilter::none;
     RowFilter best = RowFilter::average;
     for (const RowFilter filter : {RowFilter::up, RowFilter::sub}) {

@@ -194,7 +194,7 @@ private Q_SLOTS:
             return encodePng(picture(size, kind, QImage::Format_RGB32)).size();
         };
         QVERIFY(sizeOf(Picture::flat) * 100 < sizeOf(Picture::noise));
-        QVERIFY(sizeOf(Picture::gradient) * 8 < sizeOf(Picture::noise));
+        QVERIFY(sizeOf(Picture::gradient) * 20 < sizeOf(Picture::noise));
     }
 
     void joinsAdlerSums()
