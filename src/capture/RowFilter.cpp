@@ -28,8 +28,8 @@ uint32_t magnitude(uint8_t difference)
 
 struct Sample
 {
-    size_t repeats = 0; ///< bytes equal to the pixel on the left or above
-    size_t bytes = 0;
+    size_t repeats = 0; ///< pixels equal to the one on the left or above
+    size_t pixels = 0;
     std::array<size_t, 4> cost{};
 
     void add(const uint8_t *row, const uint8_t *above, size_t rowBytes, size_t pixelBytes)
