@@ -34,21 +34,33 @@ struct Sample
 
     void add(const uint8_t *row, const uint8_t *above, size_t rowBytes, size_t pixelBytes)
     {
-        uint32_t equal = 0;
         uint32_t sub = 0;
         uint32_t up = 0;
         uint32_t average = 0;
         for (size_t i = pixelBytes; i < rowBytes; ++i) {
-            equal += uint32_t((row[i] == row[i - pixelBytes]) | (row[i] == above[i]));
             sub += magnitude(uint8_t(row[i] - row[i - pixelBytes]));
             up += magnitude(uint8_t(row[i] - above[i]));
             average += magnitude(uint8_t(row[i] - averageOf(row[i - pixelBytes], above[i])));
         }
-        repeats += equal;
-        bytes += rowBytes - pixelBytes;
+        countRepeats(row, above, rowBytes, pixelBytes);
         cost[size_t(RowFilter::sub)] += sub;
         cost[size_t(RowFilter::up)] += up;
         cost[size_t(RowFilter::average)] += average;
+    }
+
+    void countRepeats(const uint8_t *row, const uint8_t *above, size_t rowBytes,
+                      size_t pixelBytes)
+    {
+        for (size_t x = pixelBytes; x < rowBytes; x += pixelBytes) {
+            bool isLeft = true;
+            bool isAbove = true;
+            for (size_t i = x; i < x + pixelBytes; ++i) {
+                isLeft &= row[i] == row[i - pixelBytes];
+                isAbove &= row[i] == above[i];
+            }
+            repeats += isLeft | isAbove;
+            ++pixels;
+        }
     }
 };
 
