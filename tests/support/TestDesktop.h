@@ -1,0 +1,78 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "support/XServer.h"
+
+#include <QRect>
+#include <QTemporaryDir>
+
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace tovek {
+
+/// What a test desktop has.
+struct DesktopPlan
+{
+    QSize size{1280, 800};
+    int depth = 24;
+    QString windowManager = QStringLiteral("openbox"); ///< empty: none
+    bool hasBus = true;
+    bool hasCompositor = false;
+    std::vector<QRect> monitors; ///< native pixels, the first is primary; empty: one, of all pixels
+};
+
+/// A desktop of a test's own: X server, window manager, session bus, and a home that nobody else
+/// uses. Everything in it ends with it and leaves no file behind.
+class TestDesktop
+{
+public:
+    explicit TestDesktop(DesktopPlan plan = {});
+    ~TestDesktop();
+
+    /// The reason why this desktop cannot run on this machine; empty when it can.
+    static QString missing(const DesktopPlan &plan = {});
+
+    [[nodiscard]] bool start();
+    QString error() const { return m_error; }
+
+    XServer &server() { return m_server; }
+    QString displayName() const { return m_server.displayName(); }
+    /// What programs on this desktop are started with; nothing of the test's own session.
+    const QProcessEnvironment &environment() const { return m_environment; }
+    QString home() const { return m_folder.filePath(QStringLiteral("home")); }
+    QString configFolder() const { return home() + QStringLiteral("/.config"); }
+    QString downloads() const { return home() + QStringLiteral("/Downloads"); }
+
+    /// A program on this desktop; null when it cannot be started. It ends with the desktop at the
+    /// latest, the last one first.
+    Program *run(const QString &path, const QStringList &arguments = {},
+                 const std::map<QString, QString> &variables = {});
+    /// A window without a frame, with noise like a photograph's and text in it, painted when this
+    /// returns. Line "invert" on its input repaints it inverted. Null when it did not come.
+    Program *showPicture(QRect native, const QStringList &more = {});
+
+    /// Adds, moves or removes a monitor while the desktop runs.
+    [[nodiscard]] bool setMonitor(const QString &name, QRect native, bool isPrimary = false);
+    [[nodiscard]] bool removeMonitor(const QString &name);
+    /// `monitor0`, `monitor1`, ... in the order of the plan.
+    static QString monitorName(int index);
+
+private:
+    bool fail(const QString &error);
+    bool startBus();
+    bool startWindowManager();
+    bool setMonitors();
+
+    DesktopPlan m_plan;
+    QTemporaryDir m_folder;
+    XServer m_server;
+    QProcessEnvironment m_environment;
+    QString m_error;
+    std::vector<std::unique_ptr<Program>> m_programs;
+};
+
+} // namespace tovek
