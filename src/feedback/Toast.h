@@ -1,0 +1,49 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "foundation/SymbolSource.h"
+#include "platform/Screens.h"
+
+#include <QFuture>
+
+class QRect;
+
+namespace tovek {
+
+class Clock;
+class ToastShell;
+
+/// Short messages near the bottom of a screen. At most one is on screen: a new one replaces the
+/// one before at once. Nothing runs while none is shown. Main thread only.
+class Toast
+{
+public:
+    Toast(Clock &clock, Screens &screens, ToastShell &shell, SymbolSource symbols);
+    ~Toast();
+
+    /// Shows a message after a system symbol for about a second and a half, on the main screen
+    /// when none is given.
+    void show(const QString &message, const QString &icon,
+              const std::optional<Screen> &screen = std::nullopt);
+    /// Takes the toast off the screen before a picture of the screen is taken; returns when it is
+    /// gone for certain. Cheap when there is none.
+    void hideForCapture();
+    bool isShown() const { return m_window != nullptr; }
+
+    /// While the screens are frozen: the frozen pixels in a rectangle (native, y down, global), as
+    /// what lies below a toast is not on the screen itself then. An invalid future: not frozen.
+    std::function<QFuture<QImage>(QRect native)> frozenPixels;
+
+private:
+    class Panel;
+
+    Clock &m_clock;
+    Screens &m_screens;
+    ToastShell &m_shell;
+    SymbolSource m_symbols;
+    std::unique_ptr<Panel> m_window;
+};
+
+} // namespace tovek

@@ -1,0 +1,139 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/x11/QtXcb.h"
+
+#include <QGuiApplication>
+#include <QHash>
+
+#include <cstring>
+
+namespace tovek::QtXcb {
+
+namespace {
+
+/// The format of pixels as the server keeps them for a depth, on a machine of its byte order.
+QImage::Format formatForDepth(int depth)
+{
+    switch (depth) {
+    case 32:
+        return QImage::Format_ARGB32_Premultiplied;
+    case 30:
+        return QImage::Format_RGB30;
+    case 24:
+        return QImage::Format_RGB32;
+    case 16:
+        return QImage::Format_RGB16;
+    default:
+        return QImage::Format_Invalid;
+    }
+}
+
+} // namespace
+
+xcb_connection_t *connection()
+{
+    const auto *x11 =
+        qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+    return x11 ? x11->connection() : nullptr;
+}
+
+xcb_screen_t *screen()
+{
+    return xcb_setup_roots_iterator(xcb_get_setup(connection())).data;
+}
+
+xcb_atom_t atom(const char *name)
+{
+    static QHash<QByteArray, xcb_atom_t> known;
+    const QByteArray key(name);
+    if (const auto found = known.constFind(key); found != known.constEnd())
+        return *found;
+    xcb_connection_t *c = connection();
+    const ReplyPtr<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+        c, xcb_intern_atom(c, false, uint16_t(std::strlen(name)), name), nullptr));
+    return reply ? known.insert(key, reply->atom).value() : xcb_atom_t(XCB_ATOM_NONE);
+}
+
+xcb_window_t selectionOwner(xcb_atom_t selection)
+{
+    xcb_connection_t *c = connection();
+    const ReplyPtr<xcb_get_selection_owner_reply_t> reply(
+        xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, selection), nullptr));
+    return reply ? reply->owner : xcb_window_t(XCB_WINDOW_NONE);
+}
+
+std::optional<QRect> geometryOnRoot(xcb_window_t window)
+{
+    xcb_connection_t *c = connection();
+    const auto sizeCookie = xcb_get_geometry(c, window);
+    const auto placeCookie = xcb_translate_coordinates(c, window, screen()->root, 0, 0);
+    const ReplyPtr<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(c, sizeCookie, nullptr));
+    const ReplyPtr<xcb_translate_coordinates_reply_t> place(
+        xcb_translate_coordinates_reply(c, placeCookie, nullptr));
+    if (!size || !place)
+        return std::nullopt;
+    return QRect(place->dst_x, place->dst_y, size->width, size->height);
+}
+
+QImage pixels(xcb_window_t window, QRect rect)
+{
+    xcb_connection_t *c = connection();
+    const ReplyPtr<xcb_get_geometry_reply_t> whole(
+        xcb_get_geometry_reply(c, xcb_get_geometry(c, window), nullptr));
+    if (!whole)
+        return {};
+    QImage image(rect.size(), QImage::Format_RGB32);
+    image.fill(Qt::black);
+    const QRect inside = rect & QRect(0, 0, whole->width, whole->height);
+    if (inside.isEmpty())
+        return image;
+    const ReplyPtr<xcb_get_image_reply_t> reply(
+        xcb_get_image_reply(c,
+                            xcb_get_image(c, XCB_IMAGE_FORMAT_Z_PIXMAP, window, int16_t(inside.x()),
+                                          int16_t(inside.y()), uint16_t(inside.width()),
+                                          uint16_t(inside.height()), ~0U),
+                            nullptr));
+    // The unused byte of a pixel is not alpha, whatever the depth of the window.
+    const QImage::Format format = formatForDepth(reply && reply->depth == 32 ? 24
+                                                     : reply                 ? reply->depth
+                                                                             : 0);
+    if (format == QImage::Format_Invalid)
+        return {};
+    const int bytes = QImage::toPixelFormat(format).bitsPerPixel() / 8;
+    const int stride = (inside.width() * bytes + 3) / 4 * 4;
+    if (xcb_get_image_data_length(reply.get()) < stride * inside.height())
+        return {};
+    const QImage part =
+        QImage(xcb_get_image_data(reply.get()), inside.width(), inside.height(), stride, format)
+            .convertToFormat(QImage::Format_RGB32);
+    const QPoint at = inside.topLeft() - rect.topLeft();
+    for (int y = 0; y < part.height(); ++y) {
+        std::memcpy(image.scanLine(at.y() + y) + size_t(at.x()) * 4, part.constScanLine(y),
+                    size_t(part.width()) * 4);
+    }
+    return image;
+}
+
+std::optional<QImage> inDepth(const QImage &image, int depth)
+{
+    const QImage::Format format = formatForDepth(depth);
+    if (format == QImage::Format_Invalid)
+        return std::nullopt;
+    return image.convertToFormat(format);
+}
+
+void putImage(xcb_drawable_t drawable, xcb_gcontext_t gc, int depth, const QImage &image)
+{
+    xcb_connection_t *c = connection();
+    const auto room = qsizetype(xcb_get_maximum_request_length(c)) * 4 - 64;
+    const int rows = std::max(1, int(room / image.bytesPerLine()));
+    for (int y = 0; y < image.height(); y += rows) {
+        const int count = std::min(rows, image.height() - y);
+        xcb_put_image(c, XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, gc, uint16_t(image.width()),
+                      uint16_t(count), 0, int16_t(y), 0, uint8_t(depth),
+                      uint32_t(count * image.bytesPerLine()), image.constScanLine(y));
+    }
+}
+
+} // namespace tovek::QtXcb
