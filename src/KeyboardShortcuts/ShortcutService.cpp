@@ -12,6 +12,7 @@
 #include <QCoreApplication>
 
 #include <algorithm>
+#include <limits>
 
 namespace KeyboardShortcuts {
 
@@ -95,8 +96,10 @@ QString ShortcutService::description(const Shortcut &shortcut) const
 
 bool ShortcutService::isSystemShortcut(const Shortcut &shortcut) const
 {
-    return m_hotKeys.isTaken(
-        {quint32(shortcut.carbonKeyCode), quint32(normalizedModifiers(shortcut.carbonModifiers))});
+    const qint64 keyCode = shortcut.carbonKeyCode;
+    return keyCode >= 0 && keyCode <= std::numeric_limits<quint32>::max()
+        && m_hotKeys.isTaken(
+            {quint32(keyCode), quint32(normalizedModifiers(shortcut.carbonModifiers))});
 }
 
 void ShortcutService::subscribe(Subscriptions &subscriptions, const Name &name, Action action)
