@@ -1,0 +1,214 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "fakes/FakeClipboard.h"
+#include "platform/x11/X11Clipboard.h"
+#include "support/SelectionReader.h"
+
+#include <QFutureWatcher>
+#include <QProcess>
+#include <QPromise>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTest>
+
+using namespace tovek;
+
+namespace {
+
+/// What another program sees of a clipboard.
+class Seen
+{
+public:
+    virtual ~Seen() = default;
+    virtual Clipboard &clipboard() = 0;
+    virtual QStringList targets() = 0;
+    virtual QByteArray png() = 0;
+    virtual QString text() = 0;
+};
+
+class SeenFake : public Seen
+{
+public:
+    Clipboard &clipboard() override { return m_fake; }
+    QStringList targets() override { return m_fake.targets(); }
+    QByteArray png() override { return m_fake.lastPng(); }
+    QString text() override { return m_fake.lastText(); }
+
+private:
+    FakeClipboard m_fake;
+};
+
+class SeenX11 : public Seen
+{
+public:
+    explicit SeenX11(const QByteArray &display)
+        : m_display(display)
+        , m_clipboard(X11Clipboard::create({}, QString::fromLatin1(display)))
+    {
+    }
+    Clipboard &clipboard() override { return *m_clipboard; }
+    QStringList targets() override
+    {
+        QStringList names = whileServing([this] { return SelectionReader(m_display).targets(); });
+        for (const char *protocol : {"TARGETS", "MULTIPLE", "TIMESTAMP", "SAVE_TARGETS"})
+            names.removeOne(QString::fromLatin1(protocol));
+        return names;
+    }
+    QByteArray png() override { return read("image/png"); }
+    QString text() override { return QString::fromUtf8(read("UTF8_STRING")); }
+
+private:
+    QByteArray read(const char *target)
+    {
+        return whileServing([this, target] {
+            const auto value = SelectionReader(m_display).read(target);
+            return value ? value->bytes : QByteArray();
+        });
+    }
+    QByteArray m_display;
+    std::unique_ptr<X11Clipboard> m_clipboard;
+};
+
+} // namespace
+
+/// What every clipboard does, whatever it is made of.
+class TestClipboard : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        const QString program = QStandardPaths::findExecutable(QStringLiteral("Xvfb"));
+        if (program.isEmpty())
+            return;
+        m_server.setProgram(program);
+        m_server.setArguments(
+            {"-displayfd", "1", "-screen", "0", "640x480x24", "-noreset", "-nolisten", "tcp"});
+        m_server.start();
+        if (m_server.waitForReadyRead(10000))
+            m_display = ":" + m_server.readAllStandardOutput().trimmed();
+    }
+    void cleanupTestCase()
+    {
+        m_server.terminate();
+        m_server.waitForFinished(5000);
+    }
+    void init() { QTest::failOnWarning(QRegularExpression(".*")); }
+
+    void isEmptyAfterClearing_data() { implementations(); }
+    void isEmptyAfterClearing()
+    {
+        const auto seen = make();
+        if (!seen)
+            QSKIP("Xvfb is missing");
+        seen->clipboard().setText(QStringLiteral("x"));
+        seen->clipboard().clear();
+        QCOMPARE(seen->targets(), QStringList());
+        QCOMPARE(seen->text(), QString());
+    }
+
+    void offersTextUnderItsNames_data() { implementations(); }
+    void offersTextUnderItsNames()
+    {
+        const auto seen = make();
+        if (!seen)
+            QSKIP("Xvfb is missing");
+        const QString text = QStringLiteral("naïve ☃ line one\nline two");
+        seen->clipboard().setText(text);
+        QCOMPARE(seen->targets(),
+                 QStringList(
+                     {"STRING", "TEXT", "UTF8_STRING", "text/plain", "text/plain;charset=utf-8"}));
+        QCOMPARE(seen->text(), text);
+        QCOMPARE(seen->png(), QByteArray());
+    }
+
+    void offersAPngAndNothingElse_data() { implementations(); }
+    void offersAPngAndNothingElse()
+    {
+        const auto seen = make();
+        if (!seen)
+            QSKIP("Xvfb is missing");
+        seen->clipboard().setText(QStringLiteral("before"));
+        seen->clipboard().setPng(ready("the picture"));
+        QCOMPARE(seen->targets(), QStringList("image/png"));
+        QCOMPARE(seen->png(), QByteArray("the picture"));
+        QCOMPARE(seen->text(), QString());
+    }
+
+    void isTakenBeforeTheBytesAreReady_data() { implementations(); }
+    void isTakenBeforeTheBytesAreReady()
+    {
+        const auto seen = make();
+        if (!seen)
+            QSKIP("Xvfb is missing");
+        QPromise<QByteArray> promise;
+        promise.start();
+        seen->clipboard().setText(QStringLiteral("before"));
+        seen->clipboard().setPng(promise.future());
+        QCOMPARE(seen->targets(), QStringList("image/png"));
+        QCOMPARE(seen->text(), QString());
+        promise.addResult("late");
+        promise.finish();
+        QCOMPARE(seen->png(), QByteArray("late"));
+    }
+
+    void isLeftClearedByEmptyBytes_data() { implementations(); }
+    void isLeftClearedByEmptyBytes()
+    {
+        const auto seen = make();
+        if (!seen)
+            QSKIP("Xvfb is missing");
+        seen->clipboard().setText(QStringLiteral("before"));
+        seen->clipboard().setPng(ready(QByteArray()));
+        QCOMPARE(seen->targets(), QStringList());
+        QCOMPARE(seen->png(), QByteArray());
+    }
+
+    void keepsTheNewerContentWhenAnOlderPngIsLate_data() { implementations(); }
+    void keepsTheNewerContentWhenAnOlderPngIsLate()
+    {
+        const auto seen = make();
+        if (!seen)
+            QSKIP("Xvfb is missing");
+        QPromise<QByteArray> promise;
+        promise.start();
+        seen->clipboard().setPng(promise.future());
+        seen->clipboard().setText(QStringLiteral("newer"));
+        promise.addResult("older");
+        promise.finish();
+        QCoreApplication::processEvents();
+        QCOMPARE(seen->text(), QStringLiteral("newer"));
+        QCOMPARE(seen->png(), QByteArray());
+    }
+
+private:
+    static void implementations()
+    {
+        QTest::addColumn<bool>("isReal");
+        QTest::newRow("fake") << false;
+        QTest::newRow("X11") << true;
+    }
+    std::unique_ptr<Seen> make()
+    {
+        QFETCH(bool, isReal);
+        if (!isReal)
+            return std::make_unique<SeenFake>();
+        return m_display.isEmpty() ? nullptr : std::make_unique<SeenX11>(m_display);
+    }
+    static QFuture<QByteArray> ready(const QByteArray &bytes)
+    {
+        QPromise<QByteArray> promise;
+        promise.start();
+        promise.addResult(bytes);
+        promise.finish();
+        return promise.future();
+    }
+
+    QProcess m_server;
+    QByteArray m_display;
+};
+
+QTEST_GUILESS_MAIN(TestClipboard)
+#include "tst_Clipboard.moc"
