@@ -111,7 +111,7 @@ QList<SeenWindow> Eye::overlays(const QString &windowClass) const
 {
     QList<SeenWindow> found;
     for (const SeenWindow &window : windows()) {
-        if (window.isUnmanaged && window.windowClass == windowClass)
+        if (window.isUnmanaged && window.windowClass.compare(windowClass, Qt::CaseInsensitive) == 0)
             found.append(window);
         else if (!window.isUnmanaged)
             found.clear();

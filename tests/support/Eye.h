@@ -41,7 +41,8 @@ public:
 
     /// The visible windows, bottom to top.
     QList<SeenWindow> windows() const;
-    /// The unmanaged windows of this class that lie over everything else, bottom to top.
+    /// The unmanaged windows of this class (in either case) that lie over all managed ones, bottom
+    /// to top.
     QList<SeenWindow> overlays(const QString &windowClass) const;
     xcb_window_t activeWindow() const;
     xcb_window_t inputFocus() const;

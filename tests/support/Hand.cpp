@@ -103,6 +103,31 @@ bool Hand::letGo(const QString &chord)
     return true;
 }
 
+bool Hand::isTaken(const QString &chord) const
+{
+    const auto codes = keyCodesOf(chord);
+    if (!codes)
+        return false;
+    uint16_t modifiers = 0;
+    for (const auto &[name, mask] :
+         {std::pair("Shift_L", XCB_MOD_MASK_SHIFT), std::pair("Control_L", XCB_MOD_MASK_CONTROL),
+          std::pair("Alt_L", XCB_MOD_MASK_1), std::pair("Super_L", XCB_MOD_MASK_4)}) {
+        if (chord.split(QLatin1Char('+')).contains(QLatin1String(name)))
+            modifiers = uint16_t(modifiers | mask);
+    }
+    // The server is ours alone meanwhile, so that the attempt is in nobody's way.
+    xcb_grab_server(m_connection);
+    const XPtr<xcb_generic_error_t> refusal(xcb_request_check(
+        m_connection,
+        xcb_grab_key_checked(m_connection, false, m_connection.root(), modifiers, codes->last(),
+                             XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)));
+    if (!refusal)
+        xcb_ungrab_key(m_connection, codes->last(), m_connection.root(), modifiers);
+    xcb_ungrab_server(m_connection);
+    m_connection.sync();
+    return refusal != nullptr;
+}
+
 bool Hand::tap(const QString &chord)
 {
     return hold(chord) && letGo(chord);

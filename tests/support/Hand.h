@@ -35,6 +35,9 @@ public:
     [[nodiscard]] bool tap(const QString &chord);
     [[nodiscard]] bool hold(const QString &chord);
     [[nodiscard]] bool letGo(const QString &chord);
+    /// Whether another client holds the keys, the last of the chord being the key itself. Super_L,
+    /// Shift_L, Control_L and Alt_L may stand before it.
+    bool isTaken(const QString &chord) const;
 
 private:
     std::optional<QList<uint8_t>> keyCodesOf(const QString &chord) const;

@@ -85,6 +85,19 @@ private Q_SLOTS:
         QVERIFY(!hand.hold(QStringLiteral("Shift_L+NoSuchKey")));
     }
 
+    void tellsWhetherAnotherHoldsKeys()
+    {
+        const Hand hand(desktop->displayName());
+        const QString chord = QStringLiteral("Super_L+Shift_L+c");
+        QVERIFY(!hand.isTaken(chord));
+        const XConnection holder(desktop->displayName());
+        xcb_grab_key(holder, false, holder.root(), XCB_MOD_MASK_4 | XCB_MOD_MASK_SHIFT, 54,
+                     XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+        holder.sync();
+        QVERIFY(hand.isTaken(chord));
+        QVERIFY(!hand.isTaken(QStringLiteral("Super_L+c")));
+    }
+
     void dragsWithTheMouse()
     {
         Hand hand(desktop->displayName());

@@ -1,0 +1,112 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "support/ClipboardReader.h"
+#include "support/RunningTovek.h"
+#include "support/Wait.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace tovek {
+
+/// A desktop with a picture all over each monitor, the program under test, and someone who uses
+/// it. Places are native pixels, y down.
+struct Session
+{
+    explicit Session(DesktopPlan plan = {}, double scale = 1)
+        : plan(plan)
+        , scale(scale)
+        , desktop(plan)
+    {
+    }
+
+    QList<QRect> monitors() const
+    {
+        if (plan.monitors.empty())
+            return {QRect(QPoint(), plan.size)};
+        return {plan.monitors.begin(), plan.monitors.end()};
+    }
+
+    /// Everything but the program.
+    [[nodiscard]] bool startDesktop()
+    {
+        if (!desktop.start())
+            return fail(desktop.error());
+        for (const QRect &monitor : monitors())
+            picture = desktop.showPicture(monitor);
+        tovek = std::make_unique<RunningTovek>(desktop, qEnvironmentVariable("TOVEK_PROGRAM"));
+        return picture != nullptr || fail(QStringLiteral("no picture came"));
+    }
+    [[nodiscard]] bool start(const QJsonObject &settings = {})
+    {
+        return startDesktop() && (tovek->start(scale, settings) || fail(tovek->error()));
+    }
+
+    /// Remembers the screen as it is, and opens the overlays over it.
+    [[nodiscard]] bool open(const char *chord = RunningTovek::captureScreenshot)
+    {
+        before = tovek->waitUntilGone() ? tovek->eye().lookWhenStill() : QImage();
+        return !before.isNull() && tovek->open(QLatin1String(chord), monitors());
+    }
+    /// Drags from one pixel to another, where the selection ends without it.
+    void select(QPoint from, QPoint to) { tovek->hand().drag(from, to); }
+    [[nodiscard]] bool tap(const char *chord) { return tovek->hand().tap(QLatin1String(chord)); }
+    [[nodiscard]] bool isClosed()
+    {
+        return waitUntil([&] {
+            const QList<QRect> all = monitors();
+            return std::none_of(all.begin(), all.end(),
+                                [&](QRect monitor) { return tovek->covers({monitor}); });
+        });
+    }
+
+    /// The PNG that the clipboard holds once the overlays have gone; empty when there is none.
+    QByteArray pasted()
+    {
+        ClipboardReader reader(desktop.displayName());
+        if (!isClosed() || !waitUntil([&] { return reader.hasOwner(); }))
+            return {};
+        return reader.read(QStringLiteral("image/png")).value_or(QByteArray());
+    }
+    QStringList savedNames() const
+    {
+        return QDir(desktop.downloads()).entryList({QStringLiteral("*.png")}, QDir::Files);
+    }
+    /// The one PNG in Downloads once all of it is there; empty when it does not come.
+    QByteArray saved() const
+    {
+        QByteArray bytes;
+        const auto isWhole = [&] {
+            QFile file(QDir(desktop.downloads()).filePath(savedNames().value(0)));
+            bytes = savedNames().size() == 1 && file.open(QIODevice::ReadOnly) ? file.readAll()
+                                                                               : QByteArray();
+            return !QImage::fromData(bytes).isNull();
+        };
+        return waitUntil(isWhole) ? bytes : QByteArray();
+    }
+    /// The part of the screen between two pixels as it was before the overlays came.
+    QImage expected(QPoint from, QPoint to) const
+    {
+        const QPoint least(std::min(from.x(), to.x()), std::min(from.y(), to.y()));
+        const QPoint size(std::abs(from.x() - to.x()), std::abs(from.y() - to.y()));
+        return before.copy(QRect(least, QSize(size.x(), size.y())));
+    }
+    bool fail(const QString &reason)
+    {
+        error = reason;
+        return false;
+    }
+
+    DesktopPlan plan;
+    double scale;
+    TestDesktop desktop;
+    std::unique_ptr<RunningTovek> tovek;
+    Program *picture = nullptr;
+    QImage before;
+    QString error;
+};
+
+} // namespace tovek

@@ -1,0 +1,145 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+// One whole capture on a virtual desktop, as a person makes it: tour PROGRAM FOLDER. What the
+// person sees and gets lies in the folder afterwards. Ends with 1 at the first step that did not
+// happen.
+
+#include "support/ClipboardReader.h"
+#include "support/RunningTovek.h"
+#include "support/Wait.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+
+#include <cstdio>
+
+using namespace tovek;
+
+namespace {
+
+const QRect screen(0, 0, 1280, 800);
+const QRect firstWindow(60, 60, 620, 420);
+const QRect secondWindow(560, 330, 640, 400);
+const QRect selection(140, 80, 480, 300);
+
+class Tour
+{
+public:
+    Tour(const QString &program, const QString &folder) : m_program(program), m_out(folder) { }
+    bool run();
+
+private:
+    bool step(bool happened, const char *what);
+    bool openDesktop();
+    bool select();
+    bool copyToClipboard();
+    bool saveFile();
+    QString out(const char *name) const { return m_out.filePath(QLatin1String(name)); }
+
+    QString m_program;
+    QDir m_out;
+    TestDesktop m_desktop;
+    std::unique_ptr<RunningTovek> m_tovek;
+    QImage m_before;
+};
+
+bool Tour::step(bool happened, const char *what)
+{
+    std::printf("%s  %s\n", happened ? "done  " : "FAILED", what);
+    std::fflush(stdout);
+    return happened;
+}
+
+bool Tour::openDesktop()
+{
+    if (!step(m_desktop.start(), "a desktop of its own: X server, window manager, session bus")) {
+        std::printf("        %s\n", qPrintable(m_desktop.error()));
+        return false;
+    }
+    m_tovek = std::make_unique<RunningTovek>(m_desktop, m_program);
+    return step(m_desktop.showPicture(firstWindow) && m_desktop.showPicture(secondWindow),
+                "two windows with pictures and text")
+        && step(m_tovek->start(), "Tovek, waiting for its shortcut");
+}
+
+bool Tour::select()
+{
+    m_before = m_tovek->eye().lookWhenStill();
+    const bool isOpen = m_tovek->open(QLatin1String(RunningTovek::captureScreenshot), {screen});
+    if (!step(isOpen, "Super+Shift+C freezes the screen")
+        || !step(differentPixels(m_before, m_tovek->eye().lookWhenStill()) == 0,
+                 "and changes not one pixel of it"))
+        return false;
+    m_tovek->hand().drag(selection.topLeft(),
+                         selection.topLeft() + QPoint(selection.width(), selection.height()));
+    const QPoint far(screen.right() - 5, screen.bottom() - 5);
+    const int bright = qGray(m_before.pixel(far));
+    const bool isDimmed = waitUntil(
+        [&] { return bright == 0 || qGray(m_tovek->eye().pixel(far)) * 2 <= bright + 3; });
+    return step(isDimmed, "the mouse drags out a rectangle, the rest darkens");
+}
+
+bool Tour::copyToClipboard()
+{
+    ClipboardReader reader(m_desktop.displayName());
+    const bool isGone = m_tovek->hand().tap(QStringLiteral("Return"))
+        && waitUntil([&] { return !m_tovek->covers({screen}) && reader.hasOwner(); });
+    if (!step(isGone, "Return copies and closes"))
+        return false;
+    const QByteArray png = reader.read(QStringLiteral("image/png")).value_or(QByteArray());
+    QFile file(out("clipboard.png"));
+    return step(reader.types() == QStringList{QStringLiteral("image/png")}
+                    && differentPixels(QImage::fromData(png), m_before.copy(selection)) == 0,
+                "the clipboard holds just those pixels, as PNG")
+        && step(file.open(QIODevice::WriteOnly) && file.write(png) == png.size(),
+                "out/clipboard.png");
+}
+
+bool Tour::saveFile()
+{
+    const QDir downloads(m_desktop.downloads());
+    const auto saved = [&] { return downloads.entryList({QStringLiteral("*.png")}); };
+    if (!step(m_tovek->hand().tap(QStringLiteral("Control_L+s")), "Ctrl+S"))
+        return false;
+    QByteArray png;
+    const bool isSaved = waitUntil([&] {
+        QFile file(downloads.filePath(saved().value(0)));
+        if (!saved().isEmpty() && file.open(QIODevice::ReadOnly))
+            png = file.readAll();
+        return differentPixels(QImage::fromData(png), m_before.copy(selection)) == 0;
+    });
+    QFile copy(out("saved.png"));
+    return step(
+               isSaved,
+               qPrintable(QStringLiteral("just those pixels in Downloads, as ") + saved().value(0)))
+        && step(copy.open(QIODevice::WriteOnly) && copy.write(png) == png.size(), "out/saved.png");
+}
+
+bool Tour::run()
+{
+    return openDesktop() && select()
+        && step(m_tovek->eye().lookWhenStill().save(out("overlay.png")), "out/overlay.png")
+        && copyToClipboard() && step(m_tovek->waitUntilGone(), "no window stays behind") && select()
+        && saveFile();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() != 3 || !QDir().mkpath(arguments[2])) {
+        std::fputs("usage: tour PROGRAM FOLDER\n", stderr);
+        return 1;
+    }
+    // What an earlier tour left must not pass for this one's.
+    for (const char *name : {"overlay.png", "clipboard.png", "saved.png"})
+        QFile::remove(QDir(arguments[2]).filePath(QLatin1String(name)));
+    Tour tour(arguments[1], arguments[2]);
+    const bool isWhole = tour.run();
+    std::puts(isWhole ? "The tour is complete." : "The tour failed.");
+    return isWhole ? 0 : 1;
+}
