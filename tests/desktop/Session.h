@@ -16,9 +16,9 @@ namespace tovek {
 /// it. Places are native pixels, y down.
 struct Session
 {
-    explicit Session(DesktopPlan plan = {}, double scale = 1)
-        : plan(plan)
-        , scale(scale)
+    explicit Session(DesktopPlan desktopPlan = {}, double screenScale = 1)
+        : plan(std::move(desktopPlan))
+        , scale(screenScale)
         , desktop(plan)
     {
     }
@@ -45,9 +45,10 @@ struct Session
         return startDesktop() && (tovek->start(scale, settings) || fail(tovek->error()));
     }
 
-    /// Remembers the screen as it is, and opens the overlays over it.
+    /// Empties the clipboard, remembers the screen as it is, and opens the overlays over it.
     [[nodiscard]] bool open(const char *chord = RunningTovek::captureScreenshot)
     {
+        ClipboardReader(desktop.displayName()).clear();
         before = tovek->waitUntilGone() ? tovek->eye().lookWhenStill() : QImage();
         return !before.isNull() && tovek->open(QLatin1String(chord), monitors());
     }

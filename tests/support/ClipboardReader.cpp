@@ -34,6 +34,12 @@ bool ClipboardReader::hasOwner() const
     return reply && reply->owner != XCB_NONE;
 }
 
+void ClipboardReader::clear()
+{
+    xcb_set_selection_owner(m_connection, XCB_NONE, m_clipboard, XCB_CURRENT_TIME);
+    m_connection.sync();
+}
+
 QStringList ClipboardReader::types(std::chrono::milliseconds deadline)
 {
     const auto bytes = read(QStringLiteral("TARGETS"), deadline);

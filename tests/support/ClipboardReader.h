@@ -23,6 +23,8 @@ public:
     ClipboardReader &operator=(const ClipboardReader &) = delete;
 
     bool hasOwner() const;
+    /// Takes the clipboard from whoever has it; it holds nothing then.
+    void clear();
     /// The types offered, sorted, without those that belong to the protocol itself.
     QStringList types(std::chrono::milliseconds deadline = std::chrono::seconds(10));
     /// The content as the type, in one piece or in many. Absent when it is not offered, or when

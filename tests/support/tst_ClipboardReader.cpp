@@ -51,6 +51,8 @@ private Q_SLOTS:
         QTEST(reader.cameInPieces(), "comesInPieces");
         // The toolkit answers with nothing where the protocol would have it refuse.
         QVERIFY(reader.read(QStringLiteral("text/plain")).value_or(QByteArray()).isEmpty());
+        reader.clear();
+        QVERIFY(!reader.hasOwner());
     }
 };
 
