@@ -58,6 +58,16 @@ QRegion damageBetween(const DisplayList &before, const DisplayList &after);
 /// Turns one window into the overlay of one screen: above everything, without animation or shadow,
 /// exactly over the screen's native pixels, showing the frozen display from its first instant on.
 /// Main thread only. The window must outlive the surface.
+///
+/// A widget whose window this is leaves the painting to `present` and the display server. Left
+/// alone, the toolkit would paint all of it once when it is shown, which takes longer than opening
+/// the overlay. So the widget, and each child that covers much of it,
+/// - sets Qt::WA_UpdatesDisabled before `orderFrontRegardless`, and afterwards drops its posted
+///   QEvent::UpdateLater and sets the attribute back with setAttribute, not setUpdatesEnabled;
+/// - resizes its backingStore() to its size() then: of another size, all of it is painted;
+/// - does not hand focusInEvent and focusOutEvent on to QWidget, which would call update().
+/// It still paints itself rightly wherever it is asked to: under child widgets that are not
+/// opaque, and where one of them went away.
 class OverlaySurface
 {
 public:

@@ -1,0 +1,52 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/x11/X11Connection.h"
+
+#include <QAbstractNativeEventFilter>
+#include <QPointer>
+#include <QTimer>
+#include <QWindow>
+
+#include <functional>
+
+namespace tovek {
+
+/// The grab that brings all keys to one of our windows while the input focus of the desktop stays
+/// where it is: nothing has to be given back afterwards, and no title bar changes. Main thread.
+class X11KeyboardHold : public QObject, private QAbstractNativeEventFilter
+{
+public:
+    explicit X11KeyboardHold(std::shared_ptr<X11Connection> connection);
+    ~X11KeyboardHold() override;
+
+    /// Brings the keys to the window, from another one of ours too. Where another program holds
+    /// the keyboard, its menu gets one Escape and some time; `onDenied` tells when that was not
+    /// enough. The window must be mapped.
+    void take(QWindow &window, std::function<void()> onDenied);
+    /// To be called before the window is unmapped. A key that is still down keeps the keyboard
+    /// until it comes up, for half a second at most: its release belongs to nobody else.
+    void release(QWindow &window);
+    bool holds(const QWindow &window) const { return m_hasKeyboard && m_window == &window; }
+
+private:
+    bool nativeEventFilter(const QByteArray &type, void *message, qintptr *result) override;
+    uint8_t grab(xcb_window_t window);
+    void attempt();
+    void sendEscape();
+    void ungrab();
+    bool isDown(uint8_t keycode) const;
+
+    std::shared_ptr<X11Connection> m_connection;
+    QPointer<QWindow> m_window;
+    std::function<void()> m_onDenied;
+    bool m_hasKeyboard = false;
+    size_t m_attempts = 0;
+    QTimer m_retry;
+    QTimer m_lingering; ///< runs while the last key is waited for
+    uint8_t m_lastKey = 0; ///< the key that went down last; 0: none
+};
+
+} // namespace tovek

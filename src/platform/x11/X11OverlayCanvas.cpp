@@ -1,0 +1,182 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/x11/X11OverlayCanvas.h"
+
+namespace tovek {
+
+namespace {
+
+/// 16 bits from 8, so that 255 becomes the whole.
+uint16_t wide(int value)
+{
+    return uint16_t(value * 257);
+}
+
+xcb_rectangle_t rectangle(QRect rect)
+{
+    return {int16_t(rect.x()), int16_t(rect.y()), uint16_t(rect.width()), uint16_t(rect.height())};
+}
+
+} // namespace
+
+X11OverlayCanvas::X11OverlayCanvas(std::shared_ptr<X11Connection> connection, xcb_window_t window,
+                                   std::shared_ptr<X11Pixmap> frozen)
+    : m_connection(std::move(connection))
+    , m_window(window)
+    , m_frozen(std::move(frozen))
+    , m_decals(m_connection)
+{
+}
+
+X11OverlayCanvas::~X11OverlayCanvas()
+{
+    xcb_connection_t *xcb = m_connection->xcb();
+    if (!xcb)
+        return;
+    for (const xcb_render_picture_t picture : {m_frozenPicture, m_composedPicture, m_veilMask}) {
+        if (picture)
+            xcb_render_free_picture(xcb, picture);
+    }
+}
+
+void X11OverlayCanvas::setComposed(std::shared_ptr<X11Pixmap> pixmap)
+{
+    if (!m_composed)
+        m_composed = std::move(pixmap);
+}
+
+void X11OverlayCanvas::present(const DisplayList &list)
+{
+    if (!m_connection->xcb())
+        return;
+    const QRect bounds(QPoint(), m_frozen->size());
+    const QRegion damage = damageBetween(m_shown, list) & bounds;
+    m_shown = list;
+    if (damage.isEmpty())
+        return;
+    compose(list, damage);
+    copy(m_composed, m_window, damage - m_covered);
+    m_connection->flush();
+}
+
+void X11OverlayCanvas::setCovered(const QRegion &region)
+{
+    const QRegion uncovered = m_covered - region;
+    m_covered = region;
+    repair(uncovered);
+}
+
+void X11OverlayCanvas::repair(const QRegion &region)
+{
+    const QRegion lost = (region & QRect(QPoint(), m_frozen->size())) - m_covered;
+    if (lost.isEmpty() || !m_connection->xcb())
+        return;
+    copy(m_isComposed ? m_composed : m_frozen, m_window, lost);
+    m_connection->flush();
+}
+
+void X11OverlayCanvas::compose(const DisplayList &list, const QRegion &damage)
+{
+    xcb_connection_t *xcb = m_connection->xcb();
+    const QRect bounds(QPoint(), m_frozen->size());
+    if (!m_isComposed) {
+        m_isComposed = true;
+        if (!m_composed)
+            m_composed = std::make_shared<X11Pixmap>(m_connection, m_frozen->size());
+        m_frozenPicture = createPicture(m_frozen->id());
+        m_composedPicture = createPicture(m_composed->id());
+        copy(m_frozen, m_composed->id(), QRegion(bounds) - damage);
+        const uint32_t background = m_composed->id();
+        xcb_change_window_attributes(xcb, m_window, XCB_CW_BACK_PIXMAP, &background);
+    }
+    composeBackdrop(list, damage);
+
+    std::vector<xcb_rectangle_t> clip;
+    for (const QRect &rect : damage)
+        clip.push_back(rectangle(rect));
+    xcb_render_set_picture_clip_rectangles(xcb, m_composedPicture, 0, 0, uint32_t(clip.size()),
+                                           clip.data());
+    for (const DisplayList::Item &item : list.items) {
+        const QRect visible = boundsOf(item) & bounds;
+        if (visible.isEmpty() || !damage.intersects(visible))
+            continue;
+        if (const auto *fill = std::get_if<DisplayList::Fill>(&item))
+            composeFill(*fill, visible);
+        else
+            composeDecal(std::get<DisplayList::Decal>(item), visible);
+    }
+    const xcb_rectangle_t everything = rectangle(bounds);
+    xcb_render_set_picture_clip_rectangles(xcb, m_composedPicture, 0, 0, 1, &everything);
+}
+
+void X11OverlayCanvas::composeBackdrop(const DisplayList &list, const QRegion &damage)
+{
+    if (list.veil <= 0) {
+        copy(m_frozen, m_composed->id(), damage);
+        return;
+    }
+    copy(m_frozen, m_composed->id(), damage & list.clear);
+    setVeil(list.veil);
+    // One operation: each colour times what the veil leaves of it.
+    for (const QRect &rect : damage - list.clear) {
+        const auto x = int16_t(rect.x());
+        const auto y = int16_t(rect.y());
+        xcb_render_composite(m_connection->xcb(), XCB_RENDER_PICT_OP_SRC, m_frozenPicture,
+                             m_veilMask, m_composedPicture, x, y, 0, 0, x, y,
+                             uint16_t(rect.width()), uint16_t(rect.height()));
+    }
+}
+
+void X11OverlayCanvas::composeFill(const DisplayList::Fill &fill, QRect bounds)
+{
+    const xcb_render_color_t color{wide(qRed(fill.color)), wide(qGreen(fill.color)),
+                                   wide(qBlue(fill.color)), wide(qAlpha(fill.color))};
+    const xcb_rectangle_t rect = rectangle(bounds);
+    xcb_render_fill_rectangles(m_connection->xcb(), XCB_RENDER_PICT_OP_OVER, m_composedPicture,
+                               color, 1, &rect);
+}
+
+void X11OverlayCanvas::composeDecal(const DisplayList::Decal &decal, QRect bounds)
+{
+    const QPoint source = bounds.topLeft() - decal.at;
+    xcb_render_composite(m_connection->xcb(), XCB_RENDER_PICT_OP_OVER, m_decals.picture(decal),
+                         XCB_RENDER_PICTURE_NONE, m_composedPicture, int16_t(source.x()),
+                         int16_t(source.y()), 0, 0, int16_t(bounds.x()), int16_t(bounds.y()),
+                         uint16_t(bounds.width()), uint16_t(bounds.height()));
+}
+
+void X11OverlayCanvas::setVeil(double veil)
+{
+    if (m_veil == veil)
+        return;
+    xcb_connection_t *xcb = m_connection->xcb();
+    if (m_veilMask)
+        xcb_render_free_picture(xcb, m_veilMask);
+    m_veil = veil;
+    m_veilMask = xcb_generate_id(xcb);
+    const int rest = 255 - qBound(0, qRound(veil * 255), 255);
+    xcb_render_create_solid_fill(xcb, m_veilMask, {0, 0, 0, wide(rest)});
+}
+
+void X11OverlayCanvas::copy(const std::shared_ptr<X11Pixmap> &from, xcb_drawable_t to,
+                            const QRegion &region)
+{
+    for (const QRect &rect : region) {
+        const auto x = int16_t(rect.x());
+        const auto y = int16_t(rect.y());
+        xcb_copy_area(m_connection->xcb(), from->id(), to, m_connection->copyGc(), x, y, x, y,
+                      uint16_t(rect.width()), uint16_t(rect.height()));
+    }
+}
+
+xcb_render_picture_t X11OverlayCanvas::createPicture(xcb_drawable_t drawable)
+{
+    xcb_connection_t *xcb = m_connection->xcb();
+    const xcb_render_picture_t picture = xcb_generate_id(xcb);
+    xcb_render_create_picture(xcb, picture, drawable, m_connection->renderFormats()->root, 0,
+                              nullptr);
+    return picture;
+}
+
+} // namespace tovek

@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/x11/X11DecalCache.h"
+
+#include <QRegion>
+
+namespace tovek {
+
+/// Draws display lists over a frozen display into a window, inside the server: no pixel and no
+/// answer passes between the processes, so the cost here does not depend on the resolution.
+///
+/// What the window shows is composed in a pixmap first and copied from there, which keeps
+/// half-drawn states off the screen. That pixmap is the window's background too, so that the
+/// server repairs whatever becomes uncovered by itself.
+class X11OverlayCanvas
+{
+public:
+    /// `frozen` is the window's background so far.
+    X11OverlayCanvas(std::shared_ptr<X11Connection> connection, xcb_window_t window,
+                     std::shared_ptr<X11Pixmap> frozen);
+    ~X11OverlayCanvas();
+    X11OverlayCanvas(const X11OverlayCanvas &) = delete;
+    X11OverlayCanvas &operator=(const X11OverlayCanvas &) = delete;
+
+    /// Where the composed picture goes; without it a pixmap is made when it is needed first.
+    void setComposed(std::shared_ptr<X11Pixmap> pixmap);
+    void present(const DisplayList &list);
+    /// The window's pixels in here are somebody else's.
+    void setCovered(const QRegion &region);
+    /// Copies what was presented last into the window again.
+    void repair(const QRegion &region);
+
+private:
+    void compose(const DisplayList &list, const QRegion &damage);
+    void composeBackdrop(const DisplayList &list, const QRegion &damage);
+    void composeFill(const DisplayList::Fill &fill, QRect bounds);
+    void composeDecal(const DisplayList::Decal &decal, QRect bounds);
+    void setVeil(double veil);
+    void copy(const std::shared_ptr<X11Pixmap> &from, xcb_drawable_t to, const QRegion &region);
+    xcb_render_picture_t createPicture(xcb_drawable_t drawable);
+
+    std::shared_ptr<X11Connection> m_connection;
+    xcb_window_t m_window;
+    std::shared_ptr<X11Pixmap> m_frozen;
+    std::shared_ptr<X11Pixmap> m_composed;
+    xcb_render_picture_t m_frozenPicture = 0;
+    xcb_render_picture_t m_composedPicture = 0;
+    xcb_render_picture_t m_veilMask = 0; ///< what the veil leaves of each colour
+    double m_veil = -1; ///< the alpha that m_veilMask was made for
+    bool m_isComposed = false; ///< the composed pixmap holds what was presented
+    X11DecalCache m_decals;
+    DisplayList m_shown;
+    QRegion m_covered;
+};
+
+} // namespace tovek

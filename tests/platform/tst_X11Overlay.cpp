@@ -1,0 +1,265 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "X11TestDesktop.h"
+#include "platform/x11/X11OverlaySurface.h"
+#include "platform/x11/X11ScreenGrabber.h"
+#include "platform/x11/X11Screens.h"
+
+#include <QApplication>
+#include <QBackingStore>
+#include <QPainter>
+#include <QTest>
+#include <QWidget>
+#include <QWindow>
+
+using namespace tovek;
+
+namespace {
+
+X11TestDesktop *desktop = nullptr;
+
+/// A full-screen widget as the overlay has one: a child over the whole window.
+class Overlay : public QWidget
+{
+public:
+    Overlay() : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint)
+    {
+        setAttribute(Qt::WA_OpaquePaintEvent);
+        setAttribute(Qt::WA_NoSystemBackground);
+        resize(100, 100);
+        winId();
+    }
+    void open(OverlaySurface &surface)
+    {
+        setAttribute(Qt::WA_UpdatesDisabled);
+        surface.orderFrontRegardless();
+        QCoreApplication::removePostedEvents(this, QEvent::UpdateLater);
+        backingStore()->resize(size());
+        setAttribute(Qt::WA_UpdatesDisabled, false);
+    }
+
+    QRegion painted;
+
+private:
+    void paintEvent(QPaintEvent *event) override
+    {
+        painted += event->region();
+        QPainter(this).fillRect(event->rect(), Qt::magenta);
+    }
+};
+
+class Button : public QWidget
+{
+public:
+    using QWidget::QWidget;
+    int paints = 0;
+
+private:
+    void paintEvent(QPaintEvent *) override
+    {
+        ++paints;
+        QPainter(this).fillRect(rect(), Qt::green);
+    }
+};
+
+int largestDifference(const QImage &a, const QImage &b)
+{
+    if (a.size() != b.size())
+        return 256;
+    int largest = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            const QRgb p = a.pixel(x, y);
+            const QRgb q = b.pixel(x, y);
+            largest = std::max({largest, std::abs(qRed(p) - qRed(q)),
+                                std::abs(qGreen(p) - qGreen(q)), std::abs(qBlue(p) - qBlue(q))});
+        }
+    }
+    return largest;
+}
+
+/// The list as a painter draws it: what the server's drawing is measured against.
+QImage painted(QImage image, const DisplayList &list)
+{
+    QPainter painter(&image);
+    const QRegion veil = QRegion(image.rect()) - list.clear;
+    for (const QRect &rect : veil)
+        painter.fillRect(rect, QColor(0, 0, 0, qRound(list.veil * 255)));
+    for (const DisplayList::Item &item : list.items) {
+        if (const auto *fill = std::get_if<DisplayList::Fill>(&item)) {
+            painter.fillRect(fill->rect, QColor::fromRgba(qUnpremultiply(fill->color)));
+            continue;
+        }
+        const auto &decal = std::get<DisplayList::Decal>(item);
+        painter.setClipRect(decal.clip, decal.clip.isNull() ? Qt::NoClip : Qt::ReplaceClip);
+        painter.drawImage(decal.at, decal.image);
+        painter.setClipping(false);
+    }
+    return image;
+}
+
+} // namespace
+
+class TestX11Overlay : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        QTest::failOnWarning(QRegularExpression(".*"));
+        m_before = desktop->look();
+        m_connection = X11Connection::create();
+        QVERIFY(m_connection);
+        m_monitors = std::make_shared<X11Monitors>(m_connection);
+        m_screens = std::make_unique<X11Screens>(m_connection, m_monitors);
+        m_grabber = std::make_unique<X11ScreenGrabber>(m_connection, m_monitors);
+        m_shell = std::make_unique<X11OverlayShell>(m_connection, m_monitors);
+        m_screen = *m_screens->main();
+    }
+
+    void opensWithoutChangingAPixelOrPaintingOne()
+    {
+        const auto frozen = freeze();
+        Overlay overlay;
+        const auto surface = m_shell->create(*overlay.windowHandle(), m_screen, frozen);
+        QCOMPARE(overlay.size(), overlay.screen()->size());
+        overlay.open(*surface);
+        QVERIFY(QTest::qWaitForWindowExposed(overlay.windowHandle()));
+        QTest::qWait(50);
+        desktop->fill(desktop->window(), QRect(0, 0, 20, 20), 0x00123456);
+        desktop->fill(desktop->screen().root, QRect(300, 300, 20, 20), 0x00123456);
+        QCOMPARE(desktop->look(), m_before);
+        QVERIFY(overlay.painted.isEmpty());
+        QCOMPARE(geometryOf(*overlay.windowHandle()), m_screen.native);
+        surface->orderOut();
+    }
+
+    void paintsChildWidgetsAloneInsideOfTheCoveredPart()
+    {
+        const auto frozen = freeze();
+        Overlay overlay;
+        const auto surface = m_shell->create(*overlay.windowHandle(), m_screen, frozen);
+        overlay.open(*surface);
+        QVERIFY(QTest::qWaitForWindowExposed(overlay.windowHandle()));
+        QTest::qWait(20);
+        auto *button = new Button(&overlay);
+        button->setGeometry(60, 60, 40, 20);
+        const QRect native = nativeOf(button->geometry());
+        surface->setCovered(native);
+        button->show();
+        QTRY_COMPARE(desktop->look(native.adjusted(2, 2, -2, -2)).pixelColor(3, 3),
+                     QColor(Qt::green));
+        QVERIFY((overlay.painted - QRegion(button->geometry().adjusted(-1, -1, 1, 1))).isEmpty());
+        // Presenting leaves the widget's pixels alone.
+        DisplayList list;
+        list.veil = 0.5;
+        QVERIFY(surface->present(list));
+        QTest::qWait(30);
+        QCOMPARE(desktop->look(native.adjusted(2, 2, -2, -2)).pixelColor(3, 3), QColor(Qt::green));
+        button->hide();
+        surface->setCovered({});
+        surface->present(list);
+        QTest::qWait(30);
+        surface->setCovered({});
+    }
+
+    void presentsWhatAPainterWouldDraw_data()
+    {
+        QTest::addColumn<DisplayList>("list");
+        QTest::newRow("nothing") << DisplayList{};
+        QTest::newRow("veil") << DisplayList{0.5, {}, {}};
+        QTest::newRow("veil of an odd strength with a hole")
+            << DisplayList{0.37, QRect(50, 70, 200, 133), {}};
+        QTest::newRow("opaque and translucent fills")
+            << DisplayList{0.3,
+                           QRect(50, 70, 200, 133),
+                           {DisplayList::Fill{QRect(50, 70, 200, 2), 0xffffffff},
+                            DisplayList::Fill{QRect(60, 60, 90, 90), 0x80400010}}};
+        QImage decal(37, 21, QImage::Format_ARGB32_Premultiplied);
+        for (int y = 0; y < decal.height(); ++y) {
+            for (int x = 0; x < decal.width(); ++x)
+                decal.setPixel(x, y, qPremultiply(qRgba(x * 6, y * 12, 90, x * 255 / 36)));
+        }
+        QTest::newRow("decals, one clipped, one over the edge")
+            << DisplayList{0.3,
+                           QRect(),
+                           {DisplayList::Decal{1, QPoint(90, 90), decal, {}},
+                            DisplayList::Decal{1, QPoint(200, 90), decal, QRect(205, 92, 9, 9)},
+                            DisplayList::Decal{2, QPoint(-10, -5), decal, {}}}};
+    }
+    void presentsWhatAPainterWouldDraw()
+    {
+        QFETCH(DisplayList, list);
+        const auto frozen = freeze();
+        Overlay overlay;
+        const auto surface = m_shell->create(*overlay.windowHandle(), m_screen, frozen);
+        overlay.open(*surface);
+        QVERIFY(QTest::qWaitForWindowExposed(overlay.windowHandle()));
+        // By way of another list, so that what lay there before must go.
+        DisplayList other{0.6, QRect(0, 0, 120, 120), {}};
+        other.items.push_back(DisplayList::Fill{QRect(30, 30, 300, 40), 0xff00ff00});
+        QVERIFY(surface->present(other));
+        QVERIFY(surface->present(list));
+        QTest::qWait(20);
+        const QImage expected = painted(frozen->pixels().result(), list);
+        const int limit = m_connection->screen().root_depth == 16 ? 9 : 1;
+        QCOMPARE_LE(largestDifference(desktop->look(m_screen.native), expected), limit);
+        if (list == DisplayList{})
+            QCOMPARE(desktop->look(), m_before);
+        // What another window covered for a moment comes back as it was.
+        const xcb_window_t visitor = desktop->openWindow(QRect(0, 0, 300, 300), 0xffffff);
+        xcb_destroy_window(desktop->client(), visitor);
+        desktop->sync();
+        QTest::qWait(20);
+        QCOMPARE_LE(largestDifference(desktop->look(m_screen.native), expected), limit);
+    }
+
+private:
+    std::shared_ptr<FrozenDisplay> freeze()
+    {
+        const auto content = m_grabber->shareableContent();
+        const auto result = m_grabber->capture(*content, content->displays.front(), {}).result();
+        Q_ASSERT(result.frozen);
+        return result.frozen;
+    }
+    QRect nativeOf(QRect logical) const
+    {
+        const double s = m_screen.scale;
+        return QRectF(logical.x() * s, logical.y() * s, logical.width() * s, logical.height() * s)
+            .toAlignedRect();
+    }
+    QRect geometryOf(QWindow &window) const
+    {
+        const X11Reply<xcb_get_geometry_reply_t> reply(xcb_get_geometry_reply(
+            desktop->client(), xcb_get_geometry(desktop->client(), xcb_drawable_t(window.winId())),
+            nullptr));
+        return QRect(reply->x, reply->y, reply->width, reply->height);
+    }
+
+    QImage m_before;
+    std::shared_ptr<X11Connection> m_connection;
+    std::shared_ptr<X11Monitors> m_monitors;
+    std::unique_ptr<X11Screens> m_screens;
+    std::unique_ptr<X11ScreenGrabber> m_grabber;
+    std::unique_ptr<X11OverlayShell> m_shell;
+    Screen m_screen;
+};
+
+int main(int argc, char **argv)
+{
+    X11TestDesktop server;
+    const int depth = qEnvironmentVariableIntValue("TOVEK_TEST_DEPTH");
+    if (!server.start(QSize(1366, 768), depth ? depth : 24)) {
+        std::puts("SKIP: no Xvfb");
+        return 77;
+    }
+    desktop = &server;
+    qputenv("DISPLAY", server.displayName());
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    QApplication application(argc, argv);
+    TestX11Overlay test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_X11Overlay.moc"
