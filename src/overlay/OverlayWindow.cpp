@@ -3,6 +3,8 @@
 
 #include "overlay/OverlayWindow.h"
 
+#include <QBackingStore>
+#include <QCoreApplication>
 #include <QEvent>
 #include <QPointer>
 #include <QWindow>
@@ -30,7 +32,6 @@ OverlayWindow::OverlayWindow(const OverlayContext &context, OverlayShell &shell)
         if (onKeyboardDenied)
             onKeyboardDenied();
     };
-    m_selectionView->setGeometry(rect());
     m_selectionView->setSurface(m_surface.get());
     m_selectionView->installEventFilter(this);
     forwardCallbacks();
@@ -43,7 +44,17 @@ OverlayWindow::~OverlayWindow()
 
 void OverlayWindow::orderFrontRegardless()
 {
+    // The surface shows the frozen screen by itself. Left alone, the toolkit would paint all of it
+    // once more, which takes longer than everything else at opening.
+    for (QWidget *widget : {static_cast<QWidget *>(this), static_cast<QWidget *>(m_selectionView)})
+        widget->setAttribute(Qt::WA_UpdatesDisabled);
     m_surface->orderFrontRegardless();
+    for (QWidget *widget : {static_cast<QWidget *>(this), static_cast<QWidget *>(m_selectionView)}) {
+        QCoreApplication::removePostedEvents(widget, QEvent::UpdateLater);
+        widget->setAttribute(Qt::WA_UpdatesDisabled, false);
+    }
+    if (backingStore())
+        backingStore()->resize(size());
 }
 
 void OverlayWindow::makeKey()
@@ -63,6 +74,11 @@ void OverlayWindow::activeSpaceDidChange()
         return;
     makeKey();
     m_selectionView->setCaptureCursor();
+}
+
+void OverlayWindow::resizeEvent(QResizeEvent *)
+{
+    m_selectionView->setGeometry(rect());
 }
 
 bool OverlayWindow::eventFilter(QObject *watched, QEvent *event)

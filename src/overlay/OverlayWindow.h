@@ -34,7 +34,11 @@ public:
     std::function<void()> onKeyboardDenied;
 
 protected:
+    void resizeEvent(QResizeEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
+    // Focus changes nothing in the picture; the base class would repaint all of it.
+    void focusInEvent(QFocusEvent *) override {}
+    void focusOutEvent(QFocusEvent *) override {}
 
 private:
     void forwardCallbacks();
