@@ -45,8 +45,10 @@ private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(".*")); }
     void cleanup()
     {
-        if (!m_display.isEmpty())
-            SelectionReader(m_display).take(); // ends the holder of the test
+        if (m_display.isEmpty())
+            return;
+        SelectionReader(m_display).take(); // ends the holder of the test
+        QTRY_VERIFY(holderProcesses().isEmpty());
     }
 
     void listsTheProtocolAndPng()

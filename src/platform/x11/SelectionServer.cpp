@@ -73,6 +73,10 @@ SelectionServer::SelectionServer(xcb_connection_t *connection, int screen)
 
 SelectionServer::~SelectionServer()
 {
+    // A connection closed with events unread is reset: the display server would throw away what it
+    // has not read yet, and a reader would wait for its last piece for ever. An answer says that
+    // it has read everything.
+    currentOwner();
     xcb_disconnect(m_connection);
 }
 
