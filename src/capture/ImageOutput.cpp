@@ -1,0 +1,191 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "capture/ImageOutput.h"
+
+#include "capture/FileWriter.h"
+#include "capture/ImageCrop.h"
+#include "capture/PngEncoder.h"
+#include "foundation/Log.h"
+#include "foundation/UserDefaults.h"
+#include "platform/Clipboard.h"
+#include "platform/Clock.h"
+
+#include <QDir>
+#include <QFutureWatcher>
+#include <QStandardPaths>
+#include <QtConcurrent>
+
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
+namespace tovek {
+
+namespace {
+
+constexpr std::chrono::seconds previewTime(20);
+constexpr int idleThreadMs = 2000;
+
+/// Calls back when the future has finished, also without a result (an empty value then): at once
+/// when it has already. Never when the context died before.
+template <typename T, typename Use>
+void whenFinished(const QFuture<T> &future, QObject *context, Use use)
+{
+    const auto result = [](const QFuture<T> &finished) {
+        return finished.resultCount() > 0 ? finished.result() : T();
+    };
+    if (future.isFinished()) {
+        use(result(future));
+        return;
+    }
+    // A watcher, not a continuation: a future has room for only one of those, and the recogniser
+    // may wait for the same pixels.
+    auto *const watcher = new QFutureWatcher<T>(context); // deletes itself at the end
+    QObject::connect(watcher, &QFutureWatcherBase::finished, context, [=] {
+        watcher->deleteLater();
+        use(result(watcher->future()));
+    });
+    watcher->setFuture(future);
+}
+
+/// Gives back what encoding took; the allocator would keep it for a next time that may be hours
+/// away.
+void releaseMemory()
+{
+#ifdef __GLIBC__
+    malloc_trim(0);
+#endif
+}
+
+} // namespace
+
+ImageOutput::ImageOutput(Clipboard &clipboard, const UserDefaults &defaults, const Clock &clock,
+                         CaptureFeedback feedback)
+    : m_clipboard(clipboard)
+    , m_defaults(defaults)
+    , m_clock(clock)
+    , m_feedback(std::move(feedback))
+{
+    // One: saves of the same second must not overtake each other, and encoding uses all cores.
+    m_writers.setMaxThreadCount(1);
+    m_writers.setExpiryTimeout(idleThreadMs);
+}
+
+std::optional<Image> ImageOutput::cropSelection(const QImage &pixels, const Rect &rect,
+                                                const Screen &screen)
+{
+    return crop(Image{pixels, screen.frame.size()}, PixelRect::fromPoints(rect, screen.scale),
+                rect.size());
+}
+
+void ImageOutput::copySelection(const QFuture<QImage> &pixels, const Rect &rect,
+                                const Screen &screen)
+{
+    whenFinished(pixels, this, [=, this](const QImage &frozen) {
+        if (const auto image = cropSelection(frozen, rect, screen)) {
+            copyImage(*image);
+            return;
+        }
+        logLine(QStringLiteral("Failed to crop image"));
+        fail(QStringLiteral("Failed to copy image"), screen);
+    });
+}
+
+QFuture<QByteArray> ImageOutput::copyImage(const Image &image)
+{
+    PngOptions options;
+    options.dotsPerInch = dotsPerInch(image);
+    // Not behind a save that waits for its disk.
+    const QFuture<QByteArray> png = QtConcurrent::run([bitmap = image.bitmap, options] {
+        QByteArray bytes = encodePng(bitmap, options);
+        releaseMemory();
+        return bytes;
+    });
+    m_clipboard.setPng(png);
+    showPreview(image);
+    return png;
+}
+
+QString ImageOutput::saveLocation() const
+{
+    QString folder = m_defaults.string(QStringLiteral("saveFolderPath")).value_or(QString());
+    if (folder.isEmpty()) {
+        folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+        if (folder.isEmpty() || !QFileInfo(folder).isDir())
+            folder = QDir::homePath();
+    }
+    const QString time = m_clock.now().toString(QStringLiteral("yyyy-MM-dd 'at' HH.mm.ss"));
+    return QDir(folder).filePath(QStringLiteral("Tovek %1.png").arg(time));
+}
+
+void ImageOutput::saveSelection(const QFuture<QImage> &pixels, const Rect &rect,
+                                const Screen &screen, const QString &path)
+{
+    whenFinished(pixels, this, [=, this](const QImage &frozen) {
+        if (const auto image = cropSelection(frozen, rect, screen)) {
+            saveImage(*image, screen, path);
+            return;
+        }
+        logLine(QStringLiteral("Failed to crop image"));
+        fail(QStringLiteral("Failed to save image"), screen);
+    });
+}
+
+void ImageOutput::saveImage(const Image &image, const std::optional<Screen> &screen,
+                            const QString &path)
+{
+    QPromise<Written> promise;
+    whenFinished(promise.future(), this,
+                 [=, this](const Written &written) { saved(image, screen, path, written); });
+    promise.start();
+    m_writers.start([promise = std::make_shared<QPromise<Written>>(std::move(promise)),
+                     bitmap = image.bitmap, path] {
+        const Written written = encodeAndWrite(bitmap, path);
+        promise->addResult(written);
+        promise->finish();
+        // The file is there; that it also survives a power failure need not be waited for.
+        if (written.isEncoded && !written.error)
+            syncToDisk(path);
+        releaseMemory();
+    });
+}
+
+ImageOutput::Written ImageOutput::encodeAndWrite(const QImage &bitmap, const QString &path)
+{
+    const QByteArray png = encodePng(bitmap);
+    if (png.isEmpty())
+        return {};
+    return {true, writeFile(path, png)};
+}
+
+void ImageOutput::saved(const Image &image, const std::optional<Screen> &screen,
+                        const QString &path, const Written &written)
+{
+    if (!written.isEncoded) {
+        fail(QStringLiteral("Failed to create image"), screen);
+        return;
+    }
+    if (written.error) {
+        logLine(QStringLiteral("Failed to save image: ") + *written.error);
+        fail(QStringLiteral("Failed to save image"), screen);
+        return;
+    }
+    showPreview(image);
+    if (m_feedback.showSavedNotification)
+        m_feedback.showSavedNotification(QFileInfo(path).fileName(), QUrl::fromLocalFile(path));
+}
+
+void ImageOutput::fail(const QString &message, const std::optional<Screen> &screen) const
+{
+    if (m_feedback.toast)
+        m_feedback.toast(message, QStringLiteral("xmark.circle.fill"), screen);
+}
+
+void ImageOutput::showPreview(const Image &image) const
+{
+    if (m_feedback.showPreview)
+        m_feedback.showPreview(image, previewTime);
+}
+
+} // namespace tovek

@@ -1,0 +1,68 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "capture/CaptureFeedback.h"
+
+#include <QFuture>
+#include <QImage>
+#include <QObject>
+#include <QThreadPool>
+
+namespace tovek {
+
+class Clipboard;
+class Clock;
+class UserDefaults;
+
+/// Turns a frozen screen and a selection into a picture on the clipboard or in a file. Main
+/// thread; encoding and writing happen on a thread that ends when it has nothing to do. Writing
+/// goes on in the order of the calls, and the destructor waits for it, so that quitting loses
+/// nothing.
+class ImageOutput : public QObject
+{
+public:
+    ImageOutput(Clipboard &clipboard, const UserDefaults &defaults, const Clock &clock,
+                CaptureFeedback feedback);
+
+    /// The selection (points of the screen's own space) out of the screen's pixels. Absent when no
+    /// pixel is left of it.
+    [[nodiscard]] static std::optional<Image> cropSelection(const QImage &pixels, const Rect &rect,
+                                                            const Screen &screen);
+
+    /// Crops as soon as the pixels are there, then copies. A failed crop leaves the clipboard
+    /// alone and is told on the screen.
+    void copySelection(const QFuture<QImage> &pixels, const Rect &rect, const Screen &screen);
+    /// Takes the clipboard at once, for the PNG that the future brings, and shows the preview.
+    QFuture<QByteArray> copyImage(const Image &image);
+
+    /// The user's folder, else Downloads, else home, and a name made of the time. Asks the clock:
+    /// one save asks once.
+    QString saveLocation() const;
+    void saveSelection(const QFuture<QImage> &pixels, const Rect &rect, const Screen &screen,
+                       const QString &path);
+    /// Writes the file and shows preview and notification, or tells the failure on the screen.
+    void saveImage(const Image &image, const std::optional<Screen> &screen, const QString &path);
+
+private:
+    struct Written
+    {
+        bool isEncoded = false;
+        std::optional<QString> error; ///< of writing
+    };
+
+    static Written encodeAndWrite(const QImage &bitmap, const QString &path);
+    void saved(const Image &image, const std::optional<Screen> &screen, const QString &path,
+               const Written &written);
+    void fail(const QString &message, const std::optional<Screen> &screen) const;
+    void showPreview(const Image &image) const;
+
+    Clipboard &m_clipboard;
+    const UserDefaults &m_defaults;
+    const Clock &m_clock;
+    CaptureFeedback m_feedback;
+    QThreadPool m_writers;
+};
+
+} // namespace tovek
