@@ -16,7 +16,7 @@ class KeyboardLayout
 public:
     virtual ~KeyboardLayout() = default;
     /// The one character that the key with this hardware code types without modifiers, in the
-    /// first group of the layout that types Latin letters (the active one, when none does).
+    /// active layout, or where that types no Latin letters in the first one that does, if any.
     /// Absent for a dead key, for a key without a character, and for one that does not exist.
     virtual std::optional<QString> character(int carbonKeyCode) const = 0;
 

@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/KeyboardLayout.h"
+
+#include <QSocketNotifier>
+
+#include <memory>
+#include <xcb/xcb.h>
+
+struct xkb_context;
+struct xkb_keymap;
+
+namespace tovek {
+
+/// The keyboard map of the X server, read when it is first asked for and again after a change.
+class X11KeyboardLayout : public KeyboardLayout
+{
+public:
+    /// Null where there is no X server or its keyboard has no map. Needs no application.
+    static std::unique_ptr<X11KeyboardLayout> create();
+    ~X11KeyboardLayout() override;
+
+    std::optional<QString> character(int carbonKeyCode) const override;
+
+    /// Changes are noticed from now on. Needs the application.
+    void startDispatching();
+
+private:
+    struct Free
+    {
+        void operator()(xkb_context *context) const;
+        void operator()(xkb_keymap *keymap) const;
+        void operator()(xcb_connection_t *connection) const;
+    };
+
+    explicit X11KeyboardLayout(std::unique_ptr<xcb_connection_t, Free> connection);
+    bool setUp();
+    void selectEvents();
+    void readEvents();
+    /// Null when the server does not give it.
+    xkb_keymap *keymap() const;
+    quint32 activeGroup() const;
+    quint32 latinGroup() const;
+
+    std::unique_ptr<xcb_connection_t, Free> m_connection;
+    std::unique_ptr<xkb_context, Free> m_context;
+    quint8 m_firstEvent = 0;
+    mutable std::unique_ptr<xkb_keymap, Free> m_keymap; ///< null while it is to be read
+    mutable quint32 m_group = 0; ///< whose characters we give
+    std::unique_ptr<QSocketNotifier> m_notifier;
+};
+
+} // namespace tovek

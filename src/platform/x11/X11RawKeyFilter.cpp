@@ -1,0 +1,94 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/x11/X11RawKeyFilter.h"
+
+#include "platform/linux/KeyCodes.h"
+
+#include <QCoreApplication>
+
+#include <cstdlib>
+#include <memory>
+#include <xcb/xcb.h>
+
+namespace tovek {
+
+X11RawKeyFilter::X11RawKeyFilter(xcb_connection_t *connection, Handler handler)
+    : m_connection(connection)
+    , m_handler(std::move(handler))
+{
+}
+
+X11RawKeyFilter::~X11RawKeyFilter()
+{
+    if (m_isWatching)
+        setWatching(false, m_modifiers);
+}
+
+void X11RawKeyFilter::setWatching(bool isOn, const X11Modifiers &modifiers)
+{
+    m_modifiers = modifiers;
+    auto *application = QCoreApplication::instance();
+    if (m_isWatching == isOn || !application)
+        return;
+    m_isWatching = isOn;
+    m_down.clear();
+    if (isOn)
+        application->installNativeEventFilter(this);
+    else
+        application->removeNativeEventFilter(this);
+}
+
+bool X11RawKeyFilter::nativeEventFilter(const QByteArray &eventType, void *message, qintptr *)
+{
+    if (eventType != "xcb_generic_event_t")
+        return false;
+    const auto *event = static_cast<const xcb_generic_event_t *>(message);
+    const auto *key = static_cast<const xcb_key_press_event_t *>(message);
+    switch (event->response_type & 0x7f) {
+    case XCB_KEY_PRESS:
+        return press(key->detail, key->state);
+    case XCB_KEY_RELEASE:
+        return release(key->detail);
+    default:
+        return false;
+    }
+}
+
+bool X11RawKeyFilter::press(int keycode, quint16 state)
+{
+    if (const auto repeated = m_down.find(keycode); repeated != m_down.end())
+        return repeated->second.isSwallowed;
+    const int carbon = carbonKeyCode(keycode - windowSystemKeyOffset);
+    if (carbon == KeyCode::none)
+        return false;
+    const KeyCombo combo{quint32(carbon), m_modifiers.carbonModifiers(state)};
+    const bool isSwallowed = m_handler(combo, true);
+    if (m_isWatching)
+        m_down.insert_or_assign(keycode, Press{combo, isSwallowed});
+    return isSwallowed;
+}
+
+bool X11RawKeyFilter::release(int keycode)
+{
+    const auto found = m_down.find(keycode);
+    if (found == m_down.end())
+        return false;
+    // The toolkit's connection gets a release before each repeat of a key that is held.
+    if (isKeyDown(m_connection, keycode))
+        return found->second.isSwallowed;
+    // With the modifiers of the press, since these may have been let go first.
+    const Press press = found->second;
+    m_down.erase(found);
+    m_handler(press.combo, false);
+    return press.isSwallowed;
+}
+
+bool isKeyDown(xcb_connection_t *connection, int keycode)
+{
+    const std::unique_ptr<xcb_query_keymap_reply_t, decltype(&std::free)> keymap(
+        xcb_query_keymap_reply(connection, xcb_query_keymap(connection), nullptr), &std::free);
+    return keymap && (keymap->keys[keycode / 8] >> (keycode % 8) & 1);
+}
+
+} // namespace tovek
