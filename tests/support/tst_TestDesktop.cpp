@@ -1,6 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
+#include "support/Eye.h"
+#include "support/Picture.h"
 #include "support/TestDesktop.h"
 #include "support/Wait.h"
 #include "support/XConnection.h"
@@ -101,11 +103,20 @@ private Q_SLOTS:
         QCOMPARE(monitorsOf(desktop.displayName()), (QList<QRect>{{800, 100, 1200, 900}}));
     }
 
-    void showsItsPictureJustWhereAskedFor()
+    void coversEachMonitorWithAPicture()
     {
-        TestDesktop desktop;
+        DesktopPlan plan;
+        plan.size = {2000, 1000};
+        plan.monitors = {{800, 100, 1200, 900}, {0, 0, 800, 600}};
+        TestDesktop desktop(plan);
         QVERIFY2(desktop.start(), qPrintable(desktop.error()));
-        QVERIFY(desktop.showPicture({100, 50, 400, 300}));
+        for (const QRect &monitor : plan.monitors) {
+            QVERIFY(desktop.showPicture(monitor));
+            const QImage seen = Eye(desktop.displayName()).lookWhenStill(monitor);
+            for (const QPoint &at :
+                 {QPoint(0, 0), QPoint(monitor.width() - 1, 300), QPoint(5, monitor.height() - 1)})
+                QCOMPARE(seen.pixel(at), pictureColor(uint32_t(at.x()), uint32_t(at.y())));
+        }
     }
 
     void tellsHowAProgramEnded()
