@@ -4,40 +4,82 @@
 #include "app/PlatformFactory.h"
 
 #include "foundation/Log.h"
-#include "platform/Clipboard.h"
-#include "platform/HotKeys.h"
-#include "platform/KeyboardLayout.h"
+#include "platform/linux/DBusSingleInstance.h"
+#include "platform/linux/NullClipboard.h"
 #include "platform/linux/NullDesktop.h"
+#include "platform/linux/NullKeyboard.h"
 #include "platform/linux/QtClock.h"
 #ifdef TOVEK_WITH_X11
+#include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11FrontmostApp.h"
+#include "platform/x11/X11HotKeys.h"
+#include "platform/x11/X11KeyboardLayout.h"
 #include "platform/x11/X11OverlaySurface.h"
 #include "platform/x11/X11ScreenGrabber.h"
 #include "platform/x11/X11Screens.h"
 #endif
 
+#include <cstdlib>
+
 namespace tovek {
 
 namespace {
 
+bool isForced(const char *name)
+{
+    return qEnvironmentVariable("TOVEK_PLATFORM") == QLatin1String(name);
+}
+
+#ifdef TOVEK_WITH_X11
+void exitWithTheServer()
+{
+    logLine(QStringLiteral("The X server went away"));
+    // Nothing of the toolkit can be taken down in order without its server.
+    std::_Exit(1);
+}
+
+bool openX11Keyboard(EarlyPlatform &early)
+{
+    auto hotKeys = X11HotKeys::create();
+    auto layout = X11KeyboardLayout::create();
+    if (!hotKeys || !layout)
+        return false;
+    hotKeys->onConnectionLost = &exitWithTheServer;
+    early.hotKeys = std::move(hotKeys);
+    early.keyboardLayout = std::move(layout);
+    return true;
+}
+
 /// False where the session is not one of X11.
 bool addX11Desktop(Platform &platform)
 {
-#ifdef TOVEK_WITH_X11
     const std::shared_ptr<X11Connection> connection = X11Connection::create();
-    if (!connection)
+    auto clipboard = X11Clipboard::create();
+    auto *hotKeys = dynamic_cast<X11HotKeys *>(platform.hotKeys.get());
+    auto *layout = dynamic_cast<X11KeyboardLayout *>(platform.keyboardLayout.get());
+    if (!connection || !clipboard || !hotKeys || !layout)
         return false;
     const auto monitors = std::make_shared<X11Monitors>(connection);
     platform.screens = std::make_unique<X11Screens>(connection, monitors);
     platform.grabber = std::make_unique<X11ScreenGrabber>(connection, monitors);
     platform.overlayShell = std::make_unique<X11OverlayShell>(connection, monitors);
     platform.frontmostApp = std::make_unique<X11FrontmostApp>(connection);
+    platform.clipboard = std::move(clipboard);
+    hotKeys->startDispatching();
+    layout->startDispatching();
     return true;
-#else
-    Q_UNUSED(platform)
-    return false;
-#endif
 }
+#else
+bool openX11Keyboard(EarlyPlatform &)
+{
+    return false;
+}
+
+bool addX11Desktop(Platform &)
+{
+    return false;
+}
+#endif
 
 void addNullDesktop(Platform &platform)
 {
@@ -45,20 +87,42 @@ void addNullDesktop(Platform &platform)
     platform.grabber = std::make_unique<NullScreenGrabber>();
     platform.overlayShell = std::make_unique<NullOverlayShell>();
     platform.frontmostApp = std::make_unique<NullFrontmostApp>();
+    platform.clipboard = std::make_unique<NullClipboard>();
 }
 
 } // namespace
 
-Platform makePlatform()
+EarlyPlatform::EarlyPlatform() = default;
+EarlyPlatform::~EarlyPlatform() = default;
+EarlyPlatform::EarlyPlatform(EarlyPlatform &&) noexcept = default;
+
+EarlyPlatform makeEarlyPlatform()
+{
+    EarlyPlatform early;
+    early.singleInstance = std::make_unique<DBusSingleInstance>();
+    return early;
+}
+
+void openKeyboard(EarlyPlatform &early)
+{
+    if (!isForced("null") && openX11Keyboard(early))
+        return;
+    early.hotKeys = std::make_unique<NullHotKeys>();
+    early.keyboardLayout = std::make_unique<NullKeyboardLayout>();
+}
+
+Platform makePlatform(EarlyPlatform &early)
 {
     Platform platform;
     platform.clock = std::make_unique<QtClock>();
-    const QString forced = qEnvironmentVariable("TOVEK_PLATFORM");
-    if (forced == QStringLiteral("null") || !addX11Desktop(platform)) {
-        if (forced != QStringLiteral("null"))
-            logLine(QStringLiteral("No X server to work with: screens cannot be captured"));
-        addNullDesktop(platform);
-    }
+    platform.hotKeys = std::move(early.hotKeys);
+    platform.keyboardLayout = std::move(early.keyboardLayout);
+    if (!isForced("null") && addX11Desktop(platform))
+        return platform;
+    if (!isForced("null"))
+        logLine(QStringLiteral("No X server to work with: shortcuts, screens and the clipboard "
+                               "cannot be used"));
+    addNullDesktop(platform);
     return platform;
 }
 

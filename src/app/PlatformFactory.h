@@ -7,8 +7,29 @@
 
 namespace tovek {
 
-/// The services of the session that the application runs in, chosen once. TOVEK_PLATFORM=x11 or
-/// null forces a choice. Needs a QGuiApplication.
-Platform makePlatform();
+class SingleInstance;
+
+/// What works before there is an application: the claim to be the only instance, and the keyboard.
+/// Shortcuts are taken within a few milliseconds of the start of the process by that, and keys
+/// pressed while the toolkit starts are not lost.
+struct EarlyPlatform
+{
+    EarlyPlatform();
+    ~EarlyPlatform();
+    EarlyPlatform(EarlyPlatform &&) noexcept;
+
+    std::unique_ptr<SingleInstance> singleInstance;
+    std::unique_ptr<HotKeys> hotKeys;
+    std::unique_ptr<KeyboardLayout> keyboardLayout;
+};
+
+/// Every member but the keyboard, for which see `openKeyboard`. TOVEK_PLATFORM=x11 or null forces
+/// a choice of platform, here and in `makePlatform`.
+EarlyPlatform makeEarlyPlatform();
+void openKeyboard(EarlyPlatform &early);
+
+/// The services of the session that the application runs in, chosen once. Needs a
+/// QGuiApplication; keys are told from the main loop from now on.
+Platform makePlatform(EarlyPlatform &early);
 
 } // namespace tovek

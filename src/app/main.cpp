@@ -1,10 +1,107 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
+#include "KeyboardShortcuts/ShortcutService.h"
+#include "app/HotkeyManager.h"
+#include "app/PlatformFactory.h"
+#include "app/TovekApp.h"
+#include "foundation/Log.h"
+#include "foundation/UserDefaults.h"
+#include "platform/Clipboard.h"
+#include "platform/HotKeys.h"
+#include "platform/KeyboardLayout.h"
+#include "platform/SingleInstance.h"
+
 #include <QApplication>
+
+#include <cstring>
+
+namespace tovek {
+
+namespace {
+
+/// XWayland serves the program on a Wayland desktop as far as that goes.
+void chooseToolkitPlatform()
+{
+    if (!qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
+        return;
+    const bool hasXWayland = qEnvironmentVariableIsSet("DISPLAY");
+    logLine(QStringLiteral("On Wayland, windows of other programs cannot be captured yet, and "
+                           "shortcuts act only while an X11 window has the keyboard%1")
+                .arg(hasXWayland ? QString() : QStringLiteral("; there is no XWayland either")));
+    if (hasXWayland && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "xcb");
+}
+
+/// True unless the toolkit would end the process for want of a display.
+bool hasDisplay()
+{
+    return qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || qEnvironmentVariableIsSet("DISPLAY")
+        || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+}
+
+/// Started by the session, not by a person.
+bool isInBackground(int argc, char **argv)
+{
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--background") == 0)
+            return true;
+    }
+    return false;
+}
+
+int run(int &argc, char **argv)
+{
+    const bool inBackground = isInBackground(argc, argv);
+    EarlyPlatform early = makeEarlyPlatform();
+    if (early.singleInstance->claim() == SingleInstance::Role::second)
+        return 0;
+    if (!hasDisplay()) {
+        logLine(QStringLiteral("No display: neither DISPLAY nor WAYLAND_DISPLAY is set"));
+        return 1;
+    }
+    chooseToolkitPlatform();
+
+    // The keys come first: everything after this takes longer than a user may wait.
+    openKeyboard(early);
+    UserDefaults defaults(UserDefaults::standardPath());
+    KeyboardShortcuts::ShortcutService::setShared(
+        std::make_unique<KeyboardShortcuts::ShortcutService>(defaults, *early.hotKeys,
+                                                             *early.keyboardLayout));
+    HotkeyManager hotkeyManager;
+    hotkeyManager.registerShortcuts();
+
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("tovek"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Tovek"));
+    QApplication::setApplicationVersion(QStringLiteral(TOVEK_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("org.tovek.Tovek"));
+    QApplication::setQuitOnLastWindowClosed(false);
+    Platform platform = makePlatform(early);
+    {
+        TovekApp app(platform, defaults);
+        AppDelegate &delegate = app.appDelegate();
+        early.singleInstance->onReopen = [&] { delegate.applicationShouldHandleReopen(false); };
+        early.singleInstance->onAction = [&](const QString &action) {
+            delegate.performAction(action);
+        };
+        delegate.applicationDidFinishLaunching(inBackground ? AppDelegate::Launch::inBackground
+                                                            : AppDelegate::Launch::byUser,
+                                               hotkeyManager);
+        QApplication::exec();
+        early.singleInstance->onReopen = nullptr;
+        early.singleInstance->onAction = nullptr;
+    }
+    platform.clipboard->handOver();
+    KeyboardShortcuts::ShortcutService::setShared(nullptr);
+    return 0;
+}
+
+} // namespace
+
+} // namespace tovek
 
 int main(int argc, char **argv)
 {
-    QApplication application(argc, argv);
-    return QApplication::exec();
+    return tovek::run(argc, argv);
 }

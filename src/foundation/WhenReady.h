@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include <QFuture>
+#include <QFutureWatcher>
 #include <QObject>
 #include <QPromise>
 
@@ -22,10 +22,16 @@ void whenReady(QFuture<T> future, QObject *context, Use use)
             use(future.result());
         return;
     }
-    future.then(context, [use = std::move(use)](QFuture<T> finished) mutable {
-        if (finished.resultCount() > 0)
-            use(finished.result());
-    });
+    // Not QFuture::then: a second continuation of one future would replace the first.
+    auto *watcher = new QFutureWatcher<T>(context);
+    QObject::connect(watcher, &QFutureWatcherBase::finished, context,
+                     [watcher, use = std::move(use)]() mutable {
+                         watcher->deleteLater();
+                         const QFuture<T> finished = watcher->future();
+                         if (finished.resultCount() > 0)
+                             use(finished.result());
+                     });
+    watcher->setFuture(future);
 }
 
 /// A future that has its result.

@@ -1,0 +1,97 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "app/AppDelegate.h"
+
+#include "KeyboardShortcuts/ShortcutService.h"
+#include "app/AppState.h"
+#include "app/HotkeyManager.h"
+#include "foundation/Log.h"
+#include "platform/Clock.h"
+#include "platform/FrontmostApp.h"
+#include "platform/Platform.h"
+
+#include <QCoreApplication>
+
+namespace tovek {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto settingsDelay = 100ms;
+
+} // namespace
+
+AppDelegate::AppDelegate(Platform &platform, UserDefaults &defaults, AppState &state)
+    : m_platform(platform)
+    , m_state(state)
+    , m_screenshotService(*platform.grabber)
+    , m_imageOutput(*platform.clipboard, defaults, *platform.clock, m_feedback)
+    , m_overlayController(overlayServices())
+{
+}
+
+AppDelegate::~AppDelegate() = default;
+
+OverlayController::Services AppDelegate::overlayServices()
+{
+    OverlayController::Services services{
+        *m_platform.screens,
+        m_screenshotService,
+        *m_platform.overlayShell,
+        *m_platform.frontmostApp,
+        *m_platform.clock,
+        *m_platform.clipboard,
+        m_imageOutput,
+    };
+    services.keyboardLayout = m_platform.keyboardLayout.get();
+    services.feedback = m_feedback;
+    return services;
+}
+
+void AppDelegate::applicationDidFinishLaunching(Launch launch, HotkeyManager &hotkeys)
+{
+    m_platform.frontmostApp->setActivationPolicy(ActivationPolicy::accessory);
+    hotkeys.onCapture = [this](CaptureMode mode) { m_overlayController.startCapture(mode); };
+    hotkeys.onPrepare = [this] { m_overlayController.prepare(); };
+    KeyboardShortcuts::ShortcutService::shared().watchMenus();
+    if (launch == Launch::inBackground)
+        return;
+    m_platform.clock->after(settingsDelay, this, [this] { m_state.setShouldOpenSettings(true); });
+}
+
+bool AppDelegate::applicationShouldHandleReopen(bool)
+{
+    m_state.setShouldOpenSettings(true);
+    return true;
+}
+
+void AppDelegate::performAction(const QString &action)
+{
+    const struct
+    {
+        const char *name;
+        std::function<void()> act;
+    } actions[] = {
+        {"start-capture", [this] { m_overlayController.startCapture(CaptureMode::normal); }},
+        {"capture-image", [this] { m_overlayController.startCapture(CaptureMode::copyImage); }},
+        {"capture-text", [this] { m_overlayController.startCapture(CaptureMode::copyText); }},
+        {"preferences", [this] { openSettings(SettingsTab::general); }},
+        {"about", [this] { openSettings(SettingsTab::about); }},
+        {"quit", [] { QCoreApplication::quit(); }},
+    };
+    for (const auto &[name, act] : actions) {
+        if (action == QLatin1String(name))
+            return act();
+    }
+    logLine(QStringLiteral("This build cannot do %1").arg(action));
+}
+
+void AppDelegate::openSettings(SettingsTab tab)
+{
+    m_state.setSelectedSettingsTab(tab);
+    m_state.setShouldOpenSettings(true);
+}
+
+} // namespace tovek

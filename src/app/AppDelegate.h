@@ -1,0 +1,49 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "capture/ImageOutput.h"
+#include "capture/OverlayController.h"
+#include "capture/ScreenshotService.h"
+
+namespace tovek {
+
+class AppState;
+enum class SettingsTab;
+class HotkeyManager;
+class UserDefaults;
+struct Platform;
+
+/// Starts the shared services and connects them with each other: the only place that knows all of
+/// them.
+class AppDelegate : public QObject
+{
+public:
+    AppDelegate(Platform &platform, UserDefaults &defaults, AppState &state);
+    ~AppDelegate() override;
+
+    enum class Launch { byUser, inBackground };
+    /// The start sequence. In the background no window opens. The shortcuts are registered
+    /// already; from here on they act.
+    void applicationDidFinishLaunching(Launch launch, HotkeyManager &hotkeys);
+    /// The program was launched again while it runs: always opens the settings.
+    bool applicationShouldHandleReopen(bool hasVisibleWindows);
+    /// A command from outside, by its name.
+    void performAction(const QString &action);
+
+    OverlayController &overlayController() { return m_overlayController; }
+
+private:
+    OverlayController::Services overlayServices();
+    void openSettings(SettingsTab tab);
+
+    Platform &m_platform;
+    AppState &m_state;
+    CaptureFeedback m_feedback;
+    ScreenshotService m_screenshotService;
+    ImageOutput m_imageOutput;
+    OverlayController m_overlayController;
+};
+
+} // namespace tovek

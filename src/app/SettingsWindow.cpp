@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "app/SettingsWindow.h"
+
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+namespace tovek {
+
+SettingsWindow::SettingsWindow(AppState &state) : m_state(state), m_tabs(new QTabWidget(this))
+{
+    setObjectName(QStringLiteral("settings"));
+    setAttribute(Qt::WA_DeleteOnClose);
+    m_tabs->setDocumentMode(true);
+    m_tabs->setAccessibleName(tr("Settings"));
+    for (const SettingsTab tab : {SettingsTab::general, SettingsTab::shortcuts, SettingsTab::about})
+        m_tabs->addTab(new QWidget(m_tabs), titleOf(tab));
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_tabs);
+    setFixedSize(contentSize);
+
+    connect(m_tabs, &QTabWidget::currentChanged, this, [this](int index) {
+        m_state.setSelectedSettingsTab(SettingsTab(index));
+        setWindowTitle(titleOf(SettingsTab(index)));
+    });
+    connect(&m_state, &AppState::selectedSettingsTabChanged, this, &SettingsWindow::showTab);
+    showTab(m_state.selectedSettingsTab());
+}
+
+void SettingsWindow::closeEvent(QCloseEvent *event)
+{
+    Q_EMIT willClose();
+    QWidget::closeEvent(event);
+}
+
+void SettingsWindow::keyPressEvent(QKeyEvent *event)
+{
+    const bool closes = event->key() == Qt::Key_Escape
+        || (event->key() == Qt::Key_W && event->modifiers() == Qt::ControlModifier);
+    if (closes)
+        close();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void SettingsWindow::showTab(SettingsTab tab)
+{
+    m_tabs->setCurrentIndex(int(tab));
+    setWindowTitle(titleOf(tab));
+}
+
+} // namespace tovek

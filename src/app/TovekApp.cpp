@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "app/TovekApp.h"
+
+#include "app/SettingsPlacement.h"
+#include "app/SettingsWindow.h"
+#include "platform/Clock.h"
+#include "platform/FrontmostApp.h"
+#include "platform/Platform.h"
+
+namespace tovek {
+
+using namespace std::chrono_literals;
+
+TovekApp::TovekApp(Platform &platform, UserDefaults &defaults)
+    : m_platform(platform)
+    , m_appState(AppState::shared())
+    , m_appDelegate(platform, defaults, m_appState)
+{
+    connect(&m_appState, &AppState::shouldOpenSettingsChanged, this, [this](bool should) {
+        if (should)
+            openSettings();
+    });
+}
+
+TovekApp::~TovekApp()
+{
+    delete m_settingsWindow;
+}
+
+void TovekApp::openSettings()
+{
+    m_platform.frontmostApp->setActivationPolicy(ActivationPolicy::regular);
+    if (!m_settingsWindow) {
+        m_settingsWindow = new SettingsWindow(m_appState);
+        connect(m_settingsWindow, &SettingsWindow::willClose, this, [this] {
+            m_platform.frontmostApp->setActivationPolicy(ActivationPolicy::accessory);
+        });
+    }
+    m_platform.clock->after(0ms, this, [this] { bringForward(); });
+}
+
+void TovekApp::bringForward()
+{
+    if (m_settingsWindow) {
+        SettingsWindow &window = *m_settingsWindow;
+        const auto screens = m_platform.screens->all();
+        if (const auto target = targetScreen(*m_platform.screens); target && !screens.empty()) {
+            const ViewSpace global{screens.front().frame.size(), 1};
+            const QRect place = window.isVisible() ? window.frameGeometry()
+                                                   : QRect(QPoint(-10000, 0), window.size());
+            const Point corner = global.pointFromWidget(QPointF(place.bottomLeft() + QPoint(0, 1)));
+            const Rect frame{corner.x, corner.y, double(place.width()), double(place.height())};
+            if (const auto origin = originOnScreen(frame, *target)) {
+                const Point topLeft{origin->x, origin->y + frame.height};
+                window.move(global.widgetFromPoint(topLeft).toPoint());
+            }
+        }
+        window.winId();
+        m_platform.frontmostApp->bringForward(*window.windowHandle());
+        window.show();
+        window.raise();
+        window.activateWindow();
+    }
+    m_appState.setShouldOpenSettings(false);
+}
+
+} // namespace tovek

@@ -1,0 +1,32 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/SingleInstance.h"
+
+#include <QObject>
+#include <QVariantMap>
+
+namespace tovek {
+
+/// One name on the session bus; whoever has it is the program. Others reach it through
+/// org.freedesktop.Application, as desktops do when they launch a desktop file.
+class DBusSingleInstance : public QObject, public SingleInstance
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+
+public:
+    Role claim() override;
+
+    static const QStringList &actions();
+
+public Q_SLOTS:
+    void Activate(const QVariantMap &platformData);
+    void Open(const QStringList &uris, const QVariantMap &platformData);
+    void ActivateAction(const QString &action, const QVariantList &parameter,
+                        const QVariantMap &platformData);
+};
+
+} // namespace tovek

@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "app/SettingsWindow.h"
+
+#include <QSignalSpy>
+#include <QTabWidget>
+#include <QTest>
+
+using namespace tovek;
+
+class TestSettingsWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void hasItsThreeTabsAtItsSize()
+    {
+        AppState state;
+        const SettingsWindow window(state);
+        const auto *tabs = window.findChild<QTabWidget *>();
+        QCOMPARE(tabs->count(), 3);
+        QCOMPARE(tabs->tabText(0), QStringLiteral("General"));
+        QCOMPARE(tabs->tabText(1), QStringLiteral("Shortcuts"));
+        QCOMPARE(tabs->tabText(2), QStringLiteral("About"));
+        QCOMPARE(window.size(), QSize(450, 260));
+        QVERIFY(window.objectName().contains(QStringLiteral("settings")));
+    }
+
+    void opensOnTheTabThatWasChosen()
+    {
+        AppState state;
+        state.setSelectedSettingsTab(SettingsTab::about);
+        const SettingsWindow window(state);
+        QCOMPARE(window.windowTitle(), QStringLiteral("About"));
+        state.setSelectedSettingsTab(SettingsTab::shortcuts);
+        QCOMPARE(window.windowTitle(), QStringLiteral("Shortcuts"));
+    }
+
+    void tellsTheStateWhichTabIsVisible()
+    {
+        AppState state;
+        const SettingsWindow window(state);
+        window.findChild<QTabWidget *>()->setCurrentIndex(2);
+        QVERIFY(state.selectedSettingsTab() == SettingsTab::about);
+        QCOMPARE(window.windowTitle(), QStringLiteral("About"));
+    }
+
+    void closesOnEscape()
+    {
+        AppState state;
+        auto *window = new SettingsWindow(state);
+        QSignalSpy closed(window, &SettingsWindow::willClose);
+        window->show();
+        QTest::keyClick(window, Qt::Key_Escape);
+        QCOMPARE(closed.count(), 1);
+    }
+
+    void publishesOnlyChanges()
+    {
+        AppState state;
+        QSignalSpy changes(&state, &AppState::shouldOpenSettingsChanged);
+        state.setShouldOpenSettings(false);
+        QCOMPARE(changes.count(), 0);
+        state.setShouldOpenSettings(true);
+        state.setShouldOpenSettings(true);
+        QCOMPARE(changes.count(), 1);
+    }
+};
+
+QTEST_MAIN(TestSettingsWindow)
+#include "tst_SettingsWindow.moc"
