@@ -15,7 +15,11 @@ rule_files()
          /^ *"file":/ && isRule && /\/src\// && !/autogen/ { gsub(/^ *"file": "|",?$/, ""); print }' \
         "$build/compile_commands.json" | sort -u
 }
-mapfile -t files < <(rule_files | xargs ls -t)
+mapfile -t files < <(
+    rule_files | while read -r file; do
+        echo "$(git -c safe.directory='*' log -1 --format=%ct -- "$file") $file"
+    done | sort -rn | cut -d ' ' -f 2-
+)
 
 [ ${#files[@]} -gt 0 ] || { echo "no rule files in $build" >&2; exit 1; }
 checked=0
