@@ -26,6 +26,7 @@ public:
     /// Ends the server as a crash would: its clients are not told.
     void kill();
     QString displayName() const { return m_displayName; }
+    qint64 pid() const { return m_server.pid(); }
     QString error() const { return m_error; }
     bool isRunning() const { return m_server.isRunning(); }
 
