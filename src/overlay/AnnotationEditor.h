@@ -1,0 +1,103 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "annotations/Annotation.h"
+#include "overlay/AnnotationHistory.h"
+
+#include <optional>
+
+namespace tovek {
+
+/// A part of an annotation that can be dragged by itself.
+enum class AnnotationHandle { start, end, topLeft, topRight, bottomLeft, bottomRight };
+
+/// What a chosen colour is for.
+enum class ColorTarget {
+    newAnnotations,
+    selectedAnnotation, ///< recolours it; without one, as for new annotations
+};
+
+/// Drawing, selecting, dragging and removing annotations over a finalised selection. Knows no
+/// widget: the view forwards points (y up) once the toolbar, the text box and the selection's
+/// handles have had their chance, and does what the effect says. Text needs a QGuiApplication.
+class AnnotationEditor
+{
+public:
+    /// The text box that the view has to open, its top left corner at the position.
+    struct TextBox
+    {
+        Point position;
+        QColor color;
+        QString text; ///< shown with all of it selected
+    };
+    /// What the view has to do, in this order.
+    struct Effect
+    {
+        bool isHandled = false;
+        bool needsRedraw = false;
+        bool closesTextBox = false;
+        std::optional<TextBox> opensTextBox = std::nullopt;
+    };
+    enum class ArrowKey { left, right, down, up };
+    enum class Step { single, large }; ///< 1 or 10 points
+
+    Effect press(Point at, int clickCount, const Rect &selection);
+    Effect moveTo(Point at, const Rect &selection);
+    Effect release();
+
+    /// A tool key; never toggles.
+    Effect selectTool(AnnotationTool tool);
+    /// A tool button: pressing that of the active tool goes back to the pointer.
+    Effect toggleTool(AnnotationTool tool);
+    Effect chooseColor(const QColor &color, ColorTarget target);
+    Effect deleteSelected();
+    Effect nudgeSelected(ArrowKey key, Step step);
+    /// Handled only when there was something to undo; not during a drag or in an open text box,
+    /// which has an undo of its own.
+    Effect undo();
+    Effect redo();
+
+    /// The view reports every change of the open box's text, so that whatever commits the box has
+    /// what was typed.
+    void setTypedText(const QString &text) { m_typedText = text; }
+    Effect commitText();
+    bool isTextBoxOpen() const { return textAnnotationPosition.has_value(); }
+
+    /// All annotations in drawing order, the one being drawn last.
+    std::vector<Annotation> drawnAnnotations() const;
+
+    AnnotationTool currentTool = AnnotationTool::none;
+    std::vector<Annotation> annotations;
+    std::optional<Annotation> currentAnnotation; ///< being drawn
+    std::optional<size_t> selectedAnnotationIndex;
+    bool isDraggingAnnotation = false;
+    std::optional<Point> annotationDragStartPoint;
+    std::optional<AnnotationHandle> draggingHandle; ///< none: the whole annotation moves
+    QColor selectedAnnotationColor;
+    std::optional<Point> textAnnotationPosition; ///< of the open text box
+    std::optional<size_t> editingTextAnnotationIndex;
+    /// Recognised text under the pointer leaves the mouse to the annotations.
+    bool doesTextLetMouseThrough = false;
+
+    AnnotationEditor();
+
+private:
+    std::optional<size_t> annotationAt(Point at) const;
+    void select(std::optional<size_t> index);
+    void remove(size_t index);
+    void startDrag(size_t index, Point at);
+    void dragHandle(Point to);
+    Effect pressWithTool(Point at);
+    Effect beginText(Point at);
+    Effect editText(size_t index);
+    Effect restore(std::optional<std::vector<Annotation>> state);
+    bool isDrawingOrDragging() const { return currentAnnotation || isDraggingAnnotation; }
+
+    AnnotationHistory m_history;
+    QString m_typedText;
+    Point m_fixedCorner; ///< opposite to the corner being dragged
+};
+
+} // namespace tovek
