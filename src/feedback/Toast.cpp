@@ -85,10 +85,13 @@ public:
     }
 
 private:
-    void setBelow(const QImage &image)
+    void setBelow(const QImage &captured)
     {
-        if (image.isNull())
+        if (captured.isNull())
             return;
+        // The unused byte of captured pixels need not be 255: without the conversion it would be
+        // taken for alpha.
+        const QImage image = captured.convertToFormat(QImage::Format_ARGB32_Premultiplied);
         m_picture.material =
             toastMaterial(image, m_native.size(), m_picture.scale, systemAppearance());
         if (m_needsBelow)

@@ -38,8 +38,8 @@ struct Material
 };
 
 constexpr Material materials[]{
-    {qRgba(0, 0, 0, 222), 250, 0.52, 0.86}, // light
-    {qRgba(255, 255, 255, 235), 36, 0.46, 0.84}, // dark
+    {qRgba(0, 0, 0, 222), 247, 0.52, 0.86}, // light
+    {qRgba(255, 255, 255, 235), 56, 0.46, 0.84}, // dark
 };
 
 const Material &materialFor(ToastAppearance appearance)

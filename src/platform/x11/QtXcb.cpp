@@ -104,9 +104,11 @@ QImage pixels(xcb_window_t window, QRect rect)
     const int stride = (inside.width() * bytes + 3) / 4 * 4;
     if (xcb_get_image_data_length(reply.get()) < stride * inside.height())
         return {};
+    // The conversion sets the unused byte, which would otherwise make the pixels transparent where
+    // they are painted into an image with alpha.
     const QImage part =
         QImage(xcb_get_image_data(reply.get()), inside.width(), inside.height(), stride, format)
-            .convertToFormat(QImage::Format_RGB32);
+            .convertToFormat(QImage::Format_ARGB32_Premultiplied);
     const QPoint at = inside.topLeft() - rect.topLeft();
     for (int y = 0; y < part.height(); ++y) {
         std::memcpy(image.scanLine(at.y() + y) + size_t(at.x()) * 4, part.constScanLine(y),

@@ -1,0 +1,359 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "menubar/StatusBarController.h"
+
+#include "foundation/Log.h"
+#include "foundation/UserDefaults.h"
+#include "menubar/PreviewRow.h"
+#include "menubar/ThumbnailGeometry.h"
+#include "platform/Clock.h"
+
+#include <QBuffer>
+#include <QCursor>
+#include <QDrag>
+#include <QFile>
+#include <QGuiApplication>
+#include <QImageWriter>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMimeData>
+#include <QPainter>
+#include <QPainterPath>
+#include <QScreen>
+#include <QTemporaryDir>
+#include <QtConcurrentRun>
+
+namespace tovek {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr double iconSize = 18; // points, the room of a symbol of 16 points
+constexpr double symbolSize = 16;
+constexpr double thumbnailRadius = 3;
+constexpr int thumbnailOversampling = 4;
+constexpr auto fileLifetime = 2000ms;
+constexpr auto hostPatience = 10s;
+
+struct MenuRow
+{
+    const char *title; ///< null for a separator
+    std::function<void()> StatusBarController::Actions::*action;
+    const char *shortcutName; ///< of the shortcut whose keys label the item
+    QKeyCombination keyEquivalent;
+};
+
+// clang-format off
+const MenuRow menuRows[] {
+    {"Start Capture",        &StatusBarController::Actions::startCapture,    "captureScreenshot", Qt::Key_unknown},
+    {nullptr, nullptr, nullptr, Qt::Key_unknown},
+    {"Capture Image",        &StatusBarController::Actions::captureImage,    "captureImage",      Qt::Key_unknown},
+    {"Capture Text",         &StatusBarController::Actions::captureText,     "captureText",       Qt::Key_unknown},
+    {nullptr, nullptr, nullptr, Qt::Key_unknown},
+    {"Check for Updates...", &StatusBarController::Actions::checkForUpdates, nullptr,             Qt::Key_unknown},
+    {nullptr, nullptr, nullptr, Qt::Key_unknown},
+    {"Preferences...",       &StatusBarController::Actions::openPreferences, nullptr,             Qt::CTRL | Qt::Key_Comma},
+    {"About",                &StatusBarController::Actions::openAbout,       nullptr,             Qt::Key_unknown},
+    {nullptr, nullptr, nullptr, Qt::Key_unknown},
+    {"Quit",                 &StatusBarController::Actions::quit,            nullptr,             Qt::CTRL | Qt::Key_Q},
+};
+// clang-format on
+
+TrayPicture iconPicture(const SymbolSource &symbols)
+{
+    const auto paintIcon = [symbols](Size size, const QColor &tint, double scale) {
+        QImage image((QSizeF(size.width, size.height) * scale).toSize().expandedTo(QSize(1, 1)),
+                     QImage::Format_ARGB32_Premultiplied);
+        image.setDevicePixelRatio(scale);
+        image.fill(Qt::transparent);
+        const QImage symbol = symbols(QStringLiteral("document.viewfinder.fill"), tint,
+                                      symbolSize * size.height / iconSize, scale);
+        const QSizeF part = symbol.deviceIndependentSize();
+        const auto middle = [scale](double all, double inner) {
+            return std::floor((all - inner) / 2 * scale) / scale;
+        };
+        QPainter painter(&image);
+        painter.drawImage(
+            QPointF(middle(size.width, part.width()), middle(size.height, part.height())), symbol);
+        return image;
+    };
+    return {{iconSize, iconSize}, paintIcon};
+}
+
+TrayPicture thumbnailPicture(const Image &image)
+{
+    const Size size = thumbnailSize(image.size);
+    // Scaled down once for all the sizes that hosts may ask for.
+    const QImage small = image.bitmap.scaled(
+        (QSizeF(size.width, size.height) * thumbnailOversampling).toSize().expandedTo(QSize(1, 1)),
+        Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    const auto paintThumbnail = [small](Size room, const QColor &, double scale) {
+        const QSize pixels =
+            (QSizeF(room.width, room.height) * scale).toSize().expandedTo(QSize(1, 1));
+        QImage result(pixels, QImage::Format_ARGB32_Premultiplied);
+        result.fill(Qt::transparent);
+        QPainter painter(&result);
+        painter.setRenderHint(QPainter::Antialiasing);
+        const double radius = thumbnailRadius * scale * room.height / thumbnailHeight;
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(small.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
+                             .convertToFormat(QImage::Format_ARGB32_Premultiplied));
+        painter.drawRoundedRect(QRectF(QPointF(), pixels), radius, radius);
+        painter.end();
+        result.setDevicePixelRatio(scale);
+        return result;
+    };
+    return {size, paintThumbnail};
+}
+
+QByteArray pngOf(const Image &image)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    QImageWriter writer(&buffer, "png");
+    return writer.write(image.bitmap) ? bytes : QByteArray();
+}
+
+void dragFile(const DragOut &out)
+{
+    auto *data = new QMimeData; // the drag owns it, and deletes itself when it is over
+    data->setUrls({out.file});
+    auto *drag = new QDrag(out.source);
+    drag->setMimeData(data);
+    const QPixmap picture = QPixmap::fromImage(out.image);
+    drag->setPixmap(picture);
+    drag->setHotSpot(QRectF(QPointF(), picture.deviceIndependentSize()).center().toPoint());
+    drag->exec(Qt::CopyAction, Qt::CopyAction);
+}
+
+} // namespace
+
+StatusBarController::StatusBarController(Tray &statusItem, Clock &clock,
+                                         const UserDefaults &defaults, SymbolSource symbols)
+    : encodePng(pngOf)
+    , performDrag(dragFile)
+    , m_statusItem(statusItem)
+    , m_clock(clock)
+    , m_defaults(defaults)
+    , m_defaultIcon(iconPicture(symbols))
+{
+}
+
+StatusBarController::~StatusBarController()
+{
+    delete m_menu;
+}
+
+void StatusBarController::setup()
+{
+    m_statusItem.setToolTip(QStringLiteral("Tovek"));
+    m_statusItem.setPicture(m_defaultIcon);
+    m_statusItem.onPressed = [this](QPointF at) { press(at); };
+    m_statusItem.onMoved = [this](QPointF at) { moveTo(at); };
+    m_statusItem.onReleased = [this](QPointF) { release(); };
+    m_statusItem.onMenuRequested = [this] { openMenu(); };
+    const bool isVisible = m_defaults.boolean(QStringLiteral("showInMenuBar")).value_or(true);
+    m_statusItem.setVisible(isVisible);
+    // At login the panel may start after us.
+    m_clock.after(hostPatience, this, [this, isVisible] {
+        if (isVisible && !m_statusItem.hasHost())
+            logLine(QStringLiteral("No status area found; the shortcuts work without it, and "
+                                   "launching Tovek again opens its settings"));
+    });
+}
+
+void StatusBarController::setVisible(bool isVisible)
+{
+    m_statusItem.setVisible(isVisible);
+}
+
+void StatusBarController::showPreview(const Image &image, std::chrono::milliseconds duration)
+{
+    m_revertTimer.reset();
+    if (image.isEmpty())
+        return;
+    m_currentPreviewImage = image;
+    m_isInPreviewMode = true;
+    m_png = {};
+    m_statusItem.setPicture(thumbnailPicture(image));
+    m_revertTimer = std::make_unique<QObject>();
+    m_clock.after(duration, m_revertTimer.get(), [this] { endPreviewMode(); });
+}
+
+void StatusBarController::endPreviewMode()
+{
+    m_revertTimer.reset();
+    m_currentPreviewImage = {};
+    m_png = {};
+    m_pressedAt.reset();
+    m_isInPreviewMode = false;
+    m_statusItem.setPicture(m_defaultIcon);
+}
+
+void StatusBarController::press(QPointF at)
+{
+    if (!m_isInPreviewMode) {
+        openMenu();
+        return;
+    }
+    m_pressedAt = at;
+    encodeAhead();
+}
+
+void StatusBarController::moveTo(QPointF at)
+{
+    if (!m_pressedAt || !isDrag(*m_pressedAt, at))
+        return;
+    m_pressedAt.reset();
+    startDragOut();
+}
+
+void StatusBarController::release()
+{
+    if (!m_pressedAt)
+        return;
+    m_pressedAt.reset();
+    openMenu();
+}
+
+void StatusBarController::openMenu()
+{
+    if (m_menu)
+        return;
+    buildMenu();
+    const QRect item = m_statusItem.geometry();
+    const QPoint pointer = QCursor::pos();
+    const QRect anchor = item.isEmpty() ? QRect(pointer, QSize(1, 1)) : item;
+    const QScreen *screen = QGuiApplication::screenAt(anchor.center());
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    if (onMenuTracking)
+        onMenuTracking(true);
+    m_menu->popup(menuOrigin(anchor, m_menu->sizeHint(), screen->geometry()));
+}
+
+void StatusBarController::buildMenu()
+{
+    m_menu = new QMenu; // a top-level window; see menuClosed
+    m_menu->setAccessibleName(QStringLiteral("Tovek"));
+    m_menu->installEventFilter(this);
+    connect(m_menu, &QMenu::aboutToHide, this, [this] { menuClosed(); });
+    if (m_isInPreviewMode && !m_statusItem.canDrag())
+        addPreviewRow();
+    for (const MenuRow &row : menuRows) {
+        if (!row.title) {
+            m_menu->addSeparator();
+            continue;
+        }
+        QAction *item = m_menu->addAction(QString::fromLatin1(row.title));
+        if (row.keyEquivalent.key() != Qt::Key_unknown)
+            item->setShortcut(row.keyEquivalent);
+        if (row.shortcutName && bindShortcut)
+            bindShortcut(*item, QString::fromLatin1(row.shortcutName));
+        // Queued, so that the menu has gone from the screen before a capture freezes it.
+        connect(
+            item, &QAction::triggered, this,
+            [this, action = row.action] {
+                if (actions.*action)
+                    (actions.*action)();
+            },
+            Qt::QueuedConnection);
+    }
+}
+
+void StatusBarController::addPreviewRow()
+{
+    encodeAhead();
+    auto *row = new PreviewRow(m_currentPreviewImage.bitmap, m_menu);
+    row->onDragged = [this] {
+        // The menu holds the pointer, which the drag needs: the drag starts when it has let go.
+        m_menu->close();
+        m_clock.after(0ms, this, [this] { startDragOut(); });
+    };
+    m_menu->addAction(row);
+    m_menu->addSeparator();
+}
+
+void StatusBarController::menuClosed()
+{
+    // An item that was chosen is triggered after this.
+    m_menu->deleteLater();
+    m_menu = nullptr;
+    if (onMenuTracking)
+        onMenuTracking(false);
+}
+
+/// The toolkit's menus show key equivalents but do not obey them while they are open.
+bool StatusBarController::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_menu || event->type() != QEvent::KeyPress)
+        return QObject::eventFilter(watched, event);
+    const QKeySequence keys(static_cast<QKeyEvent *>(event)->keyCombination());
+    const QList<QAction *> items = m_menu->actions();
+    for (QAction *item : items) {
+        if (item->shortcut().isEmpty() || item->shortcut() != keys)
+            continue;
+        item->trigger();
+        m_menu->close();
+        return true;
+    }
+    return false;
+}
+
+void StatusBarController::encodeAhead()
+{
+    // A large picture takes longer than the hand from the press to the drag; so it starts early.
+    if (!m_png.isValid())
+        m_png = QtConcurrent::run(encodePng, m_currentPreviewImage);
+}
+
+void StatusBarController::startDragOut()
+{
+    if (!m_isInPreviewMode)
+        return;
+    encodeAhead();
+    const QByteArray png = m_png.result();
+    if (png.isEmpty())
+        return;
+    m_currentDragFileUrl = writeDragFile(png);
+    if (!m_currentDragFileUrl)
+        return;
+    const Size size = dragImageSize(m_currentPreviewImage.size);
+    const double scale = qGuiApp->devicePixelRatio();
+    QImage image = m_currentPreviewImage.bitmap.scaled(
+        (QSizeF(size.width, size.height) * scale).toSize().expandedTo(QSize(1, 1)),
+        Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    image.setDevicePixelRatio(scale);
+    performDrag({*m_currentDragFileUrl, image, m_statusItem.dragSource()});
+    dragEnded();
+}
+
+std::optional<QUrl> StatusBarController::writeDragFile(const QByteArray &png)
+{
+    const auto failed = [](const QString &reason) {
+        logLine(QStringLiteral("Failed to write temp file: ") + reason);
+        return std::nullopt;
+    };
+    // A folder that nobody else can look into, since the temporary folder is everybody's.
+    auto folder =
+        std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/tovek-XXXXXX"));
+    if (!folder->isValid())
+        return failed(folder->errorString());
+    QFile file(folder->filePath(dragFileName(m_clock.now())));
+    if (!file.open(QIODevice::WriteOnly) || file.write(png) != png.size() || !file.flush())
+        return failed(file.errorString());
+    m_dragFolders.push_back(std::move(folder));
+    return QUrl::fromLocalFile(file.fileName());
+}
+
+void StatusBarController::dragEnded()
+{
+    m_currentDragFileUrl.reset();
+    // Whoever took the file may read it only now. Folders go with the program at the latest.
+    m_clock.after(fileLifetime, this, [this] { m_dragFolders.erase(m_dragFolders.begin()); });
+    endPreviewMode();
+}
+
+} // namespace tovek

@@ -1,0 +1,98 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "foundation/Image.h"
+#include "foundation/SymbolSource.h"
+#include "platform/Tray.h"
+
+#include <QFuture>
+#include <QObject>
+#include <QUrl>
+
+#include <optional>
+
+class QAction;
+class QMenu;
+class QTemporaryDir;
+
+namespace tovek {
+
+class Clock;
+class UserDefaults;
+
+/// What a drag out of the status item carries.
+struct DragOut
+{
+    QUrl file;
+    QImage image; ///< shown at the pointer, centred; has a device pixel ratio
+    QObject *source = nullptr;
+};
+
+/// Owns the program's status item: the icon with the menu, and for some time after a capture its
+/// thumbnail, which can be dragged out as a file. Main thread only.
+class StatusBarController : public QObject
+{
+public:
+    struct Actions
+    {
+        std::function<void()> startCapture, captureImage, captureText;
+        std::function<void()> checkForUpdates, openPreferences, openAbout, quit;
+    };
+
+    StatusBarController(Tray &statusItem, Clock &clock, const UserDefaults &defaults,
+                        SymbolSource symbols);
+    ~StatusBarController() override;
+
+    /// Called once at launch, after the callbacks below have been set.
+    void setup();
+    /// Shows the item or hides it, as the setting "showInMenuBar" changes.
+    void setVisible(bool isVisible);
+    void showPreview(const Image &image, std::chrono::milliseconds duration);
+    bool isInPreviewMode() const { return m_isInPreviewMode; }
+    void openMenu();
+    /// Null while the menu is closed.
+    QMenu *menu() const { return m_menu; }
+
+    Actions actions;
+    /// Labels a capture item with the shortcut of this name, and keeps it so while it is shown.
+    std::function<void(QAction &item, const QString &shortcutName)> bindShortcut;
+    /// The menu opens or has closed.
+    std::function<void(bool isOpen)> onMenuTracking;
+    /// Any thread.
+    std::function<QByteArray(const Image &)> encodePng;
+    /// Runs a drag that allows nothing but copying; returns when it has ended, however it did.
+    std::function<void(const DragOut &)> performDrag;
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void press(QPointF at);
+    void moveTo(QPointF at);
+    void release();
+    void buildMenu();
+    void addPreviewRow();
+    void menuClosed();
+    void endPreviewMode();
+    void startDragOut();
+    std::optional<QUrl> writeDragFile(const QByteArray &png);
+    void dragEnded();
+    void encodeAhead();
+
+    Tray &m_statusItem;
+    Clock &m_clock;
+    const UserDefaults &m_defaults;
+    std::unique_ptr<QObject> m_revertTimer; ///< context of the call that ends preview mode
+    Image m_currentPreviewImage;
+    std::optional<QUrl> m_currentDragFileUrl;
+    bool m_isInPreviewMode = false;
+    QMenu *m_menu = nullptr; ///< deletes itself a turn after it has closed
+    TrayPicture m_defaultIcon;
+    std::optional<QPointF> m_pressedAt;
+    QFuture<QByteArray> m_png; ///< of the preview image; invalid until somebody may want it
+    std::vector<std::unique_ptr<QTemporaryDir>> m_dragFolders; ///< oldest first
+};
+
+} // namespace tovek

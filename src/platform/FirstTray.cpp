@@ -1,0 +1,74 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/FirstTray.h"
+
+namespace tovek {
+
+FirstTray::FirstTray(std::vector<std::unique_ptr<Tray>> trays) : m_trays(std::move(trays))
+{
+    std::erase(m_trays, nullptr);
+    for (const auto &tray : m_trays) {
+        Tray *source = tray.get();
+        source->onHostChanged = [this] { choose(); };
+        const auto forward = [this, source](const std::function<void(QPointF)> &call, QPointF at) {
+            if (source == m_current && call)
+                call(at);
+        };
+        source->onPressed = [this, forward](QPointF at) { forward(onPressed, at); };
+        source->onMoved = [this, forward](QPointF at) { forward(onMoved, at); };
+        source->onReleased = [this, forward](QPointF at) { forward(onReleased, at); };
+        source->onMenuRequested = [this, source] {
+            if (source == m_current && onMenuRequested)
+                onMenuRequested();
+        };
+    }
+    choose();
+}
+
+void FirstTray::setVisible(bool isVisible)
+{
+    m_isVisible = isVisible;
+    if (m_current)
+        m_current->setVisible(isVisible);
+}
+
+void FirstTray::setPicture(const TrayPicture &picture)
+{
+    m_picture = picture;
+    if (m_current)
+        m_current->setPicture(picture);
+}
+
+void FirstTray::setToolTip(const QString &text)
+{
+    m_toolTip = text;
+    if (m_current)
+        m_current->setToolTip(text);
+}
+
+void FirstTray::choose()
+{
+    Tray *best = nullptr;
+    for (const auto &tray : m_trays) {
+        if (tray->hasHost()) {
+            best = tray.get();
+            break;
+        }
+    }
+    if (best == m_current)
+        return;
+    if (m_current)
+        m_current->setVisible(false);
+    m_current = best;
+    if (best) {
+        best->setToolTip(m_toolTip);
+        if (m_picture.paint)
+            best->setPicture(m_picture);
+        best->setVisible(m_isVisible);
+    }
+    if (onHostChanged)
+        onHostChanged();
+}
+
+} // namespace tovek

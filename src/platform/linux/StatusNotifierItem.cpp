@@ -1,0 +1,335 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/StatusNotifierItem.h"
+
+#include <QCoreApplication>
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QPalette>
+#include <QtEndian>
+
+namespace {
+
+/// One size of an icon as it travels over the bus: ARGB, most significant byte first.
+struct BusPixmap
+{
+    int width = 0;
+    int height = 0;
+    QByteArray bytes;
+};
+using BusPixmaps = QList<BusPixmap>;
+
+/// An item's tool tip: the icon's name, the icon, a title and a text.
+struct BusToolTip
+{
+    QString iconName;
+    BusPixmaps icon;
+    QString title;
+    QString text;
+};
+
+QDBusArgument &operator<<(QDBusArgument &argument, const BusPixmap &pixmap)
+{
+    argument.beginStructure();
+    argument << pixmap.width << pixmap.height << pixmap.bytes;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, BusPixmap &pixmap)
+{
+    argument.beginStructure();
+    argument >> pixmap.width >> pixmap.height >> pixmap.bytes;
+    argument.endStructure();
+    return argument;
+}
+
+QDBusArgument &operator<<(QDBusArgument &argument, const BusToolTip &tip)
+{
+    argument.beginStructure();
+    argument << tip.iconName << tip.icon << tip.title << tip.text;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument &operator>>(const QDBusArgument &argument, BusToolTip &tip)
+{
+    argument.beginStructure();
+    argument >> tip.iconName >> tip.icon >> tip.title >> tip.text;
+    argument.endStructure();
+    return argument;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(BusPixmap)
+Q_DECLARE_METATYPE(BusToolTip)
+
+namespace tovek {
+
+namespace {
+
+const QString watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
+const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
+const QString itemPath = QStringLiteral("/StatusNotifierItem");
+const QString itemInterface = QStringLiteral("org.kde.StatusNotifierItem");
+const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+
+constexpr int iconSizes[]{16, 22, 24, 32, 44, 48};
+
+/// A panel does not tell its colour. That of GNOME is dark in every theme; others follow the theme.
+QColor panelTint()
+{
+    if (qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(QStringLiteral("GNOME")))
+        return Qt::white;
+    return QGuiApplication::palette().color(QPalette::WindowText);
+}
+
+BusPixmap busPixmap(const TrayPicture &picture, int side)
+{
+    // The host draws squares only: a wide picture keeps its proportions and gets empty bands.
+    const double shrink = std::min(side / picture.size.width, side / picture.size.height);
+    const Size fitting{picture.size.width * shrink, picture.size.height * shrink};
+    QImage square(side, side, QImage::Format_ARGB32_Premultiplied);
+    square.fill(Qt::transparent);
+    {
+        QPainter painter(&square);
+        painter.drawImage(QPointF(std::floor((side - fitting.width) / 2),
+                                  std::floor((side - fitting.height) / 2)),
+                          picture.paint(fitting, panelTint(), 1));
+    }
+    square = square.convertToFormat(QImage::Format_ARGB32);
+    BusPixmap result{side, side, QByteArray(square.sizeInBytes(), Qt::Uninitialized)};
+    qToBigEndian<quint32>(square.constBits(), side * side, result.bytes.data());
+    return result;
+}
+
+} // namespace
+
+/// The item as the bus sees it.
+class StatusNotifierItem::Object : public QDBusVirtualObject
+{
+public:
+    explicit Object(StatusNotifierItem &item) : m_item(item) { }
+
+    QString introspect(const QString &) const override
+    {
+        return QStringLiteral(
+            "<interface name=\"org.kde.StatusNotifierItem\">"
+            "<property name=\"Category\" type=\"s\" access=\"read\"/>"
+            "<property name=\"Id\" type=\"s\" access=\"read\"/>"
+            "<property name=\"Title\" type=\"s\" access=\"read\"/>"
+            "<property name=\"Status\" type=\"s\" access=\"read\"/>"
+            "<property name=\"WindowId\" type=\"i\" access=\"read\"/>"
+            "<property name=\"IconName\" type=\"s\" access=\"read\"/>"
+            "<property name=\"IconPixmap\" type=\"a(iiay)\" access=\"read\"/>"
+            "<property name=\"ToolTip\" type=\"(sa(iiay)ss)\" access=\"read\"/>"
+            "<property name=\"ItemIsMenu\" type=\"b\" access=\"read\"/>"
+            "<method name=\"Activate\"><arg type=\"i\" direction=\"in\"/>"
+            "<arg type=\"i\" direction=\"in\"/></method>"
+            "<method name=\"SecondaryActivate\"><arg type=\"i\" direction=\"in\"/>"
+            "<arg type=\"i\" direction=\"in\"/></method>"
+            "<method name=\"ContextMenu\"><arg type=\"i\" direction=\"in\"/>"
+            "<arg type=\"i\" direction=\"in\"/></method>"
+            "<method name=\"Scroll\"><arg type=\"i\" direction=\"in\"/>"
+            "<arg type=\"s\" direction=\"in\"/></method>"
+            "<signal name=\"NewIcon\"/><signal name=\"NewToolTip\"/>"
+            "</interface>");
+    }
+
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override
+    {
+        const QVariantList arguments = message.arguments();
+        if (message.interface() == propertiesInterface)
+            return handleProperties(message, bus);
+        if (message.interface() != itemInterface && !message.interface().isEmpty())
+            return false;
+        const QString method = message.member();
+        if (method == QStringLiteral("Scroll")) {
+            bus.send(message.createReply());
+            return true;
+        }
+        if (method != QStringLiteral("Activate") && method != QStringLiteral("ContextMenu")
+            && method != QStringLiteral("SecondaryActivate"))
+            return false;
+        // The host may hold its pointer until it has its answer.
+        bus.send(message.createReply());
+        m_item.chosen(arguments.value(0).toInt(), arguments.value(1).toInt());
+        return true;
+    }
+
+private:
+    bool handleProperties(const QDBusMessage &message, const QDBusConnection &bus)
+    {
+        const QVariantMap all = properties();
+        if (message.member() == QStringLiteral("GetAll")) {
+            bus.send(message.createReply(QVariant::fromValue(all)));
+            return true;
+        }
+        if (message.member() != QStringLiteral("Get"))
+            return false;
+        const QString name = message.arguments().value(1).toString();
+        if (all.contains(name)) {
+            bus.send(message.createReply(QVariant::fromValue(QDBusVariant(all.value(name)))));
+        } else {
+            bus.send(message.createErrorReply(QDBusError::UnknownProperty,
+                                              QStringLiteral("No property ") + name));
+        }
+        return true;
+    }
+
+    QVariantMap properties() const
+    {
+        BusPixmaps icon;
+        if (m_item.m_picture.paint) {
+            for (const int side : iconSizes)
+                icon << busPixmap(m_item.m_picture, side);
+        }
+        return {
+            {QStringLiteral("Category"), QStringLiteral("ApplicationStatus")},
+            {QStringLiteral("Id"), QStringLiteral("tovek")},
+            {QStringLiteral("Title"), QStringLiteral("Tovek")},
+            {QStringLiteral("Status"), QStringLiteral("Active")},
+            {QStringLiteral("WindowId"), 0},
+            {QStringLiteral("IconName"), QString()},
+            {QStringLiteral("IconPixmap"), QVariant::fromValue(icon)},
+            {QStringLiteral("ToolTip"),
+             QVariant::fromValue(BusToolTip{{}, {}, m_item.m_toolTip, {}})},
+            {QStringLiteral("ItemIsMenu"), false},
+        };
+    }
+
+    StatusNotifierItem &m_item;
+};
+
+StatusNotifierItem::StatusNotifierItem(QDBusConnection bus) : m_bus(std::move(bus))
+{
+    qDBusRegisterMetaType<BusPixmap>();
+    qDBusRegisterMetaType<BusPixmaps>();
+    qDBusRegisterMetaType<BusToolTip>();
+    if (m_bus.isConnected())
+        watchHosts();
+}
+
+StatusNotifierItem::~StatusNotifierItem()
+{
+    unregisterItem();
+}
+
+void StatusNotifierItem::setVisible(bool isVisible)
+{
+    m_isVisible = isVisible;
+    if (isVisible)
+        registerItem();
+    else
+        unregisterItem();
+}
+
+void StatusNotifierItem::setPicture(const TrayPicture &picture)
+{
+    m_picture = picture;
+    if (!m_service.isEmpty())
+        m_bus.send(QDBusMessage::createSignal(itemPath, itemInterface, QStringLiteral("NewIcon")));
+}
+
+void StatusNotifierItem::setToolTip(const QString &text)
+{
+    m_toolTip = text;
+    if (!m_service.isEmpty())
+        m_bus.send(
+            QDBusMessage::createSignal(itemPath, itemInterface, QStringLiteral("NewToolTip")));
+}
+
+void StatusNotifierItem::watchHosts()
+{
+    m_watcher = std::make_unique<QDBusServiceWatcher>(watcherService, m_bus,
+                                                      QDBusServiceWatcher::WatchForOwnerChange);
+    connect(m_watcher.get(), &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString &, const QString &, const QString &owner) {
+                unregisterItem();
+                setHasHost(!owner.isEmpty());
+                registerItem();
+            });
+    const QDBusMessage ask = [] {
+        QDBusMessage message = QDBusMessage::createMethodCall(
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
+        message << watcherService;
+        return message;
+    }();
+    auto *reply = new QDBusPendingCallWatcher(m_bus.asyncCall(ask), this);
+    connect(reply, &QDBusPendingCallWatcher::finished, this, [this, reply] {
+        reply->deleteLater();
+        const QDBusPendingReply<bool> answer = *reply;
+        if (!answer.isError() && answer.value() && !m_hasHost) {
+            setHasHost(true);
+            registerItem();
+        }
+    });
+}
+
+void StatusNotifierItem::setHasHost(bool hasHost)
+{
+    if (m_hasHost == hasHost)
+        return;
+    m_hasHost = hasHost;
+    if (onHostChanged)
+        onHostChanged();
+}
+
+void StatusNotifierItem::registerItem()
+{
+    if (!m_isVisible || !m_hasHost || !m_service.isEmpty())
+        return;
+    static int serial = 0;
+    const QString service = QStringLiteral("org.kde.StatusNotifierItem-%1-%2")
+                                .arg(QCoreApplication::applicationPid())
+                                .arg(++serial);
+    m_object = std::make_unique<Object>(*this);
+    // The object first: the host reads it as soon as it hears of the name.
+    if (!m_bus.registerVirtualObject(itemPath, m_object.get()) || !m_bus.registerService(service)) {
+        m_bus.unregisterObject(itemPath);
+        m_object.reset();
+        return;
+    }
+    m_service = service;
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        watcherService, watcherPath, watcherService, QStringLiteral("RegisterStatusNotifierItem"));
+    message << service;
+    m_bus.asyncCall(message);
+}
+
+void StatusNotifierItem::unregisterItem()
+{
+    if (m_service.isEmpty())
+        return;
+    // Giving the name back is what takes the item out of the panel.
+    m_bus.unregisterService(m_service);
+    m_bus.unregisterObject(itemPath);
+    m_object.reset();
+    m_service.clear();
+}
+
+void StatusNotifierItem::chosen(int x, int y)
+{
+    m_chosenAt = x > 0 || y > 0 ? QRect(x, y, 1, 1) : QRect();
+    // From the main loop, not from inside the host's call.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (onMenuRequested)
+                onMenuRequested();
+        },
+        Qt::QueuedConnection);
+}
+
+} // namespace tovek

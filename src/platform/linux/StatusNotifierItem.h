@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/Tray.h"
+
+#include <QDBusConnection>
+
+#include <memory>
+
+class QDBusServiceWatcher;
+
+namespace tovek {
+
+/// The status item that the panel draws itself, from pictures that it is sent over the session bus.
+/// It tells when the item was chosen and nothing of the pointer; the menu is our own.
+class StatusNotifierItem : public QObject, public Tray
+{
+public:
+    explicit StatusNotifierItem(QDBusConnection bus = QDBusConnection::sessionBus());
+    ~StatusNotifierItem() override;
+
+    void setVisible(bool isVisible) override;
+    void setPicture(const TrayPicture &picture) override;
+    void setToolTip(const QString &text) override;
+    bool hasHost() const override { return m_hasHost; }
+    bool canDrag() const override { return false; }
+    QObject *dragSource() override { return this; }
+    /// Empty until the host has told where the item was chosen; then that point.
+    QRect geometry() const override { return m_chosenAt; }
+
+private:
+    class Object;
+
+    void watchHosts();
+    void setHasHost(bool hasHost);
+    void registerItem();
+    void unregisterItem();
+    void chosen(int x, int y);
+
+    QDBusConnection m_bus;
+    QString m_service; ///< ours, empty while the item is not registered
+    bool m_hasHost = false;
+    bool m_isVisible = false;
+    TrayPicture m_picture;
+    QString m_toolTip;
+    QRect m_chosenAt;
+    std::unique_ptr<Object> m_object;
+    std::unique_ptr<QDBusServiceWatcher> m_watcher;
+};
+
+} // namespace tovek
