@@ -1,0 +1,25 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+namespace tovek {
+
+class CapturePermission;
+
+/// The permission to capture the screen. Main thread only.
+class PermissionManager
+{
+public:
+    explicit PermissionManager(CapturePermission &permission);
+
+    /// Never asks the user.
+    bool hasPermission() const;
+    /// Lists the program among those that want access, then opens the page where it is granted.
+    void openSystemSettings();
+
+private:
+    CapturePermission &m_permission;
+};
+
+} // namespace tovek

@@ -1,0 +1,174 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "capture/PermissionRequestView.h"
+
+#include <QBoxLayout>
+#include <QGridLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QWindow>
+
+namespace tovek {
+
+namespace {
+
+constexpr double symbolSize = 56;
+constexpr int topPadding = 24;
+constexpr int sidePadding = 24;
+constexpr int bottomPadding = 20;
+constexpr int numberWidth = 16;
+constexpr int numberGap = 8;
+constexpr int buttonGap = 12;
+constexpr int blockGap = 8;
+constexpr int stepGap = 3;
+constexpr int headlineSize = 13;
+constexpr int subheadlineSize = 11;
+
+const char *const title = "Screen Recording Permission Required";
+const char *const explanation =
+    "Tovek needs screen recording permission to capture screenshots. This allows the app to see "
+    "and capture the content on your screen.";
+const char *const steps[]{
+    "Click \"Open System Settings\" below",
+    "Find Tovek in the list and enable it",
+    "You may need to restart Tovek",
+};
+
+QColor secondaryColor(const QWidget &widget)
+{
+    QColor color = widget.palette().color(QPalette::WindowText);
+    color.setAlphaF(0.62F);
+    return color;
+}
+
+QLabel *makeLabel(const char *text, int size, QWidget *parent)
+{
+    auto *label = new QLabel(QString::fromLatin1(text), parent);
+    QFont font = label->font();
+    font.setPixelSize(size);
+    label->setFont(font);
+    // The window is moved by its background, and that is everything but the buttons.
+    label->setAttribute(Qt::WA_TransparentForMouseEvents);
+    return label;
+}
+
+void makeSecondary(QLabel &label)
+{
+    QPalette palette = label.palette();
+    palette.setColor(QPalette::WindowText, secondaryColor(label));
+    label.setPalette(palette);
+}
+
+} // namespace
+
+PermissionRequestView::PermissionRequestView(const SymbolSource &symbols, QWidget *parent)
+    : QWidget(parent)
+{
+    setAccessibleName(QString::fromLatin1(title));
+    auto *column = new QVBoxLayout(this);
+    column->setContentsMargins(0, topPadding, 0, bottomPadding);
+    column->setSpacing(blockGap);
+    addExplanation(*column, symbols);
+    column->addLayout(makeSteps());
+    column->addStretch(1);
+    addButtons(*column);
+}
+
+void PermissionRequestView::addExplanation(QVBoxLayout &column, const SymbolSource &symbols)
+{
+    auto *symbol = makeLabel("", headlineSize, this);
+    symbol->setPixmap(
+        QPixmap::fromImage(symbols(QStringLiteral("rectangle.dashed.badge.record"),
+                                   secondaryColor(*this), symbolSize, devicePixelRatioF())));
+    symbol->setAlignment(Qt::AlignCenter);
+    column.addWidget(symbol);
+
+    auto *headline = makeLabel(title, headlineSize, this);
+    QFont bold = headline->font();
+    bold.setWeight(QFont::DemiBold);
+    headline->setFont(bold);
+    headline->setAlignment(Qt::AlignCenter);
+    column.addWidget(headline);
+
+    auto *text = makeLabel(explanation, subheadlineSize, this);
+    makeSecondary(*text);
+    text->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+    text->setWordWrap(true);
+    text->setContentsMargins(sidePadding, 0, sidePadding, 0);
+    column.addWidget(text);
+}
+
+QGridLayout *PermissionRequestView::makeSteps()
+{
+    auto *grid = new QGridLayout; // the caller's column takes it over
+    grid->setContentsMargins(sidePadding, 0, sidePadding, 0);
+    grid->setHorizontalSpacing(numberGap);
+    grid->setVerticalSpacing(stepGap);
+    grid->setColumnMinimumWidth(0, numberWidth);
+    grid->setColumnStretch(1, 1);
+    int row = 0;
+    for (const char *step : steps) {
+        auto *number = makeLabel("", subheadlineSize, this);
+        number->setText(QStringLiteral("%1.").arg(row + 1));
+        makeSecondary(*number);
+        grid->addWidget(number, row, 0, Qt::AlignRight | Qt::AlignTop);
+        auto *text = makeLabel(step, subheadlineSize, this);
+        grid->addWidget(text, row, 1, Qt::AlignLeft | Qt::AlignTop);
+        ++row;
+    }
+    return grid;
+}
+
+void PermissionRequestView::addButtons(QVBoxLayout &column)
+{
+    auto *row = new QHBoxLayout; // the column takes it over
+    row->setSpacing(buttonGap);
+    row->addStretch(1);
+    auto *cancel = new QPushButton(QStringLiteral("Cancel"), this);
+    auto *open = new QPushButton(QStringLiteral("Open System Settings"), this);
+    for (QPushButton *button : {cancel, open}) {
+        button->setAccessibleName(button->text());
+        row->addWidget(button);
+    }
+    row->addStretch(1);
+    QPalette prominent = open->palette();
+    prominent.setColor(QPalette::Button, prominent.color(QPalette::Highlight));
+    prominent.setColor(QPalette::ButtonText, prominent.color(QPalette::HighlightedText));
+    open->setPalette(prominent);
+    open->setDefault(true);
+    open->setFocus();
+    column.addLayout(row);
+    connect(cancel, &QPushButton::clicked, this, [this] {
+        if (onDismiss)
+            onDismiss();
+    });
+    connect(open, &QPushButton::clicked, this, [this] {
+        if (onOpenSettings)
+            onOpenSettings();
+    });
+}
+
+void PermissionRequestView::keyPressEvent(QKeyEvent *event)
+{
+    const auto &action = event->key() == Qt::Key_Escape ? onDismiss : onOpenSettings;
+    switch (event->key()) {
+    case Qt::Key_Escape:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (action)
+            action();
+        break;
+    default:
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void PermissionRequestView::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton && window()->windowHandle())
+        window()->windowHandle()->startSystemMove();
+}
+
+} // namespace tovek

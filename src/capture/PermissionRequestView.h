@@ -1,0 +1,36 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "foundation/SymbolSource.h"
+
+#include <QWidget>
+
+class QGridLayout;
+class QPushButton;
+class QVBoxLayout;
+
+namespace tovek {
+
+/// Explains how to give the program access to the screen. The window that holds it can be moved by
+/// the view's background.
+class PermissionRequestView : public QWidget
+{
+public:
+    explicit PermissionRequestView(const SymbolSource &symbols, QWidget *parent = nullptr);
+
+    std::function<void()> onOpenSettings;
+    std::function<void()> onDismiss;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+
+private:
+    void addExplanation(QVBoxLayout &column, const SymbolSource &symbols);
+    QGridLayout *makeSteps();
+    void addButtons(QVBoxLayout &column);
+};
+
+} // namespace tovek

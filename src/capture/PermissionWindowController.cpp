@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "capture/PermissionWindowController.h"
+
+#include "capture/PermissionManager.h"
+#include "capture/PermissionRequestView.h"
+#include "platform/FrontmostApp.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+namespace tovek {
+
+namespace {
+
+constexpr QSize windowSize(420, 280);
+
+} // namespace
+
+PermissionWindowController::PermissionWindowController(PermissionManager &permission,
+                                                       FrontmostApp &frontmost,
+                                                       SymbolSource symbols)
+    : m_permission(permission)
+    , m_frontmost(frontmost)
+    , m_symbols(std::move(symbols))
+{
+}
+
+PermissionWindowController::~PermissionWindowController() = default;
+
+void PermissionWindowController::show()
+{
+    if (m_window && m_window->isVisible()) {
+        bringForward();
+        return;
+    }
+    auto view = std::make_unique<PermissionRequestView>(m_symbols);
+    view->onOpenSettings = [this] {
+        m_permission.openSystemSettings();
+        close();
+    };
+    view->onDismiss = [this] { close(); };
+    view->setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint
+                         | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint);
+    view->setWindowTitle(QStringLiteral("Tovek"));
+    view->setFixedSize(windowSize);
+    if (const QScreen *screen = QGuiApplication::primaryScreen())
+        view->move(screen->availableGeometry().center() - QRect(QPoint(), windowSize).center());
+    m_window = std::move(view);
+    m_window->show();
+    bringForward();
+}
+
+void PermissionWindowController::bringForward()
+{
+    m_window->raise();
+    m_window->activateWindow();
+    if (QWindow *handle = m_window->windowHandle())
+        m_frontmost.bringForward(*handle);
+}
+
+void PermissionWindowController::close()
+{
+    if (!m_window)
+        return;
+    m_window->hide();
+    // Called from inside the view: it goes when its own event has been handled.
+    m_window.release()->deleteLater();
+}
+
+} // namespace tovek

@@ -1,0 +1,68 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "feedback/NotificationManager.h"
+
+#include "foundation/Log.h"
+#include "platform/FileRevealer.h"
+
+#include <QUuid>
+
+namespace tovek {
+
+namespace {
+
+const QString fileUrlKey = QStringLiteral("fileURL");
+
+} // namespace
+
+NotificationManager::NotificationManager(Notifications &center, FileRevealer &revealer)
+    : m_center(center)
+    , m_revealer(revealer)
+{
+    m_center.onResponse = [this](const NotificationResponse &response) { didReceive(response); };
+    m_center.setCategories(
+        {{categoryIdentifier, {{showActionIdentifier, QStringLiteral("Show")}}}});
+}
+
+NotificationManager::~NotificationManager()
+{
+    m_center.onResponse = nullptr;
+}
+
+void NotificationManager::requestAuthorization()
+{
+    m_center.requestAuthorization([](const std::optional<QString> &error) {
+        if (error)
+            logLine(QStringLiteral("Notification permission error: ") + *error);
+    });
+}
+
+void NotificationManager::showSavedNotification(const QString &message, const QUrl &fileUrl)
+{
+    m_pendingFileUrl = fileUrl;
+    NotificationRequest request;
+    request.identifier = QUuid::createUuid().toString(QUuid::WithoutBraces);
+    request.title = QStringLiteral("Screenshot Saved");
+    request.body = message;
+    request.categoryIdentifier = categoryIdentifier;
+    request.imagePath = fileUrl.toLocalFile();
+    request.userInfo = {{fileUrlKey, fileUrl.toString(QUrl::FullyEncoded)}};
+    m_center.add(request, [](const std::optional<QString> &error) {
+        if (error)
+            logLine(QStringLiteral("Failed to show notification: ") + *error);
+    });
+}
+
+void NotificationManager::didReceive(const NotificationResponse &response)
+{
+    if (response.actionIdentifier != showActionIdentifier
+        && response.actionIdentifier != defaultNotificationAction)
+        return;
+    // The notification's own file, not the last one saved.
+    const QUrl file(response.userInfo.value(fileUrlKey), QUrl::StrictMode);
+    if (file.isValid())
+        m_revealer.activateFileViewer(file);
+}
+
+} // namespace tovek

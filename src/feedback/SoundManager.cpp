@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "feedback/SoundManager.h"
+
+#include "foundation/Log.h"
+
+#include <QFile>
+
+namespace tovek {
+
+SoundManager::SoundManager(SoundOutput &output, const QString &asset)
+{
+    QFile file(asset);
+    if (!file.open(QIODevice::ReadOnly)) {
+        logLine(QStringLiteral("Failed to load copy sound asset"));
+        return;
+    }
+    QString error;
+    m_audioPlayer = output.makePlayer(file.readAll(), error);
+    if (!m_audioPlayer)
+        logLine(QStringLiteral("Failed to initialize audio player: ") + error);
+}
+
+void SoundManager::playCopySound()
+{
+    if (m_audioPlayer)
+        m_audioPlayer->playFromStart();
+}
+
+} // namespace tovek

@@ -1,0 +1,37 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/DBusFileRevealer.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDesktopServices>
+#include <QUrl>
+
+namespace tovek {
+
+DBusFileRevealer::DBusFileRevealer(QDBusConnection bus)
+    : openFolder([](const QUrl &folder) { QDesktopServices::openUrl(folder); })
+    , m_bus(std::move(bus))
+{
+}
+
+void DBusFileRevealer::activateFileViewer(const QUrl &file)
+{
+    if (!file.isLocalFile())
+        return;
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.FileManager1"),
+        QStringLiteral("/org/freedesktop/FileManager1"),
+        QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
+    message << QStringList{file.toString(QUrl::FullyEncoded)} << QString();
+    auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(message), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, file] {
+        watcher->deleteLater();
+        if (watcher->isError())
+            openFolder(file.adjusted(QUrl::RemoveFilename));
+    });
+}
+
+} // namespace tovek

@@ -1,0 +1,29 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/FileRevealer.h"
+
+#include <QDBusConnection>
+#include <QObject>
+
+#include <functional>
+
+namespace tovek {
+
+/// Asks the file manager over the session bus; without one, opens the folder.
+class DBusFileRevealer : public QObject, public FileRevealer
+{
+public:
+    explicit DBusFileRevealer(QDBusConnection bus = QDBusConnection::sessionBus());
+
+    void activateFileViewer(const QUrl &file) override;
+
+    std::function<void(const QUrl &folder)> openFolder;
+
+private:
+    QDBusConnection m_bus;
+};
+
+} // namespace tovek
