@@ -54,8 +54,6 @@ void PermissionWindowController::show()
 
 void PermissionWindowController::bringForward()
 {
-    m_window->raise();
-    m_window->activateWindow();
     if (QWindow *handle = m_window->windowHandle())
         m_frontmost.bringForward(*handle);
 }

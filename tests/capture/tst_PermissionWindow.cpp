@@ -1,0 +1,142 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "capture/PermissionManager.h"
+#include "capture/PermissionRequestView.h"
+#include "capture/PermissionWindowController.h"
+#include "fakes/FakeCapturePermission.h"
+#include "fakes/FakeFrontmostApp.h"
+
+#include <QLabel>
+#include <QPointer>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace tovek;
+
+class TestPermissionWindow : public QObject
+{
+    Q_OBJECT
+
+private:
+    struct Setup
+    {
+        FakeCapturePermission permission;
+        PermissionManager manager{permission};
+        FakeFrontmostApp frontmost;
+        QString symbol;
+        double symbolSize = 0;
+        PermissionWindowController controller{
+            manager, frontmost, [this](const QString &name, const QColor &, double points, double) {
+                symbol = name;
+                symbolSize = points;
+                return QImage(60, 60, QImage::Format_ARGB32_Premultiplied);
+            }};
+        QPushButton *button(const QString &text) const
+        {
+            for (auto *button : controller.window()->findChildren<QPushButton *>())
+                if (button->text() == text && button->accessibleName() == text)
+                    return button;
+            return nullptr;
+        }
+    };
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void asksNobodyWhetherThereIsPermission()
+    {
+        Setup s;
+        QVERIFY(!s.manager.hasPermission());
+        s.permission.isGranted = true;
+        QVERIFY(s.manager.hasPermission());
+        QVERIFY(s.permission.calls.isEmpty());
+    }
+
+    void showsOneWindowHoweverOften()
+    {
+        Setup s;
+        s.controller.show();
+        QWidget *window = s.controller.window();
+        QVERIFY(window->isVisible());
+        QCOMPARE(window->size(), QSize(420, 280));
+        QVERIFY(window->windowFlags() & Qt::WindowStaysOnTopHint);
+        s.controller.show();
+        QCOMPARE(s.controller.window(), window);
+        QCOMPARE(s.frontmost.broughtForward.size(), 2U);
+        QCOMPARE(s.symbol, QStringLiteral("rectangle.dashed.badge.record"));
+        QCOMPARE(s.symbolSize, 56.0);
+    }
+
+    void saysWhatToDo()
+    {
+        Setup s;
+        s.controller.show();
+        QStringList texts;
+        for (const auto *label : s.controller.window()->findChildren<QLabel *>())
+            if (!label->text().isEmpty())
+                texts << label->text();
+        QCOMPARE(texts,
+                 QStringList({"Screen Recording Permission Required",
+                              "Tovek needs screen recording permission to capture screenshots. "
+                              "This allows the app to see and capture the content on your screen.",
+                              "1.", "Click \"Open System Settings\" below", "2.",
+                              "Find Tovek in the list and enable it", "3.",
+                              "You may need to restart Tovek"}));
+    }
+
+    void fitsItsTexts()
+    {
+        Setup s;
+        s.controller.show();
+        for (const auto *label : s.controller.window()->findChildren<QLabel *>()) {
+            const int needed = label->wordWrap() ? label->heightForWidth(label->width())
+                                                 : label->sizeHint().height();
+            QVERIFY2(label->height() >= needed, qPrintable(label->text()));
+        }
+    }
+
+    void obeysItsKeysAndButtons_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<QStringList>("calls");
+        const QStringList opened{"request", "settings"};
+        QTest::newRow("Return") << int(Qt::Key_Return) << QString() << opened;
+        QTest::newRow("Escape") << int(Qt::Key_Escape) << QString() << QStringList();
+        QTest::newRow("Open System Settings") << 0 << "Open System Settings" << opened;
+        QTest::newRow("Cancel") << 0 << "Cancel" << QStringList();
+    }
+    void obeysItsKeysAndButtons()
+    {
+        QFETCH(int, key);
+        QFETCH(QString, button);
+        Setup s;
+        s.controller.show();
+        const QPointer<QWidget> window = s.controller.window();
+        if (key)
+            QTest::keyClick(window, Qt::Key(key));
+        else
+            s.button(button)->click();
+        QVERIFY(!s.controller.window());
+        QTEST(s.permission.calls, "calls");
+        QTRY_VERIFY(!window);
+    }
+
+    void isBuiltAfreshAfterItsTitleBarClosedIt()
+    {
+        Setup s;
+        s.controller.show();
+        const QPointer<QWidget> first = s.controller.window();
+        first->close();
+        QVERIFY(s.controller.window());
+        s.controller.show();
+        QVERIFY(s.controller.window() != first);
+        QVERIFY(s.controller.window()->isVisible());
+        QVERIFY(!first);
+    }
+};
+
+QTEST_MAIN(TestPermissionWindow)
+#include "tst_PermissionWindow.moc"

@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/CapturePermission.h"
+
+#include <QStringList>
+
+namespace tovek {
+
+/// Access as the test grants it.
+class FakeCapturePermission : public CapturePermission
+{
+public:
+    bool hasAccess() const override { return isGranted; }
+    void requestAccess() override { calls << QStringLiteral("request"); }
+    void openSettings() override { calls << QStringLiteral("settings"); }
+
+    bool isGranted = false;
+    QStringList calls;
+};
+
+} // namespace tovek

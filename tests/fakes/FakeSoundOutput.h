@@ -1,0 +1,37 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/SoundPlayer.h"
+
+namespace tovek {
+
+/// Plays nothing and counts.
+class FakeSoundOutput : public SoundOutput
+{
+public:
+    std::unique_ptr<SoundPlayer> makePlayer(const QByteArray &newData, QString &error) override
+    {
+        data = newData;
+        error = failure;
+        return failure.isEmpty() ? std::make_unique<Player>(plays) : nullptr;
+    }
+
+    QString failure; ///< empty: players can be made
+    QByteArray data;
+    int plays = 0;
+
+private:
+    class Player : public SoundPlayer
+    {
+    public:
+        explicit Player(int &plays) : m_plays(plays) { }
+        void playFromStart() override { ++m_plays; }
+
+    private:
+        int &m_plays;
+    };
+};
+
+} // namespace tovek

@@ -1,0 +1,300 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "fakes/FakeClock.h"
+#include "fakes/FakeTray.h"
+#include "foundation/UserDefaults.h"
+#include "menubar/StatusBarController.h"
+#include "support/CapturedOutput.h"
+
+#include <QMenu>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QWidgetAction>
+
+using namespace std::chrono_literals;
+using namespace tovek;
+
+class TestStatusBarController : public QObject
+{
+    Q_OBJECT
+
+private:
+    struct Setup
+    {
+        Setup()
+        {
+            const auto record = [this](const char *name) {
+                return [this, name] { chosen << QString::fromLatin1(name); };
+            };
+            controller.actions = {record("start"),  record("image"),       record("text"),
+                                  record("update"), record("preferences"), record("about"),
+                                  record("quit")};
+            controller.bindShortcut = [](QAction &item, const QString &name) {
+                if (name != QStringLiteral("captureText"))
+                    item.setShortcut(QKeySequence(QStringLiteral("Ctrl+Shift+2")));
+                item.setObjectName(name);
+            };
+            controller.onMenuTracking = [this](bool isOpen) { tracking << isOpen; };
+            controller.performDrag = [this](const DragOut &out) {
+                drags.push_back(out);
+                droppedBytes = QImage(out.file.toLocalFile());
+            };
+        }
+        void start() { controller.setup(); }
+        void preview(QSize size = QSize(1600, 400))
+        {
+            Image image{QImage(size, QImage::Format_RGB32),
+                        {double(size.width()), double(size.height())}};
+            image.bitmap.fill(Qt::blue);
+            controller.showPreview(image, 20s);
+        }
+        bool showsIcon() const { return tray.picture.size == Size{18, 18}; }
+
+        QTemporaryDir home;
+        UserDefaults defaults{home.filePath(QStringLiteral("defaults.json"))};
+        FakeClock clock;
+        FakeTray tray;
+        QStringList symbols;
+        StatusBarController controller{
+            tray, clock, defaults, [this](const QString &name, const QColor &c, double, double s) {
+                symbols << name;
+                QImage image(qRound(16 * s), qRound(16 * s), QImage::Format_ARGB32_Premultiplied);
+                image.setDevicePixelRatio(s);
+                image.fill(c);
+                return image;
+            }};
+        QStringList chosen;
+        QList<bool> tracking;
+        std::vector<DragOut> drags;
+        QImage droppedBytes;
+    };
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void followsTheSettingAtLaunch_data()
+    {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<bool>("expected");
+        QTest::newRow("absent") << QString() << true;
+        QTest::newRow("true") << QStringLiteral("true") << true;
+        QTest::newRow("false") << QStringLiteral("false") << false;
+        QTest::newRow("not a Boolean") << QStringLiteral("a string") << true;
+    }
+    void followsTheSettingAtLaunch()
+    {
+        QFETCH(QString, stored);
+        Setup s;
+        const QString key = QStringLiteral("showInMenuBar");
+        if (stored == QStringLiteral("a string"))
+            s.defaults.setString(key, stored);
+        else if (!stored.isEmpty())
+            s.defaults.setBoolean(key, stored == QStringLiteral("true"));
+        s.start();
+        QTEST(s.tray.isVisible.value(), "expected");
+        QVERIFY(s.showsIcon());
+        QCOMPARE(s.tray.painted(2).size(), QSize(36, 36));
+        QCOMPARE(s.symbols, QStringList{QStringLiteral("document.viewfinder.fill")});
+    }
+
+    void saysOnceThatThereIsNoStatusArea_data()
+    {
+        QTest::addColumn<bool>("hasHost");
+        QTest::addColumn<int>("lines");
+        QTest::newRow("host") << true << 0;
+        QTest::newRow("no host") << false << 1;
+    }
+    void saysOnceThatThereIsNoStatusArea()
+    {
+        QFETCH(bool, hasHost);
+        Setup s;
+        s.tray.host = hasHost;
+        CapturedOutput output;
+        s.start();
+        s.clock.advance(60s);
+        QTEST(int(output.lines().size()), "lines");
+    }
+
+    void listsItsItemsInOrder()
+    {
+        Setup s;
+        s.start();
+        s.tray.press({110, 10});
+        QVERIFY(s.controller.menu());
+        QStringList rows;
+        for (const QAction *action : s.controller.menu()->actions())
+            rows << (action->isSeparator()
+                         ? QStringLiteral("-")
+                         : action->text() + QLatin1Char('|') + action->shortcut().toString());
+        QCOMPARE(rows,
+                 QStringList({"Start Capture|Ctrl+Shift+2", "-", "Capture Image|Ctrl+Shift+2",
+                              "Capture Text|", "-", "Check for Updates...|", "-",
+                              "Preferences...|Ctrl+,", "About|", "-", "Quit|Ctrl+Q"}));
+    }
+
+    void runsWhatIsChosenAfterTheMenuHasGone()
+    {
+        Setup s;
+        s.start();
+        const QStringList names{"start", "image", "text", "update", "preferences", "about", "quit"};
+        for (int i = 0; i < names.size(); ++i) {
+            s.tray.press({110, 10});
+            QList<QAction *> items = s.controller.menu()->actions();
+            items.removeIf([](const QAction *action) { return action->isSeparator(); });
+            items[i]->trigger();
+            s.controller.menu()->close();
+            QCOMPARE(s.chosen.size(), i);
+            QVERIFY(!s.controller.menu());
+            QTRY_COMPARE(s.chosen.size(), i + 1);
+            QCOMPARE(s.chosen.back(), names[i]);
+        }
+        QCOMPARE(s.tracking.size(), 14);
+    }
+
+    void obeysKeyEquivalentsWhileTheMenuIsOpen()
+    {
+        Setup s;
+        s.start();
+        s.tray.press({110, 10});
+        QTest::keyClick(s.controller.menu(), Qt::Key_Comma, Qt::ControlModifier);
+        QVERIFY(!s.controller.menu());
+        QTRY_COMPARE(s.chosen, QStringList{QStringLiteral("preferences")});
+    }
+
+    void freesTheMenuOnceClosed()
+    {
+        Setup s;
+        s.start();
+        s.tray.onMenuRequested();
+        QPointer<QMenu> menu = s.controller.menu();
+        QVERIFY(menu);
+        s.tray.onMenuRequested(); // open already
+        QCOMPARE(s.controller.menu(), menu.data());
+        menu->close();
+        QTRY_VERIFY(!menu);
+        QCOMPARE(s.tracking, QList<bool>({true, false}));
+    }
+
+    void showsTheThumbnailForItsTime()
+    {
+        Setup s;
+        s.start();
+        s.preview();
+        QVERIFY((s.tray.picture.size == Size{72, 18}));
+        const QImage thumbnail = s.tray.painted(2);
+        QCOMPARE(thumbnail.size(), QSize(144, 36));
+        QCOMPARE(thumbnail.pixelColor(72, 18), QColor(Qt::blue));
+        QCOMPARE(thumbnail.pixelColor(0, 0).alpha(), 0); // rounded
+        s.clock.advance(19999ms);
+        QVERIFY(s.controller.isInPreviewMode());
+        s.clock.advance(1ms);
+        QVERIFY(!s.controller.isInPreviewMode());
+        QVERIFY(s.showsIcon());
+    }
+
+    void startsItsTimeAfreshWithEveryCapture()
+    {
+        Setup s;
+        s.start();
+        s.preview();
+        s.clock.advance(15s);
+        s.preview(QSize(100, 100));
+        s.clock.advance(15s);
+        QVERIFY((s.tray.picture.size == Size{18, 18}));
+        QVERIFY(s.controller.isInPreviewMode());
+        s.clock.advance(5s);
+        QVERIFY(!s.controller.isInPreviewMode());
+    }
+
+    void opensTheMenuOnReleaseInPreviewMode()
+    {
+        Setup s;
+        s.start();
+        s.preview();
+        s.tray.press({110, 10});
+        QVERIFY(!s.controller.menu());
+        s.tray.moveTo({112, 10});
+        s.tray.release({112, 10});
+        QVERIFY(s.controller.menu());
+        QVERIFY(s.controller.isInPreviewMode());
+        QVERIFY(s.drags.empty());
+    }
+
+    void dragsTheImageOutAsAFile()
+    {
+        Setup s;
+        s.start();
+        s.preview();
+        s.tray.press({110, 10});
+        s.tray.moveTo({113, 14});
+        QCOMPARE(s.drags.size(), 1U);
+        const DragOut &out = s.drags[0];
+        QVERIFY(out.file.fileName().startsWith(QStringLiteral("Screenshot 2025-03-07-1405")));
+        QCOMPARE(out.image.deviceIndependentSize(), QSizeF(200, 50));
+        QCOMPARE(out.source, static_cast<QObject *>(&s.tray));
+        QCOMPARE(s.droppedBytes.size(), QSize(1600, 400));
+        QVERIFY(!s.controller.isInPreviewMode());
+        QVERIFY(s.showsIcon());
+
+        const QFileInfo file(out.file.toLocalFile());
+        const QFileInfo folder(file.path());
+        QCOMPARE(folder.permissions() & (QFile::ReadGroup | QFile::ReadOther | QFile::ExeOther),
+                 QFile::Permissions());
+        s.tray.release({113, 14});
+        QVERIFY(!s.controller.menu());
+        s.clock.advance(1999ms);
+        QVERIFY(QFileInfo::exists(file.filePath()));
+        s.clock.advance(1ms);
+        QVERIFY(!QFileInfo::exists(file.filePath()));
+        QVERIFY(!QFileInfo::exists(folder.filePath()));
+    }
+
+    void reportsAFileThatCannotBeWritten()
+    {
+        Setup s;
+        s.start();
+        s.preview();
+        const QByteArray folder = qgetenv("TMPDIR");
+        qputenv("TMPDIR", "/nonexistent");
+        CapturedOutput output;
+        s.tray.press({110, 10});
+        s.tray.moveTo({120, 10});
+        qputenv("TMPDIR", folder);
+        QCOMPARE(output.lines().size(), 1);
+        QVERIFY(output.lines()[0].startsWith(QStringLiteral("Failed to write temp file: ")));
+        QVERIFY(s.drags.empty());
+        QVERIFY(s.controller.isInPreviewMode());
+    }
+
+    void offersTheThumbnailInTheMenuWhereTheItemCannotBeDragged()
+    {
+        Setup s;
+        s.tray.drags = false;
+        s.start();
+        s.tray.onMenuRequested();
+        QCOMPARE(s.controller.menu()->actions()[0]->text(), QStringLiteral("Start Capture"));
+        s.controller.menu()->close();
+        s.preview();
+        s.tray.onMenuRequested();
+        QMenu *menu = s.controller.menu();
+        QVERIFY(menu->actions()[1]->isSeparator());
+        auto *action = qobject_cast<QWidgetAction *>(menu->actions()[0]);
+        QVERIFY(action);
+        QWidget *row = action->createdWidgets().value(0);
+        QVERIFY(row);
+        QTest::mouseClick(row, Qt::LeftButton, {}, QPoint(30, 30));
+        QCOMPARE(s.controller.menu(), menu); // a click keeps it
+        QTest::mousePress(row, Qt::LeftButton, {}, QPoint(30, 30));
+        QTest::mouseMove(row, QPoint(50, 30));
+        QVERIFY(!s.controller.menu());
+        QVERIFY(s.drags.empty());
+        s.clock.advance(0ms);
+        QCOMPARE(s.drags.size(), 1U);
+    }
+};
+
+QTEST_MAIN(TestStatusBarController)
+#include "tst_StatusBarController.moc"
