@@ -67,7 +67,8 @@ private:
         static const QHash<QString, QStringList> rooms{
             {"foundation", {}},
             {"platform", {"foundation"}},
-            {"platform/linux", {"platform", "foundation"}},
+            {"platform/linux", {"platform", "platform/linux/ocr", "foundation"}},
+            {"platform/linux/ocr", {"foundation"}},
             {"platform/x11", {"platform", "platform/linux", "foundation"}},
             {"platform/wayland", {"platform", "platform/linux", "foundation"}},
             {"annotations", {"foundation"}},

@@ -1,0 +1,59 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QFuture>
+#include <QImage>
+#include <QRectF>
+#include <QString>
+
+#include <optional>
+#include <vector>
+
+namespace tovek {
+
+/// One word's place in an observation's text.
+struct RecognizedRange
+{
+    qsizetype from = 0;
+    qsizetype length = 0;
+    QRectF box; ///< pixels of the image, y down
+
+    bool operator==(const RecognizedRange &) const = default;
+};
+
+/// One line of text as it was recognised.
+struct TextObservation
+{
+    QString text;
+    std::vector<RecognizedRange> ranges; ///< in the order of the text
+
+    /// The box of the characters from `from` on, or nothing where the recogniser knows none.
+    std::optional<QRectF> boxOf(qsizetype from, qsizetype length) const;
+
+    bool operator==(const TextObservation &) const = default;
+};
+
+/// What came of one recognition: the lines, or the reason why there are none.
+struct RecognitionResult
+{
+    std::vector<TextObservation> observations;
+    QString error; ///< empty when the recogniser ran, also when it found no text
+};
+
+/// Finds the text in pictures. Called on the main thread, works on threads of its own.
+class TextRecognizer
+{
+public:
+    virtual ~TextRecognizer() = default;
+    /// A recognition is likely soon: what takes long to load is loaded in the background.
+    virtual void prepare() = 0;
+    /// The image is native pixels (Format_RGB32), `scale` of them a point. The future gets one
+    /// result; when it is cancelled the work stops soon and there is none. Several recognitions
+    /// may be under way at once; a recogniser that dies cancels them.
+    [[nodiscard]] virtual QFuture<RecognitionResult> recognize(const QImage &image,
+                                                               double scale) = 0;
+};
+
+} // namespace tovek

@@ -1,0 +1,214 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/TesseractRecognizer.h"
+
+#include "platform/linux/ocr/EnginePool.h"
+#include "platform/linux/ocr/PageReading.h"
+#include "platform/linux/ocr/RecognitionModels.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFileInfo>
+#include <QLocale>
+
+#include <atomic>
+#include <malloc.h>
+
+namespace tovek {
+
+namespace {
+
+/// However much there is to read, an answer comes.
+constexpr std::chrono::seconds longestReading{15};
+/// A run that makes its engine end is passed over; with more of them the engine is at fault.
+constexpr int mostEnginesLost = 3;
+
+/// The recogniser process is installed beside the program or in the libexec folder.
+QByteArray engineProgram()
+{
+    const QString beside = QCoreApplication::applicationDirPath();
+    for (const QString &folder : {beside, beside + QStringLiteral("/../bin"),
+                                  beside + QStringLiteral("/../libexec/tovek")}) {
+        const QFileInfo file(folder + QStringLiteral("/tovek-ocr"));
+        if (file.isExecutable())
+            return QFile::encodeName(file.absoluteFilePath());
+    }
+    return {};
+}
+
+std::vector<TextObservation> observationsOf(const std::vector<std::vector<ReadWord>> &lines)
+{
+    std::vector<TextObservation> observations;
+    for (const std::vector<ReadWord> &line : lines) {
+        TextObservation observation;
+        for (const ReadWord &word : line) {
+            if (!observation.text.isEmpty())
+                observation.text += ' ';
+            observation.ranges.push_back(
+                {observation.text.size(), word.text.size(), QRectF(word.box)});
+            observation.text += word.text;
+        }
+        observations.push_back(std::move(observation));
+    }
+    return observations;
+}
+
+} // namespace
+
+/// One recognition. The page is made first; then any number of threads read its runs, and the
+/// last one to finish puts the answer together.
+struct TesseractRecognizer::Job
+{
+    QPromise<RecognitionResult> promise;
+    QImage image;
+    std::shared_ptr<EnginePool> engines;
+    Page page;
+    std::vector<std::vector<InkSymbol>> readings;
+    QDeadlineTimer deadline{longestReading};
+    std::atomic<std::size_t> nextRun = 0;
+    std::atomic<int> readers = 0;
+    std::atomic<int> enginesLost = 0;
+    std::atomic<bool> isUnreadable = false;
+
+    bool isOver() const { return promise.isCanceled() || deadline.hasExpired(); }
+    void finish(RecognitionResult result)
+    {
+        if (!promise.isCanceled())
+            promise.addResult(std::move(result));
+        promise.finish();
+    }
+};
+
+TesseractRecognizer::TesseractRecognizer(std::chrono::milliseconds idleTime)
+{
+    m_idle.setInterval(idleTime);
+    m_idle.setSingleShot(true);
+    connect(&m_idle, &QTimer::timeout, this, &TesseractRecognizer::becomeIdle);
+}
+
+TesseractRecognizer::~TesseractRecognizer()
+{
+    for (const std::weak_ptr<Job> &weak : m_jobs) {
+        if (const auto job = weak.lock())
+            job->promise.future().cancel();
+    }
+    m_threads.waitForDone();
+}
+
+void TesseractRecognizer::prepare()
+{
+    findEngines();
+    if (m_setup.languages.isEmpty() || m_engines->count() > 0)
+        return;
+    m_idle.start();
+    for (int i = 0; i < m_threads.maxThreadCount(); ++i) {
+        m_threads.start([engines = m_engines] {
+            if (auto engine = engines->take())
+                engines->giveBack(std::move(engine));
+        });
+    }
+}
+
+QFuture<RecognitionResult> TesseractRecognizer::recognize(const QImage &image, double)
+{
+    findEngines();
+    auto job = std::make_shared<Job>();
+    const QFuture<RecognitionResult> future = job->promise.future();
+    job->promise.start();
+    if (m_setup.languages.isEmpty()) {
+        job->finish({{},
+                     QStringLiteral("no text recognition model is installed; install the package "
+                                    "tesseract-ocr-eng")});
+        return future;
+    }
+    job->image = image;
+    job->engines = m_engines;
+    std::erase_if(m_jobs, [](const std::weak_ptr<Job> &old) { return old.expired(); });
+    m_jobs.push_back(job);
+    m_idle.start();
+    m_threads.start([this, job] { start(job); });
+    return future;
+}
+
+int TesseractRecognizer::warmEngines() const
+{
+    return m_engines ? m_engines->count() : 0;
+}
+
+void TesseractRecognizer::findEngines()
+{
+    const QString folder = modelFolder();
+    const QStringList models = modelsFor(QLocale().uiLanguages(), modelsIn(folder));
+    const EngineSetup setup{engineProgram(), QFile::encodeName(folder),
+                            models.join('+').toLatin1()};
+    if (m_engines && setup == m_setup)
+        return;
+    m_setup = setup;
+    m_engines = std::make_shared<EnginePool>([setup] { return EngineProcess::create(setup); });
+}
+
+void TesseractRecognizer::start(const std::shared_ptr<Job> &job)
+{
+    if (!job->isOver())
+        job->page = pageOf(job->image);
+    job->image = {};
+    const std::size_t runs = job->page.runs.size();
+    job->readings.resize(runs);
+    const std::size_t readers =
+        std::min<std::size_t>(runs, std::size_t(m_threads.maxThreadCount()));
+    job->readers = std::max(1, int(readers));
+    for (int i = 1; i < job->readers; ++i)
+        m_threads.start([this, job] { readRuns(job); });
+    readRuns(job);
+}
+
+void TesseractRecognizer::readRuns(const std::shared_ptr<Job> &job)
+{
+    std::unique_ptr<LineEngine> engine;
+    for (std::size_t run = job->nextRun++; run < job->page.runs.size() && !job->isOver();
+         run = job->nextRun++) {
+        if (!engine)
+            engine = job->engines->take();
+        job->isUnreadable = job->isUnreadable || !engine;
+        if (!engine)
+            break;
+        const LetterMetrics &metrics = job->page.metrics[run];
+        const InkMap ink = evenInk(job->page.ink, job->page.runs[run], metrics);
+        const LineStrip strip = lineStrip(ink, job->page.runs[run], metrics);
+        if (const auto symbols = engine->read(strip)) {
+            job->readings[run] = symbolsOf(job->page, run, ink, strip, *symbols);
+        } else {
+            engine = nullptr;
+            job->isUnreadable = job->isUnreadable || ++job->enginesLost > mostEnginesLost;
+            if (job->isUnreadable)
+                break;
+        }
+    }
+    if (engine)
+        job->engines->giveBack(std::move(engine));
+    if (--job->readers > 0)
+        return;
+    QMetaObject::invokeMethod(this, [this] { m_idle.start(); });
+    if (job->isUnreadable) {
+        job->finish({{},
+                     QStringLiteral("the text recognition model cannot be used; reinstall the "
+                                    "package tesseract-ocr-eng")});
+    } else {
+        job->finish({observationsOf(linesOf(job->page, std::move(job->readings))), {}});
+    }
+}
+
+void TesseractRecognizer::becomeIdle()
+{
+    if (m_threads.activeThreadCount() > 0) {
+        m_idle.start();
+        return;
+    }
+    m_engines->clear();
+    // What a large picture took goes back to the system, not only to the allocator.
+    malloc_trim(0);
+}
+
+} // namespace tovek

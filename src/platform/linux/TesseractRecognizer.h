@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/TextRecognizer.h"
+#include "platform/linux/ocr/EngineProcess.h"
+
+#include <QObject>
+#include <QThreadPool>
+#include <QTimer>
+
+#include <chrono>
+#include <memory>
+
+namespace tovek {
+
+class EnginePool;
+
+/// Recognises with the Tesseract engine, as many processes of it as there are cores, which stay
+/// warm between recognitions and end after two minutes without one. The models are looked for at
+/// each recognition, so that one installed meanwhile is found.
+class TesseractRecognizer : public QObject, public TextRecognizer
+{
+    Q_OBJECT
+
+public:
+    explicit TesseractRecognizer(std::chrono::milliseconds idleTime = std::chrono::minutes(2));
+    ~TesseractRecognizer() override;
+
+    void prepare() override;
+    QFuture<RecognitionResult> recognize(const QImage &image, double scale) override;
+    /// Processes that are kept warm now.
+    int warmEngines() const;
+
+private:
+    struct Job;
+    void findEngines();
+    void start(const std::shared_ptr<Job> &job);
+    void readRuns(const std::shared_ptr<Job> &job);
+    void becomeIdle();
+
+    QThreadPool m_threads;
+    EngineSetup m_setup;
+    std::shared_ptr<EnginePool> m_engines;
+    std::vector<std::weak_ptr<Job>> m_jobs;
+    QTimer m_idle;
+};
+
+} // namespace tovek

@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/linux/ocr/LineEngine.h"
+
+#include <QByteArray>
+
+#include <memory>
+
+namespace tovek {
+
+/// What an engine process is started with.
+struct EngineSetup
+{
+    QByteArray program; ///< path of the recogniser process
+    QByteArray dataFolder; ///< where the models are
+    QByteArray languages; ///< as in "deu+eng"
+
+    bool operator==(const EngineSetup &) const = default;
+};
+
+/// An engine in a process of its own (see engine_main.cpp), which ends with this object.
+class EngineProcess : public LineEngine
+{
+public:
+    /// Starts the process and waits until it has loaded its models: about 0.1 s. Null when it
+    /// cannot run or cannot load them.
+    static std::unique_ptr<LineEngine> create(const EngineSetup &setup);
+    ~EngineProcess() override;
+    EngineProcess(const EngineProcess &) = delete;
+    EngineProcess &operator=(const EngineProcess &) = delete;
+
+    std::optional<std::vector<EngineSymbol>> read(const LineStrip &strip) override;
+    int processId() const { return m_processId; }
+
+private:
+    EngineProcess(int socket, int processId);
+
+    int m_socket;
+    int m_processId;
+};
+
+} // namespace tovek

@@ -1,0 +1,56 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <unistd.h>
+
+/// What the program and its recogniser processes say to each other over a socket. Both ends are
+/// one build on one machine, so plain memory is sent. The process begins with one byte, 1 when it
+/// is ready; then each LineRequest with its rows of grey values is answered by a LineReply with
+/// its symbols.
+namespace tovek::LineProtocol {
+
+inline constexpr std::uint32_t stripHeight = 36;
+inline constexpr std::uint32_t widestStrip = 1U << 15;
+
+struct LineRequest
+{
+    std::uint32_t width = 0; ///< stripHeight rows of so many bytes follow
+};
+
+struct LineReply
+{
+    std::uint32_t count = 0; ///< so many symbols follow
+};
+
+struct Symbol
+{
+    float left = 0;
+    float right = 0;
+    float confidence = 0;
+    std::uint8_t startsWord = 0;
+    std::uint8_t length = 0; ///< bytes of UTF-8
+    char text[26] = {};
+};
+
+/// False at the end of the stream and on errors.
+inline bool readAll(int fd, void *to, std::size_t size)
+{
+    auto *at = static_cast<char *>(to);
+    while (size > 0) {
+        const ssize_t got = ::read(fd, at, size);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            return false;
+        at += got;
+        size -= std::size_t(got);
+    }
+    return true;
+}
+
+} // namespace tovek::LineProtocol

@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/ocr/PageReading.h"
+
+#include "platform/linux/ocr/WordBreaks.h"
+
+#include <QImage>
+
+#include <algorithm>
+
+namespace tovek {
+
+namespace {
+
+/// Fainter differences cannot be seen, and are noise.
+constexpr int faintestInk = 20;
+
+} // namespace
+
+Page pageOf(const QImage &image)
+{
+    Page page;
+    page.ink = inkMapOf(image);
+    page.runs = textRuns(inkPatches(page.ink, faintestInk));
+    std::sort(page.runs.begin(), page.runs.end(),
+              [](const TextRun &a, const TextRun &b) { return a.box.width() > b.box.width(); });
+    for (const TextRun &run : page.runs)
+        page.metrics.push_back(letterMetrics(run));
+    settleMetrics(page.metrics);
+    return page;
+}
+
+std::vector<InkSymbol> symbolsOf(const Page &page, std::size_t run, const InkMap &ink,
+                                 const LineStrip &strip, const std::vector<EngineSymbol> &read)
+{
+    return alignedSymbols(read, strip, inkSegments(ink, page.runs[run]), page.metrics[run]);
+}
+
+std::vector<std::vector<ReadWord>> linesOf(const Page &page,
+                                           std::vector<std::vector<InkSymbol>> readings)
+{
+    std::vector<std::vector<ReadWord>> lines;
+    for (std::size_t i = 0; i < readings.size(); ++i) {
+        breakWords(readings[i], page.metrics[i].capHeight);
+        std::vector<ReadWord> words = readWords(readings[i]);
+        if (!words.empty())
+            lines.push_back(std::move(words));
+    }
+    return lines;
+}
+
+} // namespace tovek

@@ -1,0 +1,89 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/ocr/RecognitionModels.h"
+
+#include <QDir>
+#include <QHash>
+
+namespace tovek {
+
+namespace {
+
+// clang-format off
+const QHash<QString, QString> &namesByCode()
+{
+    static const QHash<QString, QString> names {
+        {"af", "afr"}, {"am", "amh"}, {"ar", "ara"}, {"as", "asm"}, {"az", "aze"}, {"be", "bel"},
+        {"bg", "bul"}, {"bn", "ben"}, {"bo", "bod"}, {"br", "bre"}, {"bs", "bos"}, {"ca", "cat"},
+        {"cs", "ces"}, {"cy", "cym"}, {"da", "dan"}, {"de", "deu"}, {"el", "ell"}, {"en", "eng"},
+        {"eo", "epo"}, {"es", "spa"}, {"et", "est"}, {"eu", "eus"}, {"fa", "fas"}, {"fi", "fin"},
+        {"fo", "fao"}, {"fr", "fra"}, {"fy", "fry"}, {"ga", "gle"}, {"gd", "gla"}, {"gl", "glg"},
+        {"gu", "guj"}, {"he", "heb"}, {"hi", "hin"}, {"hr", "hrv"}, {"hu", "hun"}, {"hy", "hye"},
+        {"id", "ind"}, {"is", "isl"}, {"it", "ita"}, {"ja", "jpn"}, {"ka", "kat"}, {"kk", "kaz"},
+        {"km", "khm"}, {"kn", "kan"}, {"ko", "kor"}, {"ky", "kir"}, {"la", "lat"}, {"lb", "ltz"},
+        {"lo", "lao"}, {"lt", "lit"}, {"lv", "lav"}, {"mi", "mri"}, {"mk", "mkd"}, {"ml", "mal"},
+        {"mn", "mon"}, {"mr", "mar"}, {"ms", "msa"}, {"mt", "mlt"}, {"my", "mya"}, {"nb", "nor"},
+        {"ne", "nep"}, {"nl", "nld"}, {"nn", "nor"}, {"no", "nor"}, {"oc", "oci"}, {"or", "ori"},
+        {"pa", "pan"}, {"pl", "pol"}, {"pt", "por"}, {"ro", "ron"}, {"ru", "rus"}, {"sa", "san"},
+        {"si", "sin"}, {"sk", "slk"}, {"sl", "slv"}, {"sq", "sqi"}, {"sr", "srp"}, {"sv", "swe"},
+        {"sw", "swa"}, {"ta", "tam"}, {"te", "tel"}, {"th", "tha"}, {"tr", "tur"}, {"uk", "ukr"},
+        {"ur", "urd"}, {"uz", "uzb"}, {"vi", "vie"}, {"yi", "yid"},
+    };
+    return names;
+}
+// clang-format on
+
+const QString english = QStringLiteral("eng");
+
+} // namespace
+
+QString modelNameOf(const QString &language)
+{
+    QString code = language;
+    code.replace('_', '-');
+    const QStringList parts = code.split('-');
+    if (parts.first() != QStringLiteral("zh"))
+        return namesByCode().value(parts.first());
+    const bool isTraditional = parts.contains(QStringLiteral("Hant"))
+        || parts.contains(QStringLiteral("TW")) || parts.contains(QStringLiteral("HK"));
+    return isTraditional ? QStringLiteral("chi_tra") : QStringLiteral("chi_sim");
+}
+
+QStringList modelsFor(const QStringList &languages, const QStringList &installed)
+{
+    QStringList models;
+    for (const QString &language : languages) {
+        const QString name = modelNameOf(language);
+        if (!name.isEmpty() && installed.contains(name) && !models.contains(name))
+            models += name;
+    }
+    if (installed.contains(english) && !models.contains(english))
+        models += english;
+    return models;
+}
+
+QString modelFolder()
+{
+    const QString chosen = qEnvironmentVariable("TESSDATA_PREFIX");
+    if (!chosen.isEmpty())
+        return chosen;
+    for (const char *folder : {"/usr/share/tesseract-ocr/5/tessdata", "/usr/share/tessdata",
+                               "/usr/share/tesseract/tessdata", "/usr/local/share/tessdata",
+                               "/usr/share/tesseract-ocr/4.00/tessdata"}) {
+        if (QDir(QString::fromLatin1(folder)).exists())
+            return QString::fromLatin1(folder);
+    }
+    return {};
+}
+
+QStringList modelsIn(const QString &folder)
+{
+    if (folder.isEmpty())
+        return {};
+    QStringList models = QDir(folder).entryList({QStringLiteral("*.traineddata")}, QDir::Files);
+    models.replaceInStrings(QStringLiteral(".traineddata"), QString());
+    return models;
+}
+
+} // namespace tovek

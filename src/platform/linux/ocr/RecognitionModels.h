@@ -1,0 +1,24 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QStringList>
+
+namespace tovek {
+
+/// The engine's name of a language, such as "deu" for "de-AT"; empty when it has none.
+QString modelNameOf(const QString &language);
+
+/// The installed models of the user's languages in the user's order, with English, which every
+/// desktop shows too. `languages` as from QLocale::uiLanguages.
+QStringList modelsFor(const QStringList &languages, const QStringList &installed);
+
+/// Where the engine's models lie: the folder that the engine's own environment variable names,
+/// or the distributions' folders. Empty when there is none.
+QString modelFolder();
+
+/// The models in a folder, by their names.
+QStringList modelsIn(const QString &folder);
+
+} // namespace tovek

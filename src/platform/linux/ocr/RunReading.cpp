@@ -1,0 +1,368 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/ocr/RunReading.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+namespace tovek {
+
+namespace {
+
+/// The most characters that one piece of ink is divided among, and the most pieces of one
+/// character ("%" and the double quote have several).
+constexpr int mostShared = 32;
+constexpr int mostPieces = 3;
+
+/// Of 255: weaker ink is the soft edge of a stroke.
+constexpr int strokeInk = 100;
+
+/// Costs of an alignment. The engine's places drift by up to a letter, so that the width of the
+/// ink counts as much as its distance.
+constexpr double unreadSegment = 0.9;
+constexpr double unseenCharacter = 1.6;
+constexpr double extraPiece = 0.3;
+constexpr double extraShare = 0.25;
+constexpr double distanceWeight = 0.25;
+constexpr double farthest = 1.2;
+constexpr double widthWeight = 1.0;
+constexpr double widthTolerance = 0.15;
+/// A character that starts a word has a gap before it, the others have none.
+constexpr double gapWeight = 0.5;
+constexpr double wordGap = 0.25;
+constexpr double widestGap = 0.7;
+
+/// How wide the ink of a character usually is, in cap heights.
+double usualWidth(const QString &character)
+{
+    static const QString thin = QStringLiteral("iIl|!.,:;'`\u2018\u2019");
+    static const QString slim = QStringLiteral("jftr()[]{}1/\\\"-*\u00b0\u201c\u201d");
+    static const QString wide = QStringLiteral("mwMW@%\u2014\u00a9\u00ae");
+    if (thin.contains(character))
+        return 0.2;
+    if (slim.contains(character))
+        return 0.42;
+    if (wide.contains(character))
+        return 1.1;
+    return character.at(0).isUpper() ? 0.85 : 0.67;
+}
+
+double centerX(const QRect &box)
+{
+    return box.left() + box.width() / 2.0;
+}
+
+/// Marks that are told by shape and place alone.
+enum class Mark { none, dash, underscore, dot };
+
+Mark markOf(const QRect &box, const LetterMetrics &metrics)
+{
+    const double cap = metrics.capHeight;
+    const double height = box.height() / cap;
+    const double width = box.width() / cap;
+    const double above = (metrics.baseline - box.bottom() - 1) / cap;
+    const bool isFlat = height <= 0.24 && box.width() >= box.height() * 1.4 && width >= 0.22;
+    if (isFlat && above >= 0.14 && above <= 0.6 && width <= 1.2)
+        return Mark::dash;
+    if (isFlat && above <= 0.02 && width >= 0.4)
+        return Mark::underscore;
+    const bool isSmall = height <= 0.3 && width <= 0.34 && width >= 0.08;
+    if (isSmall && std::abs(above) <= 0.1 && !isFlat)
+        return Mark::dot;
+    return Mark::none;
+}
+
+/// Underscores touch each other in most fonts; one is about two thirds of a capital's height wide.
+int underscoresIn(const QRect &box, const LetterMetrics &metrics)
+{
+    return std::max(1, int(std::lround(box.width() / (metrics.capHeight * 0.68))));
+}
+
+struct Placed
+{
+    double center = 0;
+    double width = 0; ///< usual, in cap heights
+    bool startsWord = false;
+};
+
+struct Step
+{
+    double cost = std::numeric_limits<double>::infinity();
+    int symbols = 0;
+    int segments = 0;
+};
+
+/// The cheapest way to walk through symbols and segments together.
+class Alignment
+{
+public:
+    Alignment(const std::vector<Placed> &symbols, const std::vector<QRect> &segments,
+              double capHeight)
+        : m_symbols(symbols)
+        , m_segments(segments)
+        , m_capHeight(capHeight)
+        , m_columns(int(segments.size()) + 1)
+        , m_steps((symbols.size() + 1) * (segments.size() + 1))
+    {
+        step(0, 0).cost = 0;
+        for (int i = 0; i <= int(symbols.size()); ++i) {
+            for (int j = 0; j <= int(segments.size()); ++j)
+                extend(i, j);
+        }
+    }
+
+    /// From the end to the start: how many symbols and segments belong together.
+    std::vector<Step> path() const
+    {
+        std::vector<Step> result;
+        int i = int(m_symbols.size());
+        int j = int(m_segments.size());
+        while (i > 0 || j > 0) {
+            const Step &taken = m_steps[std::size_t(i) * m_columns + j];
+            result.push_back(taken);
+            i -= taken.symbols;
+            j -= taken.segments;
+        }
+        std::reverse(result.begin(), result.end());
+        return result;
+    }
+
+private:
+    Step &step(int i, int j) { return m_steps[std::size_t(i) * m_columns + j]; }
+
+    void offer(int i, int j, int symbols, int segments, double cost)
+    {
+        if (i + symbols > int(m_symbols.size()) || j + segments > int(m_segments.size()))
+            return;
+        Step &target = step(i + symbols, j + segments);
+        const double total = step(i, j).cost + cost;
+        if (total < target.cost)
+            target = {total, symbols, segments};
+    }
+
+    void extend(int i, int j)
+    {
+        if (std::isinf(step(i, j).cost))
+            return;
+        offer(i, j, 1, 0, unseenCharacter);
+        offer(i, j, 0, 1, unreadSegment);
+        for (int n = 1;
+             n <= mostShared && i + n <= int(m_symbols.size()) && j < int(m_segments.size()); ++n)
+            offer(i, j, n, 1, shareCost(i, n, j));
+        for (int n = 2;
+             n <= mostPieces && i < int(m_symbols.size()) && j + n <= int(m_segments.size()); ++n) {
+            const QRect box = m_segments[j] | m_segments[j + n - 1];
+            offer(i, j, 1, n,
+                  distance(m_symbols[i].center, centerX(box)) + extraPiece * (n - 1)
+                      + mismatch(m_symbols[i].width, box) + gapCost(i, j));
+        }
+    }
+
+    double distance(double a, double b) const
+    {
+        return std::min(std::abs(a - b) / m_capHeight, farthest) * distanceWeight;
+    }
+    double gapCost(int symbol, int segment) const
+    {
+        if (segment == 0)
+            return 0;
+        const double gap =
+            (m_segments[segment].left() - m_segments[segment - 1].right() - 1) / m_capHeight;
+        const bool isWrong = m_symbols[symbol].startsWord ? gap < wordGap : gap > widestGap;
+        return isWrong ? gapWeight : 0.0;
+    }
+    /// Between what the characters need and what the ink has.
+    double mismatch(double needed, const QRect &box) const
+    {
+        return std::max(0.0, std::abs(needed - box.width() / m_capHeight) - widthTolerance * needed)
+            * widthWeight;
+    }
+
+    double shareCost(int first, int count, int segment) const
+    {
+        const QRect &box = m_segments[segment];
+        double needed = 0.1 * (count - 1);
+        for (int k = 0; k < count; ++k)
+            needed += m_symbols[first + k].width;
+        double cost = extraShare * (count - 1) + mismatch(needed, box) + gapCost(first, segment);
+        double at = box.left();
+        for (int k = 0; k < count; ++k) {
+            const double part =
+                box.width() * m_symbols[first + k].width / (needed - 0.1 * (count - 1));
+            cost += distance(m_symbols[first + k].center, at + part / 2);
+            at += part;
+        }
+        return cost;
+    }
+
+    const std::vector<Placed> &m_symbols;
+    const std::vector<QRect> &m_segments;
+    double m_capHeight;
+    int m_columns;
+    std::vector<Step> m_steps;
+};
+
+QRect slice(const QRect &box, int part, int parts)
+{
+    QRect result = box;
+    result.setLeft(box.left() + box.width() * part / parts);
+    result.setRight(box.left() + box.width() * (part + 1) / parts - 1);
+    return result;
+}
+
+/// Ink whose shape names it. False where a character must be asked for.
+bool appendPlain(const std::vector<EngineSymbol> &symbols, std::size_t i,
+                 const std::vector<QRect> &segments, std::size_t j, const Step &step,
+                 const LetterMetrics &metrics, std::vector<InkSymbol> &result)
+{
+    if (step.segments == 0)
+        return false;
+    static const QString dashes = QStringLiteral("-~_=\u2014\u2013\u00ad\u00ab\u00bb");
+    const Mark mark = markOf(segments[j], metrics);
+    for (int k = 1; k < step.segments; ++k) {
+        if (markOf(segments[j + k], metrics) != mark)
+            return false;
+    }
+    const bool isUnread = step.symbols == 0;
+    const bool isDashLike = isUnread || dashes.contains(symbols[i].text);
+    const double confidence = isUnread ? 50 : symbols[i].confidence;
+    if (mark == Mark::dash && isDashLike) {
+        for (int k = 0; k < step.segments; ++k)
+            result.push_back({QStringLiteral("-"), segments[j + k], confidence, false, 1});
+        return true;
+    }
+    if (mark == Mark::underscore && isDashLike) {
+        for (int k = 0; k < step.segments; ++k) {
+            const int count = underscoresIn(segments[j + k], metrics);
+            for (int n = 0; n < count; ++n)
+                result.push_back({QStringLiteral("_"), slice(segments[j + k], n, count), confidence,
+                                  false, count});
+        }
+        return true;
+    }
+    if (mark == Mark::dot && isUnread) {
+        result.push_back({QStringLiteral("."), segments[j], confidence, false, 1});
+        return true;
+    }
+    return false;
+}
+
+void appendRead(const std::vector<EngineSymbol> &symbols, std::size_t i,
+                const std::vector<QRect> &segments, std::size_t j, const Step &step,
+                std::vector<InkSymbol> &result)
+{
+    if (step.segments == 0)
+        return;
+    QRect box;
+    for (int k = 0; k < step.segments; ++k)
+        box |= segments[j + k];
+    for (int k = 0; k < step.symbols; ++k) {
+        const EngineSymbol &symbol = symbols[i + k];
+        result.push_back({symbol.text, slice(box, k, step.symbols), symbol.confidence,
+                          k > 0 && symbol.startsWord, step.symbols});
+    }
+}
+
+/// Dashes that stand so close that their soft edges meet: cut where the ink thins out.
+std::vector<QRect> separateDashes(const InkMap &ink, const QRect &box)
+{
+    std::vector<int> columns;
+    for (int x = box.left(); x <= box.right(); ++x) {
+        int strongest = 0;
+        for (int y = box.top(); y <= box.bottom(); ++y)
+            strongest = std::max(strongest, int(ink.at(x, y)));
+        columns.push_back(strongest);
+    }
+    const int full = *std::max_element(columns.begin(), columns.end());
+    std::vector<QRect> parts;
+    int start = 0;
+    for (int x = 1; x + 1 < int(columns.size()); ++x) {
+        const bool isValley = columns[x] <= columns[x - 1] && columns[x] < columns[x + 1]
+            && columns[x] * 5 < full * 4;
+        if (!isValley || x - start < box.height())
+            continue;
+        parts.push_back(QRect(box.left() + start, box.top(), x - start, box.height()));
+        start = x + 1;
+    }
+    parts.push_back(box.adjusted(start, 0, 0, 0));
+    return parts;
+}
+
+} // namespace
+
+std::vector<QRect> inkSegments(const InkMap &ink, const TextRun &run)
+{
+    std::vector<QRect> boxes;
+    for (const InkPatch &patch : inkPatches(ink, strokeInk)) {
+        const bool isFlat = patch.box.width() >= patch.box.height() * 3;
+        for (const QRect &box : isFlat ? separateDashes(ink, patch.box) : std::vector{patch.box})
+            boxes.push_back(box.translated(run.box.topLeft()));
+    }
+    std::sort(boxes.begin(), boxes.end(),
+              [](const QRect &a, const QRect &b) { return a.left() < b.left(); });
+    std::vector<QRect> segments;
+    for (const QRect &box : boxes) {
+        if (!segments.empty()) {
+            QRect &last = segments.back();
+            const int overlap = std::min(last.right(), box.right()) - box.left() + 1;
+            if (overlap * 2 > std::min(last.width(), box.width())) {
+                last |= box;
+                continue;
+            }
+        }
+        segments.push_back(box);
+    }
+    return segments;
+}
+
+std::vector<InkSymbol> alignedSymbols(const std::vector<EngineSymbol> &symbols,
+                                      const LineStrip &strip, const std::vector<QRect> &segments,
+                                      const LetterMetrics &metrics)
+{
+    std::vector<Placed> placed;
+    for (const EngineSymbol &symbol : symbols)
+        placed.push_back({strip.pictureX((symbol.left + symbol.right) / 2), usualWidth(symbol.text),
+                          symbol.startsWord});
+    std::vector<InkSymbol> result;
+    std::size_t i = 0;
+    std::size_t j = 0;
+    bool startsWord = false;
+    for (const Step &step : Alignment(placed, segments, metrics.capHeight).path()) {
+        // A dropped character leaves its word break to the next one.
+        startsWord = startsWord || (step.symbols > 0 && symbols[i].startsWord);
+        const std::size_t before = result.size();
+        if (!appendPlain(symbols, i, segments, j, step, metrics, result))
+            appendRead(symbols, i, segments, j, step, result);
+        if (result.size() > before) {
+            result[before].startsWord = startsWord;
+            startsWord = false;
+        }
+        i += step.symbols;
+        j += step.segments;
+    }
+    return result;
+}
+
+std::vector<ReadWord> readWords(const std::vector<InkSymbol> &symbols)
+{
+    std::vector<ReadWord> words;
+    int count = 0;
+    for (const InkSymbol &symbol : symbols) {
+        if (words.empty() || symbol.startsWord) {
+            words.emplace_back();
+            count = 0;
+        }
+        ReadWord &word = words.back();
+        word.text += symbol.text;
+        word.box |= symbol.box;
+        word.confidence = (word.confidence * count + symbol.confidence) / (count + 1);
+        ++count;
+    }
+    std::erase_if(words, [](const ReadWord &word) { return word.box.isEmpty(); });
+    return words;
+}
+
+} // namespace tovek

@@ -1,0 +1,112 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+// The recogniser process: it holds one engine and reads lines until its socket (descriptor 0) is
+// closed. It is a process of its own so that the resident program carries neither the engine's
+// library nor its models, gets all memory back when it ends, and outlives a model that makes the
+// engine abort. Arguments: the folder of the models, the languages as in "deu+eng".
+
+#include "platform/linux/ocr/LineProtocol.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <sys/socket.h>
+#include <tesseract/baseapi.h>
+#include <tesseract/resultiterator.h>
+#include <vector>
+
+namespace {
+
+using namespace tovek::LineProtocol;
+
+constexpr int socketFd = 0;
+
+bool sendAll(const void *from, std::size_t size)
+{
+    const auto *at = static_cast<const char *>(from);
+    while (size > 0) {
+        const ssize_t sent = ::send(socketFd, at, size, MSG_NOSIGNAL);
+        if (sent < 0 && errno == EINTR)
+            continue;
+        if (sent <= 0)
+            return false;
+        at += sent;
+        size -= std::size_t(sent);
+    }
+    return true;
+}
+
+bool open(tesseract::TessBaseAPI &api, const char *folder, const char *languages)
+{
+    const std::vector<std::string> names{"debug_file"};
+    const std::vector<std::string> values{"/dev/null"};
+    if (api.Init(folder, languages, tesseract::OEM_LSTM_ONLY, nullptr, 0, &names, &values, false)
+        != 0)
+        return false;
+    // A strip is one line, dark on light: no page analysis, no second try with inverted colours.
+    api.SetPageSegMode(tesseract::PSM_RAW_LINE);
+    api.SetVariable("tessedit_do_invert", "0");
+    return true;
+}
+
+Symbol symbolAt(const tesseract::ResultIterator &it, const char *text)
+{
+    Symbol symbol;
+    int left = 0;
+    int top = 0;
+    int right = 0;
+    int bottom = 0;
+    it.BoundingBox(tesseract::RIL_SYMBOL, &left, &top, &right, &bottom);
+    symbol.left = float(left);
+    symbol.right = float(right);
+    symbol.confidence = it.Confidence(tesseract::RIL_SYMBOL);
+    symbol.startsWord = it.IsAtBeginningOf(tesseract::RIL_WORD);
+    symbol.length = std::uint8_t(std::min(std::strlen(text), sizeof(symbol.text)));
+    std::memcpy(symbol.text, text, symbol.length);
+    return symbol;
+}
+
+std::vector<Symbol> read(tesseract::TessBaseAPI &api, const std::vector<unsigned char> &grey,
+                         int width)
+{
+    std::vector<Symbol> symbols;
+    api.SetImage(grey.data(), width, int(stripHeight), 1, width);
+    api.SetSourceResolution(300);
+    if (api.Recognize(nullptr) != 0)
+        return symbols;
+    const std::unique_ptr<tesseract::ResultIterator> it(api.GetIterator());
+    if (!it)
+        return symbols;
+    do {
+        const std::unique_ptr<char[]> text(it->GetUTF8Text(tesseract::RIL_SYMBOL));
+        if (text && text[0] != '\0' && text[0] != ' ')
+            symbols.push_back(symbolAt(*it, text.get()));
+    } while (it->Next(tesseract::RIL_SYMBOL));
+    return symbols;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (argc != 3)
+        return 2;
+    tesseract::TessBaseAPI api;
+    const char isReady = open(api, argv[1], argv[2]) ? 1 : 0;
+    if (!sendAll(&isReady, 1) || !isReady)
+        return 1;
+    LineRequest request;
+    while (readAll(socketFd, &request, sizeof(request)) && request.width <= widestStrip) {
+        std::vector<unsigned char> grey(std::size_t(request.width) * stripHeight);
+        if (!readAll(socketFd, grey.data(), grey.size()))
+            break;
+        const std::vector<Symbol> symbols = read(api, grey, int(request.width));
+        const LineReply reply{std::uint32_t(symbols.size())};
+        if (!sendAll(&reply, sizeof(reply))
+            || !sendAll(symbols.data(), symbols.size() * sizeof(Symbol)))
+            break;
+    }
+    return 0;
+}

@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/TextRecognizer.h"
+
+#include <QPromise>
+
+#include <memory>
+
+namespace tovek {
+
+/// Recognises what the test gave it, at once or when the test says so.
+class FakeTextRecognizer : public TextRecognizer
+{
+public:
+    void prepare() override { ++preparations; }
+    QFuture<RecognitionResult> recognize(const QImage &image, double scale) override;
+
+    /// While held, recognitions stay under way; `finish` completes the oldest one.
+    void hold() { m_isHeld = true; }
+    void finish();
+    int underWay() const { return int(m_held.size()); }
+
+    /// A line of words side by side, each 10 pixels a character wide, 20 high, at the given y.
+    static TextObservation lineOf(const QString &text, double y = 0);
+
+    RecognitionResult result;
+    int preparations = 0;
+    std::vector<QImage> images;
+    std::vector<double> scales;
+
+private:
+    bool m_isHeld = false;
+    std::vector<std::shared_ptr<QPromise<RecognitionResult>>> m_held;
+};
+
+} // namespace tovek

@@ -1,0 +1,121 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/ocr/InkMap.h"
+
+#include <QImage>
+#include <QPainter>
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace tovek;
+
+class TestInkMap : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(".*")); }
+
+    void seesDarkAndLightTextAlike_data()
+    {
+        QTest::addColumn<QColor>("paper");
+        QTest::addColumn<QColor>("ink");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("black on white") << QColor(Qt::white) << QColor(Qt::black) << 255;
+        QTest::newRow("white on black") << QColor(Qt::black) << QColor(Qt::white) << 255;
+        QTest::newRow("faint") << QColor(100, 100, 100) << QColor(130, 130, 130) << 30;
+        QTest::newRow("colour on colour") << QColor(0, 0, 90) << QColor(90, 0, 0) << 60;
+    }
+    void seesDarkAndLightTextAlike()
+    {
+        QFETCH(QColor, paper);
+        QFETCH(QColor, ink);
+        QFETCH(int, expected);
+        QImage image(200, 40, QImage::Format_RGB32);
+        image.fill(paper);
+        QPainter(&image).fillRect(90, 10, 3, 12, ink);
+        const InkMap map = inkMapOf(image);
+        QCOMPARE(int(map.at(91, 15)), expected);
+        QCOMPARE(int(map.at(89, 15)), 0);
+        QCOMPARE(inkPatches(map, 20).size(), std::size_t(1));
+        QCOMPARE(inkPatches(map, 20).front(), (InkPatch{QRect(90, 10, 3, 12), 36, expected}));
+    }
+
+    void judgesEachRowAgainstItsOwnBackground()
+    {
+        QImage image(200, 60, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.fillRect(0, 20, 200, 20, QColor(0, 0, 120));
+        painter.fillRect(50, 5, 3, 10, Qt::black);
+        painter.fillRect(50, 25, 3, 10, Qt::white);
+        const auto patches = inkPatches(inkMapOf(image), 20);
+        QCOMPARE(patches.size(), std::size_t(2));
+        QCOMPARE(patches[0].box, QRect(50, 5, 3, 10));
+        QCOMPARE(patches[1].box, QRect(50, 25, 3, 10));
+    }
+
+    void leavesOutRulesAndFrames()
+    {
+        QImage image(200, 60, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.fillRect(10, 30, 120, 1, Qt::black);
+        painter.fillRect(150, 2, 1, 56, Qt::black);
+        QVERIFY(inkPatches(inkMapOf(image), 20).empty());
+    }
+
+    void followsAGradient()
+    {
+        QImage image(256, 40, QImage::Format_RGB32);
+        for (int x = 0; x < 256; ++x) {
+            for (int y = 0; y < 40; ++y)
+                image.setPixelColor(x, y, QColor(x, x, 255 - x));
+        }
+        QPainter(&image).fillRect(100, 10, 3, 12, Qt::white);
+        const auto patches = inkPatches(inkMapOf(image), 20);
+        QCOMPARE(patches.size(), std::size_t(1));
+        QCOMPARE(patches.front().box, QRect(100, 10, 3, 12));
+    }
+
+    void bearsEverySizeAndContent_data()
+    {
+        QTest::addColumn<QSize>("size");
+        for (int n : {1, 2, 3, 7, 20})
+            QTest::addRow("%d square", n) << QSize(n, n);
+        QTest::newRow("one row") << QSize(300, 1);
+        QTest::newRow("one column") << QSize(1, 300);
+    }
+    void bearsEverySizeAndContent()
+    {
+        QFETCH(QSize, size);
+        QImage image(size, QImage::Format_RGB32);
+        for (int seed = 1; seed < 4; ++seed) {
+            quint32 state = quint32(seed);
+            for (int y = 0; y < size.height(); ++y) {
+                for (int x = 0; x < size.width(); ++x) {
+                    state = state * 1664525 + 1013904223;
+                    image.setPixel(x, y, state >> 8);
+                }
+            }
+            const InkMap map = inkMapOf(image);
+            QCOMPARE(map.size, size);
+            for (const InkPatch &patch : inkPatches(map, 1))
+                QVERIFY(image.rect().contains(patch.box));
+        }
+        QVERIFY(inkPatches(inkMapOf(QImage()), 20).empty());
+    }
+
+    void joinsPatchesAcrossCorners()
+    {
+        InkMap map{{4, 3}, {9, 0, 0, 9, 0, 9, 9, 0, 9, 0, 0, 0}};
+        const auto patches = inkPatches(map, 5);
+        QCOMPARE(patches.size(), std::size_t(1));
+        QCOMPARE(patches.front().box, QRect(0, 0, 4, 3));
+        QCOMPARE(patches.front().area, 5);
+    }
+};
+
+QTEST_APPLESS_MAIN(TestInkMap)
+#include "tst_InkMap.moc"

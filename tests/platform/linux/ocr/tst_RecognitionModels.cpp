@@ -1,0 +1,97 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/ocr/RecognitionModels.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace tovek;
+
+class TestRecognitionModels : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(".*")); }
+
+    void namesTheLanguageOfALocale_data()
+    {
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("language alone") << "de"
+                                        << "deu";
+        QTest::newRow("with a country") << "de-AT"
+                                        << "deu";
+        QTest::newRow("with an underscore") << "pt_BR"
+                                            << "por";
+        QTest::newRow("simplified Chinese") << "zh-CN"
+                                            << "chi_sim";
+        QTest::newRow("traditional by script") << "zh-Hant-TW"
+                                               << "chi_tra";
+        QTest::newRow("traditional by country") << "zh-HK"
+                                                << "chi_tra";
+        QTest::newRow("no language") << "C"
+                                     << "";
+        QTest::newRow("empty") << ""
+                               << "";
+    }
+    void namesTheLanguageOfALocale()
+    {
+        QFETCH(QString, language);
+        QTEST(modelNameOf(language), "expected");
+    }
+
+    void takesTheUsersInstalledLanguagesAndEnglish_data()
+    {
+        QTest::addColumn<QStringList>("languages");
+        QTest::addColumn<QStringList>("installed");
+        QTest::addColumn<QStringList>("expected");
+        const QStringList installed{"deu", "eng", "fra", "osd"};
+        QTest::newRow("English only")
+            << QStringList{"en-GB", "en"} << installed << QStringList{"eng"};
+        QTest::newRow("German first")
+            << QStringList{"de-DE", "de"} << installed << QStringList{"deu", "eng"};
+        QTest::newRow("in the user's order")
+            << QStringList{"fr", "de"} << installed << QStringList{"fra", "deu", "eng"};
+        QTest::newRow("English before German")
+            << QStringList{"en", "de"} << installed << QStringList{"eng", "deu"};
+        QTest::newRow("not installed") << QStringList{"pl"} << installed << QStringList{"eng"};
+        QTest::newRow("no English model")
+            << QStringList{"de"} << QStringList{"deu"} << QStringList{"deu"};
+        QTest::newRow("nothing installed") << QStringList{"en"} << QStringList{} << QStringList{};
+        QTest::newRow("only what is no language")
+            << QStringList{"en"} << QStringList{"osd"} << QStringList{};
+    }
+    void takesTheUsersInstalledLanguagesAndEnglish()
+    {
+        QFETCH(QStringList, languages);
+        QFETCH(QStringList, installed);
+        QTEST(modelsFor(languages, installed), "expected");
+    }
+
+    void listsTheModelsOfAFolder()
+    {
+        QTemporaryDir folder;
+        for (const char *name : {"eng.traineddata", "chi_sim.traineddata", "readme.txt"}) {
+            QFile file(folder.filePath(name));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+        }
+        QCOMPARE(modelsIn(folder.path()), (QStringList{"chi_sim", "eng"}));
+        QCOMPARE(modelsIn({}), QStringList());
+        QCOMPARE(modelsIn(folder.filePath("missing")), QStringList());
+    }
+
+    void obeysTheEnginesOwnVariable()
+    {
+        qputenv("TESSDATA_PREFIX", "/some/where");
+        QCOMPARE(modelFolder(), QString("/some/where"));
+        qunsetenv("TESSDATA_PREFIX");
+        QVERIFY(modelFolder() != "/some/where");
+    }
+};
+
+QTEST_APPLESS_MAIN(TestRecognitionModels)
+#include "tst_RecognitionModels.moc"
