@@ -4,12 +4,11 @@
 #pragma once
 
 #include "app/AppDelegate.h"
+#include "app/SettingsWindow.h"
 
 #include <QPointer>
 
 namespace tovek {
-
-class SettingsWindow;
 
 /// The program: owns the delegate and the settings window, and opens the latter on request.
 class TovekApp : public QObject

@@ -40,10 +40,10 @@ public:
         Clipboard &clipboard;
         ImageOutput &output;
         const KeyboardLayout *keyboardLayout = nullptr;
-        CaptureFeedback feedback;
-        std::function<bool()> hasPermission; ///< unset: there is
-        std::function<void()> showPermissionWindow;
-        std::function<QFuture<std::vector<TextRegion>>(const Image &)> recognizeText;
+        CaptureFeedback feedback = {};
+        std::function<bool()> hasPermission = {}; ///< unset: there is
+        std::function<void()> showPermissionWindow = {};
+        std::function<QFuture<std::vector<TextRegion>>(const Image &)> recognizeText = {};
     };
 
     explicit OverlayController(Services services);

@@ -19,13 +19,9 @@ constexpr int lastLetterCode = 50;
 /// Of 26. Layouts for other scripts have none without modifiers, Latin ones nearly all of them.
 constexpr int latinLetterCount = 20;
 
-std::optional<QString> characterOf(xkb_keymap *keymap, quint32 group, int carbonKeyCode)
+std::optional<QString> characterOf(xkb_keymap *keymap, quint32 group, xkb_keycode_t keycode)
 {
-    const std::vector<int> evdev = evdevCodes(carbonKeyCode);
-    if (evdev.empty())
-        return std::nullopt;
     const xkb_keysym_t *keysyms = nullptr;
-    const auto keycode = xkb_keycode_t(evdev.front() + windowSystemKeyOffset);
     if (xkb_keymap_key_get_syms_by_level(keymap, keycode, group, 0, &keysyms) != 1)
         return std::nullopt;
     const char32_t character = xkb_keysym_to_utf32(keysyms[0]);
@@ -38,7 +34,8 @@ bool typesLatin(xkb_keymap *keymap, quint32 group)
 {
     int letters = 0;
     for (int keyCode = 0; keyCode <= lastLetterCode; ++keyCode) {
-        const auto character = characterOf(keymap, group, keyCode);
+        const auto keycode = xkb_keycode_t(evdevCodes(keyCode).front() + windowSystemKeyOffset);
+        const auto character = characterOf(keymap, group, keycode);
         letters +=
             character && *character >= QLatin1String("a") && *character <= QLatin1String("z");
     }
@@ -74,8 +71,7 @@ std::unique_ptr<X11KeyboardLayout> X11KeyboardLayout::create()
 
 X11KeyboardLayout::X11KeyboardLayout(std::unique_ptr<xcb_connection_t, Free> connection)
     : m_connection(std::move(connection))
-    , m_context(xkb_context_new(
-          xkb_context_flags(XKB_CONTEXT_NO_DEFAULT_INCLUDES | XKB_CONTEXT_NO_ENVIRONMENT_NAMES)))
+    , m_context(xkb_context_new(XKB_CONTEXT_NO_FLAGS))
 {
 }
 
@@ -94,8 +90,16 @@ bool X11KeyboardLayout::setUp()
 
 std::optional<QString> X11KeyboardLayout::character(int carbonKeyCode) const
 {
+    const std::vector<int> evdev = evdevCodes(carbonKeyCode);
+    if (evdev.empty())
+        return std::nullopt;
+    return characterOfScanCode(quint32(evdev.front() + windowSystemKeyOffset));
+}
+
+std::optional<QString> X11KeyboardLayout::characterOfScanCode(quint32 nativeScanCode) const
+{
     xkb_keymap *map = keymap();
-    return map ? characterOf(map, m_group, carbonKeyCode) : std::nullopt;
+    return map ? characterOf(map, m_group, nativeScanCode) : std::nullopt;
 }
 
 void X11KeyboardLayout::startDispatching()
@@ -159,8 +163,16 @@ xkb_keymap *X11KeyboardLayout::keymap() const
     const int32_t device = xkb_x11_get_core_keyboard_device_id(m_connection.get());
     m_keymap.reset(xkb_x11_keymap_new_from_device(m_context.get(), m_connection.get(), device,
                                                   XKB_KEYMAP_COMPILE_NO_FLAGS));
-    if (m_keymap)
-        m_group = latinGroup();
+    if (!m_keymap)
+        return nullptr;
+    m_group = latinGroup();
+    if (typesLatin(m_keymap.get(), m_group))
+        return m_keymap.get();
+    const xkb_rule_names american{"evdev", "pc105", "us", "", ""};
+    std::unique_ptr<xkb_keymap, Free> latin(
+        xkb_keymap_new_from_names(m_context.get(), &american, XKB_KEYMAP_COMPILE_NO_FLAGS));
+    if (latin)
+        m_keymap = std::move(latin);
     return m_keymap.get();
 }
 

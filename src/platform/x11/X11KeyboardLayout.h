@@ -24,6 +24,7 @@ public:
     ~X11KeyboardLayout() override;
 
     std::optional<QString> character(int carbonKeyCode) const override;
+    std::optional<QString> characterOfScanCode(quint32 nativeScanCode) const override;
 
     /// Changes are noticed from now on. Needs the application.
     void startDispatching();
