@@ -3,6 +3,8 @@
 
 #include "platform/OverlaySurface.h"
 
+#include <algorithm>
+
 namespace tovek {
 
 QRect boundsOf(const DisplayList::Item &item)
@@ -24,17 +26,23 @@ QRegion damageBetween(const DisplayList &before, const DisplayList &after)
     } else if (before.clear != after.clear && after.veil > 0) {
         damage = QRegion(before.clear).xored(QRegion(after.clear));
     }
-    // Items are matched by position in the list: a list keeps its order while it changes.
-    const size_t count = std::max(before.items.size(), after.items.size());
-    for (size_t i = 0; i < count; ++i) {
-        const bool isInBefore = i < before.items.size();
-        const bool isInAfter = i < after.items.size();
-        if (isInBefore && isInAfter && before.items[i] == after.items[i])
-            continue;
-        if (isInBefore)
-            damage += boundsOf(before.items[i]);
-        if (isInAfter)
-            damage += boundsOf(after.items[i]);
+    // What both lists begin and end with keeps its place in the paint order; the rest between has
+    // changed, item by item where it only moved and as a whole where items came or went.
+    const auto [firstBefore, firstAfter] = std::mismatch(before.items.begin(), before.items.end(),
+                                                         after.items.begin(), after.items.end());
+    const auto [lastBefore, lastAfter] =
+        std::mismatch(before.items.rbegin(), std::make_reverse_iterator(firstBefore),
+                      after.items.rbegin(), std::make_reverse_iterator(firstAfter));
+    const bool isSameCount = before.items.size() == after.items.size();
+    auto same = firstAfter;
+    for (auto item = firstBefore; item != lastBefore.base(); ++item) {
+        if (!isSameCount || !(*item == *same++))
+            damage += boundsOf(*item);
+    }
+    same = firstBefore;
+    for (auto item = firstAfter; item != lastAfter.base(); ++item) {
+        if (!isSameCount || !(*item == *same++))
+            damage += boundsOf(*item);
     }
     return damage;
 }

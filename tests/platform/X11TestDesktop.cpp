@@ -3,6 +3,7 @@
 
 #include "X11TestDesktop.h"
 
+#include <QFile>
 #include <QRandomGenerator>
 
 #include <bit>
@@ -131,9 +132,9 @@ bool X11TestDesktop::xrandr(const QStringList &arguments)
     return process.waitForFinished() && process.exitCode() == 0;
 }
 
-bool X11TestDesktop::setMonitor(const QString &name, const QString &geometry)
+bool X11TestDesktop::setMonitor(const QString &name, const QString &geometry, const QString &output)
 {
-    return xrandr({"--setmonitor", name, geometry, "none"});
+    return xrandr({"--setmonitor", name, geometry, output});
 }
 
 bool X11TestDesktop::removeMonitor(const QString &name)
@@ -187,6 +188,14 @@ void X11TestDesktop::fill(xcb_window_t window, QRect rect, quint32 pixel)
 void X11TestDesktop::sync() const
 {
     std::free(xcb_get_input_focus_reply(m_client, xcb_get_input_focus(m_client), nullptr));
+}
+
+qint64 X11TestDesktop::serverMemory() const
+{
+    QFile file(QStringLiteral("/proc/%1/statm").arg(m_server.processId()));
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    return file.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE);
 }
 
 } // namespace tovek

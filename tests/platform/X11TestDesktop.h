@@ -23,8 +23,10 @@ public:
     xcb_connection_t *client() const { return m_client; }
     const xcb_screen_t &screen() const { return *m_screen; }
     xcb_window_t window() const { return m_window; }
-    /// Splits the screen into monitors. The strings are `xrandr --setmonitor` geometries.
-    bool setMonitor(const QString &name, const QString &geometry);
+    /// Adds a monitor; the geometry is one of `xrandr --setmonitor`. With the output "screen" it
+    /// takes the place of the monitor that is the whole screen.
+    bool setMonitor(const QString &name, const QString &geometry,
+                    const QString &output = QStringLiteral("none"));
     bool removeMonitor(const QString &name);
 
     /// What is on the screen now, as RGB32 decoded here, independently of the program.
@@ -34,6 +36,8 @@ public:
     /// Maps an unmanaged window of the other client.
     xcb_window_t openWindow(QRect rect, quint32 pixel);
     void sync() const;
+    /// Resident bytes of the server's process.
+    qint64 serverMemory() const;
 
 private:
     void paint();

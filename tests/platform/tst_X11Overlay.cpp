@@ -13,6 +13,8 @@
 #include <QWidget>
 #include <QWindow>
 
+#include <xcb/xtest.h>
+
 using namespace tovek;
 
 namespace {
@@ -40,8 +42,12 @@ public:
     }
 
     QRegion painted;
+    int keys = 0;
 
 private:
+    void keyPressEvent(QKeyEvent *) override { ++keys; }
+    void focusInEvent(QFocusEvent *) override { }
+    void focusOutEvent(QFocusEvent *) override { }
     void paintEvent(QPaintEvent *event) override
     {
         painted += event->region();
@@ -202,21 +208,172 @@ private Q_SLOTS:
         other.items.push_back(DisplayList::Fill{QRect(30, 30, 300, 40), 0xff00ff00});
         QVERIFY(surface->present(other));
         QVERIFY(surface->present(list));
-        QTest::qWait(20);
         const QImage expected = painted(frozen->pixels().result(), list);
         const int limit = m_connection->screen().root_depth == 16 ? 9 : 1;
-        QCOMPARE_LE(largestDifference(desktop->look(m_screen.native), expected), limit);
+        QTRY_VERIFY(largestDifference(desktop->look(m_screen.native), expected) <= limit);
         if (list == DisplayList{})
             QCOMPARE(desktop->look(), m_before);
         // What another window covered for a moment comes back as it was.
         const xcb_window_t visitor = desktop->openWindow(QRect(0, 0, 300, 300), 0xffffff);
         xcb_destroy_window(desktop->client(), visitor);
         desktop->sync();
-        QTest::qWait(20);
-        QCOMPARE_LE(largestDifference(desktop->look(m_screen.native), expected), limit);
+        QTRY_VERIFY(largestDifference(desktop->look(m_screen.native), expected) <= limit);
+    }
+
+    void takesTheKeysAndLeavesTheFocus()
+    {
+        const xcb_window_t focusBefore = focus();
+        Overlay overlay;
+        const auto surface = m_shell->create(*overlay.windowHandle(), m_screen, freeze());
+        surface->makeKey();
+        QVERIFY(!surface->isKey()); // as soon as it shows
+        overlay.open(*surface);
+        QVERIFY(surface->isKey());
+        QVERIFY(QTest::qWaitForWindowExposed(overlay.windowHandle()));
+        type(evdevA, XCB_KEY_PRESS);
+        QTRY_COMPARE(overlay.keys, 1);
+        QCOMPARE(focus(), focusBefore);
+        // The key that closes the overlay belongs to it until it comes up.
+        surface->orderOut();
+        QVERIFY(!surface->isKey());
+        QTest::qWait(50);
+        QVERIFY(!canGrabKeyboard());
+        type(evdevA, XCB_KEY_RELEASE);
+        QTRY_VERIFY(canGrabKeyboard());
+        QCOMPARE(focus(), focusBefore);
+    }
+
+    void letsGoOfAKeyThatStaysDown()
+    {
+        Overlay overlay;
+        const auto surface = m_shell->create(*overlay.windowHandle(), m_screen, freeze());
+        overlay.open(*surface);
+        surface->makeKey();
+        type(evdevA, XCB_KEY_PRESS);
+        QTRY_COMPARE(overlay.keys, 1);
+        surface->orderOut();
+        QVERIFY(!canGrabKeyboard());
+        QTRY_VERIFY_WITH_TIMEOUT(canGrabKeyboard(), 1000);
+        type(evdevA, XCB_KEY_RELEASE);
+    }
+
+    void asksAForeignGrabToEnd_data()
+    {
+        QTest::addColumn<bool>("obeys");
+        QTest::newRow("a menu that closes on Escape") << true;
+        QTest::newRow("a program that keeps it") << false;
+    }
+    void asksAForeignGrabToEnd()
+    {
+        QFETCH(bool, obeys);
+        QVERIFY(canGrabKeyboard(desktop->window()));
+        Overlay overlay;
+        const auto surface = m_shell->create(*overlay.windowHandle(), m_screen, freeze());
+        int denials = 0;
+        surface->onKeyboardDenied = [&denials] { ++denials; };
+        grabKeyboard(desktop->window());
+        overlay.open(*surface);
+        surface->makeKey();
+        QVERIFY(!surface->isKey());
+        int escapes = 0;
+        const auto listen = [&] {
+            for (xcb_generic_event_t *event; (event = xcb_poll_for_event(desktop->client()));) {
+                if ((event->response_type & 0x7f) == XCB_KEY_PRESS) {
+                    ++escapes;
+                    if (obeys)
+                        xcb_ungrab_keyboard(desktop->client(), XCB_CURRENT_TIME);
+                }
+                std::free(event);
+            }
+            desktop->sync();
+            return surface->isKey() || denials > 0;
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(listen(), 1500);
+        QCOMPARE(surface->isKey(), obeys);
+        QCOMPARE(denials, obeys ? 0 : 1);
+        QCOMPARE(escapes, 1);
+        xcb_ungrab_keyboard(desktop->client(), XCB_CURRENT_TIME);
+        desktop->sync();
+        QCOMPARE(overlay.keys, 0);
+    }
+
+    void staysAboveWhatComesLater()
+    {
+        Overlay overlay;
+        const auto surface = m_shell->create(*overlay.windowHandle(), m_screen, freeze());
+        overlay.open(*surface);
+        QVERIFY(QTest::qWaitForWindowExposed(overlay.windowHandle()));
+        const xcb_window_t visitor = desktop->openWindow(QRect(0, 0, 300, 300), 0xffffff);
+        QTRY_COMPARE(desktop->look(), m_before);
+        // Once: a program that insists wins.
+        const uint32_t above = XCB_STACK_MODE_ABOVE;
+        xcb_configure_window(desktop->client(), visitor, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+        desktop->sync();
+        QTest::qWait(50);
+        QVERIFY(desktop->look() != m_before);
+        xcb_destroy_window(desktop->client(), visitor);
+        desktop->sync();
+    }
+
+    void leavesWithItsScreen()
+    {
+        QVERIFY(desktop->setMonitor("Right", "300/200x300/200+700+100"));
+        const auto right = [this] {
+            const std::vector<Screen> all = m_screens->all();
+            const auto found = std::find_if(all.begin(), all.end(), [](const Screen &candidate) {
+                return candidate.name == QStringLiteral("Right");
+            });
+            return found == all.end() ? std::nullopt : std::optional(*found);
+        };
+        QTRY_VERIFY(right());
+        const Screen screen = *right();
+        const auto content = m_grabber->shareableContent();
+        Overlay overlay;
+        const auto surface = m_shell->create(
+            *overlay.windowHandle(), screen,
+            m_grabber->capture(*content, {*screen.displayId, screen.native}, {}).result().frozen);
+        bool isGone = false;
+        surface->onScreenGone = [&isGone] { isGone = true; };
+        overlay.open(*surface);
+        QVERIFY(QTest::qWaitForWindowExposed(overlay.windowHandle()));
+        QVERIFY(desktop->removeMonitor("Right"));
+        QTRY_VERIFY(isGone);
+        QVERIFY(!surface->isVisible());
+        QTRY_COMPARE(desktop->look(), m_before);
     }
 
 private:
+    static constexpr uint8_t evdevA = 38;
+
+    xcb_window_t focus() const
+    {
+        const X11Reply<xcb_get_input_focus_reply_t> reply(xcb_get_input_focus_reply(
+            desktop->client(), xcb_get_input_focus(desktop->client()), nullptr));
+        return reply->focus;
+    }
+    void type(uint8_t keycode, uint8_t type) const
+    {
+        xcb_test_fake_input(desktop->client(), type, keycode, XCB_CURRENT_TIME, 0, 0, 0, 0);
+        desktop->sync();
+    }
+    bool grabKeyboard(xcb_window_t window) const
+    {
+        const X11Reply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(
+            desktop->client(),
+            xcb_grab_keyboard(desktop->client(), 0, window, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
+                              XCB_GRAB_MODE_ASYNC),
+            nullptr));
+        return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+    }
+    /// For another program, that is.
+    bool canGrabKeyboard() const { return canGrabKeyboard(desktop->screen().root); }
+    bool canGrabKeyboard(xcb_window_t window) const
+    {
+        const bool isGrabbed = grabKeyboard(window);
+        xcb_ungrab_keyboard(desktop->client(), XCB_CURRENT_TIME);
+        desktop->sync();
+        return isGrabbed;
+    }
     std::shared_ptr<FrozenDisplay> freeze()
     {
         const auto content = m_grabber->shareableContent();

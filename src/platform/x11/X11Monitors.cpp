@@ -88,9 +88,12 @@ bool X11Monitors::nativeEventFilter(const QByteArray &, void *message, qintptr *
 {
     const int events = m_connection->randrEvents();
     const int type = static_cast<xcb_generic_event_t *>(message)->response_type & 0x7f;
-    const bool isOurs =
+    const bool isRandr =
         type == events + XCB_RANDR_SCREEN_CHANGE_NOTIFY || type == events + XCB_RANDR_NOTIFY;
-    if (!events || !isOurs)
+    // Monitors that are not outputs come and go with this event alone.
+    const bool isRoot = type == XCB_CONFIGURE_NOTIFY
+        && static_cast<xcb_configure_notify_event_t *>(message)->window == m_connection->root();
+    if (!events || (!isRandr && !isRoot))
         return false;
     m_isKnown = false;
     // One change comes as several events; and the toolkit has to see them first.

@@ -73,8 +73,8 @@ QImage::Format x11ImageFormat(int bitsPerPixel, quint32 redMask, quint32 greenMa
 
 QImage toRgb32(QImage raw)
 {
-    if (raw.format() != QImage::Format_RGB32)
-        return raw.convertToFormat(QImage::Format_RGB32);
+    // The toolkit's conversions carry unused bits of the source over as well.
+    raw.convertTo(QImage::Format_RGB32);
     for (int y = 0; y < raw.height(); ++y) {
         auto *line = reinterpret_cast<quint32 *>(raw.scanLine(y));
         for (int x = 0; x < raw.width(); ++x)
