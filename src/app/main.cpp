@@ -73,7 +73,6 @@ int run(int &argc, char **argv)
 
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("tovek"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Tovek"));
     QApplication::setApplicationVersion(QStringLiteral(TOVEK_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("org.tovek.Tovek"));
     QApplication::setQuitOnLastWindowClosed(false);
