@@ -16,7 +16,8 @@ class KeyboardLayout
 public:
     virtual ~KeyboardLayout() = default;
     /// The one character that the key with this hardware code types without modifiers, in the
-    /// active layout, or where that types no Latin letters in the first one that does, if any.
+    /// active layout; where that types no Latin letters, in the first of the user's layouts that
+    /// does, or else in the American one.
     /// Absent for a dead key, for a key without a character, and for one that does not exist.
     virtual std::optional<QString> character(int carbonKeyCode) const = 0;
 

@@ -3,6 +3,8 @@
 
 #include "fakes/FakeHotKeys.h"
 
+#include "platform/linux/KeyCodes.h"
+
 #include <algorithm>
 
 namespace tovek {
@@ -10,6 +12,8 @@ namespace tovek {
 int FakeHotKeys::grab(quint32 id, KeyCombo combo)
 {
     Q_ASSERT(!grabbed.contains(id));
+    if (evdevCodes(int(combo.carbonKeyCode)).empty())
+        return 1;
     const bool isOurs = std::any_of(grabbed.begin(), grabbed.end(),
                                     [&](const auto &entry) { return entry.second == combo; });
     if (isOurs || foreign.contains(combo))

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "platform/KeyboardLayout.h"
+#include "platform/linux/KeyCodes.h"
 
 #include <QHash>
 
@@ -13,12 +14,17 @@ namespace tovek {
 class FakeKeyboardLayout : public KeyboardLayout
 {
 public:
-    std::optional<QString> character(int carbonKeyCode) const override
+    std::optional<QString> character(int keyCode) const override
     {
-        asked.push_back(carbonKeyCode);
-        const auto found = characters.constFind(carbonKeyCode);
+        asked.push_back(keyCode);
+        const auto found = characters.constFind(keyCode);
         return found == characters.cend() ? std::nullopt : std::optional(*found);
     }
+    std::optional<QString> characterOfScanCode(quint32 nativeScanCode) const override
+    {
+        return character(carbonKeyCode(int(nativeScanCode) - windowSystemKeyOffset));
+    }
+
     /// Another layout, which everybody is told of.
     void change(const QHash<int, QString> &newCharacters)
     {
