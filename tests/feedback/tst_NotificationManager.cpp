@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "fakes/FakeNotifications.h"
+#include "fakes/LogCapture.h"
 #include "feedback/NotificationManager.h"
-#include "support/CapturedOutput.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -87,7 +87,7 @@ private Q_SLOTS:
     void logsWhatFails()
     {
         Setup s;
-        CapturedOutput output;
+        LogCapture output;
         s.manager.requestAuthorization();
         s.save(QStringLiteral("/tmp/a.png"));
         QVERIFY(output.lines().isEmpty());

@@ -2,8 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "fakes/FakeSoundOutput.h"
+#include "fakes/LogCapture.h"
 #include "feedback/SoundManager.h"
-#include "support/CapturedOutput.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -42,7 +42,7 @@ private Q_SLOTS:
     void staysSilentWithoutTheAsset()
     {
         FakeSoundOutput sounds;
-        CapturedOutput output;
+        LogCapture output;
         SoundManager manager(sounds, QStringLiteral(":/missing.wav"));
         manager.playCopySound();
         manager.playCopySound();
@@ -54,7 +54,7 @@ private Q_SLOTS:
     {
         FakeSoundOutput sounds;
         sounds.failure = QStringLiteral("not a sound");
-        CapturedOutput output;
+        LogCapture output;
         SoundManager manager(sounds);
         manager.playCopySound();
         QCOMPARE(output.lines(), QStringList{"Failed to initialize audio player: not a sound"});

@@ -3,9 +3,9 @@
 
 #include "fakes/FakeClock.h"
 #include "fakes/FakeTray.h"
+#include "fakes/LogCapture.h"
 #include "foundation/UserDefaults.h"
 #include "menubar/StatusBarController.h"
-#include "support/CapturedOutput.h"
 
 #include <QMenu>
 #include <QRegularExpression>
@@ -112,7 +112,7 @@ private Q_SLOTS:
         QFETCH(bool, hasHost);
         Setup s;
         s.tray.host = hasHost;
-        CapturedOutput output;
+        LogCapture output;
         s.start();
         s.clock.advance(60s);
         QTEST(int(output.lines().size()), "lines");
@@ -259,7 +259,7 @@ private Q_SLOTS:
         s.preview();
         const QByteArray folder = qgetenv("TMPDIR");
         qputenv("TMPDIR", "/nonexistent");
-        CapturedOutput output;
+        LogCapture output;
         s.tray.press({110, 10});
         s.tray.moveTo({120, 10});
         qputenv("TMPDIR", folder);
