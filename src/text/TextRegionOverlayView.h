@@ -1,0 +1,61 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "text/TextRegionPicture.h"
+
+#include <QWidget>
+
+namespace tovek {
+
+class UserDefaults;
+
+/// The transparent layer of recognised words over a selection, a child of the view whose selection
+/// it covers. Its frame is the selection's. Mouse events beside the words, and all of them while
+/// they are passed through, go on to the parent.
+class TextRegionOverlayView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Who draws the words: this widget, or the owner, who puts `items` into its own picture and
+    /// is told by `onNeedsDisplay`.
+    enum class Drawing { own, byOwner };
+
+    TextRegionOverlayView(const UserDefaults &defaults, QWidget *parent,
+                          Drawing drawing = Drawing::own);
+
+    void setTextRegions(std::vector<TextRegion> regions);
+    /// In this view's own points.
+    void setSelectionBounds(const Rect &bounds);
+    void setPassMouseEventsThrough(bool passThrough);
+    /// The selected words in reading order.
+    std::vector<TextRegion> selectedRegions() { return m_selection.selectedRegions(); }
+    const TextSelection &selection() const { return m_selection; }
+    /// See textRegionItems.
+    std::vector<DisplayList::Item> items(const ViewSpace &space, Point origin) const;
+
+    std::function<void(const std::vector<TextRegion> &)> onSelectionChanged;
+    std::function<void()> onNeedsDisplay;
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void enterEvent(QEnterEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+
+private:
+    bool highlightsText() const;
+    Point pointOf(QPointF at) const;
+    void follow(const TextSelectionResponse &response, QEvent *event);
+    void redraw();
+
+    const UserDefaults &m_defaults;
+    Drawing m_drawing;
+    TextSelection m_selection;
+};
+
+} // namespace tovek

@@ -1,0 +1,157 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "text/TextSelection.h"
+
+#include "text/ReadingOrder.h"
+
+#include <cmath>
+#include <limits>
+
+namespace tovek {
+
+Rect TextSelection::rectOf(int index) const
+{
+    const Rect &box = textRegions[std::size_t(index)].boundingBox;
+    const Rect &bounds = selectionBounds;
+    return {bounds.minX() + box.x * bounds.width, bounds.minY() + box.y * bounds.height,
+            box.width * bounds.width, box.height * bounds.height};
+}
+
+std::optional<int> TextSelection::regionAt(Point at) const
+{
+    for (int i = 0; i < int(textRegions.size()); ++i) {
+        if (rectOf(i).contains(at))
+            return i;
+    }
+    return std::nullopt;
+}
+
+std::optional<int> TextSelection::regionNearest(Point at) const
+{
+    if (const auto index = regionAt(at))
+        return index;
+    std::optional<int> nearest;
+    double least = std::numeric_limits<double>::infinity();
+    for (int i = 0; i < int(textRegions.size()); ++i) {
+        const Rect rect = rectOf(i);
+        const double distance = std::hypot(rect.midX() - at.x, rect.midY() - at.y);
+        if (distance < least) {
+            least = distance;
+            nearest = i;
+        }
+    }
+    return nearest;
+}
+
+void TextSelection::selectRange(int from, int to)
+{
+    const std::set<int> range = rangeBetween(from, to, readingOrderIndices);
+    if (!range.empty())
+        selectedIndices = range;
+}
+
+std::vector<TextRegion> TextSelection::selectedRegions()
+{
+    std::vector<TextRegion> regions;
+    if (selectedIndices.empty())
+        return regions;
+    computeReadingOrder();
+    for (int index : readingOrderIndices) {
+        if (selectedIndices.contains(index))
+            regions.push_back(textRegions[std::size_t(index)]);
+    }
+    return regions;
+}
+
+TextSelection::Response TextSelection::mouseDown(Point at)
+{
+    if (passMouseEventsThrough)
+        return {true, false, {}};
+    computeReadingOrder();
+    if (const auto index = regionAt(at)) {
+        selectionStartIndex = index;
+        dragStart = at;
+        isDragging = true;
+        selectedIndices = {*index};
+        return {false, true, {}};
+    }
+    selectionStartIndex.reset();
+    const bool hadSelection = !selectedIndices.empty();
+    selectedIndices.clear();
+    if (hadSelection)
+        reportSelection();
+    return {true, hadSelection, {}};
+}
+
+TextSelection::Response TextSelection::mouseDragged(Point at)
+{
+    if (passMouseEventsThrough)
+        return {true, false, {}};
+    if (!isDragging || !selectionStartIndex)
+        return {};
+    const auto target = regionNearest(at);
+    if (!target)
+        return {};
+    const std::set<int> before = selectedIndices;
+    selectRange(*selectionStartIndex, *target);
+    return {false, selectedIndices != before, {}};
+}
+
+TextSelection::Response TextSelection::mouseUp()
+{
+    if (passMouseEventsThrough)
+        return {true, false, {}};
+    isDragging = false;
+    dragStart.reset();
+    selectionStartIndex.reset();
+    reportSelection();
+    return {};
+}
+
+TextSelection::Response TextSelection::mouseMoved(Point at)
+{
+    const std::optional<int> before = hoveredIndex;
+    if (passMouseEventsThrough) {
+        hoveredIndex.reset();
+        return {true, before.has_value(), {}};
+    }
+    hoveredIndex = regionAt(at);
+    return {false, hoveredIndex != before,
+            hoveredIndex ? Response::Cursor::iBeam : Response::Cursor::arrow};
+}
+
+TextSelection::Response TextSelection::mouseExited()
+{
+    hoveredIndex.reset();
+    return {false, true, Response::Cursor::arrow};
+}
+
+TextSelection::Response TextSelection::cursorUpdate(Point at) const
+{
+    if (passMouseEventsThrough)
+        return {true, false, {}};
+    return {false, false, regionAt(at) ? Response::Cursor::iBeam : Response::Cursor::arrow};
+}
+
+void TextSelection::computeReadingOrder()
+{
+    if (!readingOrderIndices.empty())
+        return;
+    std::vector<Rect> rects;
+    for (int i = 0; i < int(textRegions.size()); ++i)
+        rects.push_back(rectOf(i));
+    readingOrderIndices = readingOrder(rects);
+}
+
+void TextSelection::reportSelection() const
+{
+    if (!onSelectionChanged)
+        return;
+    std::vector<TextRegion> regions;
+    for (int index : selectedIndices)
+        regions.push_back(textRegions[std::size_t(index)]);
+    onSelectionChanged(regions);
+}
+
+} // namespace tovek
