@@ -26,6 +26,7 @@ constexpr auto settingsDelay = 100ms;
 AppDelegate::AppDelegate(Platform &platform, UserDefaults &defaults, AppState &state)
     : m_platform(platform)
     , m_state(state)
+    , m_defaults(defaults)
     , m_screenshotService(*platform.grabber)
     , m_imageOutput(*platform.clipboard, defaults, *platform.clock, m_feedback)
     , m_overlayController(overlayServices())
@@ -44,6 +45,7 @@ OverlayController::Services AppDelegate::overlayServices()
         *m_platform.clock,
         *m_platform.clipboard,
         m_imageOutput,
+        m_defaults,
     };
     services.keyboardLayout = m_platform.keyboardLayout.get();
     services.feedback = m_feedback;

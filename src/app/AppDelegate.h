@@ -40,6 +40,7 @@ private:
 
     Platform &m_platform;
     AppState &m_state;
+    UserDefaults &m_defaults;
     CaptureFeedback m_feedback;
     ScreenshotService m_screenshotService;
     ImageOutput m_imageOutput;

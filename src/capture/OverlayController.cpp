@@ -13,7 +13,6 @@
 #include "text/TextLines.h"
 
 #include <QFileInfo>
-#include <QPointer>
 
 #include <algorithm>
 
@@ -41,6 +40,7 @@ OverlayController::OverlayController(Services services) : m_services(std::move(s
 OverlayController::~OverlayController()
 {
     qDeleteAll(m_overlayWindows);
+    qDeleteAll(m_leavingWindows);
 }
 
 void OverlayController::prepare()
@@ -138,8 +138,8 @@ void OverlayController::captureOtherScreens(const Screen &starting, const Sharea
 OverlayWindow *OverlayController::openOverlay(const CapturedDisplay &captured)
 {
     m_capturedDisplays.push_back(captured);
-    const OverlayContext context{captured.screen, captured.screenshot, m_captureMode,
-                                 m_services.clock, m_services.keyboardLayout};
+    const OverlayContext context{captured.screen,  captured.screenshot, m_captureMode,
+                                 m_services.clock, m_services.defaults, m_services.keyboardLayout};
     // Not a member by value: a window outlives the session by the moment of its removal.
     auto *window = new OverlayWindow(context, m_services.overlayShell);
     installCallbacks(*window);
@@ -311,6 +311,8 @@ void OverlayController::useText(const std::vector<TextRegion> &regions, const Sc
     m_detectedTextRegions = regions;
     if (copies)
         copyText(regions);
+    else if (OverlayWindow *window = overlayWindow(screen))
+        window->selectionView()->showTextRegions(regions);
 }
 
 void OverlayController::copyAllText()
@@ -339,6 +341,7 @@ void OverlayController::screenGone(OverlayWindow *window)
 {
     const Screen screen = window->targetScreen();
     std::erase(m_overlayWindows, window);
+    m_leavingWindows.emplace_back(window);
     std::erase_if(m_capturedDisplays,
                   [&](const CapturedDisplay &captured) { return captured.screen == screen; });
     window->deleteLater();
@@ -354,7 +357,9 @@ void OverlayController::cleanUp()
     if (m_previousApp)
         m_services.frontmostApp.activate(*m_previousApp);
     m_previousApp.reset();
+    std::erase(m_leavingWindows, nullptr);
     for (OverlayWindow *window : m_overlayWindows) {
+        m_leavingWindows.emplace_back(window);
         m_services.clock.after(overlayRemovalDelay, window, [window] {
             window->orderOut();
             window->deleteLater();

@@ -11,6 +11,7 @@
 
 #include <QFuture>
 #include <QObject>
+#include <QPointer>
 
 namespace tovek {
 
@@ -22,6 +23,7 @@ class KeyboardLayout;
 class OverlayShell;
 class OverlayWindow;
 class ScreenshotService;
+class UserDefaults;
 
 /// Runs one capture session at a time, from the command to the result: freezes the screens, lays
 /// an overlay over each, takes the user's choice, gives the feedback, tears the session down, and
@@ -39,6 +41,7 @@ public:
         Clock &clock;
         Clipboard &clipboard;
         ImageOutput &output;
+        const UserDefaults &defaults;
         const KeyboardLayout *keyboardLayout = nullptr;
         CaptureFeedback feedback = {};
         std::function<bool()> hasPermission = {}; ///< unset: there is
@@ -87,7 +90,8 @@ private:
     void confirm(const QString &message, const std::optional<Screen> &screen);
 
     Services m_services;
-    std::vector<OverlayWindow *> m_overlayWindows; ///< owned; deleted after they were ordered out
+    std::vector<OverlayWindow *> m_overlayWindows; ///< owned
+    std::vector<QPointer<OverlayWindow>> m_leavingWindows; ///< owned; gone once ordered out
     std::vector<CapturedDisplay> m_capturedDisplays;
     std::optional<Rect> m_selectedRect;
     std::optional<Screen> m_selectedScreen;

@@ -48,8 +48,7 @@ struct Sample
         cost[size_t(RowFilter::average)] += average;
     }
 
-    void countRepeats(const uint8_t *row, const uint8_t *above, size_t rowBytes,
-                      size_t pixelBytes)
+    void countRepeats(const uint8_t *row, const uint8_t *above, size_t rowBytes, size_t pixelBytes)
     {
         for (size_t x = pixelBytes; x < rowBytes; x += pixelBytes) {
             bool isLeft = true;

@@ -21,6 +21,20 @@ constexpr ToolKey toolKeys[] = {
     {QLatin1String("t"), OverlayKeyAction::textTool},
 };
 
+bool isUndo(const KeyPress &key)
+{
+    return (key.flags & KeyFlag::command) && !(key.flags & KeyFlag::shift)
+        && key.charactersIgnoringModifiers == QLatin1String("z");
+}
+
+bool isRedo(const KeyPress &key)
+{
+    if (!(key.flags & KeyFlag::command))
+        return false;
+    return key.charactersIgnoringModifiers == QLatin1String("Z")
+        || key.charactersIgnoringModifiers == QLatin1String("y");
+}
+
 } // namespace
 
 OverlayKeyAction overlayActionFor(const KeyPress &key, bool takesTools)
@@ -36,10 +50,16 @@ OverlayKeyAction overlayActionFor(const KeyPress &key, bool takesTools)
         if (key.charactersIgnoringModifiers == QLatin1String("c"))
             return OverlayKeyAction::copy;
     }
+    if (isUndo(key))
+        return OverlayKeyAction::undo;
+    if (isRedo(key))
+        return OverlayKeyAction::redo;
     if (key.keyCode == KeyCode::space || key.keyCode == KeyCode::returnKey)
         return OverlayKeyAction::copy;
     if (!takesTools)
         return OverlayKeyAction::none;
+    if (key.keyCode >= KeyCode::leftArrow && key.keyCode <= KeyCode::upArrow)
+        return OverlayKeyAction::nudge;
     const QString letter = key.charactersIgnoringModifiers.toLower();
     for (const ToolKey &tool : toolKeys) {
         if (letter == tool.letter)

@@ -19,6 +19,9 @@ enum class OverlayKeyAction {
     lineTool,
     arrowTool,
     textTool,
+    undo,
+    redo,
+    nudge, ///< an arrow key; moves the selected annotation
 };
 
 /// `takesTools`: the selection is finalised and no text box is open. Whoever has the keyboard

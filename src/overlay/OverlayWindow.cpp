@@ -49,7 +49,8 @@ void OverlayWindow::orderFrontRegardless()
     for (QWidget *widget : {static_cast<QWidget *>(this), static_cast<QWidget *>(m_selectionView)})
         widget->setAttribute(Qt::WA_UpdatesDisabled);
     m_surface->orderFrontRegardless();
-    for (QWidget *widget : {static_cast<QWidget *>(this), static_cast<QWidget *>(m_selectionView)}) {
+    for (QWidget *widget :
+         {static_cast<QWidget *>(this), static_cast<QWidget *>(m_selectionView)}) {
         QCoreApplication::removePostedEvents(widget, QEvent::UpdateLater);
         widget->setAttribute(Qt::WA_UpdatesDisabled, false);
     }

@@ -37,8 +37,8 @@ protected:
     void resizeEvent(QResizeEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     // Focus changes nothing in the picture; the base class would repaint all of it.
-    void focusInEvent(QFocusEvent *) override {}
-    void focusOutEvent(QFocusEvent *) override {}
+    void focusInEvent(QFocusEvent *) override { }
+    void focusOutEvent(QFocusEvent *) override { }
 
 private:
     void forwardCallbacks();

@@ -3,13 +3,84 @@
 
 #include "overlay/SelectionOverlayView.h"
 
+#include "annotations/AnnotationRenderer.h"
+#include "foundation/WhenReady.h"
 #include "overlay/DisplayListPainter.h"
 #include "overlay/KeyPressFromQt.h"
+#include "overlay/ToolbarPlacement.h"
 
 #include <QMouseEvent>
 #include <QPainter>
 
+#include <cmath>
+
 namespace tovek {
+
+namespace {
+
+constexpr double textFontSize = 16;
+
+AnnotationTool toolOf(OverlayKeyAction action)
+{
+    switch (action) {
+    case OverlayKeyAction::rectangleTool:
+        return AnnotationTool::rectangle;
+    case OverlayKeyAction::lineTool:
+        return AnnotationTool::line;
+    case OverlayKeyAction::arrowTool:
+        return AnnotationTool::arrow;
+    case OverlayKeyAction::textTool:
+        return AnnotationTool::text;
+    default:
+        return AnnotationTool::none;
+    }
+}
+
+AnnotationEditor::ArrowKey arrowOf(int keyCode)
+{
+    switch (keyCode) {
+    case KeyCode::leftArrow:
+        return AnnotationEditor::ArrowKey::left;
+    case KeyCode::rightArrow:
+        return AnnotationEditor::ArrowKey::right;
+    case KeyCode::downArrow:
+        return AnnotationEditor::ArrowKey::down;
+    default:
+        return AnnotationEditor::ArrowKey::up;
+    }
+}
+
+Qt::CursorShape cursorOf(ResizeHandle handle)
+{
+    switch (handle) {
+    case ResizeHandle::left:
+    case ResizeHandle::right:
+        return Qt::SizeHorCursor;
+    case ResizeHandle::top:
+    case ResizeHandle::bottom:
+        return Qt::SizeVerCursor;
+    case ResizeHandle::topLeft:
+    case ResizeHandle::bottomRight:
+        return Qt::SizeFDiagCursor;
+    case ResizeHandle::topRight:
+    case ResizeHandle::bottomLeft:
+        return Qt::SizeBDiagCursor;
+    }
+    Q_UNREACHABLE();
+}
+
+/// Every native pixel that the logical region touches.
+QRegion nativeRegion(const QRegion &logical, double scale)
+{
+    QRegion native;
+    for (const QRect &rect : logical)
+        native +=
+            QRectF(rect.x() * scale, rect.y() * scale, rect.width() * scale, rect.height() * scale)
+                .toAlignedRect();
+    return native;
+}
+
+} // namespace
 
 SelectionOverlayView::SelectionOverlayView(const OverlayContext &context, QWidget *parent)
     : QWidget(parent)
@@ -41,35 +112,56 @@ void SelectionOverlayView::setCaptureCursor()
 
 void SelectionOverlayView::mousePressEvent(QMouseEvent *event)
 {
-    if (event->button() != Qt::LeftButton)
-        return;
-    switch (m_state.press(pointOf(*event))) {
+    if (event->button() == Qt::LeftButton)
+        press(m_space.pointFromWidget(event->position()), 1);
+}
+
+void SelectionOverlayView::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton)
+        press(m_space.pointFromWidget(event->position()), 2);
+}
+
+void SelectionOverlayView::press(Point at, int clickCount)
+{
+    if (m_textInputView)
+        return commitText();
+    switch (m_state.press(at)) {
     case SelectionState::Press::startedSelection:
         m_animations.startDimming();
         redraw();
         break;
     case SelectionState::Press::startedResize:
+        startResize();
+        break;
     case SelectionState::Press::insideSelection:
     case SelectionState::Press::outsideSelection:
+        follow(m_editor.press(at, clickCount, *m_state.selectionRect));
         break;
     }
 }
 
 void SelectionOverlayView::mouseMoveEvent(QMouseEvent *event)
 {
-    const Point at = pointOf(*event);
-    if (event->buttons() & Qt::LeftButton) {
-        if (m_state.moveTo(at))
-            redraw();
-        return;
+    const Point at = m_space.pointFromWidget(event->position());
+    if (!(event->buttons() & Qt::LeftButton))
+        return updateCursor(at);
+    if (m_state.selectionRect) {
+        const auto effect = m_editor.moveTo(at, *m_state.selectionRect);
+        if (effect.isHandled)
+            return follow(effect);
     }
-    updateCursor(at);
+    if (m_state.moveTo(at))
+        redraw();
 }
 
 void SelectionOverlayView::mouseReleaseEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
         return;
+    const auto effect = m_editor.release();
+    if (effect.isHandled)
+        return follow(effect);
     switch (m_state.release()) {
     case SelectionState::Release::finalised:
         finalise();
@@ -80,7 +172,7 @@ void SelectionOverlayView::mouseReleaseEvent(QMouseEvent *event)
     case SelectionState::Release::nothing:
         break;
     }
-    updateCursor(pointOf(*event));
+    updateCursor(m_space.pointFromWidget(event->position()));
 }
 
 void SelectionOverlayView::keyPressEvent(QKeyEvent *event)
@@ -91,19 +183,45 @@ void SelectionOverlayView::keyPressEvent(QKeyEvent *event)
 
 bool SelectionOverlayView::handleKey(const KeyPress &key)
 {
-    switch (overlayActionFor(key, m_state.isSelectionFinalized)) {
+    const bool isTyping = !m_textInputView.isNull();
+    const OverlayKeyAction action =
+        overlayActionFor(key, m_state.isSelectionFinalized && !isTyping);
+    if (action == OverlayKeyAction::none)
+        return false;
+    if (isTyping) {
+        // What was typed is not thrown away: Escape only leaves the box, saving takes it along.
+        commitText();
+        if (action == OverlayKeyAction::cancel)
+            return true;
+    }
+    handleCommand(action, key);
+    return true;
+}
+
+void SelectionOverlayView::handleCommand(OverlayKeyAction action, const KeyPress &key)
+{
+    switch (action) {
     case OverlayKeyAction::cancel:
         if (callbacks.onCancel)
             callbacks.onCancel();
-        return true;
+        break;
+    case OverlayKeyAction::deleteAnnotation:
+        return follow(m_editor.deleteSelected());
     case OverlayKeyAction::save:
-        save();
-        return true;
+        return save();
     case OverlayKeyAction::copy:
-        copy();
-        return true;
+        return copy();
+    case OverlayKeyAction::undo:
+        return follow(m_editor.undo());
+    case OverlayKeyAction::redo:
+        return follow(m_editor.redo());
+    case OverlayKeyAction::nudge:
+        return follow(m_editor.nudgeSelected(arrowOf(key.keyCode),
+                                             key.flags & KeyFlag::shift
+                                                 ? AnnotationEditor::Step::large
+                                                 : AnnotationEditor::Step::single));
     default:
-        return false;
+        return follow(m_editor.selectTool(toolOf(action)));
     }
 }
 
@@ -115,11 +233,6 @@ void SelectionOverlayView::paintEvent(QPaintEvent *event)
                      event->region());
 }
 
-Point SelectionOverlayView::pointOf(const QMouseEvent &event) const
-{
-    return m_space.pointFromWidget(event.position());
-}
-
 void SelectionOverlayView::updateCursor(Point at)
 {
     const auto previous = m_state.hoveredHandle;
@@ -127,28 +240,14 @@ void SelectionOverlayView::updateCursor(Point at)
         m_animations.setHovered(previous, false);
         m_animations.setHovered(m_state.hoveredHandle, true);
     }
-    if (!m_state.isSelectionFinalized || !m_state.selectionRect) {
+    if (!m_state.isSelectionFinalized || !m_state.selectionRect)
         setCaptureCursor();
-        return;
-    }
-    if (!m_state.hoveredHandle) {
+    else if (m_state.hoveredHandle)
+        showCursor(cursorOf(*m_state.hoveredHandle));
+    else if (m_editor.currentTool != AnnotationTool::none && m_state.selectionRect->contains(at))
+        showCursor(Qt::CrossCursor);
+    else
         showCursor(Qt::ArrowCursor);
-        return;
-    }
-    switch (*m_state.hoveredHandle) {
-    case ResizeHandle::left:
-    case ResizeHandle::right:
-        return showCursor(Qt::SizeHorCursor);
-    case ResizeHandle::top:
-    case ResizeHandle::bottom:
-        return showCursor(Qt::SizeVerCursor);
-    case ResizeHandle::topLeft:
-    case ResizeHandle::bottomRight:
-        return showCursor(Qt::SizeFDiagCursor);
-    case ResizeHandle::topRight:
-    case ResizeHandle::bottomLeft:
-        return showCursor(Qt::SizeBDiagCursor);
-    }
 }
 
 void SelectionOverlayView::showCursor(Qt::CursorShape shape)
@@ -160,33 +259,223 @@ void SelectionOverlayView::showCursor(Qt::CursorShape shape)
     setCursor(shape);
 }
 
+void SelectionOverlayView::startResize()
+{
+    removeToolbar();
+    removeTextRegions();
+}
+
 void SelectionOverlayView::finalise()
 {
+    if (m_context.captureMode == CaptureMode::normal)
+        showToolbar();
     if (callbacks.onSelectionComplete)
         callbacks.onSelectionComplete(*m_state.selectionRect);
 }
 
 void SelectionOverlayView::copy()
 {
-    if (m_state.selectionRect && callbacks.onCopyImage)
+    if (m_textRegionOverlay) {
+        const auto regions = m_textRegionOverlay->selectedRegions();
+        if (!regions.empty()) {
+            if (callbacks.onCopySelectedText)
+                callbacks.onCopySelectedText(regions);
+            return;
+        }
+    }
+    if (!m_state.selectionRect || withAnnotatedImage(callbacks.onCopyAnnotatedImage))
+        return;
+    if (callbacks.onCopyImage)
         callbacks.onCopyImage(*m_state.selectionRect);
 }
 
 void SelectionOverlayView::save()
 {
-    if (m_state.selectionRect && callbacks.onSaveImage)
+    if (!m_state.selectionRect || withAnnotatedImage(callbacks.onSaveAnnotatedImage))
+        return;
+    if (callbacks.onSaveImage)
         callbacks.onSaveImage(*m_state.selectionRect);
+}
+
+bool SelectionOverlayView::withAnnotatedImage(std::function<void(const Image &)> &use)
+{
+    if (m_editor.annotations.empty())
+        return false;
+    const auto annotations = m_editor.annotations;
+    const Rect selection = *m_state.selectionRect;
+    whenReady(m_context.screenshot->pixels(), this,
+              [this, annotations, selection, &use](const QImage &pixels) {
+                  const auto image =
+                      AnnotationRenderer::render(annotations, {pixels, m_space.size}, selection);
+                  if (image && use)
+                      use(*image);
+              });
+    return true;
+}
+
+void SelectionOverlayView::follow(const AnnotationEditor::Effect &effect)
+{
+    if (effect.closesTextBox)
+        closeTextBox();
+    if (m_textRegionOverlay)
+        m_textRegionOverlay->setPassMouseEventsThrough(m_editor.doesTextLetMouseThrough);
+    if (m_toolbar)
+        m_toolbar->setActiveTool(m_editor.currentTool);
+    if (effect.needsRedraw)
+        redraw();
+    if (effect.opensTextBox)
+        openTextBox(*effect.opensTextBox);
+}
+
+void SelectionOverlayView::openTextBox(const AnnotationEditor::TextBox &content)
+{
+    m_textInputView = new OverlayTextBox(content, textFontSize, this);
+    m_textInputView->move(m_space.widgetFromPoint(content.position).toPoint());
+    m_textInputView->onGeometryChanged = [this] { coverChanged(); };
+    connect(m_textInputView, &QPlainTextEdit::textChanged, this,
+            [this] { m_editor.setTypedText(m_textInputView->toPlainText()); });
+    coverChanged();
+    m_textInputView->show();
+    if (m_toolbar)
+        m_toolbar->raise();
+    m_textInputView->setFocus();
+}
+
+void SelectionOverlayView::closeTextBox()
+{
+    if (!m_textInputView)
+        return;
+    // Deleted later: what closes it may be a key event of its own.
+    m_textInputView->hide();
+    m_textInputView->deleteLater();
+    m_textInputView = nullptr;
+    coverChanged();
+    setFocus();
+}
+
+void SelectionOverlayView::commitText()
+{
+    follow(m_editor.commitText());
+}
+
+void SelectionOverlayView::showToolbar()
+{
+    removeToolbar();
+    m_toolbar = new SelectionToolbar([this](QRect native) { return backdrop(native); }, this);
+    wireToolbar();
+    const QSize hint = m_toolbar->sizeHint();
+    const auto placement = placedToolbar(*m_state.selectionRect, m_space.size,
+                                         {double(hint.width()), double(hint.height())});
+    m_isToolbarAtTop = placement.isToolbarAtTop;
+    const Rect frame = snappedToPixels(placement.frame, m_space.size, m_space.scale);
+    m_toolbar->setGeometry(m_space.widgetFromRect(frame).toRect());
+    m_toolbar->setOpensAbove(m_isToolbarAtTop);
+    redraw();
+    coverChanged();
+    m_toolbar->show();
+}
+
+void SelectionOverlayView::wireToolbar()
+{
+    m_toolbar->setSelectedColor(m_editor.selectedAnnotationColor);
+    m_toolbar->setActiveTool(m_editor.currentTool);
+    const auto toggle = [this](AnnotationTool tool) {
+        return [this, tool] { follow(m_editor.toggleTool(tool)); };
+    };
+    m_toolbar->onCursor = [this] { follow(m_editor.selectTool(AnnotationTool::none)); };
+    m_toolbar->onRectangle = toggle(AnnotationTool::rectangle);
+    m_toolbar->onLine = toggle(AnnotationTool::line);
+    m_toolbar->onArrow = toggle(AnnotationTool::arrow);
+    m_toolbar->onText = toggle(AnnotationTool::text);
+    m_toolbar->onColorSelected = [this](const QColor &color, ColorTarget target) {
+        follow(m_editor.chooseColor(color, target));
+        m_toolbar->setSelectedColor(m_editor.selectedAnnotationColor);
+    };
+    m_toolbar->onCopy = [this] {
+        commitText();
+        copy();
+    };
+    m_toolbar->onClose = [this] {
+        if (callbacks.onCancel)
+            callbacks.onCancel();
+    };
+    m_toolbar->onCoverChanged = [this] { coverChanged(); };
+}
+
+void SelectionOverlayView::removeToolbar()
+{
+    m_isToolbarAtTop = false;
+    if (!m_toolbar)
+        return;
+    delete m_toolbar;
+    coverChanged();
+    redraw();
+}
+
+void SelectionOverlayView::showTextRegions(const std::vector<TextRegion> &regions)
+{
+    if (!m_state.selectionRect || m_state.isResizing())
+        return;
+    removeTextRegions();
+    m_isTextSelectionMode = true;
+    const Rect &selection = *m_state.selectionRect;
+    m_textRegionOverlay = new TextRegionOverlayView(m_context.defaults, this,
+                                                    TextRegionOverlayView::Drawing::byOwner);
+    m_textRegionOverlay->setGeometry(m_space.widgetFromRect(selection).toAlignedRect());
+    m_textRegionOverlay->setTextRegions(regions);
+    m_textRegionOverlay->setSelectionBounds({0, 0, selection.width, selection.height});
+    m_textRegionOverlay->setPassMouseEventsThrough(m_editor.doesTextLetMouseThrough);
+    m_textRegionOverlay->onNeedsDisplay = [this] { redraw(); };
+    m_textRegionOverlay->show();
+    if (m_textInputView)
+        m_textInputView->raise();
+    if (m_toolbar)
+        m_toolbar->raise();
+    redraw();
+}
+
+void SelectionOverlayView::removeTextRegions()
+{
+    m_isTextSelectionMode = false;
+    if (!m_textRegionOverlay)
+        return;
+    delete m_textRegionOverlay;
+    redraw();
+}
+
+QImage SelectionOverlayView::backdrop(const QRect &native) const
+{
+    return renderDisplayList(m_list, m_context.screenshot->pixels().result(), native);
+}
+
+void SelectionOverlayView::coverChanged()
+{
+    QRegion covered;
+    if (m_toolbar)
+        covered += m_toolbar->coveredRegion();
+    if (m_textInputView)
+        covered += m_textInputView->geometry();
+    if (m_surface)
+        m_surface->setCovered(nativeRegion(covered, m_space.scale));
 }
 
 void SelectionOverlayView::redraw()
 {
     DisplayList list = m_artist.draw(picture());
-    if (!m_surface || !m_surface->present(list))
-        update();
+    const bool isShown = m_surface && m_surface->present(list);
+    const bool isUnderToolbar = m_toolbar
+        && damageBetween(m_list, list)
+               .intersects(nativeRegion(m_toolbar->geometry(), m_space.scale));
     m_list = std::move(list);
+    if (!isShown)
+        return update();
+    if (m_textInputView)
+        m_textInputView->viewport()->update();
+    if (isUnderToolbar)
+        m_toolbar->backdropChanged();
 }
 
-OverlayPicture SelectionOverlayView::picture() const
+OverlayPicture SelectionOverlayView::picture()
 {
     OverlayPicture picture;
     picture.space = m_space;
@@ -197,6 +486,15 @@ OverlayPicture SelectionOverlayView::picture() const
                                m_animations.handleOpacity(ResizeHandle::bottomRight),
                                m_animations.handleOpacity(ResizeHandle::topLeft),
                                m_animations.handleOpacity(ResizeHandle::topRight)};
+    picture.isToolbarAtTop = m_isToolbarAtTop;
+    const auto annotations = m_editor.drawnAnnotations();
+    if (!annotations.empty() && m_state.selectionRect)
+        picture.content = m_annotationLayer.items(annotations, m_space, *m_state.selectionRect);
+    if (m_textRegionOverlay) {
+        const Rect &selection = *m_state.selectionRect;
+        const auto items = m_textRegionOverlay->items(m_space, {selection.x, selection.y});
+        picture.content.insert(picture.content.end(), items.begin(), items.end());
+    }
     return picture;
 }
 

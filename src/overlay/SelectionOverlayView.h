@@ -3,17 +3,24 @@
 
 #pragma once
 
+#include "overlay/AnnotationEditor.h"
+#include "overlay/AnnotationLayer.h"
 #include "overlay/OverlayAnimations.h"
 #include "overlay/OverlayCallbacks.h"
 #include "overlay/OverlayKeys.h"
 #include "overlay/OverlayPicture.h"
+#include "overlay/OverlayTextBox.h"
 #include "overlay/SelectionState.h"
+#include "overlay/SelectionToolbar.h"
+#include "text/TextRegionOverlayView.h"
 
+#include <QPointer>
 #include <QWidget>
 
 namespace tovek {
 
 class KeyboardLayout;
+class UserDefaults;
 
 /// What an overlay view is made from.
 struct OverlayContext
@@ -22,6 +29,7 @@ struct OverlayContext
     std::shared_ptr<FrozenDisplay> screenshot;
     CaptureMode captureMode = CaptureMode::normal;
     Clock &clock;
+    const UserDefaults &defaults;
     const KeyboardLayout *keyboardLayout = nullptr;
 };
 
@@ -38,10 +46,19 @@ public:
     void setSurface(OverlaySurface *surface);
     /// The cursor of a screen on which nothing is selected yet.
     void setCaptureCursor();
+    /// The words of the selection, once they are recognised. Without a selection, or while it is
+    /// being resized, they come too late.
+    void showTextRegions(const std::vector<TextRegion> &regions);
 
     const std::optional<Rect> &selectionRect() const { return m_state.selectionRect; }
     bool isSelectionFinalized() const { return m_state.isSelectionFinalized; }
+    bool isTextSelectionMode() const { return m_isTextSelectionMode; }
     CaptureMode captureMode() const { return m_context.captureMode; }
+    SelectionToolbar *toolbar() const { return m_toolbar; }
+    bool isToolbarAtTop() const { return m_isToolbarAtTop; }
+    TextRegionOverlayView *textRegionOverlay() const { return m_textRegionOverlay; }
+    OverlayTextBox *textInputView() const { return m_textInputView; }
+    const AnnotationEditor &editor() const { return m_editor; }
 
     /// True when the key was ours.
     bool handleKey(const KeyPress &key);
@@ -50,33 +67,61 @@ public:
 
 protected:
     void mousePressEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     // Focus changes nothing in the picture; the base class would repaint all of it.
-    void focusInEvent(QFocusEvent *) override {}
-    void focusOutEvent(QFocusEvent *) override {}
+    void focusInEvent(QFocusEvent *) override { }
+    void focusOutEvent(QFocusEvent *) override { }
 
 private:
-    Point pointOf(const QMouseEvent &event) const;
+    void press(Point at, int clickCount);
     void updateCursor(Point at);
     void showCursor(Qt::CursorShape shape);
     void finalise();
+    void startResize();
+
+    bool handleToolKey(OverlayKeyAction action);
+    void handleCommand(OverlayKeyAction action, const KeyPress &key);
     void copy();
     void save();
+    /// Renders what is annotated and passes it on; false when there is nothing annotated.
+    bool withAnnotatedImage(std::function<void(const Image &)> &use);
+
+    void follow(const AnnotationEditor::Effect &effect);
+    void openTextBox(const AnnotationEditor::TextBox &content);
+    void closeTextBox();
+    void commitText();
+
+    void showToolbar();
+    void wireToolbar();
+    void removeToolbar();
+    void removeTextRegions();
+    QImage backdrop(const QRect &native) const;
+    /// Tells the surface which part of the picture child widgets paint.
+    void coverChanged();
+
     /// Shows the present state.
     void redraw();
-    OverlayPicture picture() const;
+    OverlayPicture picture();
 
     OverlayContext m_context;
     ViewSpace m_space;
     OverlaySurface *m_surface = nullptr;
     SelectionState m_state;
+    bool m_isTextSelectionMode = false;
     OverlayAnimations m_animations;
+    AnnotationEditor m_editor;
+    bool m_isToolbarAtTop = false;
+    AnnotationLayer m_annotationLayer;
     OverlayArtist m_artist;
     DisplayList m_list; ///< what is shown
     std::optional<Qt::CursorShape> m_cursorShape;
+    QPointer<SelectionToolbar> m_toolbar;
+    QPointer<OverlayTextBox> m_textInputView;
+    QPointer<TextRegionOverlayView> m_textRegionOverlay;
 };
 
 } // namespace tovek

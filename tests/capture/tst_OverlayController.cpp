@@ -53,8 +53,8 @@ struct Fixture
             events << QStringLiteral("notification %1 %2").arg(message, file.fileName());
         };
         output = std::make_unique<ImageOutput>(clipboard, defaults, clock, feedback);
-        OverlayController::Services services{screens, screenshots, shell,  frontmost,
-                                             clock,   clipboard,   *output};
+        OverlayController::Services services{screens, screenshots, shell,   frontmost,
+                                             clock,   clipboard,   *output, defaults};
         services.feedback = feedback;
         services.hasPermission = [this] { return hasPermission; };
         services.showPermissionWindow = [this] { events << QStringLiteral("permission"); };

@@ -50,6 +50,14 @@ private Q_SLOTS:
         row("a", none, {}, "a", true, Action::arrowTool);
         row("t", none, {}, "t", true, Action::textTool);
         row("t in a text box", none, {}, "t", false, Action::none);
+        row("Command z", none, command, "z", true, Action::undo);
+        row("z alone", none, {}, "z", true, Action::none);
+        row("Command Shift Z", none, command | KeyFlag::shift, "Z", true, Action::redo);
+        row("Shift Z alone", none, KeyFlag::shift, "Z", true, Action::none);
+        row("Command y", none, command, "y", true, Action::redo);
+        row("left arrow", KeyCode::leftArrow, {}, "", true, Action::nudge);
+        row("up arrow with Shift", KeyCode::upArrow, KeyFlag::shift, "", true, Action::nudge);
+        row("arrow before a selection", KeyCode::downArrow, {}, "", false, Action::none);
         row("x", none, {}, "x", true, Action::none);
         row("no character", none, {}, "", true, Action::none);
     }

@@ -5,6 +5,7 @@
 #include "fakes/FakeOverlayShell.h"
 #include "fakes/FakeScreenGrabber.h"
 #include "fakes/FakeScreens.h"
+#include "foundation/UserDefaults.h"
 #include "overlay/OverlayWindow.h"
 
 #include <QTest>
@@ -26,7 +27,8 @@ struct Fixture
 {
     explicit Fixture(CaptureMode mode = CaptureMode::normal)
         : screen(FakeScreens::screen(1, {0, 0, 400, 300}, 2))
-        , window({screen, std::make_shared<FakeFrozenDisplay>(plain({800, 600})), mode, clock},
+        , window({screen, std::make_shared<FakeFrozenDisplay>(plain({800, 600})), mode, clock,
+                  defaults},
                  shell)
     {
         window.callbacks.onCancel = [this] { reports << QStringLiteral("cancel"); };
@@ -61,6 +63,7 @@ struct Fixture
         QTest::keyClick(view(), code, modifiers);
     }
 
+    UserDefaults defaults{QStringLiteral("/nonexistent/defaults.json")};
     FakeClock clock;
     FakeOverlayShell shell;
     Screen screen;

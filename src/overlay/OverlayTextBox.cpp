@@ -1,0 +1,68 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "overlay/OverlayTextBox.h"
+
+#include "foundation/SystemFont.h"
+
+#include <QFontMetricsF>
+#include <QKeyEvent>
+#include <QTextBlock>
+
+#include <cmath>
+
+namespace tovek {
+
+namespace {
+
+constexpr int boxWidth = 200;
+constexpr int boxHeight = 100;
+
+} // namespace
+
+OverlayTextBox::OverlayTextBox(const AnnotationEditor::TextBox &content, double fontSize,
+                               QWidget *parent)
+    : QPlainTextEdit(parent)
+{
+    setAccessibleName(tr("Text of the annotation"));
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFont(systemFont(fontSize, QFont::Medium));
+    document()->setDocumentMargin(0);
+    viewport()->setAutoFillBackground(false);
+    viewport()->setCursor(Qt::IBeamCursor);
+    QPalette colors = palette();
+    colors.setColor(QPalette::Base, Qt::transparent);
+    colors.setColor(QPalette::Text, content.color);
+    setPalette(colors);
+    setPlainText(content.text);
+    selectAll();
+    resize(boxWidth, boxHeight);
+    connect(document(), &QTextDocument::contentsChanged, this, &OverlayTextBox::grow);
+    grow();
+}
+
+void OverlayTextBox::keyPressEvent(QKeyEvent *event)
+{
+    const bool isCommand = event->modifiers() & (Qt::ControlModifier | Qt::MetaModifier);
+    if (event->key() == Qt::Key_Escape || (isCommand && event->key() == Qt::Key_S))
+        event->ignore();
+    else
+        QPlainTextEdit::keyPressEvent(event);
+}
+
+void OverlayTextBox::grow()
+{
+    // A plain text document counts its height in lines.
+    const double lines = document()->size().height();
+    const int wanted = int(std::ceil(lines * QFontMetricsF(font()).lineSpacing()));
+    const int high = std::max(boxHeight, wanted);
+    if (high == height())
+        return;
+    resize(width(), high);
+    if (onGeometryChanged)
+        onGeometryChanged();
+}
+
+} // namespace tovek
