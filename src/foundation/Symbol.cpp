@@ -172,6 +172,14 @@ QImage Symbol::image(double side, double scale, const QColor &color) const
     return image;
 }
 
+QImage symbolImage(const QString &name, const QColor &color, double points, double devicePixelRatio)
+{
+    // The grid has air around the drawing, which the font's size has not.
+    constexpr double gridPerPoint = 1.2;
+    const std::optional<Symbol> symbol = Symbol::named(name);
+    return symbol ? symbol->image(points * gridPerPoint, devicePixelRatio, color) : QImage();
+}
+
 QColor Symbol::Ink::mixed(const QColor &current) const
 {
     QColor color = fixed.isValid() ? fixed : current;

@@ -64,4 +64,8 @@ private:
     std::vector<Shape> m_shapes;
 };
 
+/// The named symbol as large as text of the font size. A name that nobody drew gives a null image.
+QImage symbolImage(const QString &name, const QColor &color, double points,
+                   double devicePixelRatio);
+
 } // namespace tovek

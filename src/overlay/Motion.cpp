@@ -4,47 +4,35 @@
 #include "overlay/Motion.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace tovek {
 
-namespace {
-
-/// Differences that no pixel shows.
-constexpr double still = 0.0005;
-
-} // namespace
-
-SpringMotion::SpringMotion(double value, double response, double damping)
-    : m_value(value)
-    , m_target(value)
-    , m_frequency(2 * M_PI / response)
-    , m_damping(damping)
+SpringMotion::SpringMotion(double value, Spring spring)
+    : m_spring(spring)
+    , m_from(value)
+    , m_to(value)
+    , m_duration(spring.settleTime())
+    , m_elapsed(m_duration)
 {
+}
+
+void SpringMotion::start(double target)
+{
+    if (target == m_to)
+        return;
+    m_from = value();
+    m_to = target;
+    m_elapsed = 0;
 }
 
 void SpringMotion::advance(double seconds)
 {
-    // The exact motion of a damped spring, so that it does not depend on the frame rate.
-    const double offset = m_value - m_target;
-    const double decay = m_damping * m_frequency;
-    const double swing = m_frequency * std::sqrt(1 - m_damping * m_damping);
-    const double sine = (m_velocity + decay * offset) / swing;
-    const double fading = std::exp(-decay * seconds);
-    const double c = std::cos(swing * seconds);
-    const double s = std::sin(swing * seconds);
-    m_value = m_target + fading * (offset * c + sine * s);
-    m_velocity =
-        fading * ((sine * swing - decay * offset) * c - (offset * swing + decay * sine) * s);
-    if (std::abs(m_value - m_target) < still && std::abs(m_velocity) < still * m_frequency) {
-        m_value = m_target;
-        m_velocity = 0;
-    }
+    m_elapsed = std::min(m_duration, m_elapsed + seconds);
 }
 
-bool SpringMotion::isAtRest() const
+double SpringMotion::value() const
 {
-    return m_value == m_target && m_velocity == 0;
+    return isAtRest() ? m_to : m_from + (m_to - m_from) * m_spring.progress(m_elapsed);
 }
 
 EaseInMotion::EaseInMotion(double value, double duration)

@@ -3,27 +3,28 @@
 
 #pragma once
 
+#include "foundation/Spring.h"
+
 namespace tovek {
 
-/// A value that a spring pulls to a target; it may swing over. The response is the seconds of one
-/// undamped swing, the damping a fraction of that which just prevents swinging (less than 1).
+/// A value that a spring, let go at rest, pulls to a target; it may swing over.
 class SpringMotion
 {
 public:
-    SpringMotion(double value, double response, double damping);
+    SpringMotion(double value, Spring spring);
 
-    /// From where the value is, and as fast as it moves, to the target.
-    void pull(double target) { m_target = target; }
+    /// From where the value is.
+    void start(double target);
     void advance(double seconds);
-    double value() const { return m_value; }
-    bool isAtRest() const;
+    double value() const;
+    bool isAtRest() const { return m_elapsed >= m_duration; }
 
 private:
-    double m_value;
-    double m_target;
-    double m_velocity = 0;
-    double m_frequency; ///< radians a second
-    double m_damping;
+    Spring m_spring;
+    double m_from;
+    double m_to;
+    double m_duration;
+    double m_elapsed;
 };
 
 /// A value that goes to a target in a fixed time, slowly at first.

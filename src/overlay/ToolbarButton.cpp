@@ -15,8 +15,7 @@ namespace tovek {
 namespace {
 
 constexpr double pressedScale = 0.92;
-constexpr double springResponse = 0.3;
-constexpr double springDamping = 0.7;
+constexpr Spring pressSpring{0.3, 0.7};
 constexpr double hoverSeconds = 0.1;
 constexpr int frameMs = 16;
 constexpr double symbolSide = 18;
@@ -42,7 +41,7 @@ ToolbarButton::ToolbarButton(const QString &symbol, const QString &name, const Q
     : QAbstractButton(parent)
     , m_symbol(symbol)
     , m_tooltip(tooltip)
-    , m_scale(1, springResponse, springDamping)
+    , m_scale(1, pressSpring)
     , m_hover(0, hoverSeconds)
 {
     setFixedSize(side, side);
@@ -52,11 +51,11 @@ ToolbarButton::ToolbarButton(const QString &symbol, const QString &name, const Q
     setAccessibleName(name);
     setAccessibleDescription(tooltip);
     connect(this, &QAbstractButton::pressed, this, [this] {
-        m_scale.pull(pressedScale);
+        m_scale.start(pressedScale);
         animate();
     });
     connect(this, &QAbstractButton::released, this, [this] {
-        m_scale.pull(1);
+        m_scale.start(1);
         animate();
     });
 }
@@ -88,7 +87,8 @@ bool ToolbarButton::event(QEvent *event)
     case QEvent::FocusIn:
     case QEvent::FocusOut: {
         const auto reason = static_cast<QFocusEvent *>(event)->reason();
-        m_showsFocus = event->type() == QEvent::FocusIn && reason != Qt::MouseFocusReason;
+        m_showsFocus = event->type() == QEvent::FocusIn
+            && (reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason);
         if (onPointedAt)
             onPointedAt(*this, m_showsFocus);
         update();
