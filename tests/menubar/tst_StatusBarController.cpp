@@ -12,7 +12,7 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QWidgetAction>
+#include <QWidget>
 
 using namespace std::chrono_literals;
 using namespace tovek;
@@ -73,7 +73,12 @@ private:
     };
 
 private Q_SLOTS:
-    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+    void init()
+    {
+        // Menus ask for more than the offscreen platform can do.
+        QTest::failOnWarning(
+            QRegularExpression(QStringLiteral("^(?!This plugin does not support)")));
+    }
 
     void followsTheSettingAtLaunch_data()
     {
@@ -281,9 +286,12 @@ private Q_SLOTS:
         s.tray.onMenuRequested();
         QMenu *menu = s.controller.menu();
         QVERIFY(menu->actions()[1]->isSeparator());
-        auto *action = qobject_cast<QWidgetAction *>(menu->actions()[0]);
-        QVERIFY(action);
-        QWidget *row = action->createdWidgets().value(0);
+        QWidget *row = nullptr;
+        const QList<QWidget *> children = menu->findChildren<QWidget *>();
+        for (QWidget *child : children) {
+            if (child->accessibleName() == QStringLiteral("Last capture"))
+                row = child;
+        }
         QVERIFY(row);
         QTest::mouseClick(row, Qt::LeftButton, {}, QPoint(30, 30));
         QCOMPARE(s.controller.menu(), menu); // a click keeps it

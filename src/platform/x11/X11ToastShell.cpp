@@ -150,8 +150,9 @@ private:
         };
         const xcb_atom_t type = QtXcb::atom("_NET_WM_WINDOW_TYPE_NOTIFICATION");
         set("_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, 32, 1, &type);
-        set("_NET_WM_NAME", QtXcb::atom("UTF8_STRING"), 8, uint32_t(title.size()),
-            title.constData());
+        for (const char *name : {"_NET_WM_NAME", "WM_NAME"}) {
+            set(name, QtXcb::atom("UTF8_STRING"), 8, uint32_t(title.size()), title.constData());
+        }
         set("WM_CLASS", XCB_ATOM_STRING, 8, 12, "tovek\0tovek");
         const uint32_t none = 0;
         const uint32_t yes = 1;

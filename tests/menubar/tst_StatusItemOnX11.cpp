@@ -1,0 +1,187 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "foundation/UserDefaults.h"
+#include "menubar/StatusBarController.h"
+#include "platform/linux/QtClock.h"
+#include "platform/x11/X11TrayItem.h"
+#include "support/Eye.h"
+#include "support/Hand.h"
+#include "support/TestDesktop.h"
+#include "support/Wait.h"
+
+#include <QApplication>
+#include <QMenu>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTest>
+
+using namespace std::chrono_literals;
+using namespace tovek;
+
+namespace {
+
+TestDesktop *desktop = nullptr;
+
+QImage redSquare(const QString &, const QColor &, double points, double scale)
+{
+    QImage image(qRound(points * scale), qRound(points * scale),
+                 QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::red);
+    return image;
+}
+
+} // namespace
+
+/// The status item in a real panel, under a real mouse.
+class TestStatusItemOnX11 : public QObject
+{
+    Q_OBJECT
+
+private:
+    struct Setup
+    {
+        Setup()
+        {
+            controller.performDrag = [this](const DragOut &out) { drags.push_back(out); };
+            controller.setup();
+        }
+        void preview()
+        {
+            Image image{QImage(400, 100, QImage::Format_RGB32), {400, 100}};
+            image.bitmap.fill(Qt::blue);
+            controller.showPreview(image, 20s);
+        }
+        /// How many pixels of the item have this colour.
+        int count(QRgb color) const
+        {
+            const QRect place = tray->geometry();
+            if (place.isEmpty())
+                return 0;
+            const QImage look = Eye(desktop->displayName()).look(place);
+            int found = 0;
+            for (int y = 0; y < look.height(); ++y) {
+                for (int x = 0; x < look.width(); ++x)
+                    found += (look.pixel(x, y) | 0xff000000) == color;
+            }
+            return found;
+        }
+        bool waitForIcon() const
+        {
+            return waitUntil([this] { return count(qRgb(255, 0, 0)) >= 200; });
+        }
+        QTemporaryDir home;
+        UserDefaults defaults{home.filePath(QStringLiteral("defaults.json"))};
+        QtClock clock;
+        std::unique_ptr<Tray> tray = X11TrayItem::create();
+        std::vector<DragOut> drags;
+        StatusBarController controller{*tray, clock, defaults, redSquare};
+    };
+    Program *panel = nullptr;
+
+    static Program *startPanel()
+    {
+        return desktop->run(QStringLiteral("trayer"),
+                            {"--edge", "top", "--align", "right", "--widthtype", "request",
+                             "--height", "24", "--SetPartialStrut", "true", "--expand", "true"});
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (QStandardPaths::findExecutable(QStringLiteral("trayer")).isEmpty())
+            QSKIP("trayer is not installed");
+        panel = startPanel();
+        QVERIFY(panel);
+    }
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void showsItsIconInThePanel()
+    {
+        Setup s;
+        QVERIFY(s.waitForIcon());
+        QVERIFY(s.tray->canDrag());
+    }
+
+    void opensItsMenuBelowTheItem()
+    {
+        Setup s;
+        QVERIFY(s.waitForIcon());
+        const QRect place = s.tray->geometry();
+        Hand hand(desktop->displayName());
+        hand.click(place.center());
+        QVERIFY(waitUntil([&] { return s.controller.menu() && s.controller.menu()->isVisible(); }));
+        QCOMPARE(s.controller.menu()->y(), place.y() + place.height() + 5);
+        QVERIFY(hand.tap(QStringLiteral("Escape")));
+        QVERIFY(waitUntil([&] { return !s.controller.menu(); }));
+    }
+
+    void tellsAWobbleFromADrag()
+    {
+        Setup s;
+        QVERIFY(s.waitForIcon());
+        s.preview();
+        QVERIFY(waitUntil([&] { return s.count(qRgb(0, 0, 255)) > 800; }));
+        QVERIFY(s.tray->geometry().width() >= 72);
+        const QPoint at = s.tray->geometry().center();
+        Hand hand(desktop->displayName());
+        hand.move(at);
+        hand.press();
+        hand.move(at + QPoint(2, 0));
+        hand.release();
+        QVERIFY(waitUntil([&] { return s.controller.menu() && s.controller.menu()->isVisible(); }));
+        QVERIFY(s.drags.empty());
+        QVERIFY(hand.tap(QStringLiteral("Escape")));
+        QVERIFY(waitUntil([&] { return !s.controller.menu(); }));
+
+        hand.move(at);
+        hand.press();
+        hand.move(at + QPoint(4, 3));
+        QVERIFY(waitUntil([&] { return !s.drags.empty(); }));
+        hand.release();
+        QVERIFY(!s.controller.menu());
+        QVERIFY(s.waitForIcon());
+    }
+
+    void hidesAndComesBack()
+    {
+        Setup s;
+        QVERIFY(s.waitForIcon());
+        s.controller.setVisible(false);
+        QVERIFY(s.tray->geometry().isEmpty());
+        s.controller.setVisible(true);
+        QVERIFY(s.waitForIcon());
+    }
+
+    void survivesThePanel()
+    {
+        Setup s;
+        QVERIFY(s.waitForIcon());
+        panel->stop();
+        QVERIFY(waitUntil([&] { return !s.tray->hasHost(); }));
+        QVERIFY(s.tray->geometry().isEmpty());
+        panel = startPanel();
+        QVERIFY(panel);
+        QVERIFY(waitUntil([&] { return s.tray->hasHost(); }));
+        QVERIFY(s.waitForIcon());
+    }
+};
+
+int main(int argc, char **argv)
+{
+    if (const QString reason = TestDesktop::missing(); !reason.isEmpty()) {
+        std::printf("%s\n", qPrintable(reason));
+        return 77;
+    }
+    TestDesktop testDesktop;
+    if (!testDesktop.start())
+        qFatal("%s", qPrintable(testDesktop.error()));
+    desktop = &testDesktop;
+    qputenv("DISPLAY", testDesktop.displayName().toUtf8());
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    QApplication application(argc, argv);
+    TestStatusItemOnX11 test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "tst_StatusItemOnX11.moc"

@@ -1,0 +1,218 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/DBusFileRevealer.h"
+#include "platform/linux/DBusNotifications.h"
+#include "support/SessionBus.h"
+
+#include <QDBusContext>
+#include <QDBusMessage>
+#include <QRegularExpression>
+#include <QTest>
+#include <QUrl>
+
+using namespace tovek;
+
+/// A notification server, and a file manager, that remember what they were told.
+class Server : public QObject, protected QDBusContext
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
+
+public:
+    struct Shown
+    {
+        QString title, body;
+        QStringList actions;
+        QVariantMap hints;
+    };
+    QStringList capabilities;
+    std::vector<Shown> shown;
+    bool hangs = false;
+
+public Q_SLOTS:
+    QStringList GetCapabilities() { return capabilities; }
+    uint Notify(const QString &, uint, const QString &, const QString &title, const QString &body,
+                const QStringList &actions, const QVariantMap &hints, int)
+    {
+        if (hangs) {
+            setDelayedReply(true);
+            return 0;
+        }
+        shown.push_back({title, body, actions, hints});
+        return uint(100 + shown.size());
+    }
+
+Q_SIGNALS:
+    void ActionInvoked(uint id, const QString &action);
+    void NotificationClosed(uint id, uint reason);
+};
+
+class FileManager : public QObject, protected QDBusContext
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
+
+public:
+    QStringList shown;
+
+public Q_SLOTS:
+    void ShowItems(const QStringList &uris, const QString &) { shown += uris; }
+};
+
+class TestDBusNotifications : public QObject
+{
+    Q_OBJECT
+
+private:
+    const QString service = QStringLiteral("org.freedesktop.Notifications");
+    const QString fileService = QStringLiteral("org.freedesktop.FileManager1");
+    SessionBus bus;
+    std::unique_ptr<Server> server;
+
+    QDBusConnection serverBus() const
+    {
+        return QDBusConnection::connectToBus(bus.address(), QStringLiteral("server"));
+    }
+    static NotificationRequest request(const QString &file)
+    {
+        return {QStringLiteral("id"),           QStringLiteral("Title"),
+                QStringLiteral("a <b> & c"),    QStringLiteral("SAVED"),
+                QStringLiteral("/tmp/a b.png"), {{QStringLiteral("file"), file}}};
+    }
+    /// Adds one and waits for the outcome: the error, or an empty text.
+    static QString add(DBusNotifications &notifications, const QString &file)
+    {
+        std::optional<QString> outcome;
+        notifications.add(request(file), [&](const std::optional<QString> &error) {
+            outcome = error.value_or(QString());
+        });
+        [&] { QTRY_VERIFY(outcome); }();
+        return outcome.value_or(QStringLiteral("no outcome"));
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (!SessionBus::isInstalled())
+            QSKIP("dbus-daemon is not installed");
+        QVERIFY(bus.start());
+    }
+    void init()
+    {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        server = std::make_unique<Server>();
+        QVERIFY(serverBus().registerObject(QStringLiteral("/org/freedesktop/Notifications"),
+                                           server.get(), QDBusConnection::ExportAllContents));
+        QVERIFY(serverBus().registerService(service));
+    }
+    void cleanup()
+    {
+        serverBus().unregisterService(service);
+        serverBus().unregisterObject(QStringLiteral("/org/freedesktop/Notifications"));
+    }
+
+    void tellsTheServerEverything_data()
+    {
+        QTest::addColumn<QStringList>("capabilities");
+        QTest::addColumn<QString>("body");
+        QTest::newRow("plain text") << QStringList{"body", "actions"} << "a <b> & c";
+        QTest::newRow("markup") << QStringList{"body", "body-markup"} << "a &lt;b&gt; &amp; c";
+    }
+    void tellsTheServerEverything()
+    {
+        QFETCH(QStringList, capabilities);
+        server->capabilities = capabilities;
+        DBusNotifications notifications;
+        notifications.setCategories(
+            {{QStringLiteral("OTHER"), {{QStringLiteral("no"), QStringLiteral("No")}}},
+             {QStringLiteral("SAVED"), {{QStringLiteral("SHOW"), QStringLiteral("Show")}}}});
+        QCOMPARE(add(notifications, QStringLiteral("one")), QString());
+        QCOMPARE(server->shown.size(), 1U);
+        const Server::Shown &shown = server->shown[0];
+        QCOMPARE(shown.title, QStringLiteral("Title"));
+        QTEST(shown.body, "body");
+        QCOMPARE(shown.actions, QStringList({"default", "", "SHOW", "Show"}));
+        QCOMPARE(shown.hints.value(QStringLiteral("image-path")).toString(),
+                 QStringLiteral("file:///tmp/a%20b.png"));
+        QCOMPARE(shown.hints.value(QStringLiteral("category")).toString(),
+                 QStringLiteral("transfer.complete"));
+        QCOMPARE(shown.hints.value(QStringLiteral("desktop-entry")).toString(),
+                 QStringLiteral("org.tovek.Tovek"));
+    }
+
+    void answersForItsOwnNotificationsOnly()
+    {
+        DBusNotifications notifications;
+        QStringList answers;
+        notifications.onResponse = [&](const NotificationResponse &response) {
+            answers << response.userInfo.value(QStringLiteral("file")) + QLatin1Char(' ')
+                    + response.actionIdentifier;
+        };
+        QCOMPARE(add(notifications, QStringLiteral("one")), QString());
+        QCOMPARE(add(notifications, QStringLiteral("two")), QString());
+        Q_EMIT server->ActionInvoked(7, QStringLiteral("default"));
+        Q_EMIT server->ActionInvoked(101, QStringLiteral("SHOW"));
+        Q_EMIT server->ActionInvoked(102, QStringLiteral("default"));
+        QTRY_COMPARE(answers, QStringList({"one SHOW", "two default"}));
+        Q_EMIT server->NotificationClosed(101, 2);
+        Q_EMIT server->ActionInvoked(101, QStringLiteral("SHOW"));
+        Q_EMIT server->ActionInvoked(102, QStringLiteral("SHOW"));
+        QTRY_COMPARE(answers.size(), 3);
+        QCOMPARE(answers.back(), QStringLiteral("two SHOW"));
+    }
+
+    void reportsAServerThatHangs()
+    {
+        server->hangs = true;
+        DBusNotifications notifications;
+        notifications.timeoutMs = 200;
+        QVERIFY(!add(notifications, QStringLiteral("one")).isEmpty());
+    }
+
+    void reportsAServerThatIsMissing()
+    {
+        serverBus().unregisterService(service);
+        DBusNotifications notifications;
+        QVERIFY(add(notifications, QStringLiteral("one")).contains(service));
+    }
+
+    void asksANewServerWhatItTakes()
+    {
+        DBusNotifications notifications;
+        QCOMPARE(add(notifications, QStringLiteral("one")), QString());
+        QCOMPARE(server->shown.back().body, QStringLiteral("a <b> & c"));
+        serverBus().unregisterService(service);
+        QTest::qWait(50); // the bus tells us in its own time; nothing is there to be seen
+        server->capabilities = QStringList{QStringLiteral("body-markup")};
+        QVERIFY(serverBus().registerService(service));
+        QCOMPARE(add(notifications, QStringLiteral("two")), QString());
+        QCOMPARE(server->shown.back().body, QStringLiteral("a &lt;b&gt; &amp; c"));
+    }
+
+    void revealsAFileInTheFileManager()
+    {
+        FileManager manager;
+        serverBus().registerObject(QStringLiteral("/org/freedesktop/FileManager1"), &manager,
+                                   QDBusConnection::ExportAllSlots);
+        QVERIFY(serverBus().registerService(fileService));
+        DBusFileRevealer revealer;
+        revealer.openFolder = [](const QUrl &) { QFAIL("opened the folder"); };
+        revealer.activateFileViewer(QUrl(QStringLiteral("https://example.org/a.png")));
+        revealer.activateFileViewer(QUrl::fromLocalFile(QStringLiteral("/tmp/a b.png")));
+        QTRY_COMPARE(manager.shown, QStringList{"file:///tmp/a%20b.png"});
+        serverBus().unregisterService(fileService);
+    }
+
+    void opensTheFolderWithoutAFileManager()
+    {
+        DBusFileRevealer revealer;
+        QUrl opened;
+        revealer.openFolder = [&](const QUrl &folder) { opened = folder; };
+        revealer.activateFileViewer(QUrl::fromLocalFile(QStringLiteral("/tmp/a b.png")));
+        QTRY_COMPARE(opened, QUrl::fromLocalFile(QStringLiteral("/tmp/")));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestDBusNotifications)
+#include "tst_DBusNotifications.moc"

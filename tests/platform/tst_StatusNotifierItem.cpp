@@ -1,0 +1,171 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/StatusNotifierItem.h"
+#include "support/SessionBus.h"
+
+#include <QDBusArgument>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <QPainter>
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace tovek;
+
+/// The part of a panel that items announce themselves to.
+class Watcher : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
+
+public:
+    QStringList items;
+
+public Q_SLOTS:
+    void RegisterStatusNotifierItem(const QString &service) { items << service; }
+};
+
+class TestStatusNotifierItem : public QObject
+{
+    Q_OBJECT
+
+private:
+    const QString service = QStringLiteral("org.kde.StatusNotifierWatcher");
+    SessionBus bus;
+    Watcher watcher;
+
+    QDBusConnection hostBus() const
+    {
+        return QDBusConnection::connectToBus(bus.address(), QStringLiteral("host"));
+    }
+    /// A call of the host to the last registered item; the test's main loop runs meanwhile.
+    QVariant call(const QString &interface, const QString &method, const QVariantList &arguments)
+    {
+        QDBusMessage message = QDBusMessage::createMethodCall(
+            watcher.items.back(), QStringLiteral("/StatusNotifierItem"), interface, method);
+        message.setArguments(arguments);
+        const QDBusPendingCall pending = hostBus().asyncCall(message);
+        [&] { QTRY_VERIFY(pending.isFinished()); }();
+        return pending.reply().arguments().value(0);
+    }
+    QVariant property(const QString &name)
+    {
+        return call(QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"),
+                    {QStringLiteral("org.kde.StatusNotifierItem"), name})
+            .value<QDBusVariant>()
+            .variant();
+    }
+    static TrayPicture picture(Size size)
+    {
+        return {size, [](Size room, const QColor &, double) {
+                    QImage image(qRound(room.width), qRound(room.height),
+                                 QImage::Format_ARGB32_Premultiplied);
+                    image.fill(QColor(1, 2, 3));
+                    return image;
+                }};
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (!SessionBus::isInstalled())
+            QSKIP("dbus-daemon is not installed");
+        QVERIFY(bus.start());
+        QVERIFY(hostBus().registerObject(QStringLiteral("/StatusNotifierWatcher"), &watcher,
+                                         QDBusConnection::ExportAllSlots));
+    }
+    void init()
+    {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        watcher.items.clear();
+        QVERIFY(hostBus().registerService(service));
+    }
+    void cleanup() { hostBus().unregisterService(service); }
+
+    void announcesItselfWhenVisible()
+    {
+        StatusNotifierItem item;
+        item.setPicture(picture({18, 18}));
+        item.setToolTip(QStringLiteral("Tovek"));
+        QTRY_VERIFY(item.hasHost());
+        QVERIFY(watcher.items.isEmpty());
+        item.setVisible(true);
+        QTRY_COMPARE(watcher.items.size(), 1);
+        QCOMPARE(property(QStringLiteral("Id")).toString(), QStringLiteral("tovek"));
+        QCOMPARE(property(QStringLiteral("Status")).toString(), QStringLiteral("Active"));
+        QCOMPARE(property(QStringLiteral("ItemIsMenu")).toBool(), false);
+        QVERIFY(!item.canDrag());
+    }
+
+    void sendsWidePicturesInSquares()
+    {
+        StatusNotifierItem item;
+        item.setPicture(picture({72, 18}));
+        item.setVisible(true);
+        QTRY_COMPARE(watcher.items.size(), 1);
+        const auto icons = property(QStringLiteral("IconPixmap")).value<QDBusArgument>();
+        icons.beginArray();
+        QVERIFY(!icons.atEnd());
+        int width = 0, height = 0;
+        QByteArray bytes;
+        icons.beginStructure();
+        icons >> width >> height >> bytes;
+        icons.endStructure();
+        QCOMPARE(QSize(width, height), QSize(16, 16));
+        QCOMPARE(bytes.size(), 16 * 16 * 4);
+        QCOMPARE(bytes.mid((8 * 16 + 8) * 4, 4), QByteArray("\xff\x01\x02\x03", 4));
+        QCOMPARE(bytes.mid(0, 4), QByteArray(4, '\0'));
+    }
+
+    void tellsThatItWasChosen_data()
+    {
+        QTest::addColumn<QString>("method");
+        QTest::newRow("main button") << QStringLiteral("Activate");
+        QTest::newRow("other button") << QStringLiteral("ContextMenu");
+    }
+    void tellsThatItWasChosen()
+    {
+        QFETCH(QString, method);
+        StatusNotifierItem item;
+        int chosen = 0;
+        item.onMenuRequested = [&] { ++chosen; };
+        item.setVisible(true);
+        QTRY_COMPARE(watcher.items.size(), 1);
+        QVERIFY(item.geometry().isEmpty());
+        call(QStringLiteral("org.kde.StatusNotifierItem"), method, {300, 10});
+        QTRY_COMPARE(chosen, 1);
+        QCOMPARE(item.geometry().topLeft(), QPoint(300, 10));
+    }
+
+    void comesBackWithItsHost()
+    {
+        StatusNotifierItem item;
+        int changes = 0;
+        item.onHostChanged = [&] { ++changes; };
+        item.setVisible(true);
+        QTRY_COMPARE(watcher.items.size(), 1);
+        hostBus().unregisterService(service);
+        QTRY_VERIFY(!item.hasHost());
+        QVERIFY(hostBus().registerService(service));
+        QTRY_COMPARE(watcher.items.size(), 2);
+        QCOMPARE(changes, 3);
+    }
+
+    void leavesTheBusWhenHidden()
+    {
+        StatusNotifierItem item;
+        item.setVisible(true);
+        QTRY_COMPARE(watcher.items.size(), 1);
+        const auto isThere = [this] {
+            return hostBus().interface()->isServiceRegistered(watcher.items.back()).value();
+        };
+        QVERIFY(isThere());
+        item.setVisible(false);
+        QTRY_VERIFY(!isThere());
+    }
+};
+
+QTEST_MAIN(TestStatusNotifierItem)
+#include "tst_StatusNotifierItem.moc"
