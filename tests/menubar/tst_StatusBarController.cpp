@@ -262,9 +262,9 @@ private Q_SLOTS:
         Setup s;
         s.start();
         s.preview();
-        const QByteArray folder = qgetenv("TMPDIR");
-        qputenv("TMPDIR", "/nonexistent");
         LogCapture output;
+        const QByteArray folder = qgetenv("TMPDIR");
+        qputenv("TMPDIR", "/proc");
         s.tray.press({110, 10});
         s.tray.moveTo({120, 10});
         qputenv("TMPDIR", folder);
