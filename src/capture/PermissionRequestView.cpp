@@ -21,6 +21,7 @@ constexpr int bottomPadding = 20;
 constexpr int numberWidth = 16;
 constexpr int numberGap = 8;
 constexpr int buttonGap = 12;
+constexpr int buttonPadding = 16; // more room beside the text than styles give
 constexpr int blockGap = 8;
 constexpr int stepGap = 3;
 constexpr int headlineSize = 13;
@@ -130,6 +131,7 @@ void PermissionRequestView::addButtons(QVBoxLayout &column)
     auto *open = new QPushButton(QStringLiteral("Open System Settings"), this);
     for (QPushButton *button : {cancel, open}) {
         button->setAccessibleName(button->text());
+        button->setMinimumWidth(button->sizeHint().width() + buttonPadding);
         row->addWidget(button);
     }
     row->addStretch(1);

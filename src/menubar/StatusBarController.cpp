@@ -116,18 +116,6 @@ QByteArray pngOf(const Image &image)
     return writer.write(image.bitmap) ? bytes : QByteArray();
 }
 
-void dragFile(const DragOut &out)
-{
-    auto *data = new QMimeData; // the drag owns it, and deletes itself when it is over
-    data->setUrls({out.file});
-    auto *drag = new QDrag(out.source);
-    drag->setMimeData(data);
-    const QPixmap picture = QPixmap::fromImage(out.image);
-    drag->setPixmap(picture);
-    drag->setHotSpot(QRectF(QPointF(), picture.deviceIndependentSize()).center().toPoint());
-    drag->exec(Qt::CopyAction, Qt::CopyAction);
-}
-
 } // namespace
 
 StatusBarController::StatusBarController(Tray &statusItem, Clock &clock,
@@ -144,6 +132,18 @@ StatusBarController::StatusBarController(Tray &statusItem, Clock &clock,
 StatusBarController::~StatusBarController()
 {
     delete m_menu;
+}
+
+void StatusBarController::dragFile(const DragOut &out)
+{
+    auto *data = new QMimeData; // the drag owns it, and deletes itself when it is over
+    data->setUrls({out.file});
+    auto *drag = new QDrag(out.source);
+    drag->setMimeData(data);
+    const QPixmap picture = QPixmap::fromImage(out.image);
+    drag->setPixmap(picture);
+    drag->setHotSpot(QRectF(QPointF(), picture.deviceIndependentSize()).center().toPoint());
+    drag->exec(Qt::CopyAction, Qt::CopyAction);
 }
 
 void StatusBarController::setup()

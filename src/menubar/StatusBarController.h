@@ -64,6 +64,8 @@ public:
     std::function<QByteArray(const Image &)> encodePng;
     /// Runs a drag that allows nothing but copying; returns when it has ended, however it did.
     std::function<void(const DragOut &)> performDrag;
+    /// The desktop's drag; what `performDrag` is unless somebody sets it.
+    static void dragFile(const DragOut &out);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -11,7 +11,9 @@
 #include "support/Wait.h"
 
 #include <QApplication>
+#include <QDropEvent>
 #include <QMenu>
+#include <QMimeData>
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTest>
@@ -33,6 +35,28 @@ QImage redSquare(const QString &, const QColor &, double points, double scale)
 }
 
 } // namespace
+
+/// Takes what is dropped on it.
+class DropTarget : public QWidget
+{
+public:
+    DropTarget() { setAcceptDrops(true); }
+    QStringList formats;
+    Qt::DropActions actions;
+    QString file;
+    QImage image;
+
+protected:
+    void dragEnterEvent(QDragEnterEvent *event) override { event->acceptProposedAction(); }
+    void dropEvent(QDropEvent *event) override
+    {
+        formats = event->mimeData()->formats();
+        actions = event->possibleActions();
+        file = event->mimeData()->urls().value(0).toLocalFile();
+        image = QImage(file);
+        event->acceptProposedAction();
+    }
+};
 
 /// The status item in a real panel, under a real mouse.
 class TestStatusItemOnX11 : public QObject
@@ -142,6 +166,38 @@ private Q_SLOTS:
         hand.release();
         QVERIFY(!s.controller.menu());
         QVERIFY(s.waitForIcon());
+    }
+
+    void dropsAFileAsACopyAndNothingElse()
+    {
+        Setup s;
+        s.controller.performDrag = StatusBarController::dragFile;
+        QVERIFY(s.waitForIcon());
+        s.preview();
+        QVERIFY(waitUntil([&] { return s.count(qRgb(0, 0, 255)) > 800; }));
+        DropTarget target;
+        target.setGeometry(300, 300, 300, 200);
+        target.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&target));
+        Hand hand(desktop->displayName());
+        const QPoint at = s.tray->geometry().center();
+        // The drag runs a loop of its own: the hand goes on from inside it.
+        const auto later = [&](std::chrono::milliseconds delay, auto call) {
+            s.clock.after(delay, &target, call);
+        };
+        hand.move(at);
+        hand.press();
+        hand.move(at + QPoint(0, 5));
+        later(400ms, [&] { hand.move({400, 390}); });
+        later(500ms, [&] { hand.move({420, 400}); });
+        later(800ms, [&] { hand.release(); });
+        QVERIFY(waitUntil([&] { return !target.image.isNull(); }));
+        QCOMPARE(target.formats, QStringList{"text/uri-list"});
+        QCOMPARE(target.actions, Qt::DropActions(Qt::CopyAction));
+        QCOMPARE(target.image.size(), QSize(400, 100));
+        QVERIFY(waitUntil([&] { return !s.controller.isInPreviewMode(); }));
+        QVERIFY(QFile::exists(target.file));
+        QVERIFY(waitUntil([&] { return !QFile::exists(target.file); }));
     }
 
     void hidesAndComesBack()
