@@ -30,10 +30,13 @@ private Q_SLOTS:
         m_defaults =
             std::make_unique<UserDefaults>(m_dir->filePath(QStringLiteral("defaults.json")));
         m_hotKeys = std::make_unique<FakeHotKeys>();
-        m_service = std::make_unique<ShortcutService>(*m_defaults, *m_hotKeys, m_layout);
+        ShortcutService::setShared(
+            std::make_unique<ShortcutService>(*m_defaults, *m_hotKeys, m_layout));
+        m_service = &ShortcutService::shared();
         m_started.clear();
-        HotkeyManager::shared().registerShortcuts(*m_service,
-                                                  [this](CaptureMode mode) { m_started << mode; });
+        m_manager.onCapture = [this](CaptureMode mode) { m_started << mode; };
+        m_manager.onPrepare = {};
+        m_manager.registerShortcuts();
     }
     void cleanup() { ShortcutService::setShared(nullptr); }
 
