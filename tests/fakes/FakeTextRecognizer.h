@@ -22,6 +22,7 @@ public:
     void hold() { m_isHeld = true; }
     void finish();
     int underWay() const { return int(m_held.size()); }
+    QFuture<RecognitionResult> underWayFuture() const { return m_held.front()->future(); }
 
     /// A line of words side by side, each 10 pixels a character wide, 20 high, at the given y.
     static TextObservation lineOf(const QString &text, double y = 0);

@@ -167,8 +167,9 @@ void TesseractRecognizer::start(const std::shared_ptr<Job> &job)
 void TesseractRecognizer::readRuns(const std::shared_ptr<Job> &job)
 {
     std::unique_ptr<LineEngine> engine;
-    for (std::size_t run = job->nextRun++; run < job->page.runs.size() && !job->isOver();
-         run = job->nextRun++) {
+    for (std::size_t next = job->nextRun++; next < job->page.runs.size() && !job->isOver();
+         next = job->nextRun++) {
+        const std::size_t run = job->page.widestFirst[next];
         if (!engine)
             engine = job->engines->take();
         job->isUnreadable = job->isUnreadable || !engine;

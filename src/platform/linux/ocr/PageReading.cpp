@@ -8,6 +8,7 @@
 #include <QImage>
 
 #include <algorithm>
+#include <numeric>
 
 namespace tovek {
 
@@ -23,8 +24,11 @@ Page pageOf(const QImage &image)
     Page page;
     page.ink = inkMapOf(image);
     page.runs = textRuns(inkPatches(page.ink, faintestInk));
-    std::sort(page.runs.begin(), page.runs.end(),
-              [](const TextRun &a, const TextRun &b) { return a.box.width() > b.box.width(); });
+    page.widestFirst.resize(page.runs.size());
+    std::iota(page.widestFirst.begin(), page.widestFirst.end(), std::size_t(0));
+    std::sort(page.widestFirst.begin(), page.widestFirst.end(), [&](std::size_t a, std::size_t b) {
+        return page.runs[a].box.width() > page.runs[b].box.width();
+    });
     for (const TextRun &run : page.runs)
         page.metrics.push_back(letterMetrics(run));
     settleMetrics(page.metrics);

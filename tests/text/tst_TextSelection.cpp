@@ -1,0 +1,201 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "text/TextSelection.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace tovek;
+
+namespace {
+
+using Cursor = TextSelectionResponse::Cursor;
+
+/// Two lines over a selection of 100 by 40: "a b" above "c d", each word 10 by 10.
+struct Words : TextSelection
+{
+    Words()
+    {
+        selectionBounds = {0, 0, 100, 40};
+        textRegions = {{"a", {0, 0.5, 0.1, 0.25}},
+                       {"b", {0.2, 0.5, 0.1, 0.25}},
+                       {"c", {0, 0, 0.1, 0.25}},
+                       {"d", {0.2, 0, 0.1, 0.25}}};
+        onSelectionChanged = [this](const std::vector<TextRegion> &regions) {
+            reports.push_back({});
+            for (const TextRegion &region : regions)
+                reports.back() += region.text;
+        };
+    }
+    QString selected()
+    {
+        QString text;
+        for (const TextRegion &region : selectedRegions())
+            text += region.text;
+        return text;
+    }
+    QStringList reports;
+};
+
+constexpr Point inA {5, 25};
+constexpr Point inB {25, 25};
+constexpr Point inC {5, 5};
+constexpr Point inD {25, 5};
+constexpr Point beside {80, 35};
+
+} // namespace
+
+class TestTextSelection : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(".*")); }
+
+    void mapsBoxesIntoTheBounds()
+    {
+        Words words;
+        QVERIFY((words.rectOf(1) == Rect {20, 20, 10, 10}));
+        words.selectionBounds = {10, 10, 200, 80};
+        QVERIFY((words.rectOf(1) == Rect {50, 50, 20, 20}));
+    }
+
+    void aClickSelectsOneWordAndReportsOnRelease()
+    {
+        Words words;
+        QCOMPARE(words.mouseDown(inB).isPassedOn, false);
+        QVERIFY(words.isDragging);
+        QCOMPARE(words.selectionStartIndex, std::optional(1));
+        QVERIFY(words.reports.isEmpty());
+        QVERIFY(!words.mouseUp().isPassedOn);
+        QVERIFY(!words.isDragging);
+        QVERIFY(!words.dragStart && !words.selectionStartIndex);
+        QCOMPARE(words.reports, QStringList {"b"});
+    }
+
+    void aDragSelectsInReadingOrderEitherWay_data()
+    {
+        QTest::addColumn<double>("fromX");
+        QTest::addColumn<double>("fromY");
+        QTest::addColumn<double>("toX");
+        QTest::addColumn<double>("toY");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("along a line") << inA.x << inA.y << inB.x << inB.y << "ab";
+        QTest::newRow("down") << inB.x << inB.y << inC.x << inC.y << "bc";
+        QTest::newRow("back up over two lines") << inD.x << inD.y << inA.x << inA.y << "abcd";
+        QTest::newRow("snaps to the nearest word") << inA.x << inA.y << 99.0 << 24.0 << "ab";
+        QTest::newRow("snaps from below") << inA.x << inA.y << 26.0 << -30.0 << "abcd";
+    }
+    void aDragSelectsInReadingOrderEitherWay()
+    {
+        QFETCH(double, fromX);
+        QFETCH(double, fromY);
+        QFETCH(double, toX);
+        QFETCH(double, toY);
+        Words words;
+        (void)words.mouseDown({fromX, fromY});
+        QVERIFY(words.mouseDragged({toX, toY}).needsDisplay);
+        QTEST(words.selected(), "expected");
+    }
+
+    void aDragBesideTheWordsSelectsNothing()
+    {
+        Words words;
+        (void)words.mouseDown(beside);
+        QCOMPARE(words.mouseDragged(inA), TextSelectionResponse());
+        QCOMPARE(words.selected(), QString());
+    }
+
+    void aClickBesideTheWordsIsPassedOn()
+    {
+        Words words;
+        QVERIFY(words.mouseDown(beside).isPassedOn);
+        QVERIFY(words.reports.isEmpty());
+        (void)words.mouseDown(inA);
+        (void)words.mouseUp();
+        words.reports.clear();
+        const auto response = words.mouseDown(beside);
+        QVERIFY(response.isPassedOn && response.needsDisplay);
+        QCOMPARE(words.reports, QStringList {""});
+        QVERIFY(words.selectedIndices.empty());
+    }
+
+    void equallyNearWordsGiveTheEarlierOne()
+    {
+        Words words;
+        QCOMPARE(words.regionNearest({15, 25}), std::optional(0));
+        QCOMPARE(words.regionNearest({15.1, 25}), std::optional(1));
+        words.textRegions.clear();
+        QCOMPARE(words.regionNearest({15, 25}), std::optional<int>());
+    }
+
+    void overlappingWordsGiveTheFirstInTheList()
+    {
+        Words words;
+        words.textRegions.push_back({"e", {0, 0.5, 0.1, 0.25}});
+        QCOMPARE(words.regionAt(inA), std::optional(0));
+    }
+
+    void hoverFollowsThePointer()
+    {
+        Words words;
+        QCOMPARE(words.mouseMoved(inA), (TextSelectionResponse {false, true, Cursor::iBeam}));
+        QCOMPARE(words.hoveredIndex, std::optional(0));
+        QCOMPARE(words.mouseMoved({6, 26}), (TextSelectionResponse {false, false, Cursor::iBeam}));
+        QCOMPARE(words.mouseMoved(inB), (TextSelectionResponse {false, true, Cursor::iBeam}));
+        QCOMPARE(words.mouseMoved(beside), (TextSelectionResponse {false, true, Cursor::arrow}));
+        QCOMPARE(words.mouseMoved(beside), (TextSelectionResponse {false, false, Cursor::arrow}));
+        (void)words.mouseMoved(inB);
+        QCOMPARE(words.mouseExited(), (TextSelectionResponse {false, true, Cursor::arrow}));
+        QVERIFY(!words.hoveredIndex);
+    }
+
+    void cursorTellsWords()
+    {
+        Words words;
+        QCOMPARE(words.cursorUpdate(inC).cursor, std::optional(Cursor::iBeam));
+        QCOMPARE(words.cursorUpdate(beside).cursor, std::optional(Cursor::arrow));
+    }
+
+    void passesEverythingOnWhileToldTo()
+    {
+        Words words;
+        (void)words.mouseDown(inA);
+        (void)words.mouseUp();
+        (void)words.mouseMoved(inB);
+        words.reports.clear();
+        words.passMouseEventsThrough = true;
+        const TextSelectionResponse passed {true, false, {}};
+        QCOMPARE(words.mouseMoved(inA), (TextSelectionResponse {true, true, {}}));
+        QVERIFY(!words.hoveredIndex);
+        QCOMPARE(words.mouseMoved(inA), passed);
+        QCOMPARE(words.mouseDown(inB), passed);
+        QCOMPARE(words.mouseDragged(inC), passed);
+        QCOMPARE(words.mouseUp(), passed);
+        QCOMPARE(words.cursorUpdate(inA), passed);
+        QVERIFY(words.reports.isEmpty());
+        QCOMPARE(words.selected(), QString("a"));
+    }
+
+    void selectedRegionsAreInReadingOrder()
+    {
+        Words words;
+        std::swap(words.textRegions[0], words.textRegions[3]);
+        words.selectedIndices = {0, 1, 3};
+        QCOMPARE(words.selected(), QString("abd"));
+        words.selectedIndices.clear();
+        QCOMPARE(words.selected(), QString());
+    }
+
+    void selectRangeIgnoresUnknownRegions()
+    {
+        Words words;
+        (void)words.mouseDown(inA);
+        words.selectRange(0, 9);
+        QCOMPARE(words.selected(), QString("a"));
+    }
+};
+
+QTEST_APPLESS_MAIN(TestTextSelection)
+#include "tst_TextSelection.moc"
