@@ -3,9 +3,11 @@
 
 #include "app/AppDelegate.h"
 
+#include "KeyboardShortcuts/MenuItems.h"
 #include "KeyboardShortcuts/ShortcutService.h"
 #include "app/AppState.h"
 #include "app/HotkeyManager.h"
+#include "capture/PngEncoder.h"
 #include "foundation/Log.h"
 #include "platform/Clock.h"
 #include "platform/FrontmostApp.h"
@@ -27,10 +29,15 @@ AppDelegate::AppDelegate(Platform &platform, UserDefaults &defaults, AppState &s
     : m_platform(platform)
     , m_state(state)
     , m_defaults(defaults)
+    , m_services(platform, defaults)
     , m_screenshotService(*platform.grabber)
-    , m_imageOutput(*platform.clipboard, defaults, *platform.clock, m_feedback)
+    , m_imageOutput(*platform.clipboard, defaults, *platform.clock, m_services.feedback())
     , m_overlayController(overlayServices())
 {
+    if (m_services.toast)
+        m_services.toast->frozenPixels = [this](QRect native) {
+            return m_overlayController.frozenPixels(native);
+        };
 }
 
 AppDelegate::~AppDelegate() = default;
@@ -48,19 +55,62 @@ OverlayController::Services AppDelegate::overlayServices()
         m_defaults,
     };
     services.keyboardLayout = m_platform.keyboardLayout.get();
-    services.feedback = m_feedback;
+    services.feedback = m_services.feedback();
+    services.hasPermission = [this] {
+        return !m_services.permissionManager || m_services.permissionManager->hasPermission();
+    };
+    services.showPermissionWindow = [this] { m_services.permissionWindowController->show(); };
+    services.willFreeze = [this] {
+        if (m_services.toast)
+            m_services.toast->hideForCapture();
+    };
+    services.didOpen = [this] {
+        m_services.prepareSound();
+        if (m_services.ocrService)
+            m_services.ocrService->prepare();
+    };
+    if (m_services.ocrService)
+        services.recognizeText = [this](const Image &image) {
+            return m_services.ocrService->recognizeText(image);
+        };
     return services;
 }
 
 void AppDelegate::applicationDidFinishLaunching(Launch launch, HotkeyManager &hotkeys)
 {
     m_platform.frontmostApp->setActivationPolicy(ActivationPolicy::accessory);
+    setUpStatusBar();
     hotkeys.onCapture = [this](CaptureMode mode) { m_overlayController.startCapture(mode); };
     hotkeys.onPrepare = [this] { m_overlayController.prepare(); };
     KeyboardShortcuts::ShortcutService::shared().watchMenus();
+    if (m_services.notificationManager)
+        m_services.notificationManager->requestAuthorization();
     if (launch == Launch::inBackground)
         return;
     m_platform.clock->after(settingsDelay, this, [this] { m_state.setShouldOpenSettings(true); });
+}
+
+void AppDelegate::setUpStatusBar()
+{
+    StatusBarController *statusBar = m_services.statusBarController.get();
+    if (!statusBar)
+        return;
+    auto &shortcuts = KeyboardShortcuts::ShortcutService::shared();
+    const auto capture = [this](CaptureMode mode) {
+        return [this, mode] { m_overlayController.startCapture(mode); };
+    };
+    statusBar->actions.startCapture = capture(CaptureMode::normal);
+    statusBar->actions.captureImage = capture(CaptureMode::copyImage);
+    statusBar->actions.captureText = capture(CaptureMode::copyText);
+    statusBar->actions.openPreferences = [this] { openSettings(SettingsTab::general); };
+    statusBar->actions.openAbout = [this] { openSettings(SettingsTab::about); };
+    statusBar->actions.quit = [] { QCoreApplication::quit(); };
+    statusBar->bindShortcut = [&shortcuts](QAction &item, const QString &name) {
+        KeyboardShortcuts::setShortcut(item, shortcuts.createName(name), shortcuts);
+    };
+    statusBar->onMenuTracking = [&shortcuts](bool isOpen) { shortcuts.setMenuOpen(isOpen); };
+    statusBar->encodePng = [](const Image &image) { return encodePng(image.bitmap); };
+    statusBar->setup();
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool)

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "app/AppServices.h"
 #include "capture/ImageOutput.h"
 #include "capture/OverlayController.h"
 #include "capture/ScreenshotService.h"
@@ -36,12 +37,13 @@ public:
 
 private:
     OverlayController::Services overlayServices();
+    void setUpStatusBar();
     void openSettings(SettingsTab tab);
 
     Platform &m_platform;
     AppState &m_state;
     UserDefaults &m_defaults;
-    CaptureFeedback m_feedback;
+    AppServices m_services;
     ScreenshotService m_screenshotService;
     ImageOutput m_imageOutput;
     OverlayController m_overlayController;

@@ -4,12 +4,19 @@
 #include "app/PlatformFactory.h"
 
 #include "foundation/Log.h"
+#include "platform/FirstTray.h"
+#include "platform/linux/CanberraSoundOutput.h"
+#include "platform/linux/DBusFileRevealer.h"
+#include "platform/linux/DBusNotifications.h"
 #include "platform/linux/DBusSingleInstance.h"
 #include "platform/linux/NullClipboard.h"
 #include "platform/linux/NullDesktop.h"
 #include "platform/linux/NullKeyboard.h"
 #include "platform/linux/QtClock.h"
+#include "platform/linux/StatusNotifierItem.h"
+#include "platform/linux/TesseractRecognizer.h"
 #ifdef TOVEK_WITH_X11
+#include "platform/x11/X11CapturePermission.h"
 #include "platform/x11/X11Clipboard.h"
 #include "platform/x11/X11FrontmostApp.h"
 #include "platform/x11/X11HotKeys.h"
@@ -17,6 +24,9 @@
 #include "platform/x11/X11OverlaySurface.h"
 #include "platform/x11/X11ScreenGrabber.h"
 #include "platform/x11/X11Screens.h"
+#include "platform/x11/X11ToastShell.h"
+#include "platform/x11/X11TrayItem.h"
+#include "platform/x11/XSettings.h"
 #endif
 
 #include <cstdlib>
@@ -65,6 +75,14 @@ bool addX11Desktop(Platform &platform)
     platform.overlayShell = std::make_unique<X11OverlayShell>(connection, monitors);
     platform.frontmostApp = std::make_unique<X11FrontmostApp>(connection);
     platform.clipboard = std::move(clipboard);
+    platform.capturePermission = std::make_unique<X11CapturePermission>();
+    platform.toastShell = X11ToastShell::create();
+    platform.soundOutput = std::make_unique<CanberraSoundOutput>(&XSettings::areEventSoundsEnabled);
+    // The area of the X server first: it alone lets a thumbnail be dragged out.
+    std::vector<std::unique_ptr<Tray>> trays;
+    trays.push_back(X11TrayItem::create());
+    trays.push_back(std::make_unique<StatusNotifierItem>());
+    platform.tray = std::make_unique<FirstTray>(std::move(trays));
     hotKeys->startDispatching();
     layout->startDispatching();
     return true;
@@ -117,6 +135,9 @@ Platform makePlatform(EarlyPlatform &early)
     platform.clock = std::make_unique<QtClock>();
     platform.hotKeys = std::move(early.hotKeys);
     platform.keyboardLayout = std::move(early.keyboardLayout);
+    platform.notifications = std::make_unique<DBusNotifications>();
+    platform.fileRevealer = std::make_unique<DBusFileRevealer>();
+    platform.textRecognizer = std::make_unique<TesseractRecognizer>();
     if (!isForced("null") && addX11Desktop(platform))
         return platform;
     if (!isForced("null"))

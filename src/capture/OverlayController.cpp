@@ -47,6 +47,8 @@ void OverlayController::prepare()
 {
     if (m_isCapturing || !m_overlayWindows.empty())
         return;
+    if (m_services.willFreeze)
+        m_services.willFreeze();
     m_services.screenshots.prepare();
     m_services.overlayShell.prepare();
 }
@@ -62,7 +64,10 @@ void OverlayController::startCapture(CaptureMode mode)
     }
     m_isCapturing = true;
     m_captureMode = mode;
+    m_leavingDisplays.clear();
     ++m_session;
+    if (m_services.willFreeze)
+        m_services.willFreeze();
     const auto screen = startingScreen();
     const auto content = m_services.screenshots.shareableContent();
     if (!content) {
@@ -203,6 +208,8 @@ void OverlayController::fetchPixels()
             return;
         for (const CapturedDisplay &captured : m_capturedDisplays)
             captured.screenshot->pixels();
+        if (m_services.didOpen)
+            m_services.didOpen();
     });
 }
 
@@ -272,10 +279,9 @@ void OverlayController::recognizeText(const Rect &rect, const Screen &screen)
         logLine(QStringLiteral("No overlay window found for this screen"));
         return;
     }
-    const quint64 session = m_session;
-    const quint64 recognition = ++m_recognition;
-    const auto isCurrent = [this, session, recognition] {
-        return session == m_session && recognition == m_recognition;
+    stopRecognition();
+    const auto isCurrent = [this, serial = m_recognitionSerial] {
+        return serial == m_recognitionSerial;
     };
     whenReady(captured->screenshot->pixels(), this, [=, this](const QImage &pixels) {
         if (!isCurrent())
@@ -287,11 +293,11 @@ void OverlayController::recognizeText(const Rect &rect, const Screen &screen)
         }
         if (!m_services.recognizeText)
             return;
-        whenReady(m_services.recognizeText(*image), this,
-                  [=, this](const std::vector<TextRegion> &regions) {
-                      if (isCurrent())
-                          useText(regions, screen);
-                  });
+        m_recognition = m_services.recognizeText(*image);
+        whenReady(m_recognition, this, [=, this](const std::vector<TextRegion> &regions) {
+            if (isCurrent())
+                useText(regions, screen);
+        });
     });
 }
 
@@ -352,8 +358,28 @@ void OverlayController::screenGone(OverlayWindow *window)
         m_overlayWindows.front()->makeKey();
 }
 
+void OverlayController::stopRecognition()
+{
+    m_recognition.cancel();
+    m_recognition = {};
+    ++m_recognitionSerial;
+}
+
+QFuture<QImage> OverlayController::frozenPixels(QRect native) const
+{
+    const auto &displays = m_capturedDisplays.empty() ? m_leavingDisplays : m_capturedDisplays;
+    for (const CapturedDisplay &captured : displays) {
+        const QRect screen = captured.screen.native;
+        const QFuture<QImage> pixels = captured.screenshot->pixels();
+        if (screen.contains(native) && pixels.isFinished())
+            return readyFuture(pixels.result().copy(native.translated(-screen.topLeft())));
+    }
+    return {};
+}
+
 void OverlayController::cleanUp()
 {
+    stopRecognition();
     if (m_previousApp)
         m_services.frontmostApp.activate(*m_previousApp);
     m_previousApp.reset();
@@ -366,7 +392,11 @@ void OverlayController::cleanUp()
         });
     }
     m_overlayWindows.clear();
-    m_capturedDisplays.clear();
+    m_leavingDisplays = std::exchange(m_capturedDisplays, {});
+    m_services.clock.after(overlayRemovalDelay, this, [this, session = m_session + 1] {
+        if (session == m_session)
+            m_leavingDisplays.clear();
+    });
     m_selectedRect.reset();
     m_selectedScreen.reset();
     m_isCapturing = false;

@@ -46,6 +46,9 @@ public:
         CaptureFeedback feedback = {};
         std::function<bool()> hasPermission = {}; ///< unset: there is
         std::function<void()> showPermissionWindow = {};
+        std::function<void()> willFreeze = {}; ///< what must not be in the picture goes now
+        std::function<void()> didOpen = {}; ///< the overlays are up; nobody waits
+        /// Cancelling the future stops the work.
         std::function<QFuture<std::vector<TextRegion>>(const Image &)> recognizeText = {};
     };
 
@@ -56,6 +59,10 @@ public:
     void prepare();
     /// Does nothing while a session runs.
     void startCapture(CaptureMode mode);
+
+    /// The frozen pixels in a rectangle (native, y down, global) while overlays still hide the
+    /// screen; an invalid future when none does, or when they are not at hand.
+    QFuture<QImage> frozenPixels(QRect native) const;
 
     bool isCapturing() const { return m_isCapturing; }
     const std::vector<OverlayWindow *> &overlayWindows() const { return m_overlayWindows; }
@@ -82,6 +89,7 @@ private:
     void copyAllText();
     void copyText(const std::vector<TextRegion> &regions);
     void screenGone(OverlayWindow *window);
+    void stopRecognition();
     void cleanUp();
 
     const CapturedDisplay *capturedDisplay(const Screen &screen) const;
@@ -93,6 +101,7 @@ private:
     std::vector<OverlayWindow *> m_overlayWindows; ///< owned
     std::vector<QPointer<OverlayWindow>> m_leavingWindows; ///< owned; gone once ordered out
     std::vector<CapturedDisplay> m_capturedDisplays;
+    std::vector<CapturedDisplay> m_leavingDisplays; ///< under overlays that are about to go
     std::optional<Rect> m_selectedRect;
     std::optional<Screen> m_selectedScreen;
     bool m_isCapturing = false;
@@ -100,7 +109,8 @@ private:
     CaptureMode m_captureMode = CaptureMode::normal;
     std::optional<RunningApplication> m_previousApp;
     quint64 m_session = 0; ///< grows with each; results of an earlier one are dropped
-    quint64 m_recognition = 0; ///< likewise within a session
+    QFuture<std::vector<TextRegion>> m_recognition; ///< of the last selection
+    quint64 m_recognitionSerial = 0; ///< grows with each; results of an earlier one are dropped
 };
 
 } // namespace tovek

@@ -3,13 +3,20 @@
 
 #include "platform/Platform.h"
 
+#include "platform/CapturePermission.h"
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
+#include "platform/FileRevealer.h"
 #include "platform/FrontmostApp.h"
 #include "platform/HotKeys.h"
 #include "platform/KeyboardLayout.h"
+#include "platform/Notifications.h"
 #include "platform/OverlaySurface.h"
 #include "platform/ScreenGrabber.h"
+#include "platform/SoundPlayer.h"
+#include "platform/TextRecognizer.h"
+#include "platform/ToastWindow.h"
+#include "platform/Tray.h"
 
 namespace tovek {
 

@@ -7,17 +7,25 @@
 
 namespace tovek {
 
+class CapturePermission;
 class Clipboard;
 class Clock;
+class FileRevealer;
 class FrontmostApp;
 class HotKeys;
 class KeyboardLayout;
+class Notifications;
 class OverlayShell;
 class ScreenGrabber;
 class Screens;
+class SoundOutput;
+class TextRecognizer;
+class ToastShell;
+class Tray;
 
 /// The desktop's services, each chosen for the session that the program runs in. Made once by
-/// main; every member is set.
+/// main. Those of the first group are always set; of the second, what the session does not have is
+/// null, and the program does without.
 struct Platform
 {
     Platform();
@@ -33,6 +41,14 @@ struct Platform
     std::unique_ptr<KeyboardLayout> keyboardLayout;
     std::unique_ptr<Clipboard> clipboard;
     std::unique_ptr<FrontmostApp> frontmostApp;
+
+    std::unique_ptr<CapturePermission> capturePermission;
+    std::unique_ptr<ToastShell> toastShell;
+    std::unique_ptr<SoundOutput> soundOutput;
+    std::unique_ptr<Notifications> notifications;
+    std::unique_ptr<FileRevealer> fileRevealer;
+    std::unique_ptr<Tray> tray;
+    std::unique_ptr<TextRecognizer> textRecognizer;
 };
 
 } // namespace tovek
