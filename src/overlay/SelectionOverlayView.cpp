@@ -113,13 +113,13 @@ void SelectionOverlayView::setCaptureCursor()
 void SelectionOverlayView::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::LeftButton)
-        press(m_space.pointFromWidget(event->position()), 1);
+        press(pointOf(*event), 1);
 }
 
 void SelectionOverlayView::mouseDoubleClickEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::LeftButton)
-        press(m_space.pointFromWidget(event->position()), 2);
+        press(pointOf(*event), 2);
 }
 
 void SelectionOverlayView::press(Point at, int clickCount)
@@ -143,7 +143,7 @@ void SelectionOverlayView::press(Point at, int clickCount)
 
 void SelectionOverlayView::mouseMoveEvent(QMouseEvent *event)
 {
-    const Point at = m_space.pointFromWidget(event->position());
+    const Point at = pointOf(*event);
     if (!(event->buttons() & Qt::LeftButton))
         return updateCursor(at);
     if (m_state.selectionRect) {
@@ -172,7 +172,7 @@ void SelectionOverlayView::mouseReleaseEvent(QMouseEvent *event)
     case SelectionState::Release::nothing:
         break;
     }
-    updateCursor(m_space.pointFromWidget(event->position()));
+    updateCursor(pointOf(*event));
 }
 
 void SelectionOverlayView::keyPressEvent(QKeyEvent *event)
@@ -231,6 +231,13 @@ void SelectionOverlayView::paintEvent(QPaintEvent *event)
     // Only a platform that cannot draw the list itself gets here before the pixels are there.
     paintDisplayList(painter, m_list, m_context.screenshot->pixels().result(), m_space.scale,
                      event->region());
+}
+
+Point SelectionOverlayView::pointOf(const QMouseEvent &event) const
+{
+    // The toolkit rounds the positions inside a widget and on the screen to whole points, which
+    // misses pixels at scales above 1. It keeps that in the window, which this view fills.
+    return m_space.pointFromWidget(event.scenePosition());
 }
 
 void SelectionOverlayView::updateCursor(Point at)

@@ -77,6 +77,7 @@ protected:
     void focusOutEvent(QFocusEvent *) override { }
 
 private:
+    Point pointOf(const QMouseEvent &event) const;
     void press(Point at, int clickCount);
     void updateCursor(Point at);
     void showCursor(Qt::CursorShape shape);
