@@ -4,6 +4,7 @@
 #include "KeyboardShortcuts/ShortcutService.h"
 #include "app/HotkeyManager.h"
 #include "app/PlatformFactory.h"
+#include "app/StartMessages.h"
 #include "app/TovekApp.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
@@ -71,7 +72,9 @@ int run(int &argc, char **argv)
     HotkeyManager hotkeyManager;
     hotkeyManager.registerShortcuts();
 
+    auto startMessages = std::make_unique<StartMessages>();
     QApplication application(argc, argv);
+    startMessages.reset();
     QApplication::setApplicationName(QStringLiteral("tovek"));
     QApplication::setApplicationVersion(QStringLiteral(TOVEK_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("org.tovek.Tovek"));
