@@ -119,7 +119,7 @@ bool TextRegionOverlayView::highlightsText() const
 
 Point TextRegionOverlayView::pointOf(QPointF at) const
 {
-    return ViewSpace {{double(width()), double(height())}, 1}.pointFromWidget(at);
+    return ViewSpace{{double(width()), double(height())}, 1}.pointFromWidget(at);
 }
 
 void TextRegionOverlayView::follow(const TextSelectionResponse &response, QEvent *event)

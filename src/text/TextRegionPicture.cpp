@@ -45,9 +45,9 @@ void fill(const QRectF &rect, double alpha, std::vector<DisplayList::Item> &item
     for (const Stretch &row : stretches(rect.top(), rect.bottom())) {
         for (const Stretch &column : stretches(rect.left(), rect.right())) {
             const int a = qRound(255 * alpha * row.coverage * column.coverage);
-            items.push_back(DisplayList::Fill {
-                QRect(column.from, row.from, column.length, row.length),
-                qPremultiply(qRgba(blue.red(), blue.green(), blue.blue(), a))});
+            items.push_back(
+                DisplayList::Fill{QRect(column.from, row.from, column.length, row.length),
+                                  qPremultiply(qRgba(blue.red(), blue.green(), blue.blue(), a))});
         }
     }
 }

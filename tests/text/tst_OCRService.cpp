@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "text/OCRService.h"
-
 #include "fakes/FakeTextRecognizer.h"
+#include "text/OCRService.h"
 #include "text/ObservedWords.h"
 
 #include <QRegularExpression>
@@ -64,13 +63,13 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("text");
         QTest::addColumn<QStringList>("expected");
-        QTest::newRow("one word") << "word" << QStringList {"word"};
-        QTest::newRow("blanks") << "two  words" << QStringList {"two", "words"};
-        QTest::newRow("a tab") << "two\twords" << QStringList {"two", "words"};
-        QTest::newRow("blanks around") << "  in between " << QStringList {"in", "between"};
-        QTest::newRow("a non-breaking blank") << QString("10\u00a0px") << QStringList {"10"};
-        QTest::newRow("blanks only") << "   " << QStringList {};
-        QTest::newRow("nothing") << "" << QStringList {};
+        QTest::newRow("one word") << "word" << QStringList{"word"};
+        QTest::newRow("blanks") << "two  words" << QStringList{"two", "words"};
+        QTest::newRow("a tab") << "two\twords" << QStringList{"two", "words"};
+        QTest::newRow("blanks around") << "  in between " << QStringList{"in", "between"};
+        QTest::newRow("a non-breaking blank") << QString("10\u00a0px") << QStringList{"10"};
+        QTest::newRow("blanks only") << "   " << QStringList{};
+        QTest::newRow("nothing") << "" << QStringList{};
     }
     void splitsLinesIntoWords()
     {
@@ -85,7 +84,7 @@ private Q_SLOTS:
     void givesRepeatedWordsTheirOwnPlaces()
     {
         const auto words = wordsOf(FakeTextRecognizer::lineOf("to be or not to be"), {180, 20});
-        QCOMPARE(textsOf(words), (QStringList {"to", "be", "or", "not", "to", "be"}));
+        QCOMPARE(textsOf(words), (QStringList{"to", "be", "or", "not", "to", "be"}));
         QCOMPARE(words[0].boundingBox.x, 0.0);
         QCOMPARE(words[4].boundingBox.x, 130.0 / 180);
         QCOMPARE(words[1].boundingBox.x, 30.0 / 180);
@@ -101,14 +100,14 @@ private Q_SLOTS:
     void turnsPixelsIntoNormalisedBoxesWithYUp()
     {
         const auto words = wordsOf(FakeTextRecognizer::lineOf("word", 10), {80, 100});
-        QVERIFY((words.front().boundingBox == Rect {0, 0.7, 0.5, 0.2}));
+        QVERIFY((words.front().boundingBox == Rect{0, 0.7, 0.5, 0.2}));
     }
 
     void leavesOutAWordWithoutABox()
     {
         TextObservation line = FakeTextRecognizer::lineOf("one two three");
         line.ranges.erase(line.ranges.begin() + 1);
-        QCOMPARE(textsOf(wordsOf(line, {200, 20})), (QStringList {"one", "three"}));
+        QCOMPARE(textsOf(wordsOf(line, {200, 20})), (QStringList{"one", "three"}));
     }
 
     void recognisesTheLinesInTheirOrder()
@@ -118,7 +117,7 @@ private Q_SLOTS:
                                           FakeTextRecognizer::lineOf("first", 0)};
         OCRService service(recognizer);
         const auto regions = service.recognizeText(picture(200, 40, 2)).result();
-        QCOMPARE(textsOf(regions), (QStringList {"second", "line", "first"}));
+        QCOMPARE(textsOf(regions), (QStringList{"second", "line", "first"}));
         QCOMPARE(recognizer.images.front().size(), QSize(200, 40));
         QCOMPARE(recognizer.scales.front(), 2.0);
     }
@@ -136,8 +135,8 @@ private Q_SLOTS:
         FakeTextRecognizer recognizer;
         recognizer.result.error = "no model";
         OCRService service(recognizer);
-        const QByteArray output = outputOf(
-            [&] { QVERIFY(service.recognizeText(picture(20, 20)).result().empty()); });
+        const QByteArray output =
+            outputOf([&] { QVERIFY(service.recognizeText(picture(20, 20)).result().empty()); });
         QCOMPARE(output, QByteArray("OCR failed: no model\n"));
     }
 

@@ -38,11 +38,11 @@ struct Words : TextSelection
     QStringList reports;
 };
 
-constexpr Point inA {5, 25};
-constexpr Point inB {25, 25};
-constexpr Point inC {5, 5};
-constexpr Point inD {25, 5};
-constexpr Point beside {80, 35};
+constexpr Point inA{5, 25};
+constexpr Point inB{25, 25};
+constexpr Point inC{5, 5};
+constexpr Point inD{25, 5};
+constexpr Point beside{80, 35};
 
 } // namespace
 
@@ -56,9 +56,9 @@ private Q_SLOTS:
     void mapsBoxesIntoTheBounds()
     {
         Words words;
-        QVERIFY((words.rectOf(1) == Rect {20, 20, 10, 10}));
+        QVERIFY((words.rectOf(1) == Rect{20, 20, 10, 10}));
         words.selectionBounds = {10, 10, 200, 80};
-        QVERIFY((words.rectOf(1) == Rect {50, 50, 20, 20}));
+        QVERIFY((words.rectOf(1) == Rect{50, 50, 20, 20}));
     }
 
     void aClickSelectsOneWordAndReportsOnRelease()
@@ -71,7 +71,7 @@ private Q_SLOTS:
         QVERIFY(!words.mouseUp().isPassedOn);
         QVERIFY(!words.isDragging);
         QVERIFY(!words.dragStart && !words.selectionStartIndex);
-        QCOMPARE(words.reports, QStringList {"b"});
+        QCOMPARE(words.reports, QStringList{"b"});
     }
 
     void aDragSelectsInReadingOrderEitherWay_data()
@@ -117,7 +117,7 @@ private Q_SLOTS:
         words.reports.clear();
         const auto response = words.mouseDown(beside);
         QVERIFY(response.isPassedOn && response.needsDisplay);
-        QCOMPARE(words.reports, QStringList {""});
+        QCOMPARE(words.reports, QStringList{""});
         QVERIFY(words.selectedIndices.empty());
     }
 
@@ -140,14 +140,14 @@ private Q_SLOTS:
     void hoverFollowsThePointer()
     {
         Words words;
-        QCOMPARE(words.mouseMoved(inA), (TextSelectionResponse {false, true, Cursor::iBeam}));
+        QCOMPARE(words.mouseMoved(inA), (TextSelectionResponse{false, true, Cursor::iBeam}));
         QCOMPARE(words.hoveredIndex, std::optional(0));
-        QCOMPARE(words.mouseMoved({6, 26}), (TextSelectionResponse {false, false, Cursor::iBeam}));
-        QCOMPARE(words.mouseMoved(inB), (TextSelectionResponse {false, true, Cursor::iBeam}));
-        QCOMPARE(words.mouseMoved(beside), (TextSelectionResponse {false, true, Cursor::arrow}));
-        QCOMPARE(words.mouseMoved(beside), (TextSelectionResponse {false, false, Cursor::arrow}));
+        QCOMPARE(words.mouseMoved({6, 26}), (TextSelectionResponse{false, false, Cursor::iBeam}));
+        QCOMPARE(words.mouseMoved(inB), (TextSelectionResponse{false, true, Cursor::iBeam}));
+        QCOMPARE(words.mouseMoved(beside), (TextSelectionResponse{false, true, Cursor::arrow}));
+        QCOMPARE(words.mouseMoved(beside), (TextSelectionResponse{false, false, Cursor::arrow}));
         (void)words.mouseMoved(inB);
-        QCOMPARE(words.mouseExited(), (TextSelectionResponse {false, true, Cursor::arrow}));
+        QCOMPARE(words.mouseExited(), (TextSelectionResponse{false, true, Cursor::arrow}));
         QVERIFY(!words.hoveredIndex);
     }
 
@@ -166,8 +166,8 @@ private Q_SLOTS:
         (void)words.mouseMoved(inB);
         words.reports.clear();
         words.passMouseEventsThrough = true;
-        const TextSelectionResponse passed {true, false, {}};
-        QCOMPARE(words.mouseMoved(inA), (TextSelectionResponse {true, true, {}}));
+        const TextSelectionResponse passed{true, false, {}};
+        QCOMPARE(words.mouseMoved(inA), (TextSelectionResponse{true, true, {}}));
         QVERIFY(!words.hoveredIndex);
         QCOMPARE(words.mouseMoved(inA), passed);
         QCOMPARE(words.mouseDown(inB), passed);

@@ -3,6 +3,7 @@
 
 #include "platform/linux/ocr/PageReading.h"
 
+#include "platform/linux/ocr/Plausibility.h"
 #include "platform/linux/ocr/WordBreaks.h"
 
 #include <QImage>
@@ -48,6 +49,7 @@ std::vector<std::vector<ReadWord>> linesOf(const Page &page,
     for (std::size_t i = 0; i < readings.size(); ++i) {
         breakWords(readings[i], page.metrics[i].capHeight);
         std::vector<ReadWord> words = readWords(readings[i]);
+        dropPictures(words, page.metrics[i]);
         if (!words.empty())
             lines.push_back(std::move(words));
     }

@@ -15,7 +15,7 @@ struct Page
 {
     InkMap ink;
     std::vector<TextRun> runs; ///< as they are read: from the top, columns from the left
-    std::vector<LetterMetrics> metrics;   ///< one a run
+    std::vector<LetterMetrics> metrics; ///< one a run
     std::vector<std::size_t> widestFirst; ///< the order that keeps several readers busy longest
 };
 

@@ -24,7 +24,9 @@ constexpr int strokeInk = 100;
 /// ink counts as much as its distance.
 constexpr double unreadSegment = 0.9;
 constexpr double unseenCharacter = 1.6;
-constexpr double extraPiece = 0.3;
+constexpr double unreadMark = 0.35; ///< ink that is named by its shape
+constexpr double extraPiece = 0.6;
+constexpr double extraStroke = 0.1; ///< of the double quote
 constexpr double extraShare = 0.25;
 constexpr double distanceWeight = 0.25;
 constexpr double farthest = 1.2;
@@ -86,6 +88,7 @@ struct Placed
     double center = 0;
     double width = 0; ///< usual, in cap heights
     bool startsWord = false;
+    bool isQuote = false;
 };
 
 struct Step
@@ -100,13 +103,15 @@ class Alignment
 {
 public:
     Alignment(const std::vector<Placed> &symbols, const std::vector<QRect> &segments,
-              double capHeight)
+              const LetterMetrics &metrics)
         : m_symbols(symbols)
         , m_segments(segments)
-        , m_capHeight(capHeight)
+        , m_capHeight(metrics.capHeight)
         , m_columns(int(segments.size()) + 1)
         , m_steps((symbols.size() + 1) * (segments.size() + 1))
     {
+        for (const QRect &segment : segments)
+            m_isMark.push_back(markOf(segment, metrics) != Mark::none);
         step(0, 0).cost = 0;
         for (int i = 0; i <= int(symbols.size()); ++i) {
             for (int j = 0; j <= int(segments.size()); ++j)
@@ -148,7 +153,8 @@ private:
         if (std::isinf(step(i, j).cost))
             return;
         offer(i, j, 1, 0, unseenCharacter);
-        offer(i, j, 0, 1, unreadSegment);
+        if (j < int(m_segments.size()))
+            offer(i, j, 0, 1, m_isMark[j] ? unreadMark : unreadSegment);
         for (int n = 1;
              n <= mostShared && i + n <= int(m_symbols.size()) && j < int(m_segments.size()); ++n)
             offer(i, j, n, 1, shareCost(i, n, j));
@@ -156,7 +162,8 @@ private:
              n <= mostPieces && i < int(m_symbols.size()) && j + n <= int(m_segments.size()); ++n) {
             const QRect box = m_segments[j] | m_segments[j + n - 1];
             offer(i, j, 1, n,
-                  distance(m_symbols[i].center, centerX(box)) + extraPiece * (n - 1)
+                  distance(m_symbols[i].center, centerX(box))
+                      + (m_symbols[i].isQuote ? extraStroke : extraPiece) * (n - 1)
                       + mismatch(m_symbols[i].width, box) + gapCost(i, j));
         }
     }
@@ -201,6 +208,7 @@ private:
     const std::vector<Placed> &m_symbols;
     const std::vector<QRect> &m_segments;
     double m_capHeight;
+    std::vector<bool> m_isMark;
     int m_columns;
     std::vector<Step> m_steps;
 };
@@ -211,6 +219,25 @@ QRect slice(const QRect &box, int part, int parts)
     result.setLeft(box.left() + box.width() * part / parts);
     result.setRight(box.left() + box.width() * (part + 1) / parts - 1);
     return result;
+}
+
+/// Two hyphens that have run together: a long dash that begins a word. A dash of that length
+/// stands between words or ends one.
+bool startsOption(const std::vector<QRect> &segments, std::size_t j, const LetterMetrics &metrics)
+{
+    const QRect &dash = segments[j];
+    const double cap = metrics.capHeight;
+    if (dash.width() < cap * 0.6 || dash.width() > cap * 1.05 || j + 1 >= segments.size())
+        return false;
+    const bool isAtStart = j == 0 || dash.left() - segments[j - 1].right() > cap * 0.3;
+    return isAtStart && segments[j + 1].left() - dash.right() - 1 < cap * 0.25;
+}
+
+/// What is read as an em dash, but is narrower than any: two hyphens that have run together.
+bool isTwoHyphens(const QString &text, const QRect &dash, const LetterMetrics &metrics)
+{
+    const double width = dash.width() / metrics.capHeight;
+    return text == QStringLiteral("\u2014") && width >= 0.6 && width <= 1.15;
 }
 
 /// Ink whose shape names it. False where a character must be asked for.
@@ -230,8 +257,14 @@ bool appendPlain(const std::vector<EngineSymbol> &symbols, std::size_t i,
     const bool isDashLike = isUnread || dashes.contains(symbols[i].text);
     const double confidence = isUnread ? 50 : symbols[i].confidence;
     if (mark == Mark::dash && isDashLike) {
-        for (int k = 0; k < step.segments; ++k)
-            result.push_back({QStringLiteral("-"), segments[j + k], confidence, false, 1});
+        for (int k = 0; k < step.segments; ++k) {
+            const bool isLong =
+                !isUnread && isTwoHyphens(symbols[i].text, segments[j + k], metrics);
+            const int count = isLong || startsOption(segments, j + k, metrics) ? 2 : 1;
+            for (int n = 0; n < count; ++n)
+                result.push_back({QStringLiteral("-"), slice(segments[j + k], n, count), confidence,
+                                  false, count});
+        }
         return true;
     }
     if (mark == Mark::underscore && isDashLike) {
@@ -325,12 +358,12 @@ std::vector<InkSymbol> alignedSymbols(const std::vector<EngineSymbol> &symbols,
     std::vector<Placed> placed;
     for (const EngineSymbol &symbol : symbols)
         placed.push_back({strip.pictureX((symbol.left + symbol.right) / 2), usualWidth(symbol.text),
-                          symbol.startsWord});
+                          symbol.startsWord, symbol.text == QLatin1String("\"")});
     std::vector<InkSymbol> result;
     std::size_t i = 0;
     std::size_t j = 0;
     bool startsWord = false;
-    for (const Step &step : Alignment(placed, segments, metrics.capHeight).path()) {
+    for (const Step &step : Alignment(placed, segments, metrics).path()) {
         // A dropped character leaves its word break to the next one.
         startsWord = startsWord || (step.symbols > 0 && symbols[i].startsWord);
         const std::size_t before = result.size();

@@ -14,8 +14,8 @@ struct TextRun
     std::vector<InkPatch> patches; ///< from left to right
 };
 
-/// The runs in a picture as they are read: bands from the top, in each its columns from the left. Patches that no letter can be (frames, large
-/// pictures) are left out.
+/// The runs in a picture as they are read: bands from the top, in each its columns from the left.
+/// Patches that no letter can be (frames, large pictures) are left out.
 std::vector<TextRun> textRuns(const std::vector<InkPatch> &patches);
 
 /// The heights that a run's letters share, in pixels of the picture.

@@ -11,26 +11,41 @@ namespace tovek {
 
 namespace {
 
-/// Characters needed before a grid can be told from chance.
-constexpr std::size_t leastForPitch = 6;
+/// Letters needed before a grid can be told from chance. Digits do not count: they are equally
+/// wide in most proportional fonts too.
+constexpr int leastLetters = 6;
 /// How far, in cells, characters may stand off the middle of their cells on average.
-constexpr double pitchTolerance = 0.13;
+constexpr double pitchTolerance = 0.11;
 /// In cap heights: gaps narrower than the first are never, wider than the second always a blank.
 constexpr double narrowestBlank = 0.14;
 constexpr double widestLetterGap = 0.62;
-/// In cap heights: gaps this close to the dividing width are left to the engine. It rarely breaks
-/// a word that is whole, but often misses a break beside a short word.
-constexpr double doubtAbove = 0.02;
-constexpr double doubtBelow = 0.14;
+/// In cap heights, above the usual gap between letters: what the engine calls a blank is one from
+/// the first on; from the second on the gap alone tells. The engine rarely breaks a word that is
+/// whole, but often misses a break beside a short word.
+constexpr double blankWithEngine = 0.07;
+constexpr double blankByItself = 0.18;
+constexpr double blankInProportional = 0.28;
 
 double centerX(const QRect &box)
 {
     return box.left() + box.width() / 2.0;
 }
 
-double gapBefore(const std::vector<InkSymbol> &symbols, std::size_t i)
+/// Letters whose ink hangs over their right or left edge, so that the gap beside them looks
+/// smaller than the room that they take; in cap heights.
+double overhang(const QString &before, const QString &after)
 {
-    return symbols[i].box.left() - symbols[i - 1].box.right() - 1;
+    static const QString farRight = QStringLiteral("f");
+    static const QString right = QStringLiteral("rtTFPVWYvwyk/");
+    static const QString left = QStringLiteral("jTVWYvwyA/");
+    const double beside = farRight.contains(before) ? 0.1 : right.contains(before) ? 0.05 : 0;
+    return beside + (left.contains(after) ? 0.05 : 0);
+}
+
+double gapBefore(const std::vector<InkSymbol> &symbols, std::size_t i, double capHeight)
+{
+    return (symbols[i].box.left() - symbols[i - 1].box.right() - 1) / capHeight
+        + overhang(symbols[i - 1].text, symbols[i].text);
 }
 
 /// Puts the centers on cells of about `width` and fits the width to them; the mean distance from
@@ -97,11 +112,41 @@ double dividingGap(const std::vector<double> &gaps, const std::vector<bool> &eng
     return best;
 }
 
+/// Letters of about the same width look like a grid until the first blank, which is narrower than
+/// a cell in proportional text.
+bool agreesWithEngine(const Pitch &pitch, const std::vector<InkSymbol> &symbols, double capHeight)
+{
+    int breaks = 0;
+    int refused = 0;
+    for (std::size_t i = 1; i < symbols.size(); ++i) {
+        if (!symbols[i].startsWord || gapBefore(symbols, i, capHeight) < blankInProportional)
+            continue;
+        ++breaks;
+        refused += pitch.cells[i] - pitch.cells[i - 1] == 1;
+    }
+    return refused == 0 || refused * 2 < breaks;
+}
+
+double usualLetterGap(const std::vector<double> &gaps, double divide)
+{
+    std::vector<double> letterGaps;
+    std::copy_if(gaps.begin(), gaps.end(), std::back_inserter(letterGaps),
+                 [divide](double gap) { return gap < divide; });
+    if (letterGaps.empty())
+        return 0;
+    const auto middle = letterGaps.begin() + std::ptrdiff_t(letterGaps.size() / 2);
+    std::nth_element(letterGaps.begin(), middle, letterGaps.end());
+    return std::max(0.0, *middle);
+}
+
 } // namespace
 
 std::optional<Pitch> fixedPitch(const std::vector<InkSymbol> &symbols, double capHeight)
 {
-    if (symbols.size() < leastForPitch)
+    const auto letters = std::count_if(symbols.begin(), symbols.end(), [](const InkSymbol &one) {
+        return !one.text.at(0).isDigit();
+    });
+    if (letters < leastLetters)
         return std::nullopt;
     std::vector<double> centers;
     std::vector<double> distances;
@@ -125,7 +170,8 @@ void breakWords(std::vector<InkSymbol> &symbols, double capHeight)
     if (symbols.empty())
         return;
     symbols.front().startsWord = true;
-    if (const auto pitch = fixedPitch(symbols, capHeight)) {
+    const auto pitch = fixedPitch(symbols, capHeight);
+    if (pitch && agreesWithEngine(*pitch, symbols, capHeight)) {
         for (std::size_t i = 1; i < symbols.size(); ++i)
             symbols[i].startsWord = pitch->cells[i] - pitch->cells[i - 1] > 1;
         return;
@@ -133,14 +179,17 @@ void breakWords(std::vector<InkSymbol> &symbols, double capHeight)
     std::vector<double> gaps;
     std::vector<bool> engineBreaks;
     for (std::size_t i = 1; i < symbols.size(); ++i) {
-        gaps.push_back(gapBefore(symbols, i) / capHeight);
+        gaps.push_back(gapBefore(symbols, i, capHeight));
         engineBreaks.push_back(symbols[i].startsWord);
     }
     const double divide = dividingGap(gaps, engineBreaks);
+    const double letterGap = usualLetterGap(gaps, divide);
     for (std::size_t i = 1; i < symbols.size(); ++i) {
-        const double above = gaps[i - 1] - divide;
-        if (above > doubtAbove || above < -doubtBelow || gaps[i - 1] < narrowestBlank)
-            symbols[i].startsWord = above > 0;
+        const double gap = gaps[i - 1];
+        if (symbols[i].startsWord)
+            symbols[i].startsWord = gap > std::max(narrowestBlank, letterGap + blankWithEngine);
+        else
+            symbols[i].startsWord = gap > std::max(divide, letterGap + blankByItself);
     }
 }
 

@@ -1,0 +1,50 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/ocr/Plausibility.h"
+
+#include <algorithm>
+
+namespace tovek {
+
+namespace {
+
+/// The most characters that the engine reads into an icon.
+constexpr qsizetype mostInIcon = 3;
+/// Below this a word of a few characters is noise.
+constexpr double leastConfidence = 25;
+
+/// Higher and lower than the line's letters, and about as wide as high.
+bool isIcon(const ReadWord &word, const LetterMetrics &metrics)
+{
+    const double cap = metrics.capHeight;
+    const double above = metrics.baseline - word.box.top();
+    const double below = word.box.bottom() + 1 - metrics.baseline;
+    const double ratio = double(word.box.width()) / word.box.height();
+    return above > cap * 1.08 && below > cap * 0.08 && word.box.height() > cap * 1.25
+        && ratio > 0.55 && ratio < 1.8;
+}
+
+/// A letter or digit that floats above the line or is far too low for one.
+bool floats(const ReadWord &word, const LetterMetrics &metrics)
+{
+    if (word.text.size() != 1 || !word.text.at(0).isLetterOrNumber())
+        return false;
+    const double cap = metrics.capHeight;
+    const double below = word.box.bottom() + 1 - metrics.baseline;
+    return below < -cap * 0.15 || word.box.height() < metrics.xHeight * 0.75
+        || word.box.width() > cap * 1.5;
+}
+
+} // namespace
+
+void dropPictures(std::vector<ReadWord> &words, const LetterMetrics &metrics)
+{
+    std::erase_if(words, [&](const ReadWord &word) {
+        if (word.text.size() > mostInIcon)
+            return false;
+        return isIcon(word, metrics) || floats(word, metrics) || word.confidence < leastConfidence;
+    });
+}
+
+} // namespace tovek
