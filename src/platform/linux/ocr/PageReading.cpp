@@ -3,6 +3,7 @@
 
 #include "platform/linux/ocr/PageReading.h"
 
+#include "platform/linux/ocr/InkSegments.h"
 #include "platform/linux/ocr/Plausibility.h"
 #include "platform/linux/ocr/WordBreaks.h"
 

@@ -17,9 +17,6 @@ namespace {
 constexpr int mostShared = 32;
 constexpr int mostPieces = 3;
 
-/// Of 255: weaker ink is the soft edge of a stroke.
-constexpr int strokeInk = 100;
-
 /// Costs of an alignment. The engine's places drift by up to a letter, so that the width of the
 /// ink counts as much as its distance.
 constexpr double unreadSegment = 0.9;
@@ -60,13 +57,15 @@ double centerX(const QRect &box)
 /// Marks that are told by shape and place alone.
 enum class Mark { none, dash, underscore, dot };
 
-Mark markOf(const QRect &box, const LetterMetrics &metrics)
+/// Two rows are as thin as a stroke gets in small text, but there they may be a piece of a letter.
+Mark markOf(const QRect &box, const LetterMetrics &metrics, bool isReadAsDash = false)
 {
     const double cap = metrics.capHeight;
     const double height = box.height() / cap;
     const double width = box.width() / cap;
     const double above = (metrics.baseline - box.bottom() - 1) / cap;
-    const bool isFlat = height <= 0.24 && box.width() >= box.height() * 1.4 && width >= 0.22;
+    const bool isThin = height <= 0.24 || (isReadAsDash && box.height() <= 2);
+    const bool isFlat = isThin && box.width() >= box.height() * 1.4 && width >= 0.22;
     if (isFlat && above >= 0.14 && above <= 0.6 && width <= 1.2)
         return Mark::dash;
     if (isFlat && above <= 0.02 && width >= 0.4)
@@ -248,13 +247,13 @@ bool appendPlain(const std::vector<EngineSymbol> &symbols, std::size_t i,
     if (step.segments == 0)
         return false;
     static const QString dashes = QStringLiteral("-~_=\u2014\u2013\u00ad\u00ab\u00bb");
-    const Mark mark = markOf(segments[j], metrics);
-    for (int k = 1; k < step.segments; ++k) {
-        if (markOf(segments[j + k], metrics) != mark)
-            return false;
-    }
     const bool isUnread = step.symbols == 0;
     const bool isDashLike = isUnread || dashes.contains(symbols[i].text);
+    const Mark mark = markOf(segments[j], metrics, !isUnread && isDashLike);
+    for (int k = 1; k < step.segments; ++k) {
+        if (markOf(segments[j + k], metrics, !isUnread && isDashLike) != mark)
+            return false;
+    }
     const double confidence = isUnread ? 50 : symbols[i].confidence;
     if (mark == Mark::dash && isDashLike) {
         for (int k = 0; k < step.segments; ++k) {
@@ -299,57 +298,7 @@ void appendRead(const std::vector<EngineSymbol> &symbols, std::size_t i,
     }
 }
 
-/// Dashes that stand so close that their soft edges meet: cut where the ink thins out.
-std::vector<QRect> separateDashes(const InkMap &ink, const QRect &box)
-{
-    std::vector<int> columns;
-    for (int x = box.left(); x <= box.right(); ++x) {
-        int strongest = 0;
-        for (int y = box.top(); y <= box.bottom(); ++y)
-            strongest = std::max(strongest, int(ink.at(x, y)));
-        columns.push_back(strongest);
-    }
-    const int full = *std::max_element(columns.begin(), columns.end());
-    std::vector<QRect> parts;
-    int start = 0;
-    for (int x = 1; x + 1 < int(columns.size()); ++x) {
-        const bool isValley = columns[x] <= columns[x - 1] && columns[x] < columns[x + 1]
-            && columns[x] * 5 < full * 4;
-        if (!isValley || x - start < box.height())
-            continue;
-        parts.push_back(QRect(box.left() + start, box.top(), x - start, box.height()));
-        start = x + 1;
-    }
-    parts.push_back(box.adjusted(start, 0, 0, 0));
-    return parts;
-}
-
 } // namespace
-
-std::vector<QRect> inkSegments(const InkMap &ink, const TextRun &run)
-{
-    std::vector<QRect> boxes;
-    for (const InkPatch &patch : inkPatches(ink, strokeInk)) {
-        const bool isFlat = patch.box.width() >= patch.box.height() * 3;
-        for (const QRect &box : isFlat ? separateDashes(ink, patch.box) : std::vector{patch.box})
-            boxes.push_back(box.translated(run.box.topLeft()));
-    }
-    std::sort(boxes.begin(), boxes.end(),
-              [](const QRect &a, const QRect &b) { return a.left() < b.left(); });
-    std::vector<QRect> segments;
-    for (const QRect &box : boxes) {
-        if (!segments.empty()) {
-            QRect &last = segments.back();
-            const int overlap = std::min(last.right(), box.right()) - box.left() + 1;
-            if (overlap * 2 > std::min(last.width(), box.width())) {
-                last |= box;
-                continue;
-            }
-        }
-        segments.push_back(box);
-    }
-    return segments;
-}
 
 std::vector<InkSymbol> alignedSymbols(const std::vector<EngineSymbol> &symbols,
                                       const LineStrip &strip, const std::vector<QRect> &segments,

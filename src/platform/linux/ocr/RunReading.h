@@ -26,10 +26,6 @@ struct ReadWord
     bool operator==(const ReadWord &) const = default;
 };
 
-/// Pieces of ink that stand side by side, in the picture's pixels: the dot is with its i. `ink` as
-/// from evenInk. Soft edges do not count, so that letters which only their edges join are apart.
-std::vector<QRect> inkSegments(const InkMap &ink, const TextRun &run);
-
 /// Gives each character the segments that it names: touching letters share one, a character may
 /// take several. Ink that was passed over is named where its shape is plain (dots, dashes,
 /// underscores), and those are counted as the ink has them; characters without ink are dropped.

@@ -1,0 +1,146 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/ocr/InkSegments.h"
+#include "platform/linux/ocr/Plausibility.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace tovek;
+
+namespace {
+
+/// A line of capitals 10 high, baseline at 10.
+constexpr LetterMetrics metrics{10, 10, 7, true};
+
+LineStrip plainStrip()
+{
+    LineStrip strip;
+    strip.left = 0;
+    strip.scale = 1;
+    return strip;
+}
+
+EngineSymbol symbol(const QString &text, double left, double right, bool startsWord = false)
+{
+    return {text, left, right, 90, startsWord};
+}
+
+QString textOf(const std::vector<InkSymbol> &symbols)
+{
+    QString text;
+    for (const InkSymbol &one : symbols)
+        text += one.text;
+    return text;
+}
+
+} // namespace
+
+class TestRunReading : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(".*")); }
+
+    void keepsTheDotWithItsLetter()
+    {
+        InkMap ink{{10, 8}, std::vector<std::uint8_t>(80, 0)};
+        for (int y : {0, 3, 4, 5, 6, 7})
+            ink.contrast[std::size_t(y) * 10 + 2] = 255;
+        for (int y = 3; y < 8; ++y)
+            ink.contrast[std::size_t(y) * 10 + 6] = 255;
+        TextRun run{QRect(100, 50, 10, 8), {}};
+        QCOMPARE(inkSegments(ink, run), (std::vector{QRect(102, 50, 1, 8), QRect(106, 53, 1, 5)}));
+    }
+
+    void namesInkThatWasPassedOver_data()
+    {
+        QTest::addColumn<QRect>("passedOver");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("dot") << QRect(9, 8, 2, 2) << "a.b";
+        QTest::newRow("dash") << QRect(9, 5, 4, 1) << "a-b";
+        QTest::newRow("underscore") << QRect(9, 11, 6, 1) << "a_b";
+        QTest::newRow("two underscores") << QRect(9, 11, 14, 1) << "a__b";
+        QTest::newRow("no mark") << QRect(9, 2, 5, 5) << "ab";
+    }
+    void namesInkThatWasPassedOver()
+    {
+        QFETCH(QRect, passedOver);
+        const int after = passedOver.right() + 3;
+        const auto symbols =
+            alignedSymbols({symbol("a", 0, 7, true), symbol("b", after, after + 7)}, plainStrip(),
+                           {QRect(0, 3, 7, 7), passedOver, QRect(after, 0, 7, 10)}, metrics);
+        QTEST(textOf(symbols), "expected");
+    }
+
+    void countsDashesByTheirInk()
+    {
+        const auto symbols =
+            alignedSymbols({symbol("-", 0, 9, true), symbol("a", 12, 18)}, plainStrip(),
+                           {QRect(0, 5, 4, 1), QRect(6, 5, 4, 1), QRect(12, 3, 6, 7)}, metrics);
+        QCOMPARE(textOf(symbols), QString("--a"));
+    }
+
+    void tellsTwoHyphensFromALongDash()
+    {
+        const std::vector<QRect> segments{QRect(0, 5, 8, 1), QRect(10, 3, 6, 7)};
+        const auto read = [&](double from) {
+            return alignedSymbols({symbol("-", 0, 8, true), symbol("a", from, from + 6)},
+                                  plainStrip(), segments, metrics);
+        };
+        QCOMPARE(textOf(read(10)), QString("--a"));
+    }
+
+    void dividesTouchingLetters()
+    {
+        const auto symbols =
+            alignedSymbols({symbol("a", 0, 7, true), symbol("b", 7, 14), symbol("c", 16, 22)},
+                           plainStrip(), {QRect(0, 0, 14, 10), QRect(16, 3, 6, 7)}, metrics);
+        QCOMPARE(textOf(symbols), QString("abc"));
+        QCOMPARE(symbols[0].box, QRect(0, 0, 7, 10));
+        QCOMPARE(symbols[1].box, QRect(7, 0, 7, 10));
+        QCOMPARE(symbols[2].box, QRect(16, 3, 6, 7));
+    }
+
+    void putsWordsTogether()
+    {
+        const auto words = readWords({{"a", QRect(0, 3, 7, 7), 80, true, 1},
+                                      {"b", QRect(9, 0, 7, 10), 90, false, 1},
+                                      {"c", QRect(24, 3, 7, 7), 70, true, 1}});
+        QCOMPARE(words,
+                 (std::vector{ReadWord{"ab", QRect(0, 0, 16, 10), 85},
+                              ReadWord{"c", QRect(24, 3, 7, 7), 70}}));
+    }
+
+    void dropsWhatIsNoText_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QRect>("box");
+        QTest::addColumn<double>("confidence");
+        QTest::addColumn<bool>("isKept");
+        QTest::newRow("letter") << "a" << QRect(0, 3, 7, 7) << 90.0 << true;
+        QTest::newRow("descender") << "g" << QRect(0, 3, 7, 10) << 90.0 << true;
+        QTest::newRow("icon") << "Q" << QRect(0, -3, 16, 16) << 90.0 << false;
+        QTest::newRow("bracket") << "(" << QRect(0, -1, 4, 14) << 90.0 << true;
+        QTest::newRow("arrow read as a letter") << "v" << QRect(0, 3, 6, 4) << 90.0 << false;
+        QTest::newRow("dash in the same place") << "-" << QRect(0, 5, 6, 1) << 90.0 << true;
+        QTest::newRow("noise") << "x" << QRect(0, 3, 7, 7) << 10.0 << false;
+        QTest::newRow("long word, little confidence")
+            << "noises" << QRect(0, 3, 40, 7) << 10.0 << true;
+    }
+    void dropsWhatIsNoText()
+    {
+        QFETCH(QString, text);
+        QFETCH(QRect, box);
+        QFETCH(double, confidence);
+        QFETCH(bool, isKept);
+        std::vector<ReadWord> words{{text, box, confidence}};
+        dropPictures(words, metrics);
+        QCOMPARE(!words.empty(), isKept);
+    }
+};
+
+QTEST_APPLESS_MAIN(TestRunReading)
+#include "tst_RunReading.moc"

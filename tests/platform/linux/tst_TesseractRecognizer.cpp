@@ -1,0 +1,213 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/TesseractRecognizer.h"
+#include "platform/linux/ocr/RecognitionModels.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <random>
+
+using namespace tovek;
+
+namespace {
+
+QImage lineOf(const QString &text, const QFont &font, QColor paper, QColor ink)
+{
+    const QFontMetrics metrics(font);
+    QImage image(metrics.horizontalAdvance(text) + 40, metrics.height() + 16, QImage::Format_RGB32);
+    image.fill(paper);
+    QPainter painter(&image);
+    painter.setFont(font);
+    painter.setPen(ink);
+    painter.drawText(20, 8 + metrics.ascent(), text);
+    return image;
+}
+
+QString textOf(const RecognitionResult &result)
+{
+    QStringList lines;
+    for (const TextObservation &observation : result.observations)
+        lines += observation.text;
+    return lines.join('\n');
+}
+
+qint64 residentKilobytes()
+{
+    QFile file("/proc/self/statm");
+    return file.open(QIODevice::ReadOnly) ? file.readAll().split(' ').at(1).toLongLong() * 4 : 0;
+}
+
+QImage noise(QSize size)
+{
+    QImage image(size, QImage::Format_RGB32);
+    std::mt19937 random(1);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixel(x, y, random() | 0xff000000U);
+    }
+    return image;
+}
+
+} // namespace
+
+class TestTesseractRecognizer : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (!modelsIn(modelFolder()).contains("eng"))
+            QSKIP("no English recognition model is installed");
+        m_recognizer = std::make_unique<TesseractRecognizer>();
+    }
+    void cleanupTestCase() { m_recognizer.reset(); }
+    void init() { QTest::failOnWarning(QRegularExpression(".*")); }
+    void cleanup() { qunsetenv("TESSDATA_PREFIX"); }
+
+    void readsSingleLinesToTheLetter_data()
+    {
+        QTest::addColumn<QString>("family");
+        QTest::addColumn<int>("pixels");
+        QTest::addColumn<bool>("isDark");
+        for (const char *family : {"DejaVu Sans", "Liberation Sans", "DejaVu Sans Mono"}) {
+            for (int pixels : {10, 11, 12, 13, 14, 16}) {
+                for (bool isDark : {false, true})
+                    QTest::addRow("%s %d %s", family, pixels, isDark ? "dark" : "light")
+                        << family << pixels << isDark;
+            }
+        }
+    }
+    void readsSingleLinesToTheLetter()
+    {
+        QFETCH(QString, family);
+        QFETCH(int, pixels);
+        QFETCH(bool, isDark);
+        QFont font(family);
+        if (!QFontInfo(font).family().startsWith(family))
+            QSKIP("the font is not installed");
+        font.setPixelSize(pixels);
+        const QString text = "Open the file and save a copy of it";
+        const QImage image = lineOf(text, font, isDark ? QColor(40, 42, 46) : QColor(Qt::white),
+                                    isDark ? QColor(220, 220, 220) : QColor(30, 30, 30));
+        QCOMPARE(textOf(m_recognizer->recognize(image, 1).result()), text);
+    }
+
+    void givesRepeatedWordsTheirPlaces()
+    {
+        QFont font("DejaVu Sans");
+        font.setPixelSize(14);
+        const QFontMetrics metrics(font);
+        const QImage image = lineOf("to be or not to be", font, Qt::white, Qt::black);
+        const auto result = m_recognizer->recognize(image, 1).result();
+        QCOMPARE(textOf(result), QString("to be or not to be"));
+        const auto &ranges = result.observations.front().ranges;
+        QCOMPARE(ranges.size(), std::size_t(6));
+        for (std::size_t i : {0, 1, 4, 5}) {
+            const QString before = QString("to be or not to be").left(ranges[i].from);
+            const double left = 20 + metrics.horizontalAdvance(before);
+            QVERIFY2(std::abs(ranges[i].box.left() - left) <= 2, qPrintable(before));
+        }
+    }
+
+    void bearsEveryPicture_data()
+    {
+        QTest::addColumn<QImage>("image");
+        QImage black(3840, 2160, QImage::Format_RGB32);
+        black.fill(Qt::black);
+        QTest::newRow("black, 4K") << black;
+        QTest::newRow("noise") << noise({800, 600});
+        QTest::newRow("null") << QImage();
+        for (int size : {1, 2, 5, 20})
+            QTest::addRow("noise of %d", size) << noise({size, size});
+    }
+    void bearsEveryPicture()
+    {
+        QFETCH(QImage, image);
+        QElapsedTimer timer;
+        timer.start();
+        const RecognitionResult result = m_recognizer->recognize(image, 1).result();
+        QCOMPARE(result.error, QString());
+        QVERIFY(timer.elapsed() < 20000);
+    }
+
+    void saysWhatToInstallWithoutAModel()
+    {
+        QTemporaryDir empty;
+        qputenv("TESSDATA_PREFIX", QFile::encodeName(empty.path()));
+        const RecognitionResult result = m_recognizer->recognize(noise({30, 30}), 1).result();
+        QVERIFY(result.observations.empty());
+        QVERIFY(result.error.contains("tesseract-ocr-eng"));
+    }
+
+    void survivesADamagedModel_data()
+    {
+        QTest::addColumn<qint64>("length");
+        QTest::newRow("empty") << qint64(0);
+        QTest::newRow("cut off") << qint64(100000);
+    }
+    void survivesADamagedModel()
+    {
+        QFETCH(qint64, length);
+        QTemporaryDir folder;
+        QFile model(modelFolder() + "/eng.traineddata");
+        QVERIFY(model.open(QIODevice::ReadOnly));
+        QFile damaged(folder.filePath("eng.traineddata"));
+        QVERIFY(damaged.open(QIODevice::WriteOnly));
+        damaged.write(model.read(length));
+        damaged.close();
+        qputenv("TESSDATA_PREFIX", QFile::encodeName(folder.path()));
+        QFont font("DejaVu Sans");
+        const QImage image = lineOf("text", font, Qt::white, Qt::black);
+        const RecognitionResult result = m_recognizer->recognize(image, 1).result();
+        QVERIFY(result.observations.empty());
+        QVERIFY(result.error.contains("reinstall"));
+    }
+
+    void stopsWhenItIsCancelled()
+    {
+        QFont font("DejaVu Sans");
+        font.setPixelSize(12);
+        QImage page(1600, 1200, QImage::Format_RGB32);
+        page.fill(Qt::white);
+        QPainter painter(&page);
+        painter.setFont(font);
+        for (int y = 20; y < 1190; y += 16)
+            painter.drawText(10, y, QString("many words on a page ").repeated(12));
+        painter.end();
+        QElapsedTimer timer;
+        timer.start();
+        for (int i = 0; i < 10; ++i)
+            m_recognizer->recognize(page, 1).cancel();
+        const QImage line = lineOf("after all", font, Qt::white, Qt::black);
+        QCOMPARE(textOf(m_recognizer->recognize(line, 1).result()), QString("after all"));
+        QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
+    }
+
+    void givesTheMemoryBackWhenIdle()
+    {
+        TesseractRecognizer recognizer(std::chrono::milliseconds(200));
+        QFont font("DejaVu Sans");
+        const QImage image = lineOf("memory", font, Qt::white, Qt::black);
+        const qint64 before = residentKilobytes();
+        auto future = recognizer.recognize(image, 1);
+        QTRY_VERIFY_WITH_TIMEOUT(future.isFinished(), 20000);
+        QVERIFY(recognizer.warmEngines() > 0);
+        QTRY_COMPARE_WITH_TIMEOUT(recognizer.warmEngines(), 0, 20000);
+        const qint64 kept = residentKilobytes() - before;
+        QVERIFY2(kept < 5 * 1024, qPrintable(QString::number(kept)));
+    }
+
+private:
+    std::unique_ptr<TesseractRecognizer> m_recognizer;
+};
+
+QTEST_MAIN(TestTesseractRecognizer)
+#include "tst_TesseractRecognizer.moc"
