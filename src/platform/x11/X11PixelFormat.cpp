@@ -75,9 +75,12 @@ QImage toRgb32(QImage raw)
 {
     // The toolkit's conversions carry unused bits of the source over as well.
     raw.convertTo(QImage::Format_RGB32);
-    for (int y = 0; y < raw.height(); ++y) {
+    // Asked once: a call a pixel would cost several times as much as the pixel.
+    const int width = raw.width();
+    const int height = raw.height();
+    for (int y = 0; y < height; ++y) {
         auto *line = reinterpret_cast<quint32 *>(raw.scanLine(y));
-        for (int x = 0; x < raw.width(); ++x)
+        for (int x = 0; x < width; ++x)
             line[x] |= 0xff000000;
     }
     return raw;
