@@ -33,6 +33,7 @@ constexpr Text texts[] = {
     {"keyboard_shortcuts_can_be_changed",
      "Most of them can be changed in the keyboard settings of the desktop.",
      "Die meisten lassen sich in den Tastatureinstellungen der Arbeitsumgebung ändern."},
+    {"clear_shortcut", "Clear Shortcut", "Kurzbefehl entfernen"},
     {"ok", "OK", "OK"},
     {"force_use_shortcut", "Use Anyway", "Trotzdem verwenden"},
 };

@@ -23,6 +23,8 @@ public:
 
     /// The same for a key as key events of our own windows name it.
     virtual std::optional<QString> characterOfScanCode(quint32 nativeScanCode) const = 0;
+    /// The hardware code of such a key; KeyCode::none for a key without one.
+    virtual int keyCodeOfScanCode(quint32 nativeScanCode) const = 0;
 
     std::function<void()> onChanged;
 };

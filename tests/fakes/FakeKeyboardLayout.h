@@ -22,7 +22,11 @@ public:
     }
     std::optional<QString> characterOfScanCode(quint32 nativeScanCode) const override
     {
-        return character(carbonKeyCode(int(nativeScanCode) - windowSystemKeyOffset));
+        return character(keyCodeOfScanCode(nativeScanCode));
+    }
+    int keyCodeOfScanCode(quint32 nativeScanCode) const override
+    {
+        return carbonKeyCode(int(nativeScanCode) - windowSystemKeyOffset);
     }
 
     /// Another layout, which everybody is told of.

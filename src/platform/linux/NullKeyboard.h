@@ -5,6 +5,7 @@
 
 #include "platform/HotKeys.h"
 #include "platform/KeyboardLayout.h"
+#include "platform/linux/KeyCodes.h"
 
 namespace tovek {
 
@@ -19,12 +20,16 @@ public:
     bool isTaken(KeyCombo) override { return false; }
 };
 
-/// Knows no key.
+/// Knows what no key types.
 class NullKeyboardLayout : public KeyboardLayout
 {
 public:
     std::optional<QString> character(int) const override { return std::nullopt; }
     std::optional<QString> characterOfScanCode(quint32) const override { return std::nullopt; }
+    int keyCodeOfScanCode(quint32 nativeScanCode) const override
+    {
+        return carbonKeyCode(int(nativeScanCode) - windowSystemKeyOffset);
+    }
 };
 
 } // namespace tovek

@@ -102,6 +102,11 @@ std::optional<QString> X11KeyboardLayout::characterOfScanCode(quint32 nativeScan
     return map ? characterOf(map, m_group, nativeScanCode) : std::nullopt;
 }
 
+int X11KeyboardLayout::keyCodeOfScanCode(quint32 nativeScanCode) const
+{
+    return carbonKeyCode(int(nativeScanCode) - windowSystemKeyOffset);
+}
+
 void X11KeyboardLayout::startDispatching()
 {
     if (m_notifier)

@@ -25,6 +25,7 @@ public:
 
     std::optional<QString> character(int carbonKeyCode) const override;
     std::optional<QString> characterOfScanCode(quint32 nativeScanCode) const override;
+    int keyCodeOfScanCode(quint32 nativeScanCode) const override;
 
     /// Changes are noticed from now on. Needs the application.
     void startDispatching();

@@ -1,0 +1,353 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "KeyboardShortcuts/RecorderCocoa.h"
+
+#include "KeyboardShortcuts/AlertSheet.h"
+#include "KeyboardShortcuts/ClearButton.h"
+#include "KeyboardShortcuts/InputEventFromQt.h"
+#include "KeyboardShortcuts/LocalEventMonitor.h"
+#include "KeyboardShortcuts/Localization.h"
+#include "KeyboardShortcuts/MenuItems.h"
+#include "KeyboardShortcuts/ShortcutService.h"
+#include "platform/SystemShortcuts.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QPointer>
+
+namespace KeyboardShortcuts {
+
+using Action = RecorderDecision::Action;
+
+namespace {
+
+constexpr int buttonSide = 16;
+constexpr int buttonInset = 5;
+constexpr int forceButton = 1;
+
+QString menuTitle(const QAction &item)
+{
+    // A single ampersand marks the key that chooses the item; two stand for one.
+    QString title = item.text();
+    title.replace(QStringLiteral("&&"), QStringLiteral("\x01"));
+    title.remove(QLatin1Char('&'));
+    return title.replace(QLatin1Char('\x01'), QLatin1Char('&'));
+}
+
+} // namespace
+
+RecorderCocoa::RecorderCocoa(Name name, ShortcutService &service, RecorderSetup setup,
+                             QWidget *parent)
+    : QLineEdit(parent)
+    , m_shortcutName(std::move(name))
+    , m_service(service)
+    , m_setup(std::move(setup))
+    , m_cancelButton(new ClearButton(this))
+{
+    setReadOnly(true);
+    setAttribute(Qt::WA_InputMethodEnabled, false);
+    setFocusPolicy(Qt::StrongFocus);
+    setAlignment(Qt::AlignCenter);
+    setContextMenuPolicy(Qt::NoContextMenu);
+    setAcceptDrops(false);
+    setCursor(Qt::ArrowCursor);
+    setPlaceholderText(localized(QStringLiteral("record_shortcut")));
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    const int room = buttonSide + buttonInset;
+    setTextMargins(room, 0, room, 0);
+
+    m_cancelButton->setFixedSize(buttonSide, buttonSide);
+    m_cancelButton->setAccessibleName(localized(QStringLiteral("clear_shortcut")));
+    m_cancelButton->setToolTip(m_cancelButton->accessibleName());
+    connect(m_cancelButton, &QAbstractButton::clicked, this, &RecorderCocoa::clearShortcut);
+
+    NotificationCenter &center = m_service.notifications();
+    m_shortcutsNameChangeObserver =
+        center.observe(shortcutByNameDidChange, [this](const QVariantMap &userInfo) {
+            if (userInfo.value(QStringLiteral("name")).value<Name>() == m_shortcutName)
+                refreshText();
+        });
+    m_layoutChangeObserver =
+        center.observe(keyboardLayoutDidChange, [this](const QVariantMap &) { refreshText(); });
+    refreshText();
+}
+
+RecorderCocoa::~RecorderCocoa()
+{
+    endRecording();
+}
+
+void RecorderCocoa::setShortcutName(const Name &name)
+{
+    m_shortcutName = name;
+    refreshText();
+}
+
+void RecorderCocoa::record(const Shortcut &shortcut)
+{
+    if (m_setup.systemShortcuts)
+        m_setup.systemShortcuts->refresh();
+    carryOut(decide(shortcut, environment()));
+}
+
+QSize RecorderCocoa::sizeHint() const
+{
+    return {int(minimumWidth), QLineEdit::sizeHint().height()};
+}
+
+bool RecorderCocoa::event(QEvent *event)
+{
+    // Another window has the keyboard now; this one shall not record by itself when it returns.
+    if (event->type() == QEvent::WindowDeactivate && isRecording())
+        release();
+    if (event->type() == QEvent::ParentChange)
+        endRecording();
+    return QLineEdit::event(event);
+}
+
+void RecorderCocoa::focusInEvent(QFocusEvent *event)
+{
+    QLineEdit::focusInEvent(event);
+    deselect();
+    // The user has not asked to record when a window merely becomes active or a menu closes.
+    if (event->reason() == Qt::ActiveWindowFocusReason && !m_awaitsWindow)
+        clearFocus();
+    else if (event->reason() != Qt::PopupFocusReason)
+        startRecording();
+}
+
+void RecorderCocoa::focusOutEvent(QFocusEvent *event)
+{
+    QLineEdit::focusOutEvent(event);
+    endRecording();
+}
+
+void RecorderCocoa::hideEvent(QHideEvent *event)
+{
+    QLineEdit::hideEvent(event);
+    if (isRecording())
+        release();
+}
+
+void RecorderCocoa::resizeEvent(QResizeEvent *event)
+{
+    QLineEdit::resizeEvent(event);
+    m_cancelButton->move(width() - buttonSide - buttonInset, (height() - buttonSide) / 2);
+}
+
+void RecorderCocoa::mousePressEvent(QMouseEvent *event)
+{
+    event->accept();
+}
+
+void RecorderCocoa::mouseMoveEvent(QMouseEvent *event)
+{
+    event->accept();
+}
+
+void RecorderCocoa::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    event->accept();
+}
+
+void RecorderCocoa::refreshText()
+{
+    const auto shortcut = m_service.shortcut(m_shortcutName);
+    showText(shortcut ? m_service.description(*shortcut) : QString());
+}
+
+void RecorderCocoa::showText(const QString &text)
+{
+    setText(text);
+    deselect();
+    m_cancelButton->setVisible(!text.isEmpty());
+}
+
+void RecorderCocoa::clearShortcut()
+{
+    showText({});
+    m_service.setShortcut(m_shortcutName, std::nullopt);
+}
+
+void RecorderCocoa::startRecording()
+{
+    m_awaitsWindow = false;
+    if (isRecording())
+        return;
+    setPlaceholderText(localized(QStringLiteral("press_shortcut")));
+    m_service.setPaused(true);
+    if (m_setup.systemShortcuts)
+        m_setup.systemShortcuts->refresh();
+    postActivity(true);
+    m_eventMonitor = std::make_unique<LocalEventMonitor>(
+        QList<QEvent::Type>{QEvent::ShortcutOverride, QEvent::KeyPress, QEvent::MouseButtonRelease},
+        [this](QWidget &widget, QEvent &event) { return handle(widget, event); });
+    m_eventMonitor->start();
+}
+
+void RecorderCocoa::endRecording()
+{
+    if (!isRecording())
+        return;
+    // It may be the one that called us.
+    m_eventMonitor->stop();
+    m_eventMonitor.release()->deleteLater();
+    setPlaceholderText(localized(QStringLiteral("record_shortcut")));
+    m_service.setPaused(false);
+    postActivity(false);
+}
+
+void RecorderCocoa::release()
+{
+    m_awaitsWindow = false;
+    endRecording();
+    clearFocus();
+}
+
+void RecorderCocoa::resumeRecording()
+{
+    // The window gets the keyboard back from its sheet only when the window manager gives it.
+    m_awaitsWindow = true;
+    setFocus(Qt::OtherFocusReason);
+}
+
+void RecorderCocoa::postActivity(bool isActive)
+{
+    m_service.notifications().post(recorderActiveStatusDidChange,
+                                   {{QStringLiteral("isActive"), isActive}});
+}
+
+RecorderEnvironment RecorderCocoa::environment() const
+{
+    RecorderEnvironment environment;
+    environment.systemMajor = m_setup.systemMajor;
+    environment.systemMinor = m_setup.systemMinor;
+    environment.isSandboxed = m_setup.isSandboxed.value_or(KeyboardShortcuts::isSandboxed());
+    environment.menuItemTitle = [this](const Shortcut &shortcut) -> std::optional<QString> {
+        if (!m_setup.mainMenu)
+            return std::nullopt;
+        const QAction *item = menuItem(shortcut, m_setup.mainMenu(), m_service.layout());
+        return item ? std::optional(menuTitle(*item)) : std::nullopt;
+    };
+    environment.isSystemShortcut = [this](const Shortcut &shortcut) {
+        return m_service.isSystemShortcut(shortcut)
+            || (m_setup.systemShortcuts
+                && m_setup.systemShortcuts->contains(
+                    {quint32(shortcut.carbonKeyCode), quint32(shortcut.carbonModifiers)}));
+    };
+    return environment;
+}
+
+bool RecorderCocoa::isOwnKey(const QWidget &widget, const QEvent &event) const
+{
+    return &widget == this && event.type() != QEvent::MouseButtonRelease;
+}
+
+bool RecorderCocoa::handle(QWidget &widget, QEvent &event)
+{
+    if (!isRecording())
+        return false;
+    if (isOwnKey(widget, event)) {
+        // No item of a menu and no other shortcut of the window gets the key.
+        if (event.type() == QEvent::ShortcutOverride) {
+            event.accept();
+            return true;
+        }
+        const InputEvent input =
+            inputEventFrom(static_cast<QKeyEvent &>(event), m_service.layout());
+        return carryOut(decide(RecorderEvent{input, {}}, rect(), environment()));
+    }
+    // A press on the clear button is followed to its release, as by any button.
+    if (event.type() != QEvent::MouseButtonRelease || &widget == m_cancelButton)
+        return false;
+    const auto &mouse = static_cast<QMouseEvent &>(event);
+    RecorderEvent released{{}, mapFromGlobal(mouse.globalPosition())};
+    if (mouse.button() == Qt::LeftButton)
+        released.input.type = InputEvent::Type::leftMouseUp;
+    else if (mouse.button() == Qt::RightButton)
+        released.input.type = InputEvent::Type::rightMouseUp;
+    const bool isSwallowed = carryOut(decide(released, rect(), environment()));
+    if (!isRecording())
+        clearFocus();
+    return isSwallowed;
+}
+
+bool RecorderCocoa::carryOut(const RecorderDecision &decision)
+{
+    switch (decision.action) {
+    case Action::passOn:
+        return false;
+    case Action::swallow:
+        break;
+    case Action::release:
+        release();
+        break;
+    case Action::releaseAndPassOn:
+        // The keyboard moves on from here with a Tab, so the field keeps it until then.
+        endRecording();
+        return false;
+    case Action::clear:
+        m_cancelButton->click();
+        break;
+    case Action::beep:
+        m_setup.beep ? m_setup.beep() : QApplication::beep();
+        break;
+    case Action::refuseForMenuItem:
+        refuse(localized(QStringLiteral("keyboard_shortcut_used_by_menu_item"))
+                   .arg(decision.menuItemTitle));
+        break;
+    case Action::refuseAsDisallowed:
+        refuse(localized(QStringLiteral("keyboard_shortcut_disallowed")));
+        break;
+    case Action::askAboutSystem:
+        askAboutSystem(*decision.shortcut);
+        break;
+    case Action::store:
+        store(*decision.shortcut);
+        break;
+    }
+    return true;
+}
+
+void RecorderCocoa::store(const Shortcut &shortcut)
+{
+    showText(m_service.description(shortcut));
+    m_service.setShortcut(m_shortcutName, shortcut);
+    if (onChange)
+        onChange(shortcut);
+    release();
+}
+
+void RecorderCocoa::refuse(const QString &message)
+{
+    release();
+    connect(showAlert(message), &QDialog::finished, this, &RecorderCocoa::resumeRecording);
+}
+
+void RecorderCocoa::askAboutSystem(const Shortcut &shortcut)
+{
+    release();
+    const AlertSheet *alert = showAlert(
+        localized(QStringLiteral("keyboard_shortcut_used_by_system")),
+        localized(QStringLiteral("keyboard_shortcuts_can_be_changed")),
+        {localized(QStringLiteral("ok")), localized(QStringLiteral("force_use_shortcut"))});
+    connect(alert, &QDialog::finished, this, [this, shortcut](int button) {
+        resumeRecording();
+        if (button == forceButton)
+            store(shortcut);
+    });
+}
+
+AlertSheet *RecorderCocoa::showAlert(const QString &message, const QString &information,
+                                     const QStringList &buttons)
+{
+    const QStringList named =
+        buttons.isEmpty() ? QStringList{localized(QStringLiteral("ok"))} : buttons;
+    auto *alert = new AlertSheet({message, information, named, AlertSheet::Style::warning}, *this);
+    alert->open();
+    return alert;
+}
+
+} // namespace KeyboardShortcuts

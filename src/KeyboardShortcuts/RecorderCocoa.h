@@ -1,0 +1,106 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "KeyboardShortcuts/Name.h"
+#include "KeyboardShortcuts/NotificationCenter.h"
+#include "KeyboardShortcuts/RecorderRules.h"
+
+#include <QLineEdit>
+
+class QAbstractButton;
+class QAction;
+class QKeyEvent;
+
+namespace tovek {
+class SystemShortcuts;
+}
+
+namespace KeyboardShortcuts {
+
+class AlertSheet;
+class LocalEventMonitor;
+class ShortcutService;
+
+/// What a recorder needs beside the service. All of it may stay empty.
+struct RecorderSetup
+{
+    std::function<QList<QAction *>()> mainMenu; ///< whose items no shortcut may repeat
+    tovek::SystemShortcuts *systemShortcuts = nullptr; ///< must outlive the recorder
+    std::function<void()> beep; ///< the desktop's own, where there is none given
+    int systemMajor = 0;
+    int systemMinor = 0;
+    std::optional<bool> isSandboxed; ///< found out where it is not given
+};
+
+/// The field in which the user records, replaces or clears the shortcut of one name. While it has
+/// the keyboard it takes the next combination; meanwhile no shortcut acts.
+class RecorderCocoa : public QLineEdit
+{
+    Q_OBJECT
+
+public:
+    /// Points; the width of the field where nothing stretches it.
+    static constexpr double minimumWidth = 130;
+
+    /// The service must outlive the recorder.
+    RecorderCocoa(Name name, ShortcutService &service, RecorderSetup setup = {},
+                  QWidget *parent = nullptr);
+    ~RecorderCocoa() override;
+
+    const Name &shortcutName() const { return m_shortcutName; }
+    void setShortcutName(const Name &name);
+    bool isRecording() const { return m_eventMonitor != nullptr; }
+    /// As if the keys had been pressed while recording: with all questions and refusals.
+    void record(const Shortcut &shortcut);
+    QAbstractButton *cancelButton() const { return m_cancelButton; }
+
+    /// After a new shortcut was stored.
+    std::function<void(const std::optional<Shortcut> &)> onChange;
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    bool event(QEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    // The text cannot be selected.
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+
+private:
+    void refreshText();
+    void showText(const QString &text);
+    void clearShortcut();
+    void startRecording();
+    void endRecording();
+    void resumeRecording();
+    void release();
+    void postActivity(bool isActive);
+    RecorderEnvironment environment() const;
+    bool handle(QWidget &widget, QEvent &event);
+    bool isOwnKey(const QWidget &widget, const QEvent &event) const;
+    /// True when the event goes no further.
+    bool carryOut(const RecorderDecision &decision);
+    void store(const Shortcut &shortcut);
+    void refuse(const QString &message);
+    void askAboutSystem(const Shortcut &shortcut);
+    AlertSheet *showAlert(const QString &message, const QString &information = {},
+                          const QStringList &buttons = {});
+
+    Name m_shortcutName;
+    ShortcutService &m_service;
+    RecorderSetup m_setup;
+    std::unique_ptr<LocalEventMonitor> m_eventMonitor; ///< present only while recording
+    NotificationCenter::Token m_shortcutsNameChangeObserver;
+    NotificationCenter::Token m_layoutChangeObserver;
+    bool m_awaitsWindow = false; ///< records again when the window is active again
+    QAbstractButton *m_cancelButton;
+};
+
+} // namespace KeyboardShortcuts
