@@ -18,7 +18,7 @@ struct Text
 
 constexpr Text texts[] = {
     {"space_key", "Space", "Leertaste"},
-    {"record_shortcut", "Record Shortcut", "Kurzbefehl aufnehmen"},
+    {"record_shortcut", "Record Shortcut", "Aufnehmen"},
     {"press_shortcut", "Press Shortcut", "Tasten drücken"},
     {"keyboard_shortcut_used_by_menu_item",
      "This keyboard shortcut cannot be used: it belongs to the menu item “%1”.",

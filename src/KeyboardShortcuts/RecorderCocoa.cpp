@@ -55,8 +55,6 @@ RecorderCocoa::RecorderCocoa(Name name, ShortcutService &service, RecorderSetup 
     setCursor(Qt::ArrowCursor);
     setPlaceholderText(localized(QStringLiteral("record_shortcut")));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    const int room = buttonSide + buttonInset;
-    setTextMargins(room, 0, room, 0);
 
     m_cancelButton->setFixedSize(buttonSide, buttonSide);
     m_cancelButton->setAccessibleName(localized(QStringLiteral("clear_shortcut")));
@@ -163,6 +161,9 @@ void RecorderCocoa::showText(const QString &text)
     setText(text);
     deselect();
     m_cancelButton->setVisible(!text.isEmpty());
+    // On both sides, so that the text stays in the middle.
+    const int room = text.isEmpty() ? 0 : buttonSide + buttonInset;
+    setTextMargins(room, 0, room, 0);
 }
 
 void RecorderCocoa::clearShortcut()
