@@ -1,0 +1,104 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/Accelerator.h"
+
+#include "platform/KeyboardLayout.h"
+
+#include <QStringList>
+
+#include <optional>
+
+namespace tovek {
+
+namespace {
+
+struct ModifierName
+{
+    const char *name;
+    quint32 carbon;
+};
+
+constexpr ModifierName modifierNames[] = {
+    {"control", 0x1000}, {"ctrl", 0x1000}, {"primary", 0x1000}, {"alt", 0x800},
+    {"mod1", 0x800},     {"shift", 0x200}, {"super", 0x100},    {"mod4", 0x100},
+};
+
+struct KeyName
+{
+    const char *names; ///< separated by blanks, in lower case
+    quint32 carbon;
+};
+
+// clang-format off
+constexpr KeyName keyNames[] = {
+    {"print sys_req f13", 105}, {"scroll_lock f14", 107}, {"pause break f15", 113},
+    {"return", 36}, {"tab iso_left_tab", 48}, {"space", 49}, {"backspace", 51}, {"escape", 53},
+    {"delete", 117}, {"insert", 114}, {"home", 115}, {"end", 119},
+    {"page_up prior", 116}, {"page_down next", 121},
+    {"left", 123}, {"right", 124}, {"down", 125}, {"up", 126}, {"menu", 110},
+    {"f1", 122}, {"f2", 120}, {"f3", 99}, {"f4", 118}, {"f5", 96}, {"f6", 97}, {"f7", 98},
+    {"f8", 100}, {"f9", 101}, {"f10", 109}, {"f11", 103}, {"f12", 111}, {"f16", 106}, {"f17", 64},
+    {"f18", 79}, {"f19", 80}, {"f20", 90},
+    {"kp_0", 82}, {"kp_1", 83}, {"kp_2", 84}, {"kp_3", 85}, {"kp_4", 86}, {"kp_5", 87},
+    {"kp_6", 88}, {"kp_7", 89}, {"kp_8", 91}, {"kp_9", 92}, {"kp_decimal", 65}, {"kp_divide", 75},
+    {"kp_enter", 76}, {"kp_equal", 81}, {"kp_subtract", 78}, {"kp_multiply", 67}, {"kp_add", 69},
+};
+
+/// The signs that settings write by name.
+constexpr struct { const char *name; char sign; } signNames[] = {
+    {"minus", '-'}, {"equal", '='}, {"comma", ','}, {"period", '.'}, {"slash", '/'},
+    {"backslash", '\\'}, {"semicolon", ';'}, {"apostrophe", '\''}, {"grave", '`'},
+    {"bracketleft", '['}, {"bracketright", ']'}, {"less", '<'}, {"plus", '+'},
+    {"numbersign", '#'}, {"asciicircum", '^'},
+};
+// clang-format on
+
+/// Takes the modifiers off the front. Absent when there is one that we do not know.
+std::optional<quint32> takeModifiers(QString &accelerator)
+{
+    quint32 modifiers = 0;
+    while (accelerator.startsWith(QLatin1Char('<'))) {
+        const qsizetype end = accelerator.indexOf(QLatin1Char('>'));
+        if (end < 0)
+            return std::nullopt;
+        const QString name = accelerator.mid(1, end - 1);
+        quint32 bit = 0;
+        for (const ModifierName &modifier : modifierNames) {
+            if (name == QLatin1String(modifier.name))
+                bit = modifier.carbon;
+        }
+        if (bit == 0)
+            return std::nullopt;
+        modifiers |= bit;
+        accelerator.remove(0, end + 1);
+    }
+    return modifiers;
+}
+
+bool isKey(const QString &name, quint32 carbonKeyCode, const KeyboardLayout &layout)
+{
+    for (const KeyName &key : keyNames) {
+        if (QString::fromLatin1(key.names).split(QLatin1Char(' ')).contains(name))
+            return key.carbon == carbonKeyCode;
+    }
+    QString character = name;
+    for (const auto &sign : signNames) {
+        if (name == QLatin1String(sign.name))
+            character = QChar::fromLatin1(sign.sign);
+    }
+    const auto typed = layout.character(int(carbonKeyCode));
+    return typed && typed->toLower() == character;
+}
+
+} // namespace
+
+bool isAccelerator(const QString &accelerator, KeyCombo combo, const KeyboardLayout &layout)
+{
+    QString key = accelerator.trimmed().toLower();
+    const auto modifiers = takeModifiers(key);
+    return modifiers && *modifiers == combo.carbonModifiers && !key.isEmpty()
+        && isKey(key, combo.carbonKeyCode, layout);
+}
+
+} // namespace tovek

@@ -1,0 +1,19 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/HotKeys.h"
+
+#include <QString>
+
+namespace tovek {
+
+class KeyboardLayout;
+
+/// True when a combination as desktops write it in their settings ("<Primary><Alt>t", "Print",
+/// "<Super>Page_Up") is this one. Keys are compared by their names or by what they type in the
+/// layout; a combination with a modifier that shortcuts do not know is none of ours.
+bool isAccelerator(const QString &accelerator, KeyCombo combo, const KeyboardLayout &layout);
+
+} // namespace tovek

@@ -1,0 +1,138 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "fakes/FakeKeyboardLayout.h"
+#include "platform/linux/Accelerator.h"
+#include "platform/linux/DesktopShortcuts.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace tovek;
+
+class TestDesktopShortcuts : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        m_layout.characters = {{17, QStringLiteral("t")}, {27, QStringLiteral("-")}};
+    }
+
+    void readsCombinations_data()
+    {
+        QTest::addColumn<QString>("accelerator");
+        QTest::addColumn<quint32>("keyCode");
+        QTest::addColumn<quint32>("modifiers");
+        QTest::addColumn<bool>("isMeant");
+        const auto row = [](const char *accelerator, quint32 keyCode, quint32 modifiers,
+                            bool isMeant) {
+            QTest::addRow("%s is %s%u+%x", accelerator, isMeant ? "" : "not ", keyCode, modifiers)
+                << QString::fromLatin1(accelerator) << keyCode << modifiers << isMeant;
+        };
+        row("<Primary><Alt>t", 17, 0x1800, true);
+        row("<Alt><Control>T", 17, 0x1800, true);
+        row("<Primary><Alt>t", 17, 0x1000, false);
+        row("<Primary>t", 17, 0x1800, false);
+        row("<Primary><Alt>t", 0, 0x1800, false);
+        row("Print", 105, 0, true);
+        row("<Shift>Print", 105, 0x200, true);
+        row("F13", 105, 0, true);
+        row("<Super>Page_Up", 116, 0x100, true);
+        row("<Mod4>Prior", 116, 0x100, true);
+        row("<Super>minus", 27, 0x100, true);
+        row("<Hyper>t", 17, 0, false);
+        row("<Super", 17, 0x100, false);
+        row("<Super>", 17, 0x100, false);
+        row("", 17, 0, false);
+        row("disabled", 17, 0, false);
+        row("XF86AudioPlay", 17, 0, false);
+    }
+    void readsCombinations()
+    {
+        QFETCH(QString, accelerator);
+        QFETCH(quint32, keyCode);
+        QFETCH(quint32, modifiers);
+        QTEST(isAccelerator(accelerator, {keyCode, modifiers}, m_layout), "isMeant");
+    }
+
+    void findsCombinationsInGSettings()
+    {
+        const QString output = QStringLiteral(
+            "org.gnome.desktop.wm.keybindings close ['<Alt>F4']\n"
+            "org.gnome.desktop.wm.keybindings lower @as []\n"
+            "org.gnome.shell.keybindings screenshot ['<Shift>Print', '<Super>p']\n"
+            "org.gnome.settings-daemon.plugins.media-keys.custom-keybinding binding '<Super>t'\n"
+            "org.gnome.desktop.interface font-name 'Print'\n");
+        QCOMPARE(DesktopShortcuts::fromGSettings(output),
+                 (QStringList{QStringLiteral("<Alt>F4"), QStringLiteral("<Shift>Print"),
+                              QStringLiteral("<Super>p"), QStringLiteral("<Super>t")}));
+    }
+
+    void findsCombinationsInXfconf()
+    {
+        QVariantMap properties{{"/commands/default/<Alt>F2", "run"},
+                               {"/commands/custom/<Super>r", "run"},
+                               {"/commands/custom/<Super>r/startup-notify", true},
+                               {"/commands/custom/<Super>x", ""},
+                               {"/xfwm4/default/<Alt>F4", "close_window_key"}};
+        QCOMPARE(DesktopShortcuts::fromXfconf(properties),
+                 (QStringList{QStringLiteral("<Alt>F2"), QStringLiteral("<Alt>F4")}));
+        properties.insert(QStringLiteral("/commands/custom/override"), true);
+        const QStringList found = DesktopShortcuts::fromXfconf(properties);
+        QVERIFY(found.contains(QStringLiteral("<Super>r")));
+        QVERIFY(!found.contains(QStringLiteral("<Alt>F2")));
+        QVERIFY(!found.contains(QStringLiteral("<Super>x")));
+    }
+
+    void asksGnomeOnGnomeOnly()
+    {
+        QTemporaryDir dir;
+        QFile tool(dir.filePath(QStringLiteral("gsettings")));
+        QVERIFY(tool.open(QIODevice::WriteOnly));
+        tool.write("#!/bin/sh\necho \"org.gnome.shell.keybindings show ['Print']\"\n");
+        tool.close();
+        QVERIFY(tool.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+        const QByteArray path = qgetenv("PATH");
+        qputenv("PATH", dir.path().toUtf8() + ':' + path);
+        DesktopShortcuts gnome(QStringLiteral("ubuntu:GNOME"), m_layout);
+        gnome.refresh();
+        QVERIFY(gnome.contains({105, 0}));
+        QVERIFY(!gnome.contains({105, 0x200}));
+        DesktopShortcuts other(QStringLiteral("LXQt"), m_layout);
+        other.refresh();
+        QVERIFY(!other.contains({105, 0}));
+        qputenv("PATH", path);
+    }
+
+    void waitsHalfASecondAtMost()
+    {
+        QTemporaryDir dir;
+        QFile tool(dir.filePath(QStringLiteral("gsettings")));
+        QVERIFY(tool.open(QIODevice::WriteOnly));
+        tool.write("#!/bin/sh\nexec sleep 20\n");
+        tool.close();
+        QVERIFY(tool.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+        const QByteArray path = qgetenv("PATH");
+        qputenv("PATH", dir.path().toUtf8() + ':' + path);
+        QElapsedTimer time;
+        {
+            DesktopShortcuts gnome(QStringLiteral("GNOME"), m_layout);
+            gnome.refresh();
+            time.start();
+            QVERIFY(!gnome.contains({105, 0}));
+        }
+        QVERIFY2(time.elapsed() < 3000, qPrintable(QString::number(time.elapsed())));
+        qputenv("PATH", path);
+    }
+
+private:
+    FakeKeyboardLayout m_layout;
+};
+
+QTEST_GUILESS_MAIN(TestDesktopShortcuts)
+#include "tst_DesktopShortcuts.moc"
