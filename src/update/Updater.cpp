@@ -1,0 +1,138 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "update/Updater.h"
+
+#include "foundation/Log.h"
+#include "foundation/UserDefaults.h"
+#include "platform/Clock.h"
+
+namespace tovek {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+const QString automaticallyKey = QStringLiteral("automaticallyChecksForUpdates");
+const QString lastCheckKey = QStringLiteral("lastCheck");
+const QByteArray relaunchLine = QByteArrayLiteral("relaunch ");
+constexpr std::chrono::milliseconds interval = 24h;
+
+} // namespace
+
+Updater::Updater(UpdateConfiguration configuration, UserDefaults &defaults, Clock &clock)
+    : m_configuration(std::move(configuration))
+    , m_defaults(defaults)
+    , m_clock(clock)
+{
+}
+
+Updater::~Updater()
+{
+    // Not a signal handler of ours any more: the process ends with this object.
+    if (m_process)
+        m_process->disconnect(this);
+}
+
+QString Updater::unavailableReason() const
+{
+    return m_configuration.program.isEmpty()
+        ? tr("This build of Tovek does not update itself: it was made without an update address")
+        : QString();
+}
+
+bool Updater::canCheckForUpdates() const
+{
+    return !m_configuration.program.isEmpty() && m_isStarted && !m_process;
+}
+
+bool Updater::automaticallyChecksForUpdates() const
+{
+    return !m_configuration.program.isEmpty()
+        && m_defaults.boolean(automaticallyKey).value_or(false);
+}
+
+void Updater::setAutomaticallyChecksForUpdates(bool isOn)
+{
+    if (m_configuration.program.isEmpty())
+        return;
+    m_defaults.setBoolean(automaticallyKey, isOn);
+    schedule();
+}
+
+void Updater::start()
+{
+    m_isStarted = true;
+    Q_EMIT canCheckForUpdatesChanged();
+    schedule();
+}
+
+void Updater::checkForUpdates()
+{
+    if (canCheckForUpdates())
+        check(Reason::requested);
+}
+
+void Updater::schedule()
+{
+    m_schedule.reset();
+    if (!m_isStarted || m_process || !automaticallyChecksForUpdates())
+        return;
+    const QDateTime now = m_clock.now();
+    const QString stored = m_defaults.string(lastCheckKey).value_or(QString());
+    const QDateTime last = QDateTime::fromString(stored, Qt::ISODate);
+    // A time to come is a clock that was wrong.
+    const bool isKnown = last.isValid() && last <= now;
+    const auto passed = isKnown ? std::chrono::milliseconds(last.msecsTo(now)) : interval;
+    m_schedule = std::make_unique<QObject>();
+    m_clock.after(std::max(interval - passed, 0ms), m_schedule.get(),
+                  [this] { check(Reason::scheduled); });
+}
+
+void Updater::check(Reason reason)
+{
+    m_schedule.reset();
+    m_defaults.setString(lastCheckKey, m_clock.now().toUTC().toString(Qt::ISODate));
+    m_process = std::make_unique<QProcess>();
+    m_process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    connect(m_process.get(), &QProcess::readyReadStandardOutput, this, &Updater::readOutput);
+    connect(m_process.get(), &QProcess::finished, this, &Updater::ended);
+    connect(m_process.get(), &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+        if (error != QProcess::FailedToStart)
+            return;
+        logLine(QStringLiteral("Failed to check for updates: %1").arg(m_process->errorString()));
+        ended();
+    });
+    QStringList arguments{QStringLiteral("--installed-version"), m_configuration.installedVersion};
+    if (reason == Reason::scheduled)
+        arguments.append(QStringLiteral("--quiet"));
+    m_process->start(m_configuration.program, arguments);
+    Q_EMIT canCheckForUpdatesChanged();
+}
+
+void Updater::readOutput()
+{
+    while (m_process && m_process->canReadLine()) {
+        const QByteArray line = m_process->readLine().trimmed();
+        if (line.startsWith(relaunchLine)) {
+            if (onRelaunch)
+                onRelaunch(QString::fromUtf8(line.mid(relaunchLine.size())));
+        } else if (!line.isEmpty()) {
+            logLine(QString::fromUtf8(line));
+        }
+    }
+}
+
+void Updater::ended()
+{
+    if (!m_process)
+        return;
+    readOutput();
+    // This may be its own signal.
+    m_process->disconnect(this);
+    m_process.release()->deleteLater();
+    Q_EMIT canCheckForUpdatesChanged();
+    schedule();
+}
+
+} // namespace tovek

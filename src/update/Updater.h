@@ -1,0 +1,69 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QObject>
+#include <QProcess>
+
+#include <functional>
+#include <memory>
+
+namespace tovek {
+
+class Clock;
+class UserDefaults;
+
+/// What this build knows of updates.
+struct UpdateConfiguration
+{
+    QString program; ///< the one that checks and installs; empty: this build cannot update itself
+    QString installedVersion;
+};
+
+/// Checks for new versions, by request or once a day, in a process of its own that lives only as
+/// long as a check: nothing of the network is in this one. Main thread only.
+class Updater : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The defaults are this updater's own store.
+    Updater(UpdateConfiguration configuration, UserDefaults &defaults, Clock &clock);
+    ~Updater() override;
+
+    /// Why this build can never check; empty when it can.
+    QString unavailableReason() const;
+    bool canCheckForUpdates() const;
+    /// Kept in the store. Off until the user turns it on.
+    bool automaticallyChecksForUpdates() const;
+    void setAutomaticallyChecksForUpdates(bool isOn);
+
+    /// From now on checks happen by themselves, if they are on.
+    void start();
+    /// Does nothing while a check is under way.
+    void checkForUpdates();
+
+    /// A new version is in place: the program shall quit, and then this one be started.
+    std::function<void(const QString &program)> onRelaunch;
+
+Q_SIGNALS:
+    void canCheckForUpdatesChanged();
+
+private:
+    enum class Reason { requested, scheduled };
+
+    void schedule();
+    void check(Reason reason);
+    void readOutput();
+    void ended();
+
+    UpdateConfiguration m_configuration;
+    UserDefaults &m_defaults;
+    Clock &m_clock;
+    std::unique_ptr<QObject> m_schedule; ///< context of the next scheduled check
+    std::unique_ptr<QProcess> m_process; ///< present only while a check is under way
+    bool m_isStarted = false;
+};
+
+} // namespace tovek

@@ -1,0 +1,180 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "fakes/FakeClock.h"
+#include "fakes/LogCapture.h"
+#include "foundation/UserDefaults.h"
+#include "update/UpdaterManager.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace tovek;
+using namespace std::chrono_literals;
+
+class TestUpdaterManager : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        m_dir = std::make_unique<QTemporaryDir>();
+        m_clock = std::make_unique<FakeClock>();
+        // Tells its arguments, and checks until it is told to end.
+        writeProgram("#!/bin/sh\necho \"$@\" >> \"$0.runs\"\n"
+                     "while [ ! -e \"$0.end\" ]; do sleep 0.01; done\ncat \"$0.says\" 2>&-\n");
+        restart();
+    }
+    void cleanup() { m_manager.reset(); }
+
+    void startsASecondLater()
+    {
+        QVERIFY(!m_manager->canCheckForUpdates());
+        m_clock->advance(999ms);
+        QVERIFY(!m_manager->canCheckForUpdates());
+        m_clock->advance(1ms);
+        QVERIFY(m_manager->canCheckForUpdates());
+        QCOMPARE(runs(), QStringList());
+    }
+
+    void cannotCheckWhileItChecks()
+    {
+        m_clock->advance(1s);
+        QList<bool> before;
+        QList<bool> after;
+        connect(m_manager.get(), &UpdaterManager::willChange, this,
+                [&] { before.append(m_manager->canCheckForUpdates()); });
+        connect(m_manager.get(), &UpdaterManager::changed, this,
+                [&] { after.append(m_manager->canCheckForUpdates()); });
+        m_manager->checkForUpdates();
+        QVERIFY(!m_manager->canCheckForUpdates());
+        m_manager->checkForUpdates();
+        end();
+        QTRY_VERIFY(m_manager->canCheckForUpdates());
+        QCOMPARE(runs(), QStringList{QStringLiteral("--installed-version 1.0")});
+        QCOMPARE(before, (QList<bool>{true, false}));
+        QCOMPARE(after, (QList<bool>{false, true}));
+    }
+
+    void checksByItselfOnlyWhenTurnedOn()
+    {
+        QVERIFY(!m_manager->automaticallyChecksForUpdates());
+        m_clock->advance(1s);
+        m_clock->advance(72h);
+        QCOMPARE(runs(), QStringList());
+        QCOMPARE(m_clock->pendingCalls(), size_t(0));
+    }
+
+    void checksOnceADay()
+    {
+        m_manager->setAutomaticallyChecksForUpdates(true);
+        m_clock->advance(1s);
+        m_clock->advance(0ms);
+        QTRY_COMPARE(runs().size(), 1);
+        QCOMPARE(runs().first(), QStringLiteral("--installed-version 1.0 --quiet"));
+        end();
+        QTRY_VERIFY(m_manager->canCheckForUpdates());
+        m_clock->setNow(m_clock->now().addSecs(3600));
+        restart();
+        m_clock->advance(1s);
+        m_clock->advance(23h - 1s - 1ms);
+        QCOMPARE(runs().size(), 1);
+        m_clock->advance(1ms);
+        QTRY_COMPARE(runs().size(), 2);
+    }
+
+    void keepsTheSetting()
+    {
+        m_manager->setAutomaticallyChecksForUpdates(true);
+        restart();
+        QVERIFY(m_manager->automaticallyChecksForUpdates());
+        m_manager->setAutomaticallyChecksForUpdates(false);
+        restart();
+        QVERIFY(!m_manager->automaticallyChecksForUpdates());
+        m_clock->advance(1s);
+        QCOMPARE(m_clock->pendingCalls(), size_t(0));
+    }
+
+    void passesOnWhatTheCheckSays()
+    {
+        QFile says(program() + QStringLiteral(".says"));
+        QVERIFY(says.open(QIODevice::WriteOnly));
+        says.write("Update: the answer is too long\nrelaunch /opt/new one\n");
+        says.close();
+        QString relaunched;
+        m_manager->updaterController().updater().onRelaunch = [&](const QString &path) {
+            relaunched = path;
+        };
+        m_clock->advance(1s);
+        LogCapture log;
+        m_manager->checkForUpdates();
+        end();
+        QTRY_VERIFY(m_manager->canCheckForUpdates());
+        QCOMPARE(log.lines(), QStringList{QStringLiteral("Update: the answer is too long")});
+        QCOMPARE(relaunched, QStringLiteral("/opt/new one"));
+    }
+
+    void saysThatItCannotRunTheCheck()
+    {
+        restart({QStringLiteral("/nowhere/at/all"), QStringLiteral("1.0")});
+        m_clock->advance(1s);
+        LogCapture log;
+        m_manager->checkForUpdates();
+        QTRY_VERIFY(m_manager->canCheckForUpdates());
+        QCOMPARE(log.lines().size(), 1);
+        QVERIFY(log.lines().first().startsWith(QStringLiteral("Failed to check for updates: ")));
+    }
+
+    void doesNothingInABuildWithoutUpdates()
+    {
+        restart({});
+        QVERIFY(!m_manager->unavailableReason().isEmpty());
+        m_manager->setAutomaticallyChecksForUpdates(true);
+        QVERIFY(!m_manager->automaticallyChecksForUpdates());
+        m_clock->advance(1s);
+        QVERIFY(!m_manager->canCheckForUpdates());
+        m_manager->checkForUpdates();
+        m_clock->advance(48h);
+        QVERIFY(!m_manager->canCheckForUpdates());
+    }
+
+private:
+    QString program() const { return m_dir->filePath(QStringLiteral("check")); }
+    void writeProgram(const QByteArray &text) const
+    {
+        QFile file(program());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    }
+    void end() const
+    {
+        QFile file(program() + QStringLiteral(".end"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+    void restart() { restart({program(), QStringLiteral("1.0")}); }
+    void restart(const UpdateConfiguration &configuration)
+    {
+        m_manager.reset();
+        m_defaults = std::make_unique<UserDefaults>(m_dir->filePath(QStringLiteral("u.json")));
+        m_manager = std::make_unique<UpdaterManager>(configuration, *m_defaults, *m_clock);
+    }
+    QStringList runs() const
+    {
+        QFile file(program() + QStringLiteral(".runs"));
+        if (!file.open(QIODevice::ReadOnly))
+            return {};
+        return QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    }
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<FakeClock> m_clock;
+    std::unique_ptr<UserDefaults> m_defaults;
+    std::unique_ptr<UpdaterManager> m_manager;
+};
+
+QTEST_GUILESS_MAIN(TestUpdaterManager)
+#include "tst_UpdaterManager.moc"
