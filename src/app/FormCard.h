@@ -1,0 +1,53 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QWidget>
+
+class QLabel;
+class QVBoxLayout;
+
+namespace tovek {
+
+/// One row of a form: a symbol, a label, and what is set on the right. A note can stand below the
+/// label.
+class FormRow : public QWidget
+{
+public:
+    FormRow(const QString &symbol, const QString &label, QWidget *parent);
+
+    /// Adds a control on the right, after those before it. The first one takes the row's label as
+    /// its accessible name, and a click on the label acts on it.
+    void addControl(QWidget *control);
+    /// Empty: no note.
+    void setNote(const QString &note);
+
+protected:
+    void changeEvent(QEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+
+private:
+    void colorNote();
+
+    QLabel *m_label;
+    QLabel *m_note;
+    QWidget *m_control = nullptr;
+};
+
+/// Rows on a rounded ground, with lines between them.
+class FormCard : public QWidget
+{
+public:
+    FormCard(int rowHeight, QWidget *parent);
+    FormRow *addRow(const QString &symbol, const QString &label);
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    int m_rowHeight;
+    QVBoxLayout *m_rows;
+};
+
+} // namespace tovek

@@ -1,0 +1,224 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "app/GeneralTabView.h"
+
+#include "KeyboardShortcuts/AlertSheet.h"
+#include "app/FormCard.h"
+#include "app/ModernStyle.h"
+#include "app/SaveFolder.h"
+#include "app/SwitchControl.h"
+#include "foundation/Log.h"
+#include "foundation/UserDefaults.h"
+#include "platform/LoginItem.h"
+#include "update/UpdaterManager.h"
+
+#include <QEvent>
+#include <QFileDialog>
+#include <QPainter>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace tovek {
+
+namespace {
+
+constexpr int rowHeight = 38;
+constexpr int margin = 16;
+constexpr int pathWidth = 128;
+constexpr int pathSize = 12;
+const QString highlightText = QStringLiteral("highlightText");
+const QString saveFolderPath = QStringLiteral("saveFolderPath");
+const QString showInMenuBar = QStringLiteral("showInMenuBar");
+
+} // namespace
+
+/// One line of secondary text, cut in the middle where it is too long.
+class GeneralTabView::ElidedLabel : public QWidget
+{
+public:
+    explicit ElidedLabel(QWidget *parent) : QWidget(parent)
+    {
+        QFont small = font();
+        small.setPixelSize(pathSize);
+        setFont(small);
+        setFixedWidth(pathWidth);
+    }
+    void setText(const QString &text)
+    {
+        m_text = text;
+        setAccessibleName(text);
+        update();
+    }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter painter(this);
+        painter.setPen(ModernStyle::secondaryTextColor(palette()));
+        painter.drawText(rect(), Qt::AlignRight | Qt::AlignVCenter,
+                         fontMetrics().elidedText(m_text, Qt::ElideMiddle, width()));
+    }
+
+private:
+    QString m_text;
+};
+
+GeneralTabView::GeneralTabView(const Services &services, QWidget *parent)
+    : QWidget(parent)
+    , m_services(services)
+{
+    auto *card = new FormCard(rowHeight, this);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(margin, 4, margin, margin - 4);
+    layout->addStretch();
+    layout->addWidget(card);
+    layout->addStretch();
+
+    UserDefaults &defaults = m_services.defaults;
+    m_launchAtLogin = addSwitch(card->addRow(QStringLiteral("sun.horizon"), tr("Launch at login")),
+                                m_services.loginItem.isEnabled());
+    connect(m_launchAtLogin, &QAbstractButton::clicked, this, &GeneralTabView::setLaunchAtLogin);
+    auto *inMenuBar =
+        addSwitch(card->addRow(QStringLiteral("menubar.rectangle"), tr("Show Tovek in menu bar")),
+                  defaults.boolean(showInMenuBar).value_or(true));
+    connect(inMenuBar, &QAbstractButton::clicked, this, &GeneralTabView::setShownInMenuBar);
+    auto *highlight =
+        addSwitch(card->addRow(QStringLiteral("text.viewfinder"), tr("Highlight detected text")),
+                  defaults.boolean(highlightText).value_or(true));
+    connect(highlight, &QAbstractButton::clicked, this,
+            [&defaults](bool isOn) { defaults.setBoolean(highlightText, isOn); });
+    addFolderRow(card->addRow(QStringLiteral("folder"), tr("Screenshot save location")));
+    addUpdatesRow(card->addRow(QStringLiteral("arrow.triangle.2.circlepath"),
+                               tr("Check for updates automatically")));
+    m_services.loginItem.onChanged = [this] { refresh(); };
+}
+
+GeneralTabView::~GeneralTabView()
+{
+    m_services.loginItem.setWatching(false);
+    m_services.loginItem.onChanged = nullptr;
+}
+
+bool GeneralTabView::event(QEvent *event)
+{
+    if (event->type() == QEvent::WindowActivate)
+        refresh();
+    return QWidget::event(event);
+}
+
+void GeneralTabView::showEvent(QShowEvent *event)
+{
+    m_services.loginItem.setWatching(true);
+    refresh();
+    QWidget::showEvent(event);
+}
+
+void GeneralTabView::hideEvent(QHideEvent *event)
+{
+    m_services.loginItem.setWatching(false);
+    QWidget::hideEvent(event);
+}
+
+SwitchControl *GeneralTabView::addSwitch(FormRow *row, bool isOn)
+{
+    auto *control = new SwitchControl(row);
+    control->setChecked(isOn);
+    row->addControl(control);
+    // The room for its focus ring is not seen: its edge shall stand under that of the button.
+    QMargins margins = row->layout()->contentsMargins();
+    margins.setRight(margins.right() - SwitchControl::ringRoom);
+    row->layout()->setContentsMargins(margins);
+    return control;
+}
+
+void GeneralTabView::addFolderRow(FormRow *row)
+{
+    m_folderRow = row;
+    m_folderButton = new QPushButton(tr("Choose…"), row);
+    m_folderPath = new ElidedLabel(row);
+    static_cast<QBoxLayout *>(row->layout())->addWidget(m_folderPath);
+    row->addControl(m_folderButton);
+    connect(m_folderButton, &QPushButton::clicked, this, &GeneralTabView::chooseFolder);
+    showFolder();
+}
+
+void GeneralTabView::addUpdatesRow(FormRow *row)
+{
+    UpdaterManager &manager = m_services.updaterManager;
+    auto *control = addSwitch(row, manager.automaticallyChecksForUpdates());
+    if (!manager.unavailableReason().isEmpty()) {
+        row->setEnabled(false);
+        row->setToolTip(manager.unavailableReason());
+        control->setAccessibleDescription(manager.unavailableReason());
+    }
+    connect(control, &QAbstractButton::clicked, &manager,
+            &UpdaterManager::setAutomaticallyChecksForUpdates);
+    connect(&manager, &UpdaterManager::changed, control,
+            [control, &manager] { control->setChecked(manager.automaticallyChecksForUpdates()); });
+}
+
+void GeneralTabView::refresh()
+{
+    m_launchAtLogin->setChecked(m_services.loginItem.isEnabled());
+    showFolder();
+}
+
+void GeneralTabView::showFolder()
+{
+    const QString folder = saveFolder();
+    const QString note = noteOn(folderState(folder));
+    m_folderPath->setText(abbreviatedPath(folder, m_services.home));
+    m_folderPath->setToolTip(folder);
+    m_folderRow->setNote(note);
+    const QStringList parts{m_folderPath->accessibleName(), note};
+    m_folderButton->setAccessibleDescription(parts.join(QStringLiteral(". ")));
+}
+
+void GeneralTabView::setLaunchAtLogin(bool isOn)
+{
+    if (const auto failure = m_services.loginItem.setEnabled(isOn))
+        logLine(QStringLiteral("Failed to %1 launch at login: %2")
+                    .arg(isOn ? QStringLiteral("enable") : QStringLiteral("disable"), *failure));
+    refresh();
+}
+
+void GeneralTabView::setShownInMenuBar(bool isOn)
+{
+    m_services.defaults.setBoolean(showInMenuBar, isOn);
+    if (m_services.setStatusItemVisible)
+        m_services.setStatusItemVisible(isOn);
+    if (isOn)
+        return;
+    auto *alert = new KeyboardShortcuts::AlertSheet(
+        {tr("Tovek Is Now Hidden"),
+         tr("To open preference window in the future, click Tovek's icon in your Launchpad when "
+            "Tovek is running."),
+         {tr("OK")}},
+        *this);
+    alert->open();
+}
+
+void GeneralTabView::chooseFolder()
+{
+    auto *chooser = new QFileDialog(window(),
+                                    tr("Select the folder where screenshots will be "
+                                       "saved"),
+                                    saveFolder());
+    chooser->setAttribute(Qt::WA_DeleteOnClose);
+    chooser->setFileMode(QFileDialog::Directory);
+    chooser->setOption(QFileDialog::ShowDirsOnly);
+    chooser->setLabelText(QFileDialog::Accept, tr("Choose"));
+    connect(chooser, &QFileDialog::fileSelected, this, [this](const QString &folder) {
+        m_services.defaults.setString(saveFolderPath, folder);
+        showFolder();
+    });
+    chooser->open();
+}
+
+QString GeneralTabView::saveFolder() const
+{
+    return m_services.defaults.string(saveFolderPath).value_or(m_services.downloads);
+}
+
+} // namespace tovek

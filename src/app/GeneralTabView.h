@@ -1,0 +1,66 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QWidget>
+
+#include <functional>
+
+class QPushButton;
+class QFileDialog;
+
+namespace tovek {
+
+class FormRow;
+class LoginItem;
+class SwitchControl;
+class UpdaterManager;
+class UserDefaults;
+
+/// The tab of the settings that are not shortcuts. Every change acts at once.
+class GeneralTabView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    struct Services
+    {
+        UserDefaults &defaults;
+        LoginItem &loginItem;
+        UpdaterManager &updaterManager;
+        QString downloads; ///< where screenshots go until the user chooses another folder
+        QString home; ///< shown as "~"
+        std::function<void(bool isVisible)> setStatusItemVisible;
+    };
+
+    /// The services must outlive the view.
+    explicit GeneralTabView(const Services &services, QWidget *parent = nullptr);
+    ~GeneralTabView() override;
+
+protected:
+    bool event(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+private:
+    SwitchControl *addSwitch(FormRow *row, bool isOn);
+    void addFolderRow(FormRow *row);
+    void addUpdatesRow(FormRow *row);
+    /// Shows what is really there now, which others may have changed.
+    void refresh();
+    void showFolder();
+    void setLaunchAtLogin(bool isOn);
+    void setShownInMenuBar(bool isOn);
+    void chooseFolder();
+    QString saveFolder() const;
+
+    Services m_services;
+    SwitchControl *m_launchAtLogin = nullptr;
+    FormRow *m_folderRow = nullptr;
+    QPushButton *m_folderButton = nullptr;
+    class ElidedLabel;
+    ElidedLabel *m_folderPath = nullptr;
+};
+
+} // namespace tovek

@@ -1,0 +1,244 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "KeyboardShortcuts/AlertSheet.h"
+#include "app/GeneralTabView.h"
+#include "app/SwitchControl.h"
+#include "fakes/FakeClock.h"
+#include "fakes/FakeLoginItem.h"
+#include "fakes/LogCapture.h"
+#include "foundation/UserDefaults.h"
+#include "update/UpdaterManager.h"
+
+#include <QFileDialog>
+#include <QLabel>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace tovek;
+
+class TestGeneralTabView : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin does not)")));
+        m_dir = std::make_unique<QTemporaryDir>();
+        m_defaults = std::make_unique<UserDefaults>(m_dir->filePath(QStringLiteral("d.json")));
+        m_updates = std::make_unique<UserDefaults>(m_dir->filePath(QStringLiteral("u.json")));
+        m_loginItem = std::make_unique<FakeLoginItem>();
+        m_visibility.clear();
+        make();
+    }
+    void cleanup()
+    {
+        m_view.reset();
+        m_manager.reset();
+    }
+
+    void startsWithTheDefaults()
+    {
+        QCOMPARE(labels(),
+                 (QStringList{QStringLiteral("Launch at login"),
+                              QStringLiteral("Show Tovek in menu bar"),
+                              QStringLiteral("Highlight detected text"),
+                              QStringLiteral("Check for updates automatically")}));
+        QVERIFY(!control("Launch at login")->isChecked());
+        QVERIFY(control("Show Tovek in menu bar")->isChecked());
+        QVERIFY(control("Highlight detected text")->isChecked());
+        QVERIFY(!control("Check for updates automatically")->isChecked());
+        QCOMPARE(chooseButton()->accessibleName(), QStringLiteral("Screenshot save location"));
+        QVERIFY(chooseButton()->accessibleDescription().startsWith(QStringLiteral("~/Downloads")));
+    }
+
+    void launchesAtLogin()
+    {
+        control("Launch at login")->click();
+        QVERIFY(m_loginItem->isOn);
+        control("Launch at login")->click();
+        QVERIFY(!m_loginItem->isOn);
+    }
+
+    void tellsWhyLoginCannotBeChanged()
+    {
+        m_loginItem->failure = QStringLiteral("disk full");
+        LogCapture log;
+        control("Launch at login")->click();
+        QVERIFY(!control("Launch at login")->isChecked());
+        m_loginItem->change(true);
+        control("Launch at login")->click();
+        QVERIFY(control("Launch at login")->isChecked());
+        QCOMPARE(log.lines(),
+                 (QStringList{QStringLiteral("Failed to enable launch at login: disk full"),
+                              QStringLiteral("Failed to disable launch at login: disk full")}));
+    }
+
+    void showsWhatOthersDoToTheLoginItem()
+    {
+        m_loginItem->change(true);
+        QVERIFY(control("Launch at login")->isChecked());
+        m_view->hide();
+        QVERIFY(!m_loginItem->watches);
+        m_loginItem->change(false);
+        m_view->show();
+        QVERIFY(!control("Launch at login")->isChecked());
+        QVERIFY(m_loginItem->isOn == false);
+    }
+
+    void hidesTheStatusItemAndSaysSo()
+    {
+        control("Show Tovek in menu bar")->click();
+        QCOMPARE(m_visibility, QList<bool>{false});
+        QCOMPARE(m_defaults->boolean(QStringLiteral("showInMenuBar")), std::optional(false));
+        auto *alert = m_view->findChild<KeyboardShortcuts::AlertSheet *>();
+        QVERIFY(alert);
+        QCOMPARE(alert->accessibleName(), QStringLiteral("Tovek Is Now Hidden"));
+        QCOMPARE(alert->accessibleDescription(),
+                 QStringLiteral("To open preference window in the future, click Tovek's icon in "
+                                "your Launchpad when Tovek is running."));
+        QCOMPARE(alert->buttons().size(), 1);
+        QCOMPARE(alert->buttons().first()->text(), QStringLiteral("OK"));
+        alert->buttons().first()->click();
+        QTRY_VERIFY(!m_view->findChild<KeyboardShortcuts::AlertSheet *>());
+        control("Show Tovek in menu bar")->click();
+        QCOMPARE(m_visibility, (QList<bool>{false, true}));
+        QVERIFY(!m_view->findChild<KeyboardShortcuts::AlertSheet *>());
+    }
+
+    void highlightsText()
+    {
+        control("Highlight detected text")->click();
+        QCOMPARE(m_defaults->boolean(QStringLiteral("highlightText")), std::optional(false));
+        make();
+        QVERIFY(!control("Highlight detected text")->isChecked());
+    }
+
+    void choosesAFolder()
+    {
+        const QString chosen = m_dir->filePath(QStringLiteral("chosen"));
+        QVERIFY(QDir().mkpath(chosen));
+        QFileDialog *chooser = openChooser();
+        QCOMPARE(chooser->fileMode(), QFileDialog::Directory);
+        QVERIFY(chooser->testOption(QFileDialog::ShowDirsOnly));
+        QCOMPARE(chooser->labelText(QFileDialog::Accept), QStringLiteral("Choose"));
+        QCOMPARE(chooser->windowTitle(),
+                 QStringLiteral("Select the folder where screenshots will be saved"));
+        Q_EMIT chooser->fileSelected(chosen);
+        QCOMPARE(m_defaults->string(QStringLiteral("saveFolderPath")), std::optional(chosen));
+        QVERIFY(chooseButton()->accessibleDescription().startsWith(QStringLiteral("~/chosen")));
+    }
+
+    void keepsTheFolderWhenTheChooserIsLeft()
+    {
+        openChooser()->reject();
+        QVERIFY(!m_defaults->contains(QStringLiteral("saveFolderPath")));
+    }
+
+    void marksAFolderThatIsMissing()
+    {
+        QVERIFY(!shows(QStringLiteral("This folder does not exist")));
+        QVERIFY(QDir(m_dir->filePath(QStringLiteral("Downloads"))).removeRecursively());
+        m_view->hide();
+        m_view->show();
+        QVERIFY(shows(QStringLiteral("This folder does not exist")));
+        QVERIFY(chooseButton()->accessibleDescription().contains(
+            QStringLiteral("This folder does not exist")));
+        QVERIFY(QDir().mkpath(m_dir->filePath(QStringLiteral("Downloads"))));
+        m_view->hide();
+        m_view->show();
+        QVERIFY(!shows(QStringLiteral("This folder does not exist")));
+    }
+
+    void turnsAutomaticChecksOn()
+    {
+        control("Check for updates automatically")->click();
+        QVERIFY(m_manager->automaticallyChecksForUpdates());
+        make();
+        QVERIFY(control("Check for updates automatically")->isChecked());
+    }
+
+    void offersNoUpdatesWhereThereAreNone()
+    {
+        make({});
+        auto *toggle = control("Check for updates automatically");
+        QVERIFY(!toggle->isEnabled());
+        QVERIFY(!toggle->isChecked());
+        QCOMPARE(toggle->parentWidget()->toolTip(), m_manager->unavailableReason());
+        QVERIFY(!m_manager->unavailableReason().isEmpty());
+    }
+
+    void isReachedByTheKeyboardFromTopToBottom()
+    {
+        QStringList order;
+        control("Launch at login")->setFocus();
+        for (int step = 0; step < 5; ++step) {
+            order.append(m_view->focusWidget()->accessibleName());
+            QTest::keyClick(m_view->focusWidget(), Qt::Key_Tab);
+        }
+        QCOMPARE(order,
+                 (QStringList{QStringLiteral("Launch at login"),
+                              QStringLiteral("Show Tovek in menu bar"),
+                              QStringLiteral("Highlight detected text"),
+                              QStringLiteral("Screenshot save location"),
+                              QStringLiteral("Check for updates automatically")}));
+    }
+
+private:
+    void make(const UpdateConfiguration &configuration = {QStringLiteral("/bin/false"),
+                                                          QStringLiteral("1.0")})
+    {
+        m_view.reset();
+        QVERIFY(QDir().mkpath(m_dir->filePath(QStringLiteral("Downloads"))));
+        m_manager = std::make_unique<UpdaterManager>(configuration, *m_updates, m_clock);
+        m_view = std::make_unique<GeneralTabView>(GeneralTabView::Services{
+            *m_defaults, *m_loginItem, *m_manager, m_dir->filePath(QStringLiteral("Downloads")),
+            m_dir->path(), [this](bool isVisible) { m_visibility.append(isVisible); }});
+        m_view->show();
+        m_view->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
+    }
+    SwitchControl *control(const char *name) const
+    {
+        for (auto *candidate : m_view->findChildren<SwitchControl *>()) {
+            if (candidate->accessibleName() == QLatin1String(name))
+                return candidate;
+        }
+        return nullptr;
+    }
+    QStringList labels() const
+    {
+        QStringList names;
+        for (const auto *candidate : m_view->findChildren<SwitchControl *>())
+            names.append(candidate->accessibleName());
+        return names;
+    }
+    QPushButton *chooseButton() const { return m_view->findChild<QPushButton *>(); }
+    QFileDialog *openChooser() const
+    {
+        chooseButton()->click();
+        return m_view->findChild<QFileDialog *>();
+    }
+    bool shows(const QString &text) const
+    {
+        for (const auto *label : m_view->findChildren<QLabel *>()) {
+            if (label->isVisible() && label->text() == text)
+                return true;
+        }
+        return false;
+    }
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<UserDefaults> m_defaults;
+    std::unique_ptr<UserDefaults> m_updates;
+    std::unique_ptr<FakeLoginItem> m_loginItem;
+    FakeClock m_clock;
+    std::unique_ptr<UpdaterManager> m_manager;
+    std::unique_ptr<GeneralTabView> m_view;
+    QList<bool> m_visibility;
+};
+
+QTEST_MAIN(TestGeneralTabView)
+#include "tst_GeneralTabView.moc"

@@ -1,0 +1,92 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "KeyboardShortcuts/ShortcutService.h"
+#include "app/AppShortcuts.h"
+#include "app/ShortcutsTabView.h"
+#include "fakes/FakeHotKeys.h"
+#include "fakes/FakeKeyboardLayout.h"
+#include "foundation/UserDefaults.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace tovek;
+using namespace KeyboardShortcuts;
+
+class TestShortcutsTabView : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin does not)")));
+        m_dir = std::make_unique<QTemporaryDir>();
+        m_defaults = std::make_unique<UserDefaults>(m_dir->filePath(QStringLiteral("d.json")));
+        // The names are the process's own, so the service must be, too.
+        ShortcutService::setShared(
+            std::make_unique<ShortcutService>(*m_defaults, m_hotKeys, m_layout));
+        m_view = std::make_unique<ShortcutsTabView>(service(), RecorderSetup{});
+        m_view->show();
+    }
+    void cleanup()
+    {
+        m_view.reset();
+        ShortcutService::setShared(nullptr);
+    }
+
+    void hasARecorderForEachShortcut()
+    {
+        const auto recorders = m_view->findChildren<RecorderCocoa *>();
+        QCOMPARE(recorders.size(), 3);
+        const char *const names[] = {"Start Capture", "Capture Image", "Capture Text"};
+        const char *const values[] = {"captureScreenshot", "captureImage", "captureText"};
+        for (int row = 0; row < 3; ++row) {
+            QCOMPARE(recorders[row]->accessibleName(), QLatin1String(names[row]));
+            QCOMPARE(recorders[row]->shortcutName().rawValue, QLatin1String(values[row]));
+        }
+        bool hasHint = false;
+        for (const auto *label : m_view->findChildren<QLabel *>())
+            hasHint = hasHint
+                || label->text()
+                    == QStringLiteral("Click to record a shortcut, then press your desired key "
+                                      "combination");
+        QVERIFY(hasHint);
+    }
+
+    void recordsPrintScreenWithOneClick()
+    {
+        auto *usePrint = m_view->findChild<QPushButton *>();
+        QCOMPARE(usePrint->text(), QStringLiteral("Use Print"));
+        QVERIFY(usePrint->isVisible());
+        usePrint->click();
+        QCOMPARE(service().shortcut(AppShortcuts::captureScreenshot()),
+                 std::optional(Shortcut{105, 0}));
+        QVERIFY(!usePrint->isVisible());
+        QCOMPARE(m_view->findChild<RecorderCocoa *>()->text(), QStringLiteral("F13"));
+    }
+
+    void offersPrintOnlyWhileThereIsNoShortcutAtAll()
+    {
+        auto *usePrint = m_view->findChild<QPushButton *>();
+        service().setShortcut(AppShortcuts::captureText(), Shortcut{96, 0});
+        QVERIFY(!usePrint->isVisible());
+        service().setShortcut(AppShortcuts::captureText(), std::nullopt);
+        QVERIFY(usePrint->isVisible());
+    }
+
+private:
+    static ShortcutService &service() { return ShortcutService::shared(); }
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<UserDefaults> m_defaults;
+    FakeHotKeys m_hotKeys;
+    FakeKeyboardLayout m_layout;
+    std::unique_ptr<ShortcutsTabView> m_view;
+};
+
+QTEST_MAIN(TestShortcutsTabView)
+#include "tst_ShortcutsTabView.moc"
