@@ -59,6 +59,7 @@ public:
         : m_suffix(QStringLiteral("-%1@%2.png").arg(look).arg(qApp->devicePixelRatio()))
         , m_folder(folder)
     {
+        m_layout.characters = {{34, QStringLiteral("i")}};
         QDir().mkpath(m_home.filePath(QStringLiteral("Downloads")));
         ShortcutService::setShared(
             std::make_unique<ShortcutService>(m_defaults, m_hotKeys, m_layout));
