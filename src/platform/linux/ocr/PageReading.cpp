@@ -19,6 +19,20 @@ namespace {
 /// Fainter differences cannot be seen, and are noise.
 constexpr int faintestInk = 20;
 
+double usualCap(const std::vector<LetterMetrics> &metrics)
+{
+    std::vector<double> heights;
+    for (const LetterMetrics &one : metrics) {
+        if (one.isCertain)
+            heights.push_back(one.capHeight);
+    }
+    if (heights.empty())
+        return 0;
+    const auto middle = heights.begin() + std::ptrdiff_t(heights.size() / 2);
+    std::nth_element(heights.begin(), middle, heights.end());
+    return *middle;
+}
+
 } // namespace
 
 Page pageOf(const QImage &image)
@@ -46,12 +60,13 @@ std::vector<InkSymbol> symbolsOf(const Page &page, std::size_t run, const InkMap
 std::vector<std::vector<ReadWord>> linesOf(const Page &page,
                                            std::vector<std::vector<InkSymbol>> readings)
 {
+    const double cap = usualCap(page.metrics);
     std::vector<std::vector<ReadWord>> lines;
     for (std::size_t i = 0; i < readings.size(); ++i) {
         breakWords(readings[i], page.metrics[i].capHeight);
         std::vector<ReadWord> words = readWords(readings[i]);
         dropPictures(words, page.metrics[i]);
-        if (!words.empty())
+        if (!words.empty() && !isPictureRun(page.runs[i], words, cap))
             lines.push_back(std::move(words));
     }
     return lines;

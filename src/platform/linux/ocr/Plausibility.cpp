@@ -14,6 +14,9 @@ constexpr qsizetype mostInIcon = 3;
 /// Below this a word of a few characters is noise.
 constexpr double leastConfidence = 25;
 
+/// In pixels; no letter can be read that is lower.
+constexpr int leastHeight = 6;
+
 /// Higher and lower than the line's letters, and about as wide as high.
 bool isIcon(const ReadWord &word, const LetterMetrics &metrics)
 {
@@ -45,6 +48,20 @@ void dropPictures(std::vector<ReadWord> &words, const LetterMetrics &metrics)
             return false;
         return isIcon(word, metrics) || floats(word, metrics) || word.confidence < leastConfidence;
     });
+}
+
+bool isPictureRun(const TextRun &run, const std::vector<ReadWord> &words, double usualCap)
+{
+    const QRect &box = run.box;
+    const bool isDash = box.height() <= 3 && box.width() >= 4;
+    if (box.height() < leastHeight && !isDash)
+        return true;
+    if (run.patches.size() == 1 && box.height() > box.width() * 6 && box.width() <= 3)
+        return true;
+    qsizetype length = 0;
+    for (const ReadWord &word : words)
+        length += word.text.size();
+    return length <= 2 && usualCap > 0 && box.height() > usualCap * 1.45;
 }
 
 } // namespace tovek

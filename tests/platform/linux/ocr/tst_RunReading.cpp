@@ -140,6 +140,27 @@ private Q_SLOTS:
         dropPictures(words, metrics);
         QCOMPARE(!words.empty(), isKept);
     }
+
+    void tellsRunsThatAreNoText_data()
+    {
+        QTest::addColumn<QRect>("box");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<bool>("expected");
+        QTest::newRow("corner of a frame") << QRect(0, 0, 3, 2) << "_" << true;
+        QTest::newRow("dash") << QRect(0, 0, 4, 1) << "-" << false;
+        QTest::newRow("side of a frame") << QRect(0, 0, 1, 22) << "|" << true;
+        QTest::newRow("small letter") << QRect(0, 0, 5, 6) << "x" << false;
+        QTest::newRow("digit") << QRect(0, 0, 6, 10) << "7" << false;
+        QTest::newRow("icon") << QRect(0, 0, 24, 24) << "@" << true;
+        QTest::newRow("heading") << QRect(0, 0, 80, 24) << "Title" << false;
+    }
+    void tellsRunsThatAreNoText()
+    {
+        QFETCH(QRect, box);
+        QFETCH(QString, text);
+        const TextRun run{box, {{box, box.width() * box.height(), 255}}};
+        QTEST(isPictureRun(run, {{text, box, 90}}, 10), "expected");
+    }
 };
 
 QTEST_APPLESS_MAIN(TestRunReading)
