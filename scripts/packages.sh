@@ -6,15 +6,15 @@
 build_packages=(
     ccache cmake g++ ninja-build pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-base-private-dev
-    libcanberra-dev libdeflate-dev libisal-dev libxkbcommon-dev libxkbcommon-x11-dev zlib1g-dev
+    libcanberra-dev libdeflate-dev libisal-dev libsodium-dev libtesseract-dev libxkbcommon-dev libxkbcommon-x11-dev zlib1g-dev
     libxcb1-dev libxcb-icccm4-dev libxcb-image0-dev libxcb-keysyms1-dev libxcb-randr0-dev
     libxcb-render0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-xfixes0-dev libxcb-xinput-dev
     libxcb-xkb-dev libxcb-xtest0-dev
-    fonts-dejavu-core
+    fonts-dejavu-core tesseract-ocr-eng libcanberra-pulse
 )
 # For the virtual desktops of the tests and of the tour.
 desktop_packages=(
-    dbus dbus-bin desktop-file-utils openbox picom x11-xkb-utils x11-xserver-utils xvfb
+    dbus dbus-bin dbus-x11 libglib2.0-bin desktop-file-utils openbox picom pulseaudio pulseaudio-utils trayer x11-xkb-utils x11-xserver-utils xauth xclip xvfb
 )
 # For continuous integration alone.
 ci_packages=(clang clang-format clang-tidy git)

@@ -140,6 +140,12 @@ void AppDelegate::performAction(const QString &action)
     logLine(QStringLiteral("This build cannot do %1").arg(action));
 }
 
+void AppDelegate::setStatusItemVisible(bool isVisible)
+{
+    if (m_services.statusBarController)
+        m_services.statusBarController->setVisible(isVisible);
+}
+
 void AppDelegate::openSettings(SettingsTab tab)
 {
     m_state.setSelectedSettingsTab(tab);

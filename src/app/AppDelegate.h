@@ -32,6 +32,8 @@ public:
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
     /// A command from outside, by its name.
     void performAction(const QString &action);
+    /// Of the setting that shows the program in the panel.
+    void setStatusItemVisible(bool isVisible);
 
     OverlayController &overlayController() { return m_overlayController; }
 

@@ -5,10 +5,12 @@
 
 #include "foundation/Log.h"
 #include "platform/FirstTray.h"
+#include "platform/linux/AutostartLoginItem.h"
 #include "platform/linux/CanberraSoundOutput.h"
 #include "platform/linux/DBusFileRevealer.h"
 #include "platform/linux/DBusNotifications.h"
 #include "platform/linux/DBusSingleInstance.h"
+#include "platform/linux/DesktopShortcuts.h"
 #include "platform/linux/NullClipboard.h"
 #include "platform/linux/NullDesktop.h"
 #include "platform/linux/NullKeyboard.h"
@@ -135,6 +137,10 @@ Platform makePlatform(EarlyPlatform &early)
     platform.clock = std::make_unique<QtClock>();
     platform.hotKeys = std::move(early.hotKeys);
     platform.keyboardLayout = std::move(early.keyboardLayout);
+    platform.loginItem = std::make_unique<AutostartLoginItem>(
+        AutostartLoginItem::standardFolder(), AutostartLoginItem::standardProgram());
+    platform.systemShortcuts = std::make_unique<DesktopShortcuts>(
+        qEnvironmentVariable("XDG_CURRENT_DESKTOP"), *platform.keyboardLayout);
     platform.notifications = std::make_unique<DBusNotifications>();
     platform.fileRevealer = std::make_unique<DBusFileRevealer>();
     platform.textRecognizer = std::make_unique<TesseractRecognizer>();

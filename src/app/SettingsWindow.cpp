@@ -4,22 +4,25 @@
 #include "app/SettingsWindow.h"
 
 #include <QCloseEvent>
+#include <QIcon>
 #include <QKeyEvent>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
 namespace tovek {
 
-SettingsWindow::SettingsWindow(AppState &state) : m_state(state), m_tabs(new QTabWidget(this))
+SettingsWindow::SettingsWindow(AppState &state, const Content &content)
+    : m_state(state)
+    , m_tabs(new QTabWidget(this))
 {
     setObjectName(QStringLiteral("settings"));
     setAttribute(Qt::WA_DeleteOnClose);
     m_tabs->setDocumentMode(true);
     m_tabs->setAccessibleName(tr("Settings"));
     for (const SettingsTab tab : {SettingsTab::general, SettingsTab::shortcuts, SettingsTab::about})
-        m_tabs->addTab(new QWidget(m_tabs), titleOf(tab));
+        m_tabs->addTab(content.make(tab, m_tabs), content.icon(tab, *this), titleOf(tab));
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setContentsMargins(0, 6, 0, 0);
     layout->addWidget(m_tabs);
     setFixedSize(contentSize);
 

@@ -7,6 +7,9 @@
 
 #include <QWidget>
 
+#include <functional>
+
+class QIcon;
 class QTabWidget;
 
 namespace tovek {
@@ -19,7 +22,14 @@ class SettingsWindow : public QWidget
 public:
     static constexpr QSize contentSize{450, 260};
 
-    explicit SettingsWindow(AppState &state);
+    /// Gives the content and the symbol of a tab; its parent is given.
+    struct Content
+    {
+        std::function<QWidget *(SettingsTab tab, QWidget *parent)> make;
+        std::function<QIcon(SettingsTab tab, const QWidget &window)> icon;
+    };
+
+    SettingsWindow(AppState &state, const Content &content);
 
 Q_SIGNALS:
     void willClose();

@@ -3,21 +3,50 @@
 
 #include "app/TovekApp.h"
 
+#include "app/ModernStyle.h"
 #include "app/SettingsPlacement.h"
 #include "app/SettingsWindow.h"
+#include "foundation/Symbol.h"
 #include "platform/Clock.h"
 #include "platform/FrontmostApp.h"
 #include "platform/Platform.h"
+
+#include <QApplication>
+#include <QIcon>
+
+#include <utility>
 
 namespace tovek {
 
 using namespace std::chrono_literals;
 
+namespace {
+
+constexpr int windowIconSide = 128;
+
+/// Made with the first window that shows it: the program mostly has none.
+void useModernLook()
+{
+    static bool isUsed = false;
+    if (std::exchange(isUsed, true))
+        return;
+    QApplication::setStyle(new ModernStyle);
+    if (const auto icon = Symbol::fromFile(QStringLiteral(":/org.tovek.Tovek.svg")))
+        QApplication::setWindowIcon(
+            QPixmap::fromImage(icon->image(windowIconSide, 1, QColor(Qt::black))));
+}
+
+} // namespace
+
 TovekApp::TovekApp(Platform &platform, UserDefaults &defaults)
     : m_platform(platform)
     , m_appState(AppState::shared())
     , m_appDelegate(platform, defaults, m_appState)
+    , m_settingsTabs(platform, defaults)
 {
+    m_settingsTabs.setStatusItemVisible = [this](bool isVisible) {
+        m_appDelegate.setStatusItemVisible(isVisible);
+    };
     connect(&m_appState, &AppState::shouldOpenSettingsChanged, this, [this](bool should) {
         if (should)
             openSettings();
@@ -33,7 +62,13 @@ void TovekApp::openSettings()
 {
     m_platform.frontmostApp->setActivationPolicy(ActivationPolicy::regular);
     if (!m_settingsWindow) {
-        m_settingsWindow = new SettingsWindow(m_appState);
+        useModernLook();
+        m_settingsWindow = new SettingsWindow(
+            m_appState,
+            {[this](SettingsTab tab, QWidget *parent) { return m_settingsTabs.make(tab, parent); },
+             [this](SettingsTab tab, const QWidget &window) {
+                 return m_settingsTabs.icon(tab, window);
+             }});
         connect(m_settingsWindow, &SettingsWindow::willClose, this, [this] {
             m_platform.frontmostApp->setActivationPolicy(ActivationPolicy::accessory);
         });

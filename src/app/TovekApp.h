@@ -4,6 +4,7 @@
 #pragma once
 
 #include "app/AppDelegate.h"
+#include "app/SettingsTabs.h"
 #include "app/SettingsWindow.h"
 
 #include <QPointer>
@@ -27,6 +28,7 @@ private:
     Platform &m_platform;
     AppState &m_appState;
     AppDelegate m_appDelegate;
+    SettingsTabs m_settingsTabs;
     QPointer<SettingsWindow> m_settingsWindow; ///< deletes itself when it is closed
 };
 

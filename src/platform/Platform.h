@@ -14,11 +14,13 @@ class FileRevealer;
 class FrontmostApp;
 class HotKeys;
 class KeyboardLayout;
+class LoginItem;
 class Notifications;
 class OverlayShell;
 class ScreenGrabber;
 class Screens;
 class SoundOutput;
+class SystemShortcuts;
 class TextRecognizer;
 class ToastShell;
 class Tray;
@@ -41,6 +43,7 @@ struct Platform
     std::unique_ptr<KeyboardLayout> keyboardLayout;
     std::unique_ptr<Clipboard> clipboard;
     std::unique_ptr<FrontmostApp> frontmostApp;
+    std::unique_ptr<LoginItem> loginItem;
 
     std::unique_ptr<CapturePermission> capturePermission;
     std::unique_ptr<ToastShell> toastShell;
@@ -49,6 +52,7 @@ struct Platform
     std::unique_ptr<FileRevealer> fileRevealer;
     std::unique_ptr<Tray> tray;
     std::unique_ptr<TextRecognizer> textRecognizer;
+    std::unique_ptr<SystemShortcuts> systemShortcuts;
 };
 
 } // namespace tovek

@@ -3,11 +3,18 @@
 
 #include "app/SettingsWindow.h"
 
+#include <QIcon>
 #include <QSignalSpy>
 #include <QTabWidget>
 #include <QTest>
 
 using namespace tovek;
+
+static SettingsWindow::Content emptyTabs()
+{
+    return {[](SettingsTab, QWidget *parent) { return new QWidget(parent); },
+            [](SettingsTab, const QWidget &) { return QIcon(); }};
+}
 
 class TestSettingsWindow : public QObject
 {
@@ -19,7 +26,7 @@ private Q_SLOTS:
     void hasItsThreeTabsAtItsSize()
     {
         AppState state;
-        const SettingsWindow window(state);
+        const SettingsWindow window(state, emptyTabs());
         const auto *tabs = window.findChild<QTabWidget *>();
         QCOMPARE(tabs->count(), 3);
         QCOMPARE(tabs->tabText(0), QStringLiteral("General"));
@@ -33,7 +40,7 @@ private Q_SLOTS:
     {
         AppState state;
         state.setSelectedSettingsTab(SettingsTab::about);
-        const SettingsWindow window(state);
+        const SettingsWindow window(state, emptyTabs());
         QCOMPARE(window.windowTitle(), QStringLiteral("About"));
         state.setSelectedSettingsTab(SettingsTab::shortcuts);
         QCOMPARE(window.windowTitle(), QStringLiteral("Shortcuts"));
@@ -42,7 +49,7 @@ private Q_SLOTS:
     void tellsTheStateWhichTabIsVisible()
     {
         AppState state;
-        const SettingsWindow window(state);
+        const SettingsWindow window(state, emptyTabs());
         window.findChild<QTabWidget *>()->setCurrentIndex(2);
         QVERIFY(state.selectedSettingsTab() == SettingsTab::about);
         QCOMPARE(window.windowTitle(), QStringLiteral("About"));
@@ -51,7 +58,7 @@ private Q_SLOTS:
     void closesOnEscape()
     {
         AppState state;
-        auto *window = new SettingsWindow(state);
+        auto *window = new SettingsWindow(state, emptyTabs());
         QSignalSpy closed(window, &SettingsWindow::willClose);
         window->show();
         QTest::keyClick(window, Qt::Key_Escape);

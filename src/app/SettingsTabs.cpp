@@ -1,0 +1,101 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "app/SettingsTabs.h"
+
+#include "KeyboardShortcuts/ShortcutService.h"
+#include "app/AboutTabView.h"
+#include "app/BundleInformation.h"
+#include "app/GeneralTabView.h"
+#include "app/ShortcutsTabView.h"
+#include "foundation/Symbol.h"
+#include "platform/Clock.h"
+#include "platform/LoginItem.h"
+#include "platform/Platform.h"
+#include "platform/SystemShortcuts.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileInfo>
+#include <QIcon>
+#include <QStandardPaths>
+
+namespace tovek {
+
+namespace {
+
+constexpr double iconSize = 15;
+
+QString symbolOf(SettingsTab tab)
+{
+    switch (tab) {
+    case SettingsTab::general:
+        return QStringLiteral("gearshape");
+    case SettingsTab::shortcuts:
+        return QStringLiteral("command");
+    case SettingsTab::about:
+        return QStringLiteral("info.circle");
+    }
+    Q_UNREACHABLE();
+}
+
+} // namespace
+
+SettingsTabs::SettingsTabs(Platform &platform, UserDefaults &defaults)
+    : m_platform(platform)
+    , m_defaults(defaults)
+    , m_updaterDefaults(QFileInfo(defaults.path()).dir().filePath(QStringLiteral("updates.json")))
+    , m_updaterManager({{}, QStringLiteral(TOVEK_VERSION)}, m_updaterDefaults, *platform.clock)
+{
+    const auto addItem = [this](const QString &title, const QKeySequence &keys) {
+        auto *item = new QAction(title, &m_menuItems);
+        item->setShortcut(keys);
+        m_mainMenu.append(item);
+    };
+    addItem(QStringLiteral("Preferences..."), QKeySequence(Qt::CTRL | Qt::Key_Comma));
+    addItem(QStringLiteral("Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q));
+}
+
+QWidget *SettingsTabs::make(SettingsTab tab, QWidget *parent)
+{
+    switch (tab) {
+    case SettingsTab::general:
+        return makeGeneral(parent);
+    case SettingsTab::shortcuts:
+        return makeShortcuts(parent);
+    case SettingsTab::about:
+        return new AboutTabView(
+            BundleInformation::standard(), [](const QUrl &url) { QDesktopServices::openUrl(url); },
+            parent);
+    }
+    Q_UNREACHABLE();
+}
+
+QIcon SettingsTabs::icon(SettingsTab tab, const QWidget &window) const
+{
+    const auto symbol = Symbol::named(symbolOf(tab));
+    if (!symbol)
+        return {};
+    const QColor color = window.palette().color(QPalette::WindowText);
+    return QPixmap::fromImage(symbol->image(iconSize, qApp->devicePixelRatio(), color));
+}
+
+QWidget *SettingsTabs::makeGeneral(QWidget *parent)
+{
+    return new GeneralTabView({m_defaults, *m_platform.loginItem, m_updaterManager,
+                               QStandardPaths::writableLocation(QStandardPaths::DownloadLocation),
+                               QDir::homePath(), setStatusItemVisible},
+                              parent);
+}
+
+QWidget *SettingsTabs::makeShortcuts(QWidget *parent)
+{
+    KeyboardShortcuts::RecorderSetup setup;
+    setup.mainMenu = [this] { return m_mainMenu; };
+    setup.systemShortcuts = m_platform.systemShortcuts.get();
+    return new ShortcutsTabView(KeyboardShortcuts::ShortcutService::shared(), setup, parent);
+}
+
+} // namespace tovek
