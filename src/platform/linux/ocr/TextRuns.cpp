@@ -157,31 +157,6 @@ std::vector<Patches> withoutTallPatches(const Patches &patches, int letterHeight
     return parts;
 }
 
-/// Drops what stands before a line (sorted from the left) with a gap, is higher and lower than the
-/// line's letters and about as wide as high.
-Patches withoutIcon(Patches line, int letterHeight)
-{
-    QRect icon = line.front().box;
-    std::size_t count = 1;
-    while (count < line.size() && line[count].box.left() - icon.right() - 1 < letterHeight * 0.5)
-        icon |= line[count++].box;
-    if (line.size() < count + 3)
-        return line;
-    std::vector<int> bottoms;
-    int top = icon.bottom();
-    for (std::size_t i = count; i < line.size(); ++i) {
-        bottoms.push_back(line[i].box.bottom());
-        top = std::min(top, line[i].box.top());
-    }
-    const auto middle = bottoms.begin() + std::ptrdiff_t(bottoms.size() / 2);
-    std::nth_element(bottoms.begin(), middle, bottoms.end());
-    const double ratio = double(icon.width()) / icon.height();
-    if (icon.top() <= top && icon.bottom() > *middle && icon.height() > letterHeight * 1.4
-        && ratio > 0.55 && ratio < 1.8)
-        line.erase(line.begin(), line.begin() + std::ptrdiff_t(count));
-    return line;
-}
-
 void cut(Patches patches, std::vector<TextRun> &runs)
 {
     const auto recurse = [&runs](std::vector<Patches> parts) {
