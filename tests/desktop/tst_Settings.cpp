@@ -1,0 +1,181 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "Session.h"
+
+#include <QTest>
+
+#include <algorithm>
+
+using namespace tovek;
+
+namespace {
+
+QList<SeenWindow> windowsTitled(const Eye &eye, const QString &title)
+{
+    QList<SeenWindow> found;
+    for (const SeenWindow &window : eye.windows()) {
+        if (window.title == title && window.windowClass.compare("tovek", Qt::CaseInsensitive) == 0)
+            found.append(window);
+    }
+    return found;
+}
+
+/// The program as a person starts it, with its window.
+struct Launched
+{
+    bool start(const DesktopPlan &plan = {})
+    {
+        desktop = std::make_unique<TestDesktop>(plan);
+        if (!desktop->start())
+            return false;
+        eye = std::make_unique<Eye>(desktop->displayName());
+        program = launch();
+        return program && isOpen("General");
+    }
+    Program *launch(const QStringList &arguments = {})
+    {
+        return desktop->run(qEnvironmentVariable("TOVEK_PROGRAM"), arguments);
+    }
+    bool isOpen(const char *title)
+    {
+        return waitUntil([&] { return windowsTitled(*eye, title).size() == 1; });
+    }
+    bool isClosed()
+    {
+        return waitUntil([&] {
+            return windowsTitled(*eye, "General").isEmpty()
+                && windowsTitled(*eye, "About").isEmpty();
+        });
+    }
+    /// A method of the program's object on the session bus.
+    bool call(const QStringList &call)
+    {
+        QStringList arguments{"call",          "--session",        "--dest",  "org.tovek.Tovek",
+                              "--object-path", "/org/tovek/Tovek", "--method"};
+        Program *gdbus = desktop->run("/usr/bin/gdbus", arguments + call);
+        return gdbus && gdbus->waitForExit() == 0;
+    }
+    bool activateAction(const QString &action)
+    {
+        return call({"org.freedesktop.Application.ActivateAction", action, "[]", "{}"});
+    }
+
+    std::unique_ptr<TestDesktop> desktop;
+    std::unique_ptr<Eye> eye;
+    Program *program = nullptr;
+};
+
+} // namespace
+
+class TestSettings : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        const QString missing = TestDesktop::missing();
+        if (!missing.isEmpty())
+            QSKIP(qPrintable(missing));
+    }
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void openAtLaunchAtTheirSize()
+    {
+        Launched l;
+        QVERIFY(l.start());
+        const SeenWindow window = windowsTitled(*l.eye, "General").first();
+        QVERIFY(!window.isUnmanaged);
+        QVERIFY(window.native.width() >= 450 && window.native.width() < 470);
+        QVERIFY(window.native.height() >= 260 && window.native.height() < 300);
+    }
+
+    void stayClosedInTheBackground()
+    {
+        Launched l;
+        l.desktop = std::make_unique<TestDesktop>();
+        QVERIFY(l.desktop->start());
+        l.eye = std::make_unique<Eye>(l.desktop->displayName());
+        QVERIFY(l.launch({"--background"}));
+        // It answers on the bus once it is up; then the time of a window has passed as well.
+        QVERIFY(waitUntil([&] { return l.activateAction("about"); }));
+        QVERIFY(l.isOpen("About"));
+        QVERIFY(windowsTitled(*l.eye, "General").isEmpty());
+    }
+
+    void openAgainOnASecondLaunch()
+    {
+        Launched l;
+        QVERIFY(l.start());
+        QVERIFY(Hand(l.desktop->displayName()).tap("Escape"));
+        QVERIFY(l.isClosed());
+        Program *second = l.launch();
+        QVERIFY(second);
+        QCOMPARE(second->waitForExit(), std::optional(0));
+        QVERIFY(l.isOpen("General"));
+        QVERIFY(l.program->isRunning());
+    }
+
+    void opensNoSecondWindow()
+    {
+        Launched l;
+        QVERIFY(l.start());
+        QVERIFY(l.call({"org.freedesktop.Application.Activate", "{}"}));
+        QVERIFY(l.activateAction("about"));
+        QVERIFY(l.isOpen("About"));
+        QVERIFY(windowsTitled(*l.eye, "General").isEmpty());
+        QVERIFY(l.activateAction("preferences"));
+        QVERIFY(l.isOpen("General"));
+    }
+
+    void comeToTheScreenUnderThePointer()
+    {
+        DesktopPlan plan;
+        plan.size = {1600, 600};
+        plan.monitors = {{0, 0, 800, 600}, {800, 0, 800, 600}};
+        Launched l;
+        QVERIFY(l.start(plan));
+        Hand hand(l.desktop->displayName());
+        hand.move({1200, 300});
+        QVERIFY(l.call({"org.freedesktop.Application.Activate", "{}"}));
+        QVERIFY(waitUntil([&] {
+            const auto windows = windowsTitled(*l.eye, "General");
+            return windows.size() == 1
+                && QRect(800, 0, 800, 600).contains(windows.first().native.center());
+        }));
+    }
+
+    void capturesAndQuitsOnCommandsFromOutside()
+    {
+        Launched l;
+        QVERIFY(l.start());
+        QVERIFY(l.activateAction("start-capture"));
+        QVERIFY(waitUntil([&] { return l.eye->overlays("tovek").size() == 1; }));
+        QVERIFY(Hand(l.desktop->displayName()).tap("Escape"));
+        QVERIFY(waitUntil([&] { return l.eye->overlays("tovek").isEmpty(); }));
+        QVERIFY(l.activateAction("quit"));
+        QCOMPARE(l.program->waitForExit(), std::optional(0));
+    }
+
+    void setABrokenStoreAside()
+    {
+        Launched l;
+        l.desktop = std::make_unique<TestDesktop>();
+        QVERIFY(l.desktop->start());
+        l.eye = std::make_unique<Eye>(l.desktop->displayName());
+        const QString folder = l.desktop->configFolder() + "/tovek";
+        QVERIFY(QDir().mkpath(folder));
+        QFile store(folder + "/defaults.json");
+        QVERIFY(store.open(QIODevice::WriteOnly));
+        store.write("{ this is no JSON");
+        store.close();
+        l.program = l.launch();
+        QVERIFY(l.isOpen("General"));
+        QVERIFY(QFile::exists(folder + "/defaults.json.broken"));
+        QCOMPARE(l.program->lines().filter("set aside").size(), 1);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSettings)
+#include "tst_Settings.moc"
