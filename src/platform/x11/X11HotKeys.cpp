@@ -51,8 +51,10 @@ X11HotKeys::X11HotKeys(xcb_connection_t *connection)
     : m_connection(connection, &xcb_disconnect)
     , m_root(xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root)
     , m_grabs(connection)
-    , m_rawKeys(connection,
-                [this](KeyCombo combo, bool isDown) { return onRawKey && onRawKey(combo, isDown); })
+    , m_rawKeys(connection, [this](KeyCombo combo, bool isDown) {
+        dispatchLater();
+        return onRawKey && onRawKey(combo, isDown);
+    })
 {
     m_holdTimer.setSingleShot(true);
     m_holdTimer.setTimerType(Qt::PreciseTimer);
@@ -87,6 +89,8 @@ void X11HotKeys::setUpExtensions()
 
 int X11HotKeys::grab(quint32 id, KeyCombo combo)
 {
+    // Before the grab, whose answer then is the server's for both.
+    setRawMask(m_rawMask | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS);
     const int status = m_grabs.grab(id, combo);
     selectRawKeys();
     dispatchLater();
@@ -135,6 +139,11 @@ void X11HotKeys::selectRawKeys()
     quint32 mask = m_grabs.isEmpty() ? 0 : XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS;
     if (!m_presses.empty())
         mask |= XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
+    setRawMask(mask);
+}
+
+void X11HotKeys::setRawMask(quint32 mask)
+{
     if (!m_inputOpcode || mask == m_rawMask)
         return;
     m_rawMask = mask;
@@ -183,6 +192,7 @@ void X11HotKeys::dispatch()
     m_hasNewMapping = false;
     m_grabs.readModifiers();
     m_rawKeys.setWatching(m_rawKeys.isWatching(), m_grabs.modifiers());
+    dispatchLater();
 }
 
 void X11HotKeys::handle(const xcb_generic_event_t &event)

@@ -60,6 +60,7 @@ private:
     void setUpExtensions();
 
     void selectRawKeys();
+    void setRawMask(quint32 mask);
 
     void takeEvents();
     void dispatchLater();
