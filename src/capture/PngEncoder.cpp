@@ -26,7 +26,6 @@ using Bytes = std::vector<uint8_t>;
 /// cores finish together, large enough that its headers do not count.
 constexpr size_t stripBytes = 256 * 1024;
 constexpr unsigned maxThreads = 16;
-constexpr size_t chunkOverhead = 12;
 constexpr uint8_t zlibHeader[] = {0x78, 0x01};
 
 struct Layout

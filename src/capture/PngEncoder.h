@@ -24,10 +24,10 @@ struct PngOptions
 ///
 /// The rows are cut into strips that all cores filter and compress, each into a chunk of its own;
 /// a strip ends with a full flush, so that the chunks together are one valid zlib stream. One
-/// filter is chosen for a strip. Compared in bench/bench_output.cpp on one picture of noise and
-/// one screen of windows: ISA-L at level 1 compresses noise 2.7 times as fast as libdeflate at
-/// its fastest, and windows 3.7 times, into the same size; libdeflate also closes every stream it
-/// writes, so that its strips could not be joined. zlib takes over where ISA-L does not exist.
+/// filter is chosen for a strip. ISA-L at level 1 takes about half the time of libdeflate at its
+/// fastest for the same size (bench/bench_output.cpp measures it); libdeflate also closes every
+/// stream it writes, so that its strips could not be joined. zlib takes over where ISA-L does not
+/// exist.
 QByteArray encodePng(const QImage &image, const PngOptions &options = {});
 
 /// The density to note for the image: 72 for one pixel a point, in steps of a tenth of the scale.
