@@ -248,6 +248,8 @@ void StatusBarController::buildMenu()
             continue;
         }
         QAction *item = m_menu->addAction(QString::fromLatin1(row.title));
+        // What this build cannot do is not offered.
+        item->setEnabled(bool(actions.*row.action));
         if (row.keyEquivalent.key() != Qt::Key_unknown)
             item->setShortcut(row.keyEquivalent);
         if (row.shortcutName && bindShortcut)

@@ -140,6 +140,20 @@ private Q_SLOTS:
                               "Preferences...|Ctrl+,", "About|", "-", "Quit|Ctrl+Q"}));
     }
 
+    void offersNothingThatItCannotDo()
+    {
+        Setup s;
+        s.start();
+        s.controller.actions.checkForUpdates = nullptr;
+        s.controller.openMenu();
+        for (const QAction *action : s.controller.menu()->actions()) {
+            if (!action->isSeparator())
+                QCOMPARE(action->isEnabled(),
+                         action->text() != QLatin1String("Check for Updates..."));
+        }
+        s.controller.menu()->close();
+    }
+
     void runsWhatIsChosenAfterTheMenuHasGone()
     {
         Setup s;
