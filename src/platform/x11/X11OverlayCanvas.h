@@ -38,7 +38,6 @@ private:
     void composeBackdrop(const DisplayList &list, const QRegion &damage);
     void composeFill(const DisplayList::Fill &fill, QRect bounds);
     void composeDecal(const DisplayList::Decal &decal, QRect bounds);
-    void setVeil(double veil);
     void copy(const std::shared_ptr<X11Pixmap> &from, xcb_drawable_t to, const QRegion &region);
     xcb_render_picture_t createPicture(xcb_drawable_t drawable);
 
@@ -46,10 +45,7 @@ private:
     xcb_window_t m_window;
     std::shared_ptr<X11Pixmap> m_frozen;
     std::shared_ptr<X11Pixmap> m_composed;
-    xcb_render_picture_t m_frozenPicture = 0;
     xcb_render_picture_t m_composedPicture = 0;
-    xcb_render_picture_t m_veilMask = 0; ///< what the veil leaves of each colour
-    double m_veil = -1; ///< the alpha that m_veilMask was made for
     bool m_isComposed = false; ///< the composed pixmap holds what was presented
     X11DecalCache m_decals;
     DisplayList m_shown;
