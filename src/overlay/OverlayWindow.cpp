@@ -6,6 +6,7 @@
 #include <QBackingStore>
 #include <QCoreApplication>
 #include <QEvent>
+#include <QMouseEvent>
 #include <QPointer>
 #include <QWindow>
 
@@ -32,6 +33,7 @@ OverlayWindow::OverlayWindow(const OverlayContext &context, OverlayShell &shell)
         if (onKeyboardDenied)
             onKeyboardDenied();
     };
+    m_surface->onDragged = [this](QPointF at) { dragTo(at); };
     m_selectionView->setSurface(m_surface.get());
     m_selectionView->installEventFilter(this);
     forwardCallbacks();
@@ -56,6 +58,8 @@ void OverlayWindow::orderFrontRegardless()
     }
     if (backingStore())
         backingStore()->resize(size());
+    // The drag that makes the selection has to keep up with the hand.
+    m_surface->setFollowsPointer(true);
 }
 
 void OverlayWindow::makeKey()
@@ -88,6 +92,13 @@ bool OverlayWindow::eventFilter(QObject *watched, QEvent *event)
     if (event->type() == QEvent::MouseButtonPress && !m_surface->isKey())
         makeKey();
     return QWidget::eventFilter(watched, event);
+}
+
+void OverlayWindow::dragTo(QPointF at)
+{
+    QMouseEvent event(QEvent::MouseMove, at, at, mapToGlobal(at), Qt::NoButton, Qt::LeftButton,
+                      Qt::NoModifier);
+    QCoreApplication::sendEvent(m_selectionView, &event);
 }
 
 void OverlayWindow::forwardCallbacks()

@@ -42,6 +42,7 @@ protected:
 
 private:
     void forwardCallbacks();
+    void dragTo(QPointF at);
 
     Screen m_targetScreen;
     SelectionOverlayView *m_selectionView;

@@ -274,6 +274,9 @@ void SelectionOverlayView::startResize()
 
 void SelectionOverlayView::finalise()
 {
+    // From now on, there are things to point at.
+    if (m_surface)
+        m_surface->setFollowsPointer(false);
     if (m_context.captureMode == CaptureMode::normal)
         showToolbar();
     if (callbacks.onSelectionComplete)

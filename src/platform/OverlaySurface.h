@@ -5,6 +5,7 @@
 
 #include "platform/ScreenGrabber.h"
 
+#include <QPointF>
 #include <QRegion>
 
 #include <functional>
@@ -87,7 +88,14 @@ public:
     virtual bool present(const DisplayList &list) = 0;
     /// The part of the window, in native pixels, that child widgets paint themselves.
     virtual void setCovered(const QRegion &region) = 0;
+    /// While this is on, `onDragged` replaces the toolkit's mouse moves where the platform has a
+    /// cheaper way for them. There are none without a button then, so this is only for times when
+    /// nothing changes below the pointer. Off until the surface is visible.
+    virtual void setFollowsPointer(bool isOn) = 0;
 
+    /// The mouse is now at `at`, in logical pixels of the window, y down, which need not be
+    /// whole; the left button is held.
+    std::function<void(QPointF at)> onDragged;
     std::function<void()> onKeyboardDenied;
     /// The screen under the overlay went away; the surface shows nothing any more.
     std::function<void()> onScreenGone;

@@ -24,11 +24,13 @@ public:
     bool isKey() const override;
     bool present(const DisplayList &list) override;
     void setCovered(const QRegion &region) override { covered = region; }
+    void setFollowsPointer(bool isOn) override { followsPointer = isOn; }
 
     const Screen &screen() const { return m_screen; }
 
     std::vector<DisplayList> presented;
     QRegion covered;
+    bool followsPointer = false;
 
 private:
     FakeOverlayShell &m_shell;

@@ -42,6 +42,7 @@ public:
     bool isKey() const override { return m_window.isActive(); }
     bool present(const DisplayList &) override { return false; }
     void setCovered(const QRegion &) override { }
+    void setFollowsPointer(bool) override { }
 
 private:
     QWindow &m_window;

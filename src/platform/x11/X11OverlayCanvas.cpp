@@ -44,18 +44,18 @@ void X11OverlayCanvas::setComposed(std::shared_ptr<X11Pixmap> pixmap)
         m_composed = std::move(pixmap);
 }
 
-void X11OverlayCanvas::present(const DisplayList &list)
+bool X11OverlayCanvas::present(const DisplayList &list)
 {
     if (!m_connection->xcb())
-        return;
+        return false;
     const QRect bounds(QPoint(), m_frozen->size());
     const QRegion damage = damageBetween(m_shown, list) & bounds;
     m_shown = list;
     if (damage.isEmpty())
-        return;
+        return false;
     compose(list, damage);
     copy(m_composed, m_window, damage - m_covered);
-    m_connection->flush();
+    return true;
 }
 
 void X11OverlayCanvas::setCovered(const QRegion &region)

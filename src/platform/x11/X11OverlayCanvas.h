@@ -27,7 +27,9 @@ public:
 
     /// Where the composed picture goes; without it a pixmap is made when it is needed first.
     void setComposed(std::shared_ptr<X11Pixmap> pixmap);
-    void present(const DisplayList &list);
+    /// False when the window shows the same already. The requests are not sent yet, so that
+    /// what follows a frame goes with it.
+    bool present(const DisplayList &list);
     /// The window's pixels in here are somebody else's.
     void setCovered(const QRegion &region);
     /// Copies what was presented last into the window again.

@@ -5,6 +5,7 @@
 
 #include <QExposeEvent>
 #include <QGuiApplication>
+#include <QMouseEvent>
 #include <QScreen>
 #include <QWindow>
 
@@ -21,6 +22,11 @@ QScreen *toolkitScreen(const QString &name)
     const auto same = std::find_if(screens.begin(), screens.end(),
                                    [&name](const QScreen *s) { return s->name() == name; });
     return same == screens.end() ? nullptr : *same;
+}
+
+std::chrono::milliseconds frameIntervalOf(const QScreen *screen)
+{
+    return frameInterval(screen ? screen->refreshRate() : 0);
 }
 
 /// Every pixel that a rectangle touches after scaling.
@@ -45,14 +51,22 @@ X11OverlaySurface::X11OverlaySurface(std::shared_ptr<X11OverlayServices> service
     , m_window(window)
     , m_screen(screen)
     , m_frozen(std::move(frozen))
+    , m_gate(m_services->connection, frameIntervalOf(toolkitScreen(screen.name)))
+    , m_pointer(m_services->connection, m_gate.interval())
 {
+    m_pointer.onMoved = [this](QPoint at) {
+        if (onDragged)
+            onDragged(QPointF(at) / m_screen.scale);
+    };
+    m_nextFrame.setSingleShot(true);
+    m_nextFrame.setTimerType(Qt::PreciseTimer);
+    connect(&m_nextFrame, &QTimer::timeout, this, &X11OverlaySurface::showWaitingFrame);
     setUpWindow();
     const bool isOpaque = m_window.requestedFormat().alphaBufferSize() <= 0;
     if (isOpaque && m_services->connection->renderFormats())
         m_canvas =
             std::make_unique<X11OverlayCanvas>(m_services->connection, id(), m_frozen->pixmap());
-    if (m_canvas)
-        m_window.installEventFilter(this);
+    m_window.installEventFilter(this);
     connect(m_services->monitors.get(), &X11Monitors::changed, this, [this] {
         const std::vector<X11Monitor> &now = m_services->monitors->list();
         const auto same = std::find_if(now.begin(), now.end(), [this](const X11Monitor &monitor) {
@@ -137,11 +151,13 @@ void X11OverlaySurface::orderOut()
     m_isVisible = false;
     m_services->keyboard.release(m_window);
     m_services->stacking.remove(id());
+    m_pointer.stop();
     xcb_unmap_window(connection.xcb(), id());
     const uint32_t none = XCB_BACK_PIXMAP_NONE;
     xcb_change_window_attributes(connection.xcb(), id(), XCB_CW_BACK_PIXMAP, &none);
     connection.flush();
     m_window.removeEventFilter(this);
+    m_nextFrame.stop();
     m_canvas.reset();
     m_frozen.reset();
     m_window.setVisible(false);
@@ -168,9 +184,37 @@ bool X11OverlaySurface::isKey() const
 
 bool X11OverlaySurface::present(const DisplayList &list)
 {
-    if (m_canvas)
-        m_canvas->present(list);
-    return bool(m_canvas);
+    if (!m_canvas)
+        return false;
+    if (m_gate.isOpen()) {
+        showFrame(list);
+    } else {
+        m_waiting = list;
+        if (!m_nextFrame.isActive())
+            m_nextFrame.start(m_gate.untilNext());
+    }
+    return true;
+}
+
+void X11OverlaySurface::showFrame(const DisplayList &list)
+{
+    m_waiting.reset();
+    m_nextFrame.stop();
+    if (!m_canvas->present(list))
+        return;
+    // In a drag, the server is asked for the pointer before each frame.
+    m_gate.framePassed(m_pointer.isPressed() ? X11FrameGate::Waiting::byCaller
+                                             : X11FrameGate::Waiting::here);
+    m_services->connection->flush();
+}
+
+void X11OverlaySurface::showWaitingFrame()
+{
+    if (!m_waiting || !m_canvas)
+        return;
+    if (!m_gate.isOpen())
+        return m_nextFrame.start(m_gate.untilNext());
+    showFrame(DisplayList(std::move(*m_waiting)));
 }
 
 void X11OverlaySurface::setCovered(const QRegion &region)
@@ -180,8 +224,32 @@ void X11OverlaySurface::setCovered(const QRegion &region)
         m_canvas->setCovered(region);
 }
 
+void X11OverlaySurface::setFollowsPointer(bool isOn)
+{
+    if (!isOn)
+        m_pointer.stop();
+    else if (m_isVisible)
+        m_pointer.start(id());
+}
+
+void X11OverlaySurface::followMouse(const QEvent &event)
+{
+    if (event.type() == QEvent::KeyPress)
+        return m_pointer.catchUp(); // a key acts on what the mouse made before it
+    if (event.type() != QEvent::MouseButtonPress && event.type() != QEvent::MouseButtonRelease)
+        return;
+    const auto &mouse = static_cast<const QMouseEvent &>(event);
+    if (mouse.button() != Qt::LeftButton)
+        return;
+    if (event.type() == QEvent::MouseButtonPress)
+        return m_pointer.pressed();
+    if (m_pointer.released() && onDragged)
+        onDragged(mouse.scenePosition());
+}
+
 bool X11OverlaySurface::eventFilter(QObject *watched, QEvent *event)
 {
+    followMouse(*event);
     if (m_isForwarding || !m_canvas)
         return false;
     if (event->type() == QEvent::Expose) {

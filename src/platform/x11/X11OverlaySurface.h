@@ -4,12 +4,16 @@
 #pragma once
 
 #include "platform/OverlaySurface.h"
+#include "platform/x11/X11FrameGate.h"
 #include "platform/x11/X11KeyboardHold.h"
 #include "platform/x11/X11Monitors.h"
 #include "platform/x11/X11OverlayCanvas.h"
 #include "platform/x11/X11PixmapPool.h"
+#include "platform/x11/X11PointerFollower.h"
 #include "platform/x11/X11ScreenGrabber.h"
 #include "platform/x11/X11Stacking.h"
+
+#include <QTimer>
 
 namespace tovek {
 
@@ -42,12 +46,16 @@ public:
     bool isKey() const override;
     bool present(const DisplayList &list) override;
     void setCovered(const QRegion &region) override;
+    void setFollowsPointer(bool isOn) override;
 
 private:
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void followMouse(const QEvent &event);
     void setUpWindow();
     void forceNativeGeometry(uint16_t alsoRaise);
     void leaveWithTheScreen();
+    void showFrame(const DisplayList &list);
+    void showWaitingFrame();
     QRegion toNative(const QRegion &logical) const;
     QRegion toLogical(const QRegion &native) const;
     xcb_window_t id() const;
@@ -57,6 +65,10 @@ private:
     const Screen m_screen;
     std::shared_ptr<X11FrozenDisplay> m_frozen;
     std::unique_ptr<X11OverlayCanvas> m_canvas; ///< null where the server cannot draw
+    X11FrameGate m_gate;
+    X11PointerFollower m_pointer;
+    QTimer m_nextFrame;
+    std::optional<DisplayList> m_waiting; ///< came while the gate was closed
     QRegion m_covered; ///< native pixels
     bool m_isVisible = false;
     bool m_wantsKey = false;
