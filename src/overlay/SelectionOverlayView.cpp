@@ -5,9 +5,10 @@
 
 #include "annotations/AnnotationRenderer.h"
 #include "foundation/WhenReady.h"
+#include "overlay/AnnotationKeys.h"
 #include "overlay/DisplayListPainter.h"
 #include "overlay/KeyPressFromQt.h"
-#include "overlay/ToolbarPlacement.h"
+#include "overlay/OverlayCursor.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -17,57 +18,6 @@
 namespace tovek {
 
 namespace {
-
-constexpr double textFontSize = 16;
-
-AnnotationTool toolOf(OverlayKeyAction action)
-{
-    switch (action) {
-    case OverlayKeyAction::rectangleTool:
-        return AnnotationTool::rectangle;
-    case OverlayKeyAction::lineTool:
-        return AnnotationTool::line;
-    case OverlayKeyAction::arrowTool:
-        return AnnotationTool::arrow;
-    case OverlayKeyAction::textTool:
-        return AnnotationTool::text;
-    default:
-        return AnnotationTool::none;
-    }
-}
-
-AnnotationEditor::ArrowKey arrowOf(int keyCode)
-{
-    switch (keyCode) {
-    case KeyCode::leftArrow:
-        return AnnotationEditor::ArrowKey::left;
-    case KeyCode::rightArrow:
-        return AnnotationEditor::ArrowKey::right;
-    case KeyCode::downArrow:
-        return AnnotationEditor::ArrowKey::down;
-    default:
-        return AnnotationEditor::ArrowKey::up;
-    }
-}
-
-Qt::CursorShape cursorOf(ResizeHandle handle)
-{
-    switch (handle) {
-    case ResizeHandle::left:
-    case ResizeHandle::right:
-        return Qt::SizeHorCursor;
-    case ResizeHandle::top:
-    case ResizeHandle::bottom:
-        return Qt::SizeVerCursor;
-    case ResizeHandle::topLeft:
-    case ResizeHandle::bottomRight:
-        return Qt::SizeFDiagCursor;
-    case ResizeHandle::topRight:
-    case ResizeHandle::bottomLeft:
-        return Qt::SizeBDiagCursor;
-    }
-    Q_UNREACHABLE();
-}
 
 /// Every native pixel that the logical region touches.
 QRegion nativeRegion(const QRegion &logical, double scale)
@@ -88,6 +38,8 @@ SelectionOverlayView::SelectionOverlayView(const OverlayContext &context, QWidge
     , m_space(context.screen.space())
     , m_animations(context.clock)
     , m_artist(font())
+    , m_toolbar(*this, m_editor, [this](QRect native) { return backdrop(native); })
+    , m_textInput(*this, m_editor)
 {
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
@@ -95,6 +47,8 @@ SelectionOverlayView::SelectionOverlayView(const OverlayContext &context, QWidge
     setAttribute(Qt::WA_NoSystemBackground);
     setAccessibleName(tr("Frozen screen %1").arg(context.screen.name));
     m_animations.onFrame = [this] { redraw(); };
+    wireToolbar();
+    m_textInput.onCoverChanged = [this] { coverChanged(); };
     setCaptureCursor();
 }
 
@@ -124,7 +78,7 @@ void SelectionOverlayView::mouseDoubleClickEvent(QMouseEvent *event)
 
 void SelectionOverlayView::press(Point at, int clickCount)
 {
-    if (m_textInputView)
+    if (m_textInput.isOpen())
         return commitText();
     switch (m_state.press(at)) {
     case SelectionState::Press::startedSelection:
@@ -183,7 +137,7 @@ void SelectionOverlayView::keyPressEvent(QKeyEvent *event)
 
 bool SelectionOverlayView::handleKey(const KeyPress &key)
 {
-    const bool isTyping = !m_textInputView.isNull();
+    const bool isTyping = m_textInput.isOpen();
     const OverlayKeyAction action =
         overlayActionFor(key, m_state.isSelectionFinalized && !isTyping);
     if (action == OverlayKeyAction::none)
@@ -205,23 +159,12 @@ void SelectionOverlayView::handleCommand(OverlayKeyAction action, const KeyPress
         if (callbacks.onCancel)
             callbacks.onCancel();
         break;
-    case OverlayKeyAction::deleteAnnotation:
-        return follow(m_editor.deleteSelected());
     case OverlayKeyAction::save:
         return save();
     case OverlayKeyAction::copy:
         return copy();
-    case OverlayKeyAction::undo:
-        return follow(m_editor.undo());
-    case OverlayKeyAction::redo:
-        return follow(m_editor.redo());
-    case OverlayKeyAction::nudge:
-        return follow(m_editor.nudgeSelected(arrowOf(key.keyCode),
-                                             key.flags & KeyFlag::shift
-                                                 ? AnnotationEditor::Step::large
-                                                 : AnnotationEditor::Step::single));
     default:
-        return follow(m_editor.selectTool(toolOf(action)));
+        return follow(editWithKey(m_editor, action, key));
     }
 }
 
@@ -247,14 +190,7 @@ void SelectionOverlayView::updateCursor(Point at)
         m_animations.setHovered(previous, false);
         m_animations.setHovered(m_state.hoveredHandle, true);
     }
-    if (!m_state.isSelectionFinalized || !m_state.selectionRect)
-        setCaptureCursor();
-    else if (m_state.hoveredHandle)
-        showCursor(cursorOf(*m_state.hoveredHandle));
-    else if (m_editor.currentTool != AnnotationTool::none && m_state.selectionRect->contains(at))
-        showCursor(Qt::CrossCursor);
-    else
-        showCursor(Qt::ArrowCursor);
+    showCursor(overlayCursorAt(at, m_state, m_editor.currentTool));
 }
 
 void SelectionOverlayView::showCursor(Qt::CursorShape shape)
@@ -326,41 +262,17 @@ bool SelectionOverlayView::withAnnotatedImage(std::function<void(const Image &)>
 void SelectionOverlayView::follow(const AnnotationEditor::Effect &effect)
 {
     if (effect.closesTextBox)
-        closeTextBox();
+        m_textInput.close();
     if (m_textRegionOverlay)
         m_textRegionOverlay->setPassMouseEventsThrough(m_editor.doesTextLetMouseThrough);
-    if (m_toolbar)
-        m_toolbar->setActiveTool(m_editor.currentTool);
+    if (toolbar())
+        toolbar()->setActiveTool(m_editor.currentTool);
     if (effect.needsRedraw)
         redraw();
-    if (effect.opensTextBox)
-        openTextBox(*effect.opensTextBox);
-}
-
-void SelectionOverlayView::openTextBox(const AnnotationEditor::TextBox &content)
-{
-    m_textInputView = new OverlayTextBox(content, textFontSize, this);
-    m_textInputView->move(m_space.widgetFromPoint(content.position).toPoint());
-    m_textInputView->onGeometryChanged = [this] { coverChanged(); };
-    connect(m_textInputView, &QPlainTextEdit::textChanged, this,
-            [this] { m_editor.setTypedText(m_textInputView->toPlainText()); });
-    coverChanged();
-    m_textInputView->show();
-    if (m_toolbar)
-        m_toolbar->raise();
-    m_textInputView->setFocus();
-}
-
-void SelectionOverlayView::closeTextBox()
-{
-    if (!m_textInputView)
-        return;
-    // Deleted later: what closes it may be a key event of its own.
-    m_textInputView->hide();
-    m_textInputView->deleteLater();
-    m_textInputView = nullptr;
-    coverChanged();
-    setFocus();
+    if (effect.opensTextBox) {
+        m_textInput.open(*effect.opensTextBox, m_space);
+        m_toolbar.raise();
+    }
 }
 
 void SelectionOverlayView::commitText()
@@ -368,56 +280,33 @@ void SelectionOverlayView::commitText()
     follow(m_editor.commitText());
 }
 
-void SelectionOverlayView::showToolbar()
-{
-    removeToolbar();
-    m_toolbar = new SelectionToolbar([this](QRect native) { return backdrop(native); }, this);
-    wireToolbar();
-    const QSize hint = m_toolbar->sizeHint();
-    const auto placement = placedToolbar(*m_state.selectionRect, m_space.size,
-                                         {double(hint.width()), double(hint.height())});
-    m_isToolbarAtTop = placement.isToolbarAtTop;
-    const Rect frame = snappedToPixels(placement.frame, m_space.size, m_space.scale);
-    m_toolbar->setGeometry(m_space.widgetFromRect(frame).toRect());
-    m_toolbar->setOpensAbove(m_isToolbarAtTop);
-    redraw();
-    coverChanged();
-    m_toolbar->show();
-}
-
 void SelectionOverlayView::wireToolbar()
 {
-    m_toolbar->setSelectedColor(m_editor.selectedAnnotationColor);
-    m_toolbar->setActiveTool(m_editor.currentTool);
-    const auto toggle = [this](AnnotationTool tool) {
-        return [this, tool] { follow(m_editor.toggleTool(tool)); };
-    };
-    m_toolbar->onCursor = [this] { follow(m_editor.selectTool(AnnotationTool::none)); };
-    m_toolbar->onRectangle = toggle(AnnotationTool::rectangle);
-    m_toolbar->onLine = toggle(AnnotationTool::line);
-    m_toolbar->onArrow = toggle(AnnotationTool::arrow);
-    m_toolbar->onText = toggle(AnnotationTool::text);
-    m_toolbar->onColorSelected = [this](const QColor &color, ColorTarget target) {
-        follow(m_editor.chooseColor(color, target));
-        m_toolbar->setSelectedColor(m_editor.selectedAnnotationColor);
-    };
-    m_toolbar->onCopy = [this] {
+    m_toolbar.onEdited = [this](const auto &effect) { follow(effect); };
+    m_toolbar.onCopy = [this] {
         commitText();
         copy();
     };
-    m_toolbar->onClose = [this] {
+    m_toolbar.onClose = [this] {
         if (callbacks.onCancel)
             callbacks.onCancel();
     };
-    m_toolbar->onCoverChanged = [this] { coverChanged(); };
+    m_toolbar.onCoverChanged = [this] { coverChanged(); };
+}
+
+void SelectionOverlayView::showToolbar()
+{
+    m_toolbar.build(*m_state.selectionRect, m_space);
+    redraw();
+    coverChanged();
+    toolbar()->show();
 }
 
 void SelectionOverlayView::removeToolbar()
 {
-    m_isToolbarAtTop = false;
-    if (!m_toolbar)
+    if (!toolbar())
         return;
-    delete m_toolbar;
+    m_toolbar.remove();
     coverChanged();
     redraw();
 }
@@ -437,10 +326,8 @@ void SelectionOverlayView::showTextRegions(const std::vector<TextRegion> &region
     m_textRegionOverlay->setPassMouseEventsThrough(m_editor.doesTextLetMouseThrough);
     m_textRegionOverlay->onNeedsDisplay = [this] { redraw(); };
     m_textRegionOverlay->show();
-    if (m_textInputView)
-        m_textInputView->raise();
-    if (m_toolbar)
-        m_toolbar->raise();
+    m_textInput.raise();
+    m_toolbar.raise();
     redraw();
 }
 
@@ -460,29 +347,25 @@ QImage SelectionOverlayView::backdrop(const QRect &native) const
 
 void SelectionOverlayView::coverChanged()
 {
-    QRegion covered;
-    if (m_toolbar)
-        covered += m_toolbar->coveredRegion();
-    if (m_textInputView)
-        covered += m_textInputView->geometry();
-    if (m_surface)
-        m_surface->setCovered(nativeRegion(covered, m_space.scale));
+    if (!m_surface)
+        return;
+    const QRegion covered = m_toolbar.coveredRegion() + m_textInput.coveredRegion();
+    m_surface->setCovered(nativeRegion(covered, m_space.scale));
 }
 
 void SelectionOverlayView::redraw()
 {
     DisplayList list = m_artist.draw(picture());
     const bool isShown = m_surface && m_surface->present(list);
-    const bool isUnderToolbar = m_toolbar
+    const bool isUnderToolbar = toolbar()
         && damageBetween(m_list, list)
-               .intersects(nativeRegion(m_toolbar->geometry(), m_space.scale));
+               .intersects(nativeRegion(toolbar()->geometry(), m_space.scale));
     m_list = std::move(list);
     if (!isShown)
         return update();
-    if (m_textInputView)
-        m_textInputView->viewport()->update();
+    m_textInput.backdropChanged();
     if (isUnderToolbar)
-        m_toolbar->backdropChanged();
+        toolbar()->backdropChanged();
 }
 
 OverlayPicture SelectionOverlayView::picture()
@@ -496,7 +379,7 @@ OverlayPicture SelectionOverlayView::picture()
                                m_animations.handleOpacity(ResizeHandle::bottomRight),
                                m_animations.handleOpacity(ResizeHandle::topLeft),
                                m_animations.handleOpacity(ResizeHandle::topRight)};
-    picture.isToolbarAtTop = m_isToolbarAtTop;
+    picture.isToolbarAtTop = isToolbarAtTop();
     const auto annotations = m_editor.drawnAnnotations();
     if (!annotations.empty() && m_state.selectionRect)
         picture.content = m_annotationLayer.items(annotations, m_space, *m_state.selectionRect);

@@ -7,31 +7,18 @@
 #include "overlay/AnnotationLayer.h"
 #include "overlay/OverlayAnimations.h"
 #include "overlay/OverlayCallbacks.h"
+#include "overlay/OverlayContext.h"
 #include "overlay/OverlayKeys.h"
 #include "overlay/OverlayPicture.h"
-#include "overlay/OverlayTextBox.h"
+#include "overlay/OverlayTextInput.h"
+#include "overlay/OverlayToolbar.h"
 #include "overlay/SelectionState.h"
-#include "overlay/SelectionToolbar.h"
 #include "text/TextRegionOverlayView.h"
 
 #include <QPointer>
 #include <QWidget>
 
 namespace tovek {
-
-class KeyboardLayout;
-class UserDefaults;
-
-/// What an overlay view is made from.
-struct OverlayContext
-{
-    Screen screen;
-    std::shared_ptr<FrozenDisplay> screenshot;
-    CaptureMode captureMode = CaptureMode::normal;
-    Clock &clock;
-    const UserDefaults &defaults;
-    const KeyboardLayout *keyboardLayout = nullptr;
-};
 
 /// The content of an overlay: the frozen screen, the selection on it, and what the user does with
 /// both. Translates events into the rules' values, and the rules' state into a picture. Points are
@@ -54,10 +41,10 @@ public:
     bool isSelectionFinalized() const { return m_state.isSelectionFinalized; }
     bool isTextSelectionMode() const { return m_isTextSelectionMode; }
     CaptureMode captureMode() const { return m_context.captureMode; }
-    SelectionToolbar *toolbar() const { return m_toolbar; }
-    bool isToolbarAtTop() const { return m_isToolbarAtTop; }
+    SelectionToolbar *toolbar() const { return m_toolbar.widget(); }
+    bool isToolbarAtTop() const { return m_toolbar.isAtTop(); }
     TextRegionOverlayView *textRegionOverlay() const { return m_textRegionOverlay; }
-    OverlayTextBox *textInputView() const { return m_textInputView; }
+    OverlayTextBox *textInputView() const { return m_textInput.box(); }
     const AnnotationEditor &editor() const { return m_editor; }
 
     /// True when the key was ours.
@@ -92,12 +79,10 @@ private:
     bool withAnnotatedImage(std::function<void(const Image &)> &use);
 
     void follow(const AnnotationEditor::Effect &effect);
-    void openTextBox(const AnnotationEditor::TextBox &content);
-    void closeTextBox();
     void commitText();
 
-    void showToolbar();
     void wireToolbar();
+    void showToolbar();
     void removeToolbar();
     void removeTextRegions();
     QImage backdrop(const QRect &native) const;
@@ -115,13 +100,12 @@ private:
     bool m_isTextSelectionMode = false;
     OverlayAnimations m_animations;
     AnnotationEditor m_editor;
-    bool m_isToolbarAtTop = false;
     AnnotationLayer m_annotationLayer;
     OverlayArtist m_artist;
     DisplayList m_list; ///< what is shown
     std::optional<Qt::CursorShape> m_cursorShape;
-    QPointer<SelectionToolbar> m_toolbar;
-    QPointer<OverlayTextBox> m_textInputView;
+    OverlayToolbar m_toolbar;
+    OverlayTextInput m_textInput;
     QPointer<TextRegionOverlayView> m_textRegionOverlay;
 };
 

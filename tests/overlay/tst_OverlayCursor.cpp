@@ -1,0 +1,65 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "overlay/OverlayCursor.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace tovek;
+
+Q_DECLARE_METATYPE(tovek::Point)
+Q_DECLARE_METATYPE(tovek::AnnotationTool)
+
+class TestOverlayCursor : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(".*")); }
+
+    void isACrossWhileNothingIsSelected()
+    {
+        SelectionState state;
+        QCOMPARE(overlayCursorAt({10, 10}, state, AnnotationTool::none), Qt::CrossCursor);
+        state.press({10, 10});
+        state.moveTo({100, 100});
+        QCOMPARE(overlayCursorAt({100, 100}, state, AnnotationTool::none), Qt::CrossCursor);
+    }
+
+    void showsWhatAPressWouldDo_data()
+    {
+        QTest::addColumn<Point>("at");
+        QTest::addColumn<AnnotationTool>("tool");
+        QTest::addColumn<Qt::CursorShape>("cursor");
+        // The selection reaches from 100 to 300 and from 100 to 200.
+        const auto none = AnnotationTool::none;
+        const auto line = AnnotationTool::line;
+        QTest::newRow("inside, pointer") << Point{200, 150} << none << Qt::ArrowCursor;
+        QTest::newRow("inside, drawing") << Point{200, 150} << line << Qt::CrossCursor;
+        QTest::newRow("outside, drawing") << Point{350, 150} << line << Qt::ArrowCursor;
+        QTest::newRow("left edge") << Point{98, 150} << line << Qt::SizeHorCursor;
+        QTest::newRow("right edge") << Point{302, 150} << none << Qt::SizeHorCursor;
+        QTest::newRow("top edge") << Point{200, 202} << none << Qt::SizeVerCursor;
+        QTest::newRow("bottom edge") << Point{200, 98} << none << Qt::SizeVerCursor;
+        QTest::newRow("top left") << Point{95, 205} << none << Qt::SizeFDiagCursor;
+        QTest::newRow("bottom right") << Point{305, 95} << none << Qt::SizeFDiagCursor;
+        QTest::newRow("top right") << Point{305, 205} << none << Qt::SizeBDiagCursor;
+        QTest::newRow("bottom left") << Point{95, 95} << none << Qt::SizeBDiagCursor;
+    }
+    void showsWhatAPressWouldDo()
+    {
+        QFETCH(Point, at);
+        QFETCH(AnnotationTool, tool);
+        QFETCH(Qt::CursorShape, cursor);
+        SelectionState state;
+        state.press({100, 100});
+        state.moveTo({300, 200});
+        state.release();
+        state.hover(at);
+        QCOMPARE(overlayCursorAt(at, state, tool), cursor);
+    }
+};
+
+QTEST_APPLESS_MAIN(TestOverlayCursor)
+#include "tst_OverlayCursor.moc"
