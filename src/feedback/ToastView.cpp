@@ -3,7 +3,7 @@
 
 #include "feedback/ToastView.h"
 
-#include "feedback/Blur.h"
+#include "foundation/Blur.h"
 #include "feedback/ToastGeometry.h"
 
 #include <QFont>

@@ -3,7 +3,7 @@
 
 #include "overlay/Material.h"
 
-#include "overlay/Blur.h"
+#include "foundation/Blur.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -17,7 +17,7 @@ namespace {
 
 /// Dark enough that white symbols stand out over a white page: 255 becomes about 82.
 const QColor tint(30, 30, 34, 196);
-constexpr double blurRadius = 7; ///< points; three passes reach three times as far
+constexpr double blurDeviation = 7.5; ///< points
 constexpr double shadowStrength = 0.22;
 
 /// The widget's rectangle in native pixels of its window.
@@ -43,11 +43,10 @@ void Material::refresh(double scale)
         return;
     m_pixels = pixels;
     // What lies around shines into a blur as well.
-    const int radius = int(std::round(blurRadius * scale));
+    const int reach = int(std::round(2 * blurDeviation * scale));
     const QWidget &window = *m_widget.window();
     const QRect screen(QPoint(0, 0), (QSizeF(window.size()) * scale).toSize());
-    const QRect around =
-        pixels.adjusted(-2 * radius, -2 * radius, 2 * radius, 2 * radius) & (screen | pixels);
+    const QRect around = pixels.adjusted(-reach, -reach, reach, reach) & (screen | pixels);
     QImage picture = m_backdrop ? m_backdrop(around) : QImage();
     if (picture.isNull()) {
         picture = QImage(around.size(), QImage::Format_RGB32);
@@ -56,7 +55,7 @@ void Material::refresh(double scale)
     picture.setDevicePixelRatio(1);
     const QRect inside(pixels.topLeft() - around.topLeft(), pixels.size());
     m_plain = picture.copy(inside);
-    m_blurred = blurred(picture, radius).copy(inside);
+    m_blurred = blurred(picture, blurDeviation * scale).copy(inside);
     QPainter(&m_blurred).fillRect(m_blurred.rect(), tint);
 }
 
