@@ -3,6 +3,7 @@
 
 #include "foundation/DrawingContext.h"
 
+#include "foundation/StrokedSegment.h"
 #include "foundation/TextBlock.h"
 
 #include <QPainter>
@@ -52,8 +53,20 @@ void DrawingContext::clip(const Rect &rect)
 
 void DrawingContext::strokeSegment(Point from, Point to, const Stroke &stroke)
 {
-    m_painter.setPen(penFor(stroke));
-    m_painter.drawLine(m_space.widgetFromPoint(from), m_space.widgetFromPoint(to));
+    const QPaintDevice &device = *m_painter.device();
+    const QTransform toPixels = m_painter.transform();
+    if (device.devicePixelRatio() != 1) {
+        m_painter.setPen(penFor(stroke));
+        m_painter.drawLine(m_space.widgetFromPoint(from), m_space.widgetFromPoint(to));
+        return;
+    }
+    QRect within(0, 0, device.width(), device.height());
+    if (m_painter.hasClipping())
+        within &= toPixels.mapRect(m_painter.clipBoundingRect()).toAlignedRect();
+    paintSegment(m_painter,
+                 {toPixels.map(m_space.widgetFromPoint(from)),
+                  toPixels.map(m_space.widgetFromPoint(to)), stroke.width * m_space.scale},
+                 stroke.color, within);
 }
 
 void DrawingContext::strokeRect(const Rect &rect, const Stroke &stroke)
