@@ -1,62 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "Session.h"
+// Shapes drawn, changed and removed by mouse and keys on a real desktop, as they are in the copy.
+
+#include "desktop/Drawing.h"
 
 #include <QTest>
 
-#include <cstdlib>
-
 using namespace tovek;
-
-namespace {
-
-constexpr QPoint from{200, 150};
-constexpr QPoint to{700, 500};
-
-bool isRed(QRgb pixel)
-{
-    return std::abs(qRed(pixel) - 0xff) < 8 && std::abs(qGreen(pixel) - 0x3b) < 8
-        && std::abs(qBlue(pixel) - 0x30) < 8;
-}
-
-/// The box around the pixels of the drawing colour, which the picture below does not hold.
-QRect redBox(const QImage &image)
-{
-    QRect box;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            if (isRed(image.pixel(x, y)))
-                box |= QRect(x, y, 1, 1);
-        }
-    }
-    return box;
-}
-
-bool isNear(const QRect &actual, const QRect &expected)
-{
-    const auto near = [](int a, int b) { return std::abs(a - b) <= 2; };
-    return near(actual.left(), expected.left()) && near(actual.top(), expected.top())
-        && near(actual.right(), expected.right()) && near(actual.bottom(), expected.bottom());
-}
-
-/// A selection on a frozen screen, ready to be drawn on.
-struct Drawing : Session
-{
-    explicit Drawing(double screenScale = 1) : Session({}, screenScale) { }
-    bool begin()
-    {
-        if (!start() || !open())
-            return false;
-        select(from, to);
-        // The toolbar tells that the selection is accepted: it paints over the dimmed screen.
-        return waitUntil([&] { return !tovek->eye().overlays("tovek").isEmpty(); });
-    }
-    void drag(QPoint a, QPoint b) { tovek->hand().drag(from + a, from + b); }
-    QImage copied() { return tap("Return") ? QImage::fromData(pasted()) : QImage(); }
-};
-
-} // namespace
 
 class TestAnnotations : public QObject
 {
@@ -93,16 +44,11 @@ private Q_SLOTS:
         d.drag({100, 80}, {300, 200});
         const QImage image = d.copied();
         QCOMPARE(image.size(), QSize(500, 350));
-        const QRect actual = redBox(image);
-        QVERIFY2(isNear(actual, box),
-                 qPrintable(QStringLiteral("%1,%2 %3x%4")
-                                .arg(actual.x())
-                                .arg(actual.y())
-                                .arg(actual.width())
-                                .arg(actual.height())));
+        const QRect actual = boxOf(image, Ink::red);
+        QVERIFY2(isNear(actual, box), qPrintable(toText(actual)));
         // Nothing else is changed.
         QImage rest = image;
-        const QImage expected = d.expected(from, to);
+        const QImage expected = d.untouched();
         for (int y = 0; y < rest.height(); ++y) {
             for (int x = 0; x < rest.width(); ++x) {
                 if (actual.adjusted(-3, -3, 3, 3).contains(x, y))
@@ -118,43 +64,223 @@ private Q_SLOTS:
         QVERIFY2(d.begin(), qPrintable(d.error));
         QVERIFY(d.tap("l"));
         d.drag({100, 100}, {300, 100});
-        d.tovek->hand().click(from + QPoint(200, 100));
+        d.click({200, 100});
         const QImage image = d.copied();
         // A handle is a square of 8 points at the line's end.
-        QVERIFY(isNear(redBox(image), QRect(99, 99, 203, 3)));
-        QCOMPARE(image.pixel(100, 104), d.expected(from, to).pixel(100, 104));
+        QVERIFY(isNear(boxOf(image, Ink::red), QRect(99, 99, 203, 3)));
+        QCOMPARE(image.pixel(100, 104), d.untouched().pixel(100, 104));
     }
 
-    void goWithBackspace()
+    void haveTheirWidthAndNoFilling_data()
     {
+        QTest::addColumn<double>("scale");
+        for (double scale : {1.0, 2.0})
+            QTest::addRow("scale %.0f", scale) << scale;
+    }
+    void haveTheirWidthAndNoFilling()
+    {
+        QFETCH(double, scale);
+        Drawing d(scale);
+        QVERIFY2(d.begin(), qPrintable(d.error));
+        QVERIFY(d.tap("r"));
+        d.drag({100, 80}, {300, 200});
+        const QImage image = d.copied();
+        // Three points on either side of the edges, which lie between two pixels.
+        const int reach = int(1.5 * scale);
+        const int corner = qCeil(1.5 * scale);
+        for (const int x : {150, 250}) {
+            for (int y = 80 - reach; y < 80 + reach; ++y)
+                QCOMPARE(image.pixel(x, y), Ink::red);
+            for (int y : {80 - reach - 2, 80 + reach + 1, 140})
+                QCOMPARE(image.pixel(x, y), d.untouched().pixel(x, y));
+        }
+        // The corners are round.
+        QVERIFY(image.pixel(100 - corner, 80 - corner) != Ink::red);
+    }
+
+    void pointWithAFilledHead()
+    {
+        Drawing d;
+        QVERIFY2(d.begin(), qPrintable(d.error));
+        QVERIFY(d.tap("a"));
+        d.drag({100, 100}, {300, 100});
+        const QImage image = d.copied();
+        // Sides of 15 points at 30 degrees: 7.5 to either side, 13 behind the tip.
+        for (int y = 95; y < 105; ++y)
+            QCOMPARE(image.pixel(289, y), Ink::red);
+        for (int y : {90, 109})
+            QCOMPARE(image.pixel(289, y), d.untouched().pixel(289, y));
+        QCOMPARE(image.pixel(280, 104), d.untouched().pixel(280, 104));
+        QCOMPARE(image.pixel(280, 100), Ink::red);
+    }
+
+    void takeTheColourOfTheSwatch()
+    {
+        Drawing d;
+        QVERIFY2(d.begin(), qPrintable(d.error));
+        QVERIFY(d.tap("l"));
+        const QRgb colors[] = {0xffff3b30, 0xffff9500, 0xffffcc00, 0xff34c759,
+                               0xff007aff, 0xffaf52de, 0xffffffff, 0xff000000};
+        for (int i = 0; i < 8; ++i) {
+            d.clickButton(Drawing::colorButton);
+            d.tovek->hand().click(d.swatch(i));
+            d.drag({100, 40 + 30 * i}, {200, 40 + 30 * i});
+        }
+        const QImage image = d.copied();
+        for (int i = 0; i < 8; ++i)
+            QCOMPARE(image.pixel(150, 40 + 30 * i), colors[i]);
+    }
+
+    void takeAnotherColourWithShift()
+    {
+        Drawing d;
+        QVERIFY2(d.begin(), qPrintable(d.error));
+        QVERIFY(d.tap("l"));
+        d.drag({100, 100}, {200, 100});
+        d.click({150, 100});
+        d.clickButton(Drawing::colorButton);
+        QVERIFY(d.hold("Shift_L"));
+        d.tovek->hand().click(d.swatch(3));
+        QVERIFY(d.letGo("Shift_L"));
+        d.drag({100, 160}, {200, 160});
+        const QImage image = d.copied();
+        QCOMPARE(image.pixel(150, 100), Ink::green);
+        QCOMPARE(image.pixel(150, 160), Ink::red);
+    }
+
+    void keepTheirColourWithoutShift()
+    {
+        Drawing d;
+        QVERIFY2(d.begin(), qPrintable(d.error));
+        QVERIFY(d.tap("l"));
+        d.drag({100, 100}, {200, 100});
+        d.click({150, 100});
+        d.clickButton(Drawing::colorButton);
+        d.tovek->hand().click(d.swatch(3));
+        d.drag({100, 160}, {200, 160});
+        const QImage image = d.copied();
+        QCOMPARE(image.pixel(150, 100), Ink::red);
+        QCOMPARE(image.pixel(150, 160), Ink::green);
+    }
+
+    void goWithTheirKey_data()
+    {
+        QTest::addColumn<QByteArray>("key");
+        QTest::newRow("Backspace") << QByteArray("BackSpace");
+        QTest::newRow("Delete") << QByteArray("Delete");
+    }
+    void goWithTheirKey()
+    {
+        QFETCH(QByteArray, key);
         Drawing d;
         QVERIFY2(d.begin(), qPrintable(d.error));
         QVERIFY(d.tap("r"));
         d.drag({100, 80}, {300, 200});
-        d.tovek->hand().click(from + QPoint(200, 80));
-        QVERIFY(d.tap("BackSpace"));
-        QCOMPARE(differentPixels(d.copied(), d.expected(from, to)), 0);
+        d.drag({350, 80}, {450, 200});
+        // Nothing is selected yet.
+        QVERIFY(d.tap(key.constData()));
+        d.click({200, 80});
+        QVERIFY(d.tap(key.constData()));
+        const QRect left = boxOf(d.copied(), Ink::red);
+        QVERIFY2(isNear(left, QRect(349, 79, 103, 123)), qPrintable(toText(left)));
     }
 
+    void comeBackWithUndo_data()
+    {
+        QTest::addColumn<QByteArray>("redo");
+        QTest::newRow("Ctrl+Y") << QByteArray("Control_L+y");
+        QTest::newRow("Ctrl+Shift+Z") << QByteArray("Control_L+Shift_L+z");
+        QTest::newRow("Super+Shift+Z") << QByteArray("Super_L+Shift_L+z");
+    }
     void comeBackWithUndo()
     {
+        QFETCH(QByteArray, redo);
         Drawing d;
         QVERIFY2(d.begin(), qPrintable(d.error));
         QVERIFY(d.tap("r"));
         d.drag({100, 80}, {300, 200});
+        d.drag({350, 80}, {450, 200});
         QVERIFY(d.tap("Control_L+z"));
-        QVERIFY(d.tap("Control_L+y"));
-        QVERIFY(isNear(redBox(d.copied()), QRect(99, 79, 203, 123)));
+        QVERIFY(d.tap("Control_L+z"));
+        QVERIFY(d.tap("Control_L+z")); // nothing is left to undo
+        QVERIFY(d.tap(redo.constData()));
+        const QRect box = boxOf(d.copied(), Ink::red);
+        QVERIFY2(isNear(box, QRect(99, 79, 203, 123)), qPrintable(toText(box)));
     }
 
-    void moveByTheirCorner()
+    void undoToNothing()
+    {
+        Drawing d;
+        QVERIFY2(d.begin(), qPrintable(d.error));
+        QVERIFY(d.tap("l"));
+        d.drag({100, 80}, {300, 200});
+        QVERIFY(d.tap("Control_L+z"));
+        QCOMPARE(differentPixels(d.copied(), d.untouched()), 0);
+    }
+
+    void moveByTheirCornersAndEnds_data()
+    {
+        QTest::addColumn<QByteArray>("key");
+        QTest::addColumn<QPoint>("grip");
+        QTest::addColumn<QPoint>("to");
+        QTest::addColumn<QRect>("box");
+        const QByteArray rectangle("r");
+        QTest::newRow("bottom right")
+            << rectangle << QPoint(300, 200) << QPoint(350, 260) << QRect(99, 79, 253, 183);
+        QTest::newRow("top left") << rectangle << QPoint(100, 80) << QPoint(60, 50)
+                                  << QRect(59, 49, 243, 153);
+        QTest::newRow("top right, across")
+            << rectangle << QPoint(300, 80) << QPoint(50, 250) << QRect(49, 199, 53, 53);
+        QTest::newRow("a line's start")
+            << QByteArray("l") << QPoint(100, 80) << QPoint(100, 200) << QRect(99, 199, 203, 3);
+        QTest::newRow("an arrow's end")
+            << QByteArray("a") << QPoint(300, 200) << QPoint(400, 80) << QRect(99, 73, 301, 15);
+        QTest::newRow("out of the selection")
+            << rectangle << QPoint(300, 200) << QPoint(900, 700) << QRect(99, 79, 401, 271);
+    }
+    void moveByTheirCornersAndEnds()
+    {
+        QFETCH(QByteArray, key);
+        QFETCH(QPoint, grip);
+        QFETCH(QPoint, to);
+        QFETCH(QRect, box);
+        Drawing d;
+        QVERIFY2(d.begin(), qPrintable(d.error));
+        QVERIFY(d.tap(key.constData()));
+        d.drag({100, 80}, {300, 200});
+        QVERIFY(d.tap("v"));
+        d.drag(grip, to);
+        const QRect actual = boxOf(d.copied(), Ink::red);
+        QVERIFY2(isNear(actual, box), qPrintable(toText(actual)));
+    }
+
+    void moveByTheirMiddleAndByKeys()
     {
         Drawing d;
         QVERIFY2(d.begin(), qPrintable(d.error));
         QVERIFY(d.tap("r"));
         d.drag({100, 80}, {300, 200});
-        d.drag({300, 200}, {350, 260});
-        QVERIFY(isNear(redBox(d.copied()), QRect(99, 79, 253, 183)));
+        d.drag({200, 80}, {230, 100}); // by its upper edge
+        for (const char *key : {"Right", "Right", "Down", "Shift_L+Left", "Shift_L+Up", "Up"})
+            QVERIFY(d.tap(key));
+        const QRect box = boxOf(d.copied(), Ink::red);
+        QCOMPARE(box.topLeft(), QPoint(99 + 30 + 2 - 10, 79 + 20 + 1 - 11));
+        QVERIFY2(isNear(box, QRect(121, 89, 203, 123)), qPrintable(toText(box)));
+    }
+
+    void areSavedAsTheyAreCopied()
+    {
+        Drawing d;
+        QVERIFY2(d.begin(), qPrintable(d.error));
+        QVERIFY(d.tap("a"));
+        d.drag({100, 80}, {300, 200});
+        QVERIFY(d.tap("Control_L+s"));
+        const QImage saved = QImage::fromData(d.saved());
+        QVERIFY(d.isClosed());
+        QVERIFY2(d.again(), qPrintable(d.error));
+        QVERIFY(d.tap("a"));
+        d.drag({100, 80}, {300, 200});
+        QCOMPARE(differentPixels(d.copied(), saved), 0);
     }
 
     void endAtTheSelectionsEdge()
@@ -163,31 +289,7 @@ private Q_SLOTS:
         QVERIFY2(d.begin(), qPrintable(d.error));
         QVERIFY(d.tap("l"));
         d.drag({100, 100}, {560, 100});
-        QVERIFY(isNear(redBox(d.copied()), QRect(99, 99, 401, 3)));
-    }
-
-    void holdWhatWasTyped()
-    {
-        Drawing d;
-        QVERIFY2(d.begin(), qPrintable(d.error));
-        QVERIFY(d.tap("t"));
-        d.tovek->hand().click(from + QPoint(100, 100));
-        for (const char *key : {"h", "i", "Shift_L+1"})
-            QVERIFY(d.tap(key));
-        QVERIFY(d.tap("Escape")); // leaves the box, not the capture
-        const QRect box = redBox(d.copied());
-        QVERIFY(box.left() >= 100 && box.left() < 106);
-        QVERIFY(box.top() >= 100 && box.bottom() < 126);
-        QVERIFY(box.width() > 8 && box.width() < 40);
-    }
-
-    void leaveTheSelectionAloneUnderTheToolbar()
-    {
-        Drawing d;
-        QVERIFY2(d.begin(), qPrintable(d.error));
-        // Between two buttons of the toolbar, which hangs centred below the selection.
-        d.tovek->hand().click({(from.x() + to.x()) / 2, to.y() + 8 + 26});
-        QCOMPARE(differentPixels(d.copied(), d.expected(from, to)), 0);
+        QVERIFY(isNear(boxOf(d.copied(), Ink::red), QRect(99, 99, 401, 3)));
     }
 };
 
