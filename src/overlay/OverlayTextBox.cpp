@@ -5,9 +5,10 @@
 
 #include "foundation/SystemFont.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QFontMetricsF>
 #include <QKeyEvent>
-#include <QTextBlock>
+#include <QPainter>
 
 #include <cmath>
 
@@ -17,6 +18,7 @@ namespace {
 
 constexpr int boxWidth = 200;
 constexpr int boxHeight = 100;
+constexpr int caretWidth = 2;
 
 } // namespace
 
@@ -36,6 +38,8 @@ OverlayTextBox::OverlayTextBox(const AnnotationEditor::TextBox &content, double 
     colors.setColor(QPalette::Base, Qt::transparent);
     colors.setColor(QPalette::Text, content.color);
     setPalette(colors);
+    // The toolkit's caret inverts what is below, which nobody sees over a middle grey.
+    setCursorWidth(0);
     setPlainText(content.text);
     selectAll();
     resize(boxWidth, boxHeight);
@@ -50,6 +54,18 @@ void OverlayTextBox::keyPressEvent(QKeyEvent *event)
         event->ignore();
     else
         QPlainTextEdit::keyPressEvent(event);
+}
+
+void OverlayTextBox::paintEvent(QPaintEvent *event)
+{
+    QPlainTextEdit::paintEvent(event);
+    const bool isBlinkedOff = getPaintContext().cursorPosition < 0;
+    if (isBlinkedOff || !hasFocus())
+        return;
+    QPainter painter(viewport());
+    const QRect caret = cursorRect();
+    painter.fillRect(QRect(caret.topLeft(), QSize(caretWidth, caret.height())),
+                     palette().color(QPalette::Text));
 }
 
 void OverlayTextBox::grow()

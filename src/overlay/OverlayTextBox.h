@@ -10,8 +10,8 @@
 namespace tovek {
 
 /// The box in which the text of an annotation is typed: plain text on the picture itself, without
-/// frame or background, in the font and the place of the annotation that it becomes. As wide as
-/// it is made, it grows downwards. Escape and the keys that it has no use for are its parent's.
+/// frame or background, in the font, colour and place of the annotation that it becomes. As wide
+/// as it is made, it grows downwards. Escape and the keys that it has no use for are its parent's.
 class OverlayTextBox : public QPlainTextEdit
 {
     Q_OBJECT
@@ -23,6 +23,7 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
 
 private:
     void grow();

@@ -20,7 +20,9 @@ void OverlayTextInput::open(const AnnotationEditor::TextBox &content, const View
                      [this] { m_editor.setTypedText(m_textInputView->toPlainText()); });
     onCoverChanged();
     m_textInputView->show();
-    m_textInputView->setFocus();
+    // A click on the toolbar would take the keyboard to the view.
+    m_view.setFocusProxy(m_textInputView);
+    m_view.setFocus();
 }
 
 void OverlayTextInput::close()
@@ -28,6 +30,7 @@ void OverlayTextInput::close()
     if (!m_textInputView)
         return;
     // Deleted later: what closes it may be a key event of its own.
+    m_view.setFocusProxy(nullptr);
     m_textInputView->hide();
     m_textInputView->deleteLater();
     m_textInputView = nullptr;

@@ -10,7 +10,7 @@
 namespace tovek {
 
 /// The text box of an overlay view, which is there while a text is typed. Tells the editor every
-/// change of what is typed, and has the keyboard until it is closed.
+/// change of what is typed, and has the view's keyboard until it is closed.
 class OverlayTextInput
 {
 public:
