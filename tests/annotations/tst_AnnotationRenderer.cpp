@@ -125,7 +125,12 @@ private Q_SLOTS:
         LineAnnotation selectedLine =
             shape<LineAnnotation>({15, 65}, {105, 15}, SystemColors::green);
         selectedLine.isSelected = true;
+        ArrowAnnotation selectedArrow = shape<ArrowAnnotation>({105, 20}, {20, 60});
+        selectedArrow.isSelected = true;
         const std::pair<const char *, Annotation> kinds[] = {
+            {"arrow-selected", selectedArrow},
+            // Shorter than half its head, so that the shaft begins on the other side of its start.
+            {"arrow-short", shape<ArrowAnnotation>({60, 40}, {64, 43}, SystemColors::purple)},
             {"arrow", shape<ArrowAnnotation>({15, 15}, {105, 65})},
             {"arrow-down", shape<ArrowAnnotation>({60, 70}, {60, 10}, SystemColors::blue)},
             {"line", shape<LineAnnotation>({15, 65}, {105, 15}, SystemColors::green)},
@@ -241,6 +246,37 @@ private Q_SLOTS:
             QCOMPARE(result->bitmap.pixelColor(x, 102), red);
             QCOMPARE(result->bitmap.pixelColor(x, 103), QColor(238, 238, 240));
         }
+    }
+
+    void cutsThroughEveryKind_data()
+    {
+        QTest::addColumn<Annotation>("annotation");
+        QTest::addColumn<double>("scale");
+        // Each reaches over an edge of the selection.
+        const std::pair<const char *, Annotation> kinds[] = {
+            {"arrow", shape<ArrowAnnotation>({90, 40}, {204, 157})},
+            {"line", shape<LineAnnotation>({60, 30}, {260, 163})},
+            {"rectangle", shape<RectangleAnnotation>({60, 80}, {160, 180})},
+            {"text", label(QStringLiteral("Cut through\nby the edge"), {70, 70})},
+            {"beside it", shape<LineAnnotation>({10, 10}, {40, 190})},
+        };
+        for (const auto &[name, annotation] : kinds) {
+            for (double scale : {1.0, 1.5, 2.0})
+                QTest::addRow("%s at %.1f", name, scale) << annotation << scale;
+        }
+    }
+    void cutsThroughEveryKind()
+    {
+        QFETCH(Annotation, annotation);
+        QFETCH(double, scale);
+        const Image screen = screenOf({300, 200}, scale);
+        const Rect selection{100, 50, 100, 100};
+        const auto part = AnnotationRenderer::render({annotation}, screen, selection);
+        const auto whole = AnnotationRenderer::render({annotation}, screen, {0, 0, 300, 200});
+        QVERIFY(part && whole);
+        const ViewSpace space{{300, 200}, scale};
+        const QRect pixels = space.pixelsFromRect(selection).toRect();
+        QCOMPARE(part->bitmap, whole->bitmap.copy(pixels));
     }
 
     void drawsLaterAnnotationsOnTop()

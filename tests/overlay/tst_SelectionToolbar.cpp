@@ -7,6 +7,7 @@
 #include "overlay/ToolbarButton.h"
 #include "overlay/ToolbarTooltip.h"
 
+#include <QAccessible>
 #include <QMouseEvent>
 #include <QRegularExpression>
 #include <QTest>
@@ -100,6 +101,39 @@ private Q_SLOTS:
             desk.toolbar->closeColorPicker();
         }
         QVERIFY(desk.view.keys.isEmpty());
+    }
+
+    void isReadOutByAScreenReader()
+    {
+        Desk desk;
+        QTest::mouseClick(desk.toolbar->button(colorButton), Qt::LeftButton);
+        QList<QWidget *> buttons{desk.toolbar, &desk.popover()};
+        for (int i = 0; i < 8; ++i)
+            buttons << desk.toolbar->button(i);
+        for (ToolbarButton *swatch : desk.popover().swatches())
+            buttons << swatch;
+        QStringList names;
+        for (QWidget *widget : std::as_const(buttons)) {
+            const QAccessibleInterface *seen = QAccessible::queryAccessibleInterface(widget);
+            QVERIFY(seen);
+            const QString name = seen->text(QAccessible::Name);
+            QVERIFY2(!name.isEmpty() && !names.contains(name), qPrintable(name));
+            names << name;
+            if (!qobject_cast<ToolbarButton *>(widget))
+                continue;
+            QVERIFY2(seen->role() == QAccessible::Button || seen->role() == QAccessible::CheckBox,
+                     qPrintable(name));
+            QVERIFY2(seen->state().focusable, qPrintable(name));
+        }
+        QCOMPARE(names.mid(2, 3), (QStringList{"Pointer", "Rectangle", "Line"}));
+        // Which tool is the active one is told as well.
+        const auto isChecked = [&](int i) {
+            return bool(
+                QAccessible::queryAccessibleInterface(desk.toolbar->button(i))->state().checked);
+        };
+        QVERIFY(isChecked(0) && !isChecked(1));
+        desk.toolbar->setActiveTool(AnnotationTool::rectangle);
+        QVERIFY(!isChecked(0) && isChecked(1));
     }
 
     void doesNothingWithoutCallbacks()
