@@ -148,9 +148,12 @@ int main(int argc, char **argv)
     const QSize pixels(3840, 2160);
     const Image noise{photographicNoise(pixels), screen};
     const Image windows{windowsWithText(pixels), screen};
+    Image blank{QImage(pixels, QImage::Format_RGB32), screen};
+    blank.bitmap.fill(Qt::white);
     for (const int extent : {300, 1500}) {
         benchExport(windows, "rendering 4K", extent, Until::rendered);
         benchExport(windows, "export of windows at 4K", extent, Until::encoded);
+        benchExport(blank, "export of a blank page at 4K", extent, Until::encoded);
         benchExport(noise, "export of a photograph at 4K", extent, Until::encoded);
     }
 

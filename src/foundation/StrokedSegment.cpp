@@ -63,7 +63,7 @@ private:
     {
         const double along = std::clamp(QPointF::dotProduct(way, m_direction), 0.0, m_length);
         const QPointF beside = way - along * m_direction;
-        return std::hypot(beside.x(), beside.y());
+        return std::sqrt(QPointF::dotProduct(beside, beside));
     }
     /// The mean of smaller pixels, on which the round end is as good as straight.
     double ofEnd(QPointF way) const
@@ -88,12 +88,12 @@ private:
 };
 
 /// The colour at each coverage of 0 to 255, premultiplied.
-std::array<QRgb, 256> shadesOf(const QColor &color)
+std::array<QRgb, 256> shadesOf(QRgb color)
 {
     std::array<QRgb, 256> shades{};
     for (size_t i = 0; i < shades.size(); ++i) {
-        const int alpha = (color.alpha() * int(i) + 127) / 255;
-        shades[i] = qPremultiply(qRgba(color.red(), color.green(), color.blue(), alpha));
+        const int alpha = (qAlpha(color) * int(i) + 127) / 255;
+        shades[i] = qPremultiply(qRgba(qRed(color), qGreen(color), qBlue(color), alpha));
     }
     return shades;
 }
@@ -113,7 +113,7 @@ public:
     PieceFiller(const StrokedSegment &segment, const QColor &color)
         : m_segment(segment)
         , m_coverage(segment)
-        , m_shades(shadesOf(color))
+        , m_shades(shadesOf(color.rgba()))
         , m_way(segment.to - segment.from)
         , m_isWide(std::abs(m_way.x()) >= std::abs(m_way.y()))
     {
@@ -151,7 +151,7 @@ public:
                 const double part = m_coverage.of(QPointF(at) + QPointF(0.5, 0.5));
                 const QPoint in = at - piece.topLeft();
                 pixels[qsizetype(in.y()) * piece.width() + in.x()] =
-                    m_shades[size_t(std::lround(255 * part))];
+                    m_shades[size_t(255 * part + 0.5)];
             }
         }
         return image;
