@@ -15,7 +15,6 @@ const QRect middle(200, 150, 500, 350);
 /// As far as the pointer reaches.
 const QRect wholeScreen(0, 0, 1279, 799);
 constexpr double padding = 12; ///< points around the buttons
-constexpr double height = 52;
 
 } // namespace
 
