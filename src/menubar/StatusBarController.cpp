@@ -35,7 +35,6 @@ constexpr double symbolSize = 16;
 constexpr double thumbnailRadius = 3;
 constexpr int thumbnailOversampling = 4;
 constexpr auto fileLifetime = 2000ms;
-constexpr auto hostPatience = 10s;
 
 struct MenuRow
 {
@@ -156,12 +155,22 @@ void StatusBarController::setup()
     m_statusItem.onMenuRequested = [this] { openMenu(); };
     const bool isVisible = m_defaults.boolean(QStringLiteral("showInMenuBar")).value_or(true);
     m_statusItem.setVisible(isVisible);
-    // At login the panel may start after us.
-    m_clock.after(hostPatience, this, [this, isVisible] {
-        if (isVisible && !m_statusItem.hasHost())
-            logLine(QStringLiteral("No status area found; the shortcuts work without it, and "
-                                   "launching Tovek again opens its settings"));
-    });
+    if (!isVisible)
+        return;
+    m_statusItem.onHostChanged = [this] { hostChanged(); };
+    hostChanged();
+}
+
+/// Tells once that there is no host. A panel that starts after us, as at login, is not waited for:
+/// a timer would wake the program later on.
+void StatusBarController::hostChanged()
+{
+    if (m_isHostKnown || m_statusItem.isLookingForHost())
+        return;
+    m_isHostKnown = true;
+    if (!m_statusItem.hasHost())
+        logLine(QStringLiteral("No status area yet: the shortcuts work without it, and launching "
+                               "Tovek again opens its settings"));
 }
 
 void StatusBarController::setVisible(bool isVisible)

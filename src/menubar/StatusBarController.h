@@ -71,6 +71,7 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void hostChanged();
     void press(QPointF at);
     void moveTo(QPointF at);
     void release();
@@ -89,6 +90,7 @@ private:
     std::unique_ptr<QObject> m_revertTimer; ///< context of the call that ends preview mode
     Image m_currentPreviewImage;
     std::optional<QUrl> m_currentDragFileUrl;
+    bool m_isHostKnown = false; ///< the desktop has told whether it has a status area
     bool m_isInPreviewMode = false;
     QMenu *m_menu = nullptr; ///< deletes itself a turn after it has closed
     TrayPicture m_defaultIcon;

@@ -3,6 +3,8 @@
 
 #include "platform/FirstTray.h"
 
+#include <algorithm>
+
 namespace tovek {
 
 FirstTray::FirstTray(std::vector<std::unique_ptr<Tray>> trays) : m_trays(std::move(trays))
@@ -24,6 +26,12 @@ FirstTray::FirstTray(std::vector<std::unique_ptr<Tray>> trays) : m_trays(std::mo
         };
     }
     choose();
+}
+
+bool FirstTray::isLookingForHost() const
+{
+    return std::any_of(m_trays.begin(), m_trays.end(),
+                       [](const auto &tray) { return tray->isLookingForHost(); });
 }
 
 void FirstTray::setVisible(bool isVisible)
@@ -56,19 +64,23 @@ void FirstTray::choose()
             break;
         }
     }
-    if (best == m_current)
-        return;
-    if (m_current)
-        m_current->setVisible(false);
-    m_current = best;
-    if (best) {
-        best->setToolTip(m_toolTip);
-        if (m_picture.paint)
-            best->setPicture(m_picture);
-        best->setVisible(m_isVisible);
-    }
+    if (best != m_current)
+        moveTo(best);
     if (onHostChanged)
         onHostChanged();
+}
+
+void FirstTray::moveTo(Tray *tray)
+{
+    if (m_current)
+        m_current->setVisible(false);
+    m_current = tray;
+    if (!tray)
+        return;
+    tray->setToolTip(m_toolTip);
+    if (m_picture.paint)
+        tray->setPicture(m_picture);
+    tray->setVisible(m_isVisible);
 }
 
 } // namespace tovek

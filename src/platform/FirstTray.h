@@ -24,12 +24,14 @@ public:
     void setPicture(const TrayPicture &picture) override;
     void setToolTip(const QString &text) override;
     bool hasHost() const override { return m_current != nullptr; }
+    bool isLookingForHost() const override;
     bool canDrag() const override { return m_current && m_current->canDrag(); }
     QObject *dragSource() override { return m_current ? m_current->dragSource() : this; }
     QRect geometry() const override { return m_current ? m_current->geometry() : QRect(); }
 
 private:
     void choose();
+    void moveTo(Tray *tray);
 
     std::vector<std::unique_ptr<Tray>> m_trays;
     Tray *m_current = nullptr;

@@ -36,6 +36,8 @@ public:
     virtual void setToolTip(const QString &text) = 0;
     /// True while the desktop has a place for the item.
     virtual bool hasHost() const = 0;
+    /// True right after the start, until the desktop has told whether it has such a place.
+    virtual bool isLookingForHost() const = 0;
     /// True where the host hands us the pointer's presses and moves, so that something can be
     /// dragged out of the item. Elsewhere it only tells that the item was chosen.
     virtual bool canDrag() const = 0;
@@ -53,7 +55,7 @@ public:
     std::function<void(QPointF at)> onReleased;
     /// The item was chosen in another way: other button, keyboard, or a host that cannot drag.
     std::function<void()> onMenuRequested;
-    /// `hasHost` or `canDrag` may have changed.
+    /// `hasHost`, `isLookingForHost` or `canDrag` may have changed.
     std::function<void()> onHostChanged;
 };
 

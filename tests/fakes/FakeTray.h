@@ -24,6 +24,7 @@ public:
     }
     void setToolTip(const QString &text) override { toolTip = text; }
     bool hasHost() const override { return host; }
+    bool isLookingForHost() const override { return isLooking; }
     bool canDrag() const override { return host && drags; }
     QObject *dragSource() override { return this; }
     QRect geometry() const override { return place; }
@@ -34,12 +35,14 @@ public:
     void setHost(bool hasOne)
     {
         host = hasOne;
+        isLooking = false;
         if (onHostChanged)
             onHostChanged();
     }
     QImage painted(double scale = 1) const { return picture.paint(picture.size, Qt::black, scale); }
 
     bool host = true;
+    bool isLooking = false;
     bool drags = true;
     QRect place{100, 0, 24, 24};
     std::optional<bool> isVisible;

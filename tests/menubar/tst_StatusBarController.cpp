@@ -107,20 +107,39 @@ private Q_SLOTS:
 
     void saysOnceThatThereIsNoStatusArea_data()
     {
-        QTest::addColumn<bool>("hasHost");
+        QTest::addColumn<bool>("isHidden");
+        QTest::addColumn<QList<bool>>("hosts"); // present or not, in the course of time
         QTest::addColumn<int>("lines");
-        QTest::newRow("host") << true << 0;
-        QTest::newRow("no host") << false << 1;
+        QTest::newRow("a host") << false << QList<bool>{true} << 0;
+        QTest::newRow("no host") << false << QList<bool>{false} << 1;
+        QTest::newRow("no host, asked again") << false << QList<bool>{false, false} << 1;
+        QTest::newRow("a host that goes") << false << QList<bool>{true, false} << 0;
+        QTest::newRow("nothing known") << false << QList<bool>{} << 0;
+        QTest::newRow("no host, not wanted") << true << QList<bool>{false} << 0;
     }
     void saysOnceThatThereIsNoStatusArea()
     {
-        QFETCH(bool, hasHost);
+        QFETCH(bool, isHidden);
+        QFETCH(QList<bool>, hosts);
         Setup s;
-        s.tray.host = hasHost;
+        s.defaults.setBoolean(QStringLiteral("showInMenuBar"), !isHidden);
+        s.tray.host = false;
+        s.tray.isLooking = true;
         LogCapture output;
         s.start();
-        s.clock.advance(60s);
+        for (const bool host : hosts)
+            s.tray.setHost(host);
         QTEST(int(output.lines().size()), "lines");
+    }
+
+    void hasNoTimerWhileNothingHappens()
+    {
+        Setup s;
+        s.tray.host = false;
+        LogCapture output;
+        s.start();
+        QCOMPARE(output.lines().size(), 1);
+        QCOMPARE(s.clock.pendingCalls(), 0U);
     }
 
     void listsItsItemsInOrder()

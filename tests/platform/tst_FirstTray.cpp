@@ -68,6 +68,19 @@ private Q_SLOTS:
         QCOMPARE(changes, 3);
     }
 
+    void looksForAHostUntilAllHaveLooked()
+    {
+        Setup s;
+        s.first->isLooking = s.second->isLooking = true;
+        int changes = 0;
+        s.tray->onHostChanged = [&] { ++changes; };
+        s.first->setHost(false);
+        QVERIFY(s.tray->isLookingForHost());
+        s.second->setHost(false);
+        QVERIFY(!s.tray->isLookingForHost());
+        QCOMPARE(changes, 2);
+    }
+
     void reportsForTheShownItemOnly()
     {
         Setup s;

@@ -153,6 +153,18 @@ private Q_SLOTS:
         QCOMPARE(changes, 3);
     }
 
+    void tellsWhenNobodyIsThere()
+    {
+        hostBus().unregisterService(service);
+        StatusNotifierItem item;
+        int changes = 0;
+        item.onHostChanged = [&] { ++changes; };
+        QVERIFY(item.isLookingForHost());
+        QTRY_VERIFY(!item.isLookingForHost());
+        QVERIFY(!item.hasHost());
+        QCOMPARE(changes, 1);
+    }
+
     void leavesTheBusWhenHidden()
     {
         StatusNotifierItem item;

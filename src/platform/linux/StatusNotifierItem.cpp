@@ -266,22 +266,22 @@ void StatusNotifierItem::watchHosts()
         message << watcherService;
         return message;
     }();
+    m_isLooking = true;
     auto *reply = new QDBusPendingCallWatcher(m_bus.asyncCall(ask), this);
     connect(reply, &QDBusPendingCallWatcher::finished, this, [this, reply] {
         reply->deleteLater();
         const QDBusPendingReply<bool> answer = *reply;
-        if (!answer.isError() && answer.value() && !m_hasHost) {
-            setHasHost(true);
-            registerItem();
-        }
+        setHasHost(m_hasHost || (!answer.isError() && answer.value()));
+        registerItem();
     });
 }
 
 void StatusNotifierItem::setHasHost(bool hasHost)
 {
-    if (m_hasHost == hasHost)
+    if (m_hasHost == hasHost && !m_isLooking)
         return;
     m_hasHost = hasHost;
+    m_isLooking = false;
     if (onHostChanged)
         onHostChanged();
 }

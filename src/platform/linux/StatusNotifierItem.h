@@ -25,6 +25,7 @@ public:
     void setPicture(const TrayPicture &picture) override;
     void setToolTip(const QString &text) override;
     bool hasHost() const override { return m_hasHost; }
+    bool isLookingForHost() const override { return m_isLooking; }
     bool canDrag() const override { return false; }
     QObject *dragSource() override { return this; }
     /// Empty until the host has told where the item was chosen; then that point.
@@ -42,6 +43,7 @@ private:
     QDBusConnection m_bus;
     QString m_service; ///< ours, empty while the item is not registered
     bool m_hasHost = false;
+    bool m_isLooking = false;
     bool m_isVisible = false;
     TrayPicture m_picture;
     QString m_toolTip;

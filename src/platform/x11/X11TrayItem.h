@@ -27,6 +27,7 @@ public:
     void setPicture(const TrayPicture &picture) override;
     void setToolTip(const QString &text) override;
     bool hasHost() const override { return m_host != 0; }
+    bool isLookingForHost() const override { return false; }
     bool canDrag() const override { return hasHost(); }
     QObject *dragSource() override;
     QRect geometry() const override;
