@@ -40,6 +40,15 @@ struct Session
         tovek = std::make_unique<RunningTovek>(desktop, qEnvironmentVariable("TOVEK_PROGRAM"));
         return picture != nullptr || fail(QStringLiteral("no picture came"));
     }
+    /// Puts the selected part of a fresh capture on the clipboard, in one go. True once the
+    /// overlays have gone again.
+    [[nodiscard]] bool copy(QPoint from, QPoint to)
+    {
+        if (!tovek->open(QLatin1String(RunningTovek::captureImage), monitors()))
+            return false;
+        select(from, to);
+        return isClosed();
+    }
     [[nodiscard]] bool start(const QJsonObject &settings = {})
     {
         return startDesktop() && (tovek->start(scale, settings) || fail(tovek->error()));

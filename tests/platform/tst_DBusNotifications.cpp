@@ -3,62 +3,14 @@
 
 #include "platform/linux/DBusFileRevealer.h"
 #include "platform/linux/DBusNotifications.h"
+#include "support/DesktopServices.h"
 #include "support/SessionBus.h"
 
-#include <QDBusContext>
-#include <QDBusMessage>
 #include <QRegularExpression>
 #include <QTest>
 #include <QUrl>
 
 using namespace tovek;
-
-/// A notification server, and a file manager, that remember what they were told.
-class Server : public QObject, protected QDBusContext
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
-
-public:
-    struct Shown
-    {
-        QString title, body;
-        QStringList actions;
-        QVariantMap hints;
-    };
-    QStringList capabilities;
-    std::vector<Shown> shown;
-    bool hangs = false;
-
-public Q_SLOTS:
-    QStringList GetCapabilities() { return capabilities; }
-    uint Notify(const QString &, uint, const QString &, const QString &title, const QString &body,
-                const QStringList &actions, const QVariantMap &hints, int)
-    {
-        if (hangs) {
-            setDelayedReply(true);
-            return 0;
-        }
-        shown.push_back({title, body, actions, hints});
-        return uint(100 + shown.size());
-    }
-
-Q_SIGNALS:
-    void ActionInvoked(uint id, const QString &action);
-    void NotificationClosed(uint id, uint reason);
-};
-
-class FileManager : public QObject, protected QDBusContext
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
-
-public:
-    QStringList shown;
-
-public Q_SLOTS:
-    void ShowItems(const QStringList &uris, const QString &) { shown += uris; }
-};
 
 class TestDBusNotifications : public QObject
 {
@@ -66,9 +18,8 @@ class TestDBusNotifications : public QObject
 
 private:
     const QString service = QStringLiteral("org.freedesktop.Notifications");
-    const QString fileService = QStringLiteral("org.freedesktop.FileManager1");
     SessionBus bus;
-    std::unique_ptr<Server> server;
+    std::unique_ptr<NotificationServer> server;
 
     QDBusConnection serverBus() const
     {
@@ -101,16 +52,10 @@ private Q_SLOTS:
     void init()
     {
         QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-        server = std::make_unique<Server>();
-        QVERIFY(serverBus().registerObject(QStringLiteral("/org/freedesktop/Notifications"),
-                                           server.get(), QDBusConnection::ExportAllContents));
-        QVERIFY(serverBus().registerService(service));
+        server = std::make_unique<NotificationServer>();
+        QVERIFY(server->start(serverBus()));
     }
-    void cleanup()
-    {
-        serverBus().unregisterService(service);
-        serverBus().unregisterObject(QStringLiteral("/org/freedesktop/Notifications"));
-    }
+    void cleanup() { server->stop(serverBus()); }
 
     void tellsTheServerEverything_data()
     {
@@ -129,7 +74,7 @@ private Q_SLOTS:
              {QStringLiteral("SAVED"), {{QStringLiteral("SHOW"), QStringLiteral("Show")}}}});
         QCOMPARE(add(notifications, QStringLiteral("one")), QString());
         QCOMPARE(server->shown.size(), 1U);
-        const Server::Shown &shown = server->shown[0];
+        const NotificationServer::Shown &shown = server->shown[0];
         QCOMPARE(shown.title, QStringLiteral("Title"));
         QTEST(shown.body, "body");
         QCOMPARE(shown.actions, QStringList({"default", "", "SHOW", "Show"}));
@@ -192,16 +137,14 @@ private Q_SLOTS:
 
     void revealsAFileInTheFileManager()
     {
-        FileManager manager;
-        serverBus().registerObject(QStringLiteral("/org/freedesktop/FileManager1"), &manager,
-                                   QDBusConnection::ExportAllSlots);
-        QVERIFY(serverBus().registerService(fileService));
+        FileManagerService manager;
+        QVERIFY(manager.start(serverBus()));
         DBusFileRevealer revealer;
         revealer.openFolder = [](const QUrl &) { QFAIL("opened the folder"); };
         revealer.activateFileViewer(QUrl(QStringLiteral("https://example.org/a.png")));
         revealer.activateFileViewer(QUrl::fromLocalFile(QStringLiteral("/tmp/a b.png")));
         QTRY_COMPARE(manager.shown, QStringList{"file:///tmp/a%20b.png"});
-        serverBus().unregisterService(fileService);
+        manager.stop(serverBus());
     }
 
     void opensTheFolderWithoutAFileManager()

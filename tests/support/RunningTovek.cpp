@@ -61,8 +61,8 @@ bool RunningTovek::start(double scale, const QJsonObject &more)
 
 bool RunningTovek::startAsItIs(double scale)
 {
-    m_program = m_desktop.run(m_path, {QStringLiteral("--background")},
-                              {{QStringLiteral("QT_SCALE_FACTOR"), QString::number(scale)}});
+    variables[QStringLiteral("QT_SCALE_FACTOR")] = QString::number(scale);
+    m_program = m_desktop.run(m_path, {QStringLiteral("--background")}, variables);
     m_error =
         m_program ? QStringLiteral("the program does not hold its shortcuts") : m_desktop.error();
     return m_program != nullptr;

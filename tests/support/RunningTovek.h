@@ -23,6 +23,8 @@ public:
     /// The stored settings that hold the two shortcuts, and whatever else is given.
     static QJsonObject settings(const QJsonObject &more = {});
     bool writeSettings(const QByteArray &bytes) const;
+    /// More of its environment; set before the start.
+    std::map<QString, QString> variables;
     /// Starts it without its window, and waits until the shortcuts are its own. False when that
     /// did not come about; `error` tells.
     [[nodiscard]] bool start(double scale = 1, const QJsonObject &more = {});
