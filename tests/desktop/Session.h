@@ -7,6 +7,7 @@
 #include "support/RunningTovek.h"
 #include "support/Wait.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 
@@ -36,7 +37,7 @@ struct Session
         if (!desktop.start())
             return fail(desktop.error());
         for (const QRect &monitor : monitors())
-            picture = desktop.showPicture(monitor);
+            picture = desktop.showPicture(monitor.adjusted(0, roomAbove, 0, 0));
         tovek = std::make_unique<RunningTovek>(desktop, qEnvironmentVariable("TOVEK_PROGRAM"));
         return picture != nullptr || fail(QStringLiteral("no picture came"));
     }
@@ -112,6 +113,7 @@ struct Session
 
     DesktopPlan plan;
     double scale;
+    int roomAbove = 0; ///< without a picture; openbox shows a panel only where none covers all
     TestDesktop desktop;
     std::unique_ptr<RunningTovek> tovek;
     Program *picture = nullptr;
