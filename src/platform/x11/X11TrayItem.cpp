@@ -314,9 +314,12 @@ void X11TrayItem::findHost()
     const xcb_window_t owner = QtXcb::selectionOwner(QtXcb::atom(selection));
     if (owner == XCB_WINDOW_NONE || isProxy(owner))
         return;
-    m_host = owner;
     const uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(QtXcb::connection(), owner, XCB_CW_EVENT_MASK, &mask);
+    // One that died before it was watched would be waited for without end.
+    if (QtXcb::selectionOwner(QtXcb::atom(selection)) != owner)
+        return;
+    m_host = owner;
     dock();
     if (onHostChanged)
         onHostChanged();

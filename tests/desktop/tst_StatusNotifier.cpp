@@ -1,0 +1,186 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+// The program's item in a panel that draws items itself and tells them nothing of the pointer.
+
+#include "desktop/StatusItemSession.h"
+
+#include <QElapsedTimer>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTest>
+
+using namespace std::chrono_literals;
+using namespace tovek;
+
+namespace {
+
+constexpr auto enough = 20s; // for whatever a busy machine takes
+constexpr QPoint inPreviewRow(60, 40); // of the menu, when its first row is the thumbnail
+constexpr QPoint inFirstItem(30, 14);
+
+struct NotifierSession : StatusItemSession
+{
+    using StatusItemSession::StatusItemSession;
+
+    bool startPanel()
+    {
+        panel = desktop.run(QStringLiteral(TOVEK_STATUS_HOST),
+                            {QString::number(panelHeight), QStringLiteral("#303030")});
+        return panel && panel->waitForLine(QStringLiteral("ready"));
+    }
+    bool startWithPanel()
+    {
+        return prepare() && startPanel() && tovek->start()
+            && waitUntil([this] { return hasIcon(); });
+    }
+
+    /// The only item is in the corner.
+    QRect item() const { return {plan.size.width() - panelHeight, 0, panelHeight, panelHeight}; }
+    QImage look() const { return tovek->eye().look(item()); }
+    /// The symbol has its room; a wide thumbnail leaves bands above and below.
+    bool hasIcon() const { return inked(look()) > 60 && inked(look().copy(0, 0, 24, 7)) > 0; }
+    bool hasThumbnail() const { return inked(look()) > 60 && inked(look().copy(0, 0, 24, 7)) == 0; }
+    bool preview()
+    {
+        return copy({150, 150}, {551, 251}) && waitUntil([this] { return hasThumbnail(); });
+    }
+
+    Program *panel = nullptr;
+};
+
+} // namespace
+
+class TestStatusNotifier : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (const QString reason = TestDesktop::missing(); !reason.isEmpty())
+            QSKIP(qPrintable(reason));
+    }
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void startsACaptureFromItsMenu()
+    {
+        NotifierSession session;
+        QVERIFY2(session.startWithPanel(), qPrintable(session.error));
+        session.before = session.tovek->eye().lookWhenStill();
+        QVERIFY(session.openMenu(session.item().center()));
+        QVERIFY(QRect(QPoint(), session.plan.size).contains(session.menu()));
+        session.tovek->hand().click(session.menu().topLeft() + inFirstItem);
+        QVERIFY(waitUntil([&] { return session.tovek->covers(session.monitors()); }));
+        QVERIFY(session.menu().isEmpty());
+        QCOMPARE(differentPixels(session.before, session.tovek->eye().look()), 0);
+        QVERIFY(session.tap("Escape"));
+        QVERIFY(session.isClosed());
+    }
+
+    void offersItsThumbnailInTheMenu()
+    {
+        NotifierSession session;
+        QVERIFY2(session.startWithPanel(), qPrintable(session.error));
+        QVERIFY(session.openMenu(session.item().center()));
+        const int height = session.menu().height();
+        QVERIFY(session.tap("Escape"));
+        QVERIFY(waitUntil([&] { return session.menu().isEmpty(); }));
+        QVERIFY(session.preview());
+        QVERIFY(session.openMenu(session.item().center()));
+        QVERIFY(session.menu().height() > height + 40);
+        // A wobble is no drag.
+        Hand &hand = session.tovek->hand();
+        const QPoint at = session.menu().topLeft() + inPreviewRow;
+        hand.move(at);
+        hand.press();
+        hand.move(at + QPoint(2, 0));
+        hand.release();
+        QVERIFY(!session.tovek->eye().lookWhenStill().isNull());
+        QVERIFY(!session.menu().isEmpty());
+        QVERIFY(session.temporaryFiles().isEmpty());
+        QVERIFY(session.tap("Escape"));
+        QVERIFY(waitUntil([&] { return session.menu().isEmpty(); }));
+        QVERIFY(session.hasThumbnail());
+    }
+
+    void dropsAFileIntoAFileManager()
+    {
+        if (QStandardPaths::findExecutable(QStringLiteral("thunar")).isEmpty())
+            QSKIP("thunar is not installed");
+        NotifierSession session;
+        QVERIFY2(session.startWithPanel(), qPrintable(session.error));
+        QVERIFY(session.startFileManager());
+        QVERIFY(session.preview());
+        QVERIFY(session.openMenu(session.item().center()));
+        Hand &hand = session.tovek->hand();
+        const QPoint at = session.menu().topLeft() + inPreviewRow;
+        hand.move(at);
+        hand.press();
+        hand.move(at + QPoint(0, 5));
+        QVERIFY(waitUntil([&] { return session.temporaryFiles().size() == 1; }));
+        QVERIFY(session.menu().isEmpty());
+        const QString file = session.temporaryFiles().constFirst();
+        session.dropIntoFileManager();
+        const QString name = QFileInfo(file).fileName();
+        QVERIFY(waitUntil([&] { return session.dropped.exists(name); }, enough));
+        QCOMPARE(differentPixels(QImage(session.dropped.filePath(name)),
+                                 session.expected({150, 150}, {551, 251})),
+                 0);
+        QVERIFY(waitUntil([&] { return session.hasIcon(); }));
+        QVERIFY(waitUntil([&] { return session.temporaryFiles().isEmpty(); }));
+    }
+
+    void comesBackWithItsPanel()
+    {
+        NotifierSession session;
+        QVERIFY2(session.startWithPanel(), qPrintable(session.error));
+        session.panel->stop();
+        QVERIFY(waitUntil([&] { return !session.hasIcon(); }));
+        QVERIFY(session.startPanel());
+        QVERIFY(waitUntil([&] { return session.hasIcon(); }, enough));
+        QVERIFY(session.openMenu(session.item().center()));
+    }
+
+    void comesToAPanelThatStartsLate()
+    {
+        NotifierSession session;
+        QVERIFY2(session.prepare() && session.tovek->start(), qPrintable(session.error));
+        QVERIFY(session.tovek->program().waitForLine(QStringLiteral("No status area yet")));
+        QVERIFY(session.startPanel());
+        QVERIFY(waitUntil([&] { return session.hasIcon(); }, enough));
+    }
+
+    void showsTheIconAgainAfterTwentySeconds()
+    {
+        NotifierSession session;
+        QVERIFY2(session.startWithPanel(), qPrintable(session.error));
+        QVERIFY(session.preview());
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(waitUntil([&] { return session.hasIcon(); }, 40s));
+        QVERIFY2(timer.elapsed() > 18000, qPrintable(QString::number(timer.elapsed())));
+    }
+
+    void movesToATrayThatTakesWindowsAndBack()
+    {
+        if (QStandardPaths::findExecutable(QStringLiteral("trayer")).isEmpty())
+            QSKIP("trayer is not installed");
+        NotifierSession session;
+        QVERIFY2(session.startWithPanel(), qPrintable(session.error));
+        // Several times, since a tray may die at any moment of the move.
+        for (int move = 0; move < 8; ++move) {
+            const qsizetype lines = session.panel->lines().size();
+            Program *tray = session.desktop.run(
+                QStringLiteral("trayer"), {"--edge", "top", "--align", "left", "--height", "24"});
+            QVERIFY(tray);
+            QVERIFY(session.panel->waitForLine(QStringLiteral("gone"), enough, lines));
+            tray->stop();
+            QVERIFY(session.panel->waitForLine(QStringLiteral("item"), enough, lines));
+        }
+        QVERIFY(waitUntil([&] { return session.hasIcon(); }));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestStatusNotifier)
+#include "tst_StatusNotifier.moc"
