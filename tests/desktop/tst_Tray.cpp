@@ -22,12 +22,12 @@ struct TraySession : StatusItemSession
     using StatusItemSession::StatusItemSession;
 
     /// Returns when the panel takes items in.
-    bool startPanel()
+    bool startPanel(const QString &color = QStringLiteral("0x303030"))
     {
         panel = desktop.run(QStringLiteral("trayer"),
                             {"--edge", "top", "--align", "right", "--widthtype", "request",
                              "--height", QString::number(panelHeight), "--expand", "true",
-                             "--transparent", "true", "--alpha", "0", "--tint", "0x303030"});
+                             "--transparent", "true", "--alpha", "0", "--tint", color});
         const XConnection connection(desktop.displayName());
         const xcb_atom_t selection = connection.atom("_NET_SYSTEM_TRAY_S0");
         return panel && waitUntil([&] {
@@ -46,6 +46,11 @@ struct TraySession : StatusItemSession
     {
         const XConnection connection(desktop.displayName());
         return find(connection, connection.root(), 0);
+    }
+    QImage look() const
+    {
+        const QRect place = item();
+        return place.isEmpty() ? QImage() : tovek->eye().look(place);
     }
     bool hasIcon() const
     {
@@ -67,11 +72,6 @@ struct TraySession : StatusItemSession
     Program *panel = nullptr;
 
 private:
-    QImage look() const
-    {
-        const QRect place = item();
-        return place.isEmpty() ? QImage() : tovek->eye().look(place);
-    }
     /// Looks inside of windows, not at those that lie on the desktop itself.
     QRect find(const XConnection &connection, xcb_window_t window, int depth) const
     {
@@ -214,6 +214,36 @@ private Q_SLOTS:
                                  session.expected({150, 150}, {551, 251})),
                  0);
         QVERIFY(QDir(session.temporary).entryList({QStringLiteral("tovek-*")}).isEmpty());
+    }
+
+    void takesTheColourOfItsPanel()
+    {
+        TraySession session;
+        QVERIFY2(session.startWithPanel(), qPrintable(session.error));
+        // Several times, since the panel paints itself before or after it has taken the item in.
+        for (int panel = 0; panel < 6; ++panel) {
+            const bool isLight = panel % 2 == 0;
+            session.panel->stop();
+            QVERIFY(waitUntil([&] { return session.item().isEmpty(); }));
+            QVERIFY(session.startPanel(isLight ? QStringLiteral("0xf0f0f0")
+                                               : QStringLiteral("0x202020")));
+            const auto suits = [&] {
+                const QImage look = session.look();
+                if (look.isNull() || !session.hasIcon())
+                    return false;
+                const int ground = qGray(look.pixel(0, 0));
+                int farthest = ground;
+                for (int x = 0; x < look.width(); ++x) {
+                    for (int y = 0; y < look.height(); ++y) {
+                        const int gray = qGray(look.pixel(x, y));
+                        if (std::abs(gray - ground) > std::abs(farthest - ground))
+                            farthest = gray;
+                    }
+                }
+                return isLight ? ground > 200 && farthest < 90 : ground < 60 && farthest > 190;
+            };
+            QVERIFY2(waitUntil(suits, enough), isLight ? "light" : "dark");
+        }
     }
 
     void comesBackWithItsPanel()

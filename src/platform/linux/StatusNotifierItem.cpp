@@ -84,6 +84,7 @@ const QString itemPath = QStringLiteral("/StatusNotifierItem");
 const QString itemInterface = QStringLiteral("org.kde.StatusNotifierItem");
 const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 
+constexpr int rimOpacity = 70; // of 255, of each of nine layers
 constexpr int iconSizes[]{16, 22, 24, 32, 44, 48};
 
 /// A panel does not tell its colour. That of GNOME is dark in every theme; others follow the theme.
@@ -92,6 +93,29 @@ QColor panelTint()
     if (qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(QStringLiteral("GNOME")))
         return Qt::white;
     return QGuiApplication::palette().color(QPalette::WindowText);
+}
+
+/// The panel may be of the other kind than its colour was taken for: a rim of the opposite colour
+/// keeps the symbol legible there, and is not seen where the colour was right.
+QImage rimmed(const QImage &symbol)
+{
+    QImage rim = symbol;
+    {
+        QPainter painter(&rim);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+        const bool isDark = panelTint().lightness() < 128;
+        painter.fillRect(rim.rect(),
+                         isDark ? QColor(255, 255, 255, rimOpacity) : QColor(0, 0, 0, rimOpacity));
+    }
+    QImage result(symbol.size(), QImage::Format_ARGB32_Premultiplied);
+    result.fill(Qt::transparent);
+    QPainter painter(&result);
+    for (int y = -1; y <= 1; ++y) {
+        for (int x = -1; x <= 1; ++x)
+            painter.drawImage(x, y, rim);
+    }
+    painter.drawImage(0, 0, symbol);
+    return result;
 }
 
 BusPixmap busPixmap(const TrayPicture &picture, int side)
@@ -107,7 +131,7 @@ BusPixmap busPixmap(const TrayPicture &picture, int side)
                                   std::floor((side - fitting.height) / 2)),
                           picture.paint(fitting, panelTint(), 1));
     }
-    square = square.convertToFormat(QImage::Format_ARGB32);
+    square = rimmed(square).convertToFormat(QImage::Format_ARGB32);
     BusPixmap result{side, side, QByteArray(square.sizeInBytes(), Qt::Uninitialized)};
     qToBigEndian<quint32>(square.constBits(), side * side, result.bytes.data());
     return result;

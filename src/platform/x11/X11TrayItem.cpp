@@ -4,11 +4,9 @@
 #include "platform/x11/X11TrayItem.h"
 
 #include "platform/x11/QtXcb.h"
+#include "platform/x11/X11TrayWindow.h"
 
 #include <QGuiApplication>
-#include <QMouseEvent>
-#include <QPainter>
-#include <QRasterWindow>
 #include <QScreen>
 
 #include <cstring>
@@ -75,132 +73,6 @@ QRect logicalFromNative(QRect native)
 
 } // namespace
 
-/// The embedded window. What the toolkit believes about its place and size is not true once the
-/// panel has taken it in; both are asked of the server.
-class X11TrayItem::Window : public QRasterWindow
-{
-public:
-    Window(X11TrayItem &item, bool isTranslucent) : m_item(item), m_isTranslucent(isTranslucent)
-    {
-        QSurfaceFormat format;
-        format.setAlphaBufferSize(isTranslucent ? 8 : 0);
-        setFormat(format);
-        setFlags(Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus);
-        setTitle(QStringLiteral("Tovek"));
-        create();
-    }
-
-    bool isEmbedded = false;
-
-    xcb_window_t id() const { return xcb_window_t(winId()); }
-
-    void request(Size points)
-    {
-        const QSize size(qCeil(points.width), qCeil(points.height));
-        setMinimumSize(size);
-        resize(size);
-        update();
-    }
-
-    /// The native size that the host gave, whatever was asked for.
-    QSize nativeSize() const
-    {
-        const auto native = QtXcb::geometryOnRoot(id());
-        return native ? native->size() : size() * devicePixelRatio();
-    }
-
-    /// Looks at the panel through the still empty window, to find out what colour the item lies on.
-    void takeBackground()
-    {
-        xcb_connection_t *c = QtXcb::connection();
-        if (!m_isTranslucent) {
-            const uint32_t parentRelative = XCB_BACK_PIXMAP_PARENT_RELATIVE;
-            xcb_change_window_attributes(c, id(), XCB_CW_BACK_PIXMAP, &parentRelative);
-            xcb_clear_area(c, false, id(), 0, 0, 0, 0);
-            m_background = QtXcb::pixels(id(), QRect(QPoint(), nativeSize()));
-        } else if (const auto native = QtXcb::geometryOnRoot(m_item.m_host)) {
-            m_background = QtXcb::pixels(QtXcb::screen()->root,
-                                         QRect(native->topLeft(), QSize(2, native->height())));
-        }
-    }
-
-protected:
-    void paintEvent(QPaintEvent *) override
-    {
-        if (!isEmbedded || !m_item.m_picture.paint)
-            return;
-        QPainter painter(this);
-        const QSize native = nativeSize();
-        const double scale = devicePixelRatio();
-        if (!m_isTranslucent && m_background.size() != native)
-            takeBackground();
-        painter.setCompositionMode(QPainter::CompositionMode_Source);
-        if (m_isTranslucent || m_background.isNull()) {
-            painter.fillRect(QRect(QPoint(), size()), Qt::transparent);
-        } else {
-            QImage background = m_background;
-            background.setDevicePixelRatio(scale);
-            painter.drawImage(QPoint(), background);
-        }
-        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-
-        const QSizeF room = QSizeF(native) / scale;
-        const Size wanted = m_item.m_picture.size;
-        const double shrink =
-            std::min({1.0, room.width() / wanted.width, room.height() / wanted.height});
-        const Size fitting{wanted.width * shrink, wanted.height * shrink};
-        const QImage image = m_item.m_picture.paint(fitting, tint(), scale);
-        // On a whole native pixel, so that it stays sharp.
-        const auto middle = [scale](double all, double part) {
-            return std::floor((all - part) / 2 * scale) / scale;
-        };
-        painter.drawImage(
-            QPointF(middle(room.width(), fitting.width), middle(room.height(), fitting.height)),
-            image);
-    }
-
-    void resizeEvent(QResizeEvent *event) override
-    {
-        m_background = {};
-        QRasterWindow::resizeEvent(event);
-    }
-
-    void mousePressEvent(QMouseEvent *event) override
-    {
-        if (event->button() == Qt::LeftButton) {
-            if (m_item.onPressed)
-                m_item.onPressed(event->globalPosition());
-        } else if (event->button() == Qt::RightButton && m_item.onMenuRequested) {
-            m_item.onMenuRequested();
-        }
-    }
-    void mouseMoveEvent(QMouseEvent *event) override
-    {
-        if (event->buttons() & Qt::LeftButton && m_item.onMoved)
-            m_item.onMoved(event->globalPosition());
-    }
-    void mouseReleaseEvent(QMouseEvent *event) override
-    {
-        if (event->button() == Qt::LeftButton && m_item.onReleased)
-            m_item.onReleased(event->globalPosition());
-    }
-
-private:
-    QColor tint() const
-    {
-        if (m_background.isNull())
-            return Qt::white;
-        const QColor mean =
-            m_background.scaled(1, 1, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)
-                .pixelColor(0, 0);
-        return qGray(mean.rgb()) < 140 ? QColor(255, 255, 255, 235) : QColor(0, 0, 0, 215);
-    }
-
-    X11TrayItem &m_item;
-    bool m_isTranslucent;
-    QImage m_background;
-};
-
 std::unique_ptr<Tray> X11TrayItem::create()
 {
     return QtXcb::connection() ? std::make_unique<X11TrayItem>() : nullptr;
@@ -230,7 +102,7 @@ void X11TrayItem::setPicture(const TrayPicture &picture)
 {
     m_picture = picture;
     if (m_window)
-        m_window->request(picture.size);
+        m_window->setPicture(picture);
 }
 
 void X11TrayItem::setToolTip(const QString &text)
@@ -247,7 +119,7 @@ QObject *X11TrayItem::dragSource()
 
 QRect X11TrayItem::geometry() const
 {
-    if (!m_window || !m_window->isEmbedded)
+    if (!m_window || !m_window->isEmbedded())
         return {};
     const auto native = QtXcb::geometryOnRoot(m_window->id());
     return native ? logicalFromNative(*native) : QRect();
@@ -282,13 +154,18 @@ bool X11TrayItem::nativeEventFilter(const QByteArray &type, void *message, qintp
                     findHost();
                 },
                 Qt::QueuedConnection);
-        } else if (!m_window->isEmbedded) {
-            m_window->isEmbedded = true;
-            m_window->takeBackground();
-            m_window->show();
+        } else if (!m_window->isEmbedded()) {
+            m_window->setEmbedded();
         }
         break;
     }
+    case XCB_EXPOSE:
+        // The panel may have changed its colour; it makes its items paint themselves then.
+        if (m_window
+            && reinterpret_cast<const xcb_expose_event_t *>(event)->window == m_window->id())
+            QMetaObject::invokeMethod(
+                m_window.get(), [this] { m_window->look(); }, Qt::QueuedConnection);
+        break;
     case XCB_DESTROY_NOTIFY: {
         const auto *destroy = reinterpret_cast<const xcb_destroy_notify_event_t *>(event);
         if (m_host && destroy->window == m_host)
@@ -329,9 +206,9 @@ void X11TrayItem::dock()
 {
     if (!m_isVisible || !m_host || m_window)
         return;
-    m_window = std::make_unique<Window>(*this, hasAlpha(m_host));
+    m_window = std::make_unique<X11TrayWindow>(*this, hasAlpha(m_host));
     m_window->setTitle(m_toolTip);
-    m_window->request(m_picture.size);
+    m_window->setPicture(m_picture);
     xcb_connection_t *c = QtXcb::connection();
     const uint32_t info[]{0, 1}; // protocol version; wants to be mapped
     const xcb_atom_t property = QtXcb::atom("_XEMBED_INFO");

@@ -12,6 +12,8 @@
 
 namespace tovek {
 
+class X11TrayWindow;
+
 /// The status item as a window of our own that the panel embeds: it can be as wide as a thumbnail,
 /// and gets real mouse events. Panels that only forward such windows to their own kind of item give
 /// neither; they count as no host.
@@ -33,8 +35,6 @@ public:
     QRect geometry() const override;
 
 private:
-    class Window;
-
     bool nativeEventFilter(const QByteArray &type, void *message, qintptr *result) override;
     void findHost();
     void dock();
@@ -45,7 +45,7 @@ private:
     bool m_isVisible = false;
     TrayPicture m_picture;
     QString m_toolTip;
-    std::unique_ptr<Window> m_window;
+    std::unique_ptr<X11TrayWindow> m_window;
 };
 
 } // namespace tovek
