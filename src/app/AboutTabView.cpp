@@ -4,8 +4,8 @@
 #include "app/AboutTabView.h"
 
 #include "app/BundleInformation.h"
-#include "app/ModernStyle.h"
 #include "foundation/Symbol.h"
+#include "look/ModernStyle.h"
 
 #include <QEvent>
 #include <QLabel>

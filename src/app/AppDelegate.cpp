@@ -12,6 +12,7 @@
 #include "platform/Clock.h"
 #include "platform/FrontmostApp.h"
 #include "platform/Platform.h"
+#include "update/UpdaterManager.h"
 
 #include <QCoreApplication>
 
@@ -25,10 +26,12 @@ constexpr auto settingsDelay = 100ms;
 
 } // namespace
 
-AppDelegate::AppDelegate(Platform &platform, UserDefaults &defaults, AppState &state)
+AppDelegate::AppDelegate(Platform &platform, UserDefaults &defaults, AppState &state,
+                         UpdaterManager &updaterManager)
     : m_platform(platform)
     , m_state(state)
     , m_defaults(defaults)
+    , m_updaterManager(updaterManager)
     , m_services(platform, defaults)
     , m_screenshotService(*platform.grabber)
     , m_imageOutput(*platform.clipboard, defaults, *platform.clock, m_services.feedback())
@@ -102,6 +105,8 @@ void AppDelegate::setUpStatusBar()
     statusBar->actions.startCapture = capture(CaptureMode::normal);
     statusBar->actions.captureImage = capture(CaptureMode::copyImage);
     statusBar->actions.captureText = capture(CaptureMode::copyText);
+    statusBar->actions.checkForUpdates = [this] { checkForUpdates(); };
+    statusBar->updateObstacle = [this] { return m_updaterManager.checkObstacle(); };
     statusBar->actions.openPreferences = [this] { openSettings(SettingsTab::general); };
     statusBar->actions.openAbout = [this] { openSettings(SettingsTab::about); };
     statusBar->actions.quit = [] { QCoreApplication::quit(); };
@@ -131,13 +136,13 @@ void AppDelegate::performAction(const QString &action)
         {"capture-text", [this] { m_overlayController.startCapture(CaptureMode::copyText); }},
         {"preferences", [this] { openSettings(SettingsTab::general); }},
         {"about", [this] { openSettings(SettingsTab::about); }},
+        {"check-for-updates", [this] { checkForUpdates(); }},
         {"quit", [] { QCoreApplication::quit(); }},
     };
     for (const auto &[name, act] : actions) {
         if (action == QLatin1String(name))
             return act();
     }
-    logLine(QStringLiteral("This build cannot do %1").arg(action));
 }
 
 void AppDelegate::setStatusItemVisible(bool isVisible)
@@ -150,6 +155,15 @@ void AppDelegate::openSettings(SettingsTab tab)
 {
     m_state.setSelectedSettingsTab(tab);
     m_state.setShouldOpenSettings(true);
+}
+
+void AppDelegate::checkForUpdates()
+{
+    const QString obstacle = m_updaterManager.checkObstacle();
+    if (obstacle.isEmpty())
+        m_updaterManager.checkForUpdates();
+    else
+        logLine(obstacle);
 }
 
 } // namespace tovek

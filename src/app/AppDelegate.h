@@ -13,6 +13,7 @@ namespace tovek {
 class AppState;
 enum class SettingsTab;
 class HotkeyManager;
+class UpdaterManager;
 class UserDefaults;
 struct Platform;
 
@@ -21,7 +22,8 @@ struct Platform;
 class AppDelegate : public QObject
 {
 public:
-    AppDelegate(Platform &platform, UserDefaults &defaults, AppState &state);
+    AppDelegate(Platform &platform, UserDefaults &defaults, AppState &state,
+                UpdaterManager &updaterManager);
     ~AppDelegate() override;
 
     enum class Launch { byUser, inBackground };
@@ -41,10 +43,12 @@ private:
     OverlayController::Services overlayServices();
     void setUpStatusBar();
     void openSettings(SettingsTab tab);
+    void checkForUpdates();
 
     Platform &m_platform;
     AppState &m_state;
     UserDefaults &m_defaults;
+    UpdaterManager &m_updaterManager;
     AppServices m_services;
     ScreenshotService m_screenshotService;
     ImageOutput m_imageOutput;

@@ -3,8 +3,8 @@
 
 #include "app/FormCard.h"
 
-#include "app/ModernStyle.h"
 #include "foundation/Symbol.h"
+#include "look/ModernStyle.h"
 
 #include <QAbstractButton>
 #include <QEvent>

@@ -5,11 +5,11 @@
 
 #include "KeyboardShortcuts/AlertSheet.h"
 #include "app/FormCard.h"
-#include "app/ModernStyle.h"
 #include "app/SaveFolder.h"
 #include "app/SwitchControl.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
+#include "look/ModernStyle.h"
 #include "platform/LoginItem.h"
 #include "update/UpdaterManager.h"
 

@@ -9,16 +9,16 @@
 #include "app/GeneralTabView.h"
 #include "app/ShortcutsTabView.h"
 #include "foundation/Symbol.h"
-#include "platform/Clock.h"
+#include "foundation/UserDefaults.h"
 #include "platform/LoginItem.h"
 #include "platform/Platform.h"
 #include "platform/SystemShortcuts.h"
+#include "update/UpdaterManager.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
-#include <QFileInfo>
 #include <QIcon>
 #include <QStandardPaths>
 
@@ -43,11 +43,11 @@ QString symbolOf(SettingsTab tab)
 
 } // namespace
 
-SettingsTabs::SettingsTabs(Platform &platform, UserDefaults &defaults)
+SettingsTabs::SettingsTabs(Platform &platform, UserDefaults &defaults,
+                           UpdaterManager &updaterManager)
     : m_platform(platform)
     , m_defaults(defaults)
-    , m_updaterDefaults(QFileInfo(defaults.path()).dir().filePath(QStringLiteral("updates.json")))
-    , m_updaterManager({{}, QStringLiteral(TOVEK_VERSION)}, m_updaterDefaults, *platform.clock)
+    , m_updaterManager(updaterManager)
 {
     const auto addItem = [this](const QString &title, const QKeySequence &keys) {
         auto *item = new QAction(title, &m_menuItems);

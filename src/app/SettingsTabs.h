@@ -4,8 +4,10 @@
 #pragma once
 
 #include "app/AppState.h"
-#include "foundation/UserDefaults.h"
-#include "update/UpdaterManager.h"
+
+#include <QObject>
+
+#include <functional>
 
 class QAction;
 class QIcon;
@@ -13,17 +15,18 @@ class QWidget;
 
 namespace tovek {
 
+class UpdaterManager;
+class UserDefaults;
 struct Platform;
 
 /// Fills the tabs of the settings window with what the program has behind them.
 class SettingsTabs
 {
 public:
-    SettingsTabs(Platform &platform, UserDefaults &defaults);
+    SettingsTabs(Platform &platform, UserDefaults &defaults, UpdaterManager &updaterManager);
 
     QWidget *make(SettingsTab tab, QWidget *parent);
     QIcon icon(SettingsTab tab, const QWidget &window) const;
-    UpdaterManager &updaterManager() { return m_updaterManager; }
 
     std::function<void(bool isVisible)> setStatusItemVisible;
 
@@ -33,8 +36,7 @@ private:
 
     Platform &m_platform;
     UserDefaults &m_defaults;
-    UserDefaults m_updaterDefaults; ///< the updater's own store
-    UpdaterManager m_updaterManager;
+    UpdaterManager &m_updaterManager;
     /// The menu's items that answer to keys of their own; the menu itself exists only while it
     /// is open.
     QObject m_menuItems;

@@ -6,7 +6,7 @@
 #include "KeyboardShortcuts/ShortcutService.h"
 #include "app/AppShortcuts.h"
 #include "app/FormCard.h"
-#include "app/ModernStyle.h"
+#include "look/ModernStyle.h"
 
 #include <QEvent>
 #include <QLabel>

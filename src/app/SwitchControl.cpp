@@ -3,7 +3,7 @@
 
 #include "app/SwitchControl.h"
 
-#include "app/ModernStyle.h"
+#include "look/ModernStyle.h"
 
 #include <QPainter>
 #include <QStyle>

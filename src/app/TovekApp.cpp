@@ -3,16 +3,16 @@
 
 #include "app/TovekApp.h"
 
-#include "app/ModernStyle.h"
 #include "app/SettingsPlacement.h"
 #include "app/SettingsWindow.h"
-#include "foundation/Symbol.h"
+#include "look/Look.h"
 #include "platform/Clock.h"
 #include "platform/FrontmostApp.h"
 #include "platform/Platform.h"
 
 #include <QApplication>
-#include <QIcon>
+#include <QDir>
+#include <QFileInfo>
 
 #include <utility>
 
@@ -22,28 +22,21 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int windowIconSide = 128;
-
-/// Made with the first window that shows it: the program mostly has none.
-void useModernLook()
-{
-    static bool isUsed = false;
-    if (std::exchange(isUsed, true))
-        return;
-    QApplication::setStyle(new ModernStyle);
-    if (const auto icon = Symbol::fromFile(QStringLiteral(":/org.tovek.Tovek.svg")))
-        QApplication::setWindowIcon(
-            QPixmap::fromImage(icon->image(windowIconSide, 1, QColor(Qt::black))));
-}
+constexpr auto captureCheck = 500ms;
 
 } // namespace
 
-TovekApp::TovekApp(Platform &platform, UserDefaults &defaults)
+TovekApp::TovekApp(Platform &platform, UserDefaults &defaults, UpdateConfiguration updates)
     : m_platform(platform)
     , m_appState(AppState::shared())
-    , m_appDelegate(platform, defaults, m_appState)
-    , m_settingsTabs(platform, defaults)
+    , m_updaterDefaults(QFileInfo(defaults.path()).dir().filePath(QStringLiteral("updates.json")))
+    , m_updaterManager(std::move(updates), m_updaterDefaults, *platform.clock)
+    , m_appDelegate(platform, defaults, m_appState, m_updaterManager)
+    , m_settingsTabs(platform, defaults, m_updaterManager)
 {
+    m_updaterManager.updaterController().updater().onRelaunch = [this](const QString &program) {
+        makeWayFor(program);
+    };
     m_settingsTabs.setStatusItemVisible = [this](bool isVisible) {
         m_appDelegate.setStatusItemVisible(isVisible);
     };
@@ -74,6 +67,16 @@ void TovekApp::openSettings()
         });
     }
     m_platform.clock->after(0ms, this, [this] { bringForward(); });
+}
+
+void TovekApp::makeWayFor(const QString &program)
+{
+    if (m_appDelegate.overlayController().isCapturing()) {
+        m_platform.clock->after(captureCheck, this, [this, program] { makeWayFor(program); });
+        return;
+    }
+    m_successor = program;
+    QCoreApplication::quit();
 }
 
 void TovekApp::bringForward()

@@ -6,6 +6,8 @@
 #include "app/AppDelegate.h"
 #include "app/SettingsTabs.h"
 #include "app/SettingsWindow.h"
+#include "foundation/UserDefaults.h"
+#include "update/UpdaterManager.h"
 
 #include <QPointer>
 
@@ -15,20 +17,27 @@ namespace tovek {
 class TovekApp : public QObject
 {
 public:
-    TovekApp(Platform &platform, UserDefaults &defaults);
+    TovekApp(Platform &platform, UserDefaults &defaults, UpdateConfiguration updates);
     ~TovekApp() override;
 
     AppDelegate &appDelegate() { return m_appDelegate; }
     SettingsWindow *settingsWindow() const { return m_settingsWindow; }
+    /// The new version of the program, which is to run in place of this one; mostly empty.
+    QString successor() const { return m_successor; }
 
 private:
     void openSettings();
     void bringForward();
+    /// Quits as soon as no capture would be lost by it.
+    void makeWayFor(const QString &program);
 
     Platform &m_platform;
     AppState &m_appState;
+    UserDefaults m_updaterDefaults; ///< the updater's own store
+    UpdaterManager m_updaterManager;
     AppDelegate m_appDelegate;
     SettingsTabs m_settingsTabs;
+    QString m_successor;
     QPointer<SettingsWindow> m_settingsWindow; ///< deletes itself when it is closed
 };
 

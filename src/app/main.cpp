@@ -4,6 +4,7 @@
 #include "KeyboardShortcuts/ShortcutService.h"
 #include "app/HotkeyManager.h"
 #include "app/PlatformFactory.h"
+#include "app/Relaunch.h"
 #include "app/StartMessages.h"
 #include "app/TovekApp.h"
 #include "foundation/Log.h"
@@ -14,6 +15,8 @@
 #include "platform/SingleInstance.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QFileInfo>
 
 #include <cstring>
 
@@ -51,7 +54,23 @@ bool isInBackground(int argc, char **argv)
     return false;
 }
 
-int run(int &argc, char **argv)
+/// What checks for updates lies beside the program, or in its libexec folder; an empty name in
+/// builds that do not update themselves.
+UpdateConfiguration updateConfiguration()
+{
+    using namespace std::chrono;
+    const QString name = QStringLiteral(TOVEK_UPDATER);
+    if (name.isEmpty())
+        return {};
+    const QDir folder(QCoreApplication::applicationDirPath());
+    const QString beside = folder.filePath(name);
+    const QString installed = folder.filePath(QStringLiteral("../libexec/tovek/") + name);
+    return {QFileInfo::exists(beside) ? beside : installed, QStringLiteral(TOVEK_VERSION),
+            hours(TOVEK_UPDATE_INTERVAL)};
+}
+
+/// The program's life. `successor` becomes the program to run in place of this one, if any.
+int run(int &argc, char **argv, QString &successor)
 {
     const bool inBackground = isInBackground(argc, argv);
     EarlyPlatform early = makeEarlyPlatform();
@@ -81,7 +100,7 @@ int run(int &argc, char **argv)
     QApplication::setQuitOnLastWindowClosed(false);
     Platform platform = makePlatform(early);
     {
-        TovekApp app(platform, defaults);
+        TovekApp app(platform, defaults, updateConfiguration());
         AppDelegate &delegate = app.appDelegate();
         early.singleInstance->onReopen = [&] { delegate.applicationShouldHandleReopen(false); };
         early.singleInstance->onAction = [&](const QString &action) {
@@ -91,6 +110,7 @@ int run(int &argc, char **argv)
                                                             : AppDelegate::Launch::byUser,
                                                hotkeyManager);
         QApplication::exec();
+        successor = app.successor();
         early.singleInstance->onReopen = nullptr;
         early.singleInstance->onAction = nullptr;
     }
@@ -105,5 +125,9 @@ int run(int &argc, char **argv)
 
 int main(int argc, char **argv)
 {
-    return tovek::run(argc, argv);
+    QString successor;
+    const int status = tovek::run(argc, argv, successor);
+    if (!successor.isEmpty())
+        tovek::becomeProgram(successor);
+    return status;
 }

@@ -247,6 +247,7 @@ void StatusBarController::buildMenu()
 {
     m_menu = new QMenu; // a top-level window; see menuClosed
     m_menu->setAccessibleName(QStringLiteral("Tovek"));
+    m_menu->setToolTipsVisible(true);
     m_menu->installEventFilter(this);
     connect(m_menu, &QMenu::aboutToHide, this, [this] { menuClosed(); });
     if (m_isInPreviewMode && !m_statusItem.canDrag())
@@ -257,8 +258,10 @@ void StatusBarController::buildMenu()
             continue;
         }
         QAction *item = m_menu->addAction(QString::fromLatin1(row.title));
-        // What this build cannot do is not offered.
-        item->setEnabled(bool(actions.*row.action));
+        const bool checksUpdates = row.action == &Actions::checkForUpdates;
+        const QString obstacle = checksUpdates && updateObstacle ? updateObstacle() : QString();
+        item->setEnabled(actions.*row.action && obstacle.isEmpty());
+        item->setToolTip(obstacle);
         if (row.keyEquivalent.key() != Qt::Key_unknown)
             item->setShortcut(row.keyEquivalent);
         if (row.shortcutName && bindShortcut)

@@ -56,6 +56,8 @@ public:
     QMenu *menu() const { return m_menu; }
 
     Actions actions;
+    /// Why no check for updates can be made now, shown on its item; empty when one can.
+    std::function<QString()> updateObstacle;
     /// Labels a capture item with the shortcut of this name, and keeps it so while it is shown.
     std::function<void(QAction &item, const QString &shortcutName)> bindShortcut;
     /// The menu opens or has closed.

@@ -7,6 +7,8 @@
 #include "foundation/UserDefaults.h"
 #include "platform/Clock.h"
 
+#include <utility>
+
 namespace tovek {
 
 using namespace std::chrono_literals;
@@ -16,7 +18,7 @@ namespace {
 const QString automaticallyKey = QStringLiteral("automaticallyChecksForUpdates");
 const QString lastCheckKey = QStringLiteral("lastCheck");
 const QByteArray relaunchLine = QByteArrayLiteral("relaunch ");
-constexpr std::chrono::milliseconds interval = 24h;
+constexpr int patienceMs = 2000;
 
 } // namespace
 
@@ -29,9 +31,15 @@ Updater::Updater(UpdateConfiguration configuration, UserDefaults &defaults, Cloc
 
 Updater::~Updater()
 {
-    // Not a signal handler of ours any more: the process ends with this object.
-    if (m_process)
-        m_process->disconnect(this);
+    if (!m_process)
+        return;
+    m_process->disconnect(this);
+    // It takes this for the end, and leaves nothing half done.
+    m_process->closeWriteChannel();
+    if (!m_process->waitForFinished(patienceMs)) {
+        m_process->kill();
+        m_process->waitForFinished(patienceMs);
+    }
 }
 
 QString Updater::unavailableReason() const
@@ -83,6 +91,7 @@ void Updater::schedule()
     const QDateTime last = QDateTime::fromString(stored, Qt::ISODate);
     // A time to come is a clock that was wrong.
     const bool isKnown = last.isValid() && last <= now;
+    const auto interval = m_configuration.interval;
     const auto passed = isKnown ? std::chrono::milliseconds(last.msecsTo(now)) : interval;
     m_schedule = std::make_unique<QObject>();
     m_clock.after(std::max(interval - passed, 0ms), m_schedule.get(),
@@ -114,12 +123,10 @@ void Updater::readOutput()
 {
     while (m_process && m_process->canReadLine()) {
         const QByteArray line = m_process->readLine().trimmed();
-        if (line.startsWith(relaunchLine)) {
-            if (onRelaunch)
-                onRelaunch(QString::fromUtf8(line.mid(relaunchLine.size())));
-        } else if (!line.isEmpty()) {
+        if (line.startsWith(relaunchLine))
+            m_newProgram = QString::fromUtf8(line.mid(relaunchLine.size()));
+        else if (!line.isEmpty())
             logLine(QString::fromUtf8(line));
-        }
     }
 }
 
@@ -133,6 +140,9 @@ void Updater::ended()
     m_process.release()->deleteLater();
     Q_EMIT canCheckForUpdatesChanged();
     schedule();
+    const QString program = std::exchange(m_newProgram, QString());
+    if (!program.isEmpty() && onRelaunch)
+        onRelaunch(program);
 }
 
 } // namespace tovek

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QProcess>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -19,9 +20,10 @@ struct UpdateConfiguration
 {
     QString program; ///< the one that checks and installs; empty: this build cannot update itself
     QString installedVersion;
+    std::chrono::milliseconds interval = std::chrono::hours(24); ///< between checks by itself
 };
 
-/// Checks for new versions, by request or once a day, in a process of its own that lives only as
+/// Checks for new versions, by request or at intervals, in a process of its own that lives only as
 /// long as a check: nothing of the network is in this one. Main thread only.
 class Updater : public QObject
 {
@@ -44,7 +46,8 @@ public:
     /// Does nothing while a check is under way.
     void checkForUpdates();
 
-    /// A new version is in place: the program shall quit, and then this one be started.
+    /// A new version is in place, and the check is over: the program shall quit, and then this one
+    /// be started.
     std::function<void(const QString &program)> onRelaunch;
 
 Q_SIGNALS:
@@ -63,6 +66,7 @@ private:
     Clock &m_clock;
     std::unique_ptr<QObject> m_schedule; ///< context of the next scheduled check
     std::unique_ptr<QProcess> m_process; ///< present only while a check is under way
+    QString m_newProgram; ///< empty until a check has installed it
     bool m_isStarted = false;
 };
 

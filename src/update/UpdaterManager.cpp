@@ -43,6 +43,13 @@ void UpdaterManager::checkForUpdates()
     m_clock.after(refreshDelay, this, [this] { refreshCanCheck(); });
 }
 
+QString UpdaterManager::checkObstacle() const
+{
+    if (!unavailableReason().isEmpty())
+        return unavailableReason();
+    return m_canCheckForUpdates ? QString() : tr("Tovek is looking for a new version already");
+}
+
 void UpdaterManager::refreshCanCheck()
 {
     const bool canCheck = m_updaterController.updater().canCheckForUpdates();

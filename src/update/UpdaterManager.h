@@ -23,6 +23,9 @@ public:
     /// See Updater.
     QString unavailableReason() const { return m_updaterController.updater().unavailableReason(); }
 
+    /// Why no check can be made now; empty when one can.
+    QString checkObstacle() const;
+
     StandardUpdaterController &updaterController() { return m_updaterController; }
 
 Q_SIGNALS:

@@ -11,7 +11,6 @@
 #include "app/AppShortcuts.h"
 #include "app/BundleInformation.h"
 #include "app/GeneralTabView.h"
-#include "app/ModernStyle.h"
 #include "app/ShortcutsTabView.h"
 #include "fakes/FakeClock.h"
 #include "fakes/FakeHotKeys.h"
@@ -19,6 +18,7 @@
 #include "fakes/FakeLoginItem.h"
 #include "foundation/Symbol.h"
 #include "foundation/UserDefaults.h"
+#include "look/ModernStyle.h"
 #include "update/UpdaterManager.h"
 
 #include <QApplication>

@@ -7,11 +7,13 @@
 #include "foundation/UserDefaults.h"
 #include "menubar/StatusBarController.h"
 
+#include <QHelpEvent>
 #include <QMenu>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QToolTip>
 #include <QWidget>
 
 using namespace std::chrono_literals;
@@ -171,6 +173,35 @@ private Q_SLOTS:
                          action->text() != QLatin1String("Check for Updates..."));
         }
         s.controller.menu()->close();
+    }
+
+    void saysWhyItCannotCheckForUpdates_data()
+    {
+        QTest::addColumn<QString>("obstacle");
+        QTest::newRow("none") << QString();
+        QTest::newRow("a build without updates") << QStringLiteral("no address");
+    }
+    void saysWhyItCannotCheckForUpdates()
+    {
+        QFETCH(QString, obstacle);
+        Setup s;
+        s.start();
+        s.controller.updateObstacle = [obstacle] { return obstacle; };
+        s.controller.openMenu();
+        QMenu &menu = *s.controller.menu();
+        for (QAction *action : menu.actions()) {
+            const bool isCheck = action->text() == QLatin1String("Check for Updates...");
+            if (action->isSeparator())
+                continue;
+            QCOMPARE(action->isEnabled(), !isCheck || obstacle.isEmpty());
+            if (!isCheck)
+                continue;
+            const QPoint middle = menu.actionGeometry(action).center();
+            QHelpEvent hover(QEvent::ToolTip, middle, menu.mapToGlobal(middle));
+            QCoreApplication::sendEvent(&menu, &hover);
+            QCOMPARE(QToolTip::text(), obstacle);
+        }
+        menu.close();
     }
 
     void runsWhatIsChosenAfterTheMenuHasGone()

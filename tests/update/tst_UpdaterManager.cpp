@@ -117,6 +117,43 @@ private Q_SLOTS:
         QCOMPARE(relaunched, QStringLiteral("/opt/new one"));
     }
 
+    void saysWhyItCannotCheck()
+    {
+        m_clock->advance(1s);
+        QCOMPARE(m_manager->checkObstacle(), QString());
+        m_manager->checkForUpdates();
+        QVERIFY(!m_manager->checkObstacle().isEmpty());
+        end();
+        QTRY_COMPARE(m_manager->checkObstacle(), QString());
+        restart({});
+        QCOMPARE(m_manager->checkObstacle(), m_manager->unavailableReason());
+    }
+
+    void endsTheCheckByClosingItsInput()
+    {
+        writeProgram("#!/bin/sh\necho ready > \"$0.runs\"\ncat\necho over > \"$0.over\"\n");
+        m_clock->advance(1s);
+        m_manager->checkForUpdates();
+        QTRY_COMPARE(runs(), QStringList{QStringLiteral("ready")});
+        m_manager.reset();
+        QVERIFY(QFile::exists(program() + QStringLiteral(".over")));
+    }
+
+    void takesTheIntervalOfItsBuild()
+    {
+        restart({program(), QStringLiteral("1.0"), 2h});
+        m_manager->setAutomaticallyChecksForUpdates(true);
+        m_clock->advance(1s);
+        m_clock->advance(0ms);
+        QTRY_COMPARE(runs().size(), 1);
+        end();
+        QTRY_VERIFY(m_manager->canCheckForUpdates());
+        m_clock->advance(2h - 1ms);
+        QCOMPARE(runs().size(), 1);
+        m_clock->advance(1ms);
+        QTRY_COMPARE(runs().size(), 2);
+    }
+
     void saysThatItCannotRunTheCheck()
     {
         restart({QStringLiteral("/nowhere/at/all"), QStringLiteral("1.0")});

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "app/ModernStyle.h"
+#include "look/ModernStyle.h"
 
 #include <QPainter>
 #include <QStyleOption>
