@@ -14,7 +14,8 @@ build_packages=(
 )
 # For the virtual desktops of the tests and of the tour.
 desktop_packages=(
-    dbus dbus-bin dbus-x11 libglib2.0-bin desktop-file-utils openbox picom pulseaudio pulseaudio-utils thunar trayer x11-xkb-utils x11-xserver-utils xauth xclip xvfb
+    dbus dbus-bin dbus-x11 libglib2.0-bin desktop-file-utils openbox openssl picom pulseaudio
+    pulseaudio-utils thunar trayer x11-xkb-utils x11-xserver-utils xauth xclip xvfb
 )
 # For continuous integration alone.
 ci_packages=(clang clang-format clang-tidy git)

@@ -1,0 +1,98 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "update/program/UpdateProgram.h"
+
+#include "foundation/Log.h"
+#include "foundation/UserDefaults.h"
+#include "look/Look.h"
+#include "update/program/PackageOpener.h"
+#include "update/program/UpdateSession.h"
+#include "update/program/UpdateWindows.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QNetworkAccessManager>
+#include <QProcessEnvironment>
+#include <QSocketNotifier>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tovek {
+
+namespace {
+
+bool isPipe(int descriptor)
+{
+    struct stat status = {};
+    return fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode);
+}
+
+/// Calls back when the other end of the pipe has closed.
+void watchInput(QObject &context, std::function<void()> closed)
+{
+    if (!isPipe(STDIN_FILENO))
+        return;
+    auto *notifier = new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read, &context);
+    QObject::connect(notifier, &QSocketNotifier::activated, &context,
+                     [notifier, closed = std::move(closed)] {
+                         char ignored[64];
+                         if (read(STDIN_FILENO, ignored, sizeof ignored) > 0)
+                             return;
+                         notifier->setEnabled(false);
+                         closed();
+                     });
+}
+
+QString memoryPath()
+{
+    return QFileInfo(UserDefaults::standardPath()).path() + QStringLiteral("/update-memory.json");
+}
+
+} // namespace
+
+int runUpdateProgram(int &argc, char **argv, const UpdateBuild &build)
+{
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("tovek"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Tovek"));
+    QApplication::setDesktopFileName(QStringLiteral("org.tovek.Tovek"));
+    // A window makes way for the next one; the session decides when it is over.
+    QApplication::setQuitOnLastWindowClosed(false);
+    QCommandLineParser options;
+    options.addOption({QStringLiteral("installed-version"), QString(), QStringLiteral("version")});
+    options.addOption({QStringLiteral("quiet"), QString()});
+    options.process(application);
+    useModernLook();
+
+    UpdateSession::Setup setup;
+    setup.build = build;
+    setup.installation = findInstallation(QApplication::applicationFilePath(),
+                                          QProcessEnvironment::systemEnvironment());
+    setup.installedVersion = options.value(QStringLiteral("installed-version"));
+    setup.systemVersion = systemVersion();
+    setup.isRequested = !options.isSet(QStringLiteral("quiet"));
+    PackageOpener opener;
+    setup.openPackage = [&opener](const QString &file, std::function<void(bool)> done) {
+        opener.open(file, std::move(done));
+    };
+    UpdateWindows windows(setup.isRequested ? UpdateWindows::Arrival::inFront
+                                            : UpdateWindows::Arrival::modest);
+    UserDefaults memory(memoryPath());
+    QNetworkAccessManager network;
+    UpdateSession session(setup, windows, memory, network);
+    QString successor;
+    session.onInstalled = [&successor](const QString &program) { successor = program; };
+    session.onEnded = [] { QCoreApplication::quit(); };
+    watchInput(session, [&session] { session.cancel(); });
+    // From the main loop, which alone can be quit.
+    QMetaObject::invokeMethod(&session, &UpdateSession::start, Qt::QueuedConnection);
+    QApplication::exec();
+    if (!successor.isEmpty())
+        logLine(QStringLiteral("relaunch ") + successor);
+    return 0;
+}
+
+} // namespace tovek

@@ -1,0 +1,209 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "update/SessionTest.h"
+
+#include <QBuffer>
+
+using namespace tovek;
+using namespace std::chrono_literals;
+using End = ServerAnswer::End;
+
+Q_DECLARE_METATYPE(ServerAnswer)
+Q_DECLARE_METATYPE(Refusal)
+
+namespace {
+
+ServerAnswer redirect(const QUrl &to)
+{
+    return {{}, 302, to.toEncoded()};
+}
+
+} // namespace
+
+class TestUpdateRefusals : public SessionTest
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        const QString missing = startServer();
+        if (!missing.isEmpty())
+            QSKIP(qPrintable(missing));
+    }
+    void init()
+    {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        prepare();
+    }
+    void cleanup() { finish(); }
+
+    void refusesFeeds_data()
+    {
+        QTest::addColumn<ServerAnswer>("answer");
+        QTest::addColumn<Refusal>("refusal");
+        QTest::newRow("an unencrypted address")
+            << redirect(QUrl("http://127.0.0.1:1/feed.xml")) << Refusal::insecure;
+        QTest::newRow("a local file")
+            << redirect(QUrl("file:///etc/hostname")) << Refusal::unreachable;
+        QTest::newRow("a circle") << redirect(m_server.feedUrl()) << Refusal::unreachable;
+        QTest::newRow("not found") << ServerAnswer{"no", 404} << Refusal::badAnswer;
+        QTest::newRow("server in trouble") << ServerAnswer{"no", 500} << Refusal::badAnswer;
+        QTest::newRow("nothing changed") << ServerAnswer{{}, 304} << Refusal::badAnswer;
+        QTest::newRow("an endless page of errors")
+            << ServerAnswer{"no", 503, {}, End::endless} << Refusal::badAnswer;
+        QTest::newRow("truncated")
+            << ServerAnswer{feed(), 200, {}, End::cutOff, 100000} << Refusal::cutOff;
+        QTest::newRow("truncated, and said to be all")
+            << ServerAnswer{feed().chopped(9)} << Refusal::noFeed;
+        QTest::newRow("endless") << ServerAnswer{feed(), 200, {}, End::endless} << Refusal::tooLong;
+        QTest::newRow("a byte too many")
+            << ServerAnswer{feed().leftJustified(int(largestFeed) + 1)} << Refusal::tooLong;
+        QTest::newRow("silence") << ServerAnswer{{}, 200, {}, End::never} << Refusal::silent;
+        QTest::newRow("a web page") << ServerAnswer{"<html/>"} << Refusal::noFeed;
+        QTest::newRow("nothing") << ServerAnswer{} << Refusal::noFeed;
+    }
+    void refusesFeeds()
+    {
+        QFETCH(ServerAnswer, answer);
+        QFETCH(Refusal, refusal);
+        if (answer.end == End::never)
+            m_setup.build.silence = 200ms;
+        begin();
+        m_server.answer(QStringLiteral("/feed.xml"), answer);
+        m_session->start();
+        QTRY_COMPARE(m_view->shown, (QStringList{"checking", "warning"}));
+        QVERIFY2(isExplained(refusal), qPrintable(m_view->message));
+        QVERIFY(!m_memory->contains(QStringLiteral("newestFeed")));
+        m_view->onMessageRead();
+        QCOMPARE(m_ends, 1);
+    }
+
+    void acceptsTheLongestFeed()
+    {
+        m_server.answer(QStringLiteral("/feed.xml"), {feed().leftJustified(int(largestFeed))});
+        m_session->start();
+        QVERIFY(isOffered());
+    }
+
+    void refusesAnUnknownServer()
+    {
+        QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+        const QSslConfiguration before = configuration;
+        configuration.setCaCertificates({});
+        QSslConfiguration::setDefaultConfiguration(configuration);
+        begin();
+        const auto requests = m_server.requests().size();
+        m_session->start();
+        QTRY_COMPARE(m_view->shown.last(), QStringLiteral("warning"));
+        QSslConfiguration::setDefaultConfiguration(before);
+        QVERIFY(isExplained(Refusal::unreachable));
+        QCOMPARE(m_server.requests().size(), requests);
+    }
+
+    void refusesAnOlderFeed()
+    {
+        m_session->start();
+        QVERIFY(isOffered());
+        m_view->onAnswered(UpdateAnswer::later);
+        m_server.publish(package("3.0"), UpdateServer::defaultDate().addSecs(-1));
+        begin();
+        m_session->start();
+        QTRY_COMPARE(m_view->shown.last(), QStringLiteral("warning"));
+        QVERIFY(isExplained(Refusal::oldFeed));
+    }
+
+    void doesNotLearnADateToCome()
+    {
+        m_server.publish(package(), QDateTime::currentDateTimeUtc().addYears(50));
+        m_session->start();
+        QVERIFY(isOffered());
+        m_server.publish(package(), QDateTime::currentDateTimeUtc().addDays(1));
+        m_view->onAnswered(UpdateAnswer::later);
+        m_view->offer.reset();
+        begin();
+        m_session->start();
+        QVERIFY(isOffered());
+    }
+
+    void refusesPackages_data()
+    {
+        QTest::addColumn<ServerAnswer>("answer");
+        QTest::addColumn<Refusal>("refusal");
+        QByteArray changed = newProgram;
+        changed[changed.size() / 2] = 'X';
+        QTest::newRow("an unencrypted address")
+            << redirect(QUrl("http://127.0.0.1:1/package")) << Refusal::insecure;
+        QTest::newRow("not found") << ServerAnswer{"no", 404} << Refusal::badAnswer;
+        QTest::newRow("truncated")
+            << ServerAnswer{newProgram.left(300000), 200, {}, End::cutOff, newProgram.size()}
+            << Refusal::cutOff;
+        QTest::newRow("a byte short, and said to be all")
+            << ServerAnswer{newProgram.chopped(1)} << Refusal::wrongLength;
+        QTest::newRow("a byte too many") << ServerAnswer{newProgram + 'x'} << Refusal::tooLong;
+        QTest::newRow("endless") << ServerAnswer{newProgram, 200, {}, End::endless}
+                                 << Refusal::tooLong;
+        QTest::newRow("silence") << ServerAnswer{{}, 200, {}, End::never} << Refusal::silent;
+        QTest::newRow("one byte changed") << ServerAnswer{changed} << Refusal::badSignature;
+    }
+    void refusesPackages()
+    {
+        QFETCH(ServerAnswer, answer);
+        QFETCH(Refusal, refusal);
+        if (answer.end == End::never)
+            m_setup.build.silence = 200ms;
+        begin();
+        m_server.answer(UpdateServer::packagePath(), answer);
+        m_session->start();
+        QVERIFY(isOffered());
+        m_view->onAnswered(UpdateAnswer::install);
+        QTRY_COMPARE(m_view->shown.last(), QStringLiteral("warning"));
+        QVERIFY2(isExplained(refusal), qPrintable(m_view->message));
+        QVERIFY(nothingHasChanged());
+        m_view->onMessageRead();
+        QCOMPARE(m_ends, 1);
+    }
+
+    void refusesWrongSignatures_data()
+    {
+        QTest::addColumn<QByteArray>("signature");
+        const auto stranger = UpdateSignature::makeKeyPair();
+        QBuffer bytes;
+        bytes.setData(newProgram);
+        bytes.open(QIODevice::ReadOnly);
+        const QByteArray digest = *UpdateSignature::digest(bytes);
+        QTest::newRow("another key") << UpdateSignature::sign(
+            stranger.secretKey, QStringLiteral("2.0"), newProgram.size(), digest);
+        QTest::newRow("another version") << m_server.signatureOf(package("1.9"));
+        QTest::newRow("nothing but zeros") << QByteArray(64, '\0');
+    }
+    void refusesWrongSignatures()
+    {
+        QFETCH(QByteArray, signature);
+        m_server.publishAs(package(), signature, newProgram.size());
+        m_session->start();
+        QVERIFY(isOffered());
+        m_view->onAnswered(UpdateAnswer::install);
+        QTRY_COMPARE(m_view->shown.last(), QStringLiteral("warning"));
+        QVERIFY(isExplained(Refusal::badSignature));
+        QVERIFY(nothingHasChanged());
+    }
+
+    void saysWhatKeepsItFromWriting()
+    {
+        // Nobody can make a file there, whoever he is.
+        m_setup.installation->downloads = QStringLiteral("/sys/kernel");
+        begin();
+        m_session->start();
+        QVERIFY(isOffered());
+        m_view->onAnswered(UpdateAnswer::install);
+        QCOMPARE(m_view->shown.last(), QStringLiteral("warning"));
+        QVERIFY2(m_view->message.contains(QStringLiteral("/sys/kernel: ")),
+                 qPrintable(m_view->message));
+        QVERIFY(!m_server.requests().last().contains(QStringLiteral("package")));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestUpdateRefusals)
+#include "tst_UpdateRefusals.moc"

@@ -1,0 +1,26 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+// The program that checks for updates, as it is built for a server of a test's own: the variables
+// TEST_FEED, TEST_KEY (Base64) and TEST_CERTIFICATE (a file) say which. The real one has the first
+// two from its build and trusts the system's certificates.
+
+#include "update/program/UpdateBuild.h"
+#include "update/program/UpdateProgram.h"
+
+#include <QNetworkProxyFactory>
+#include <QSslCertificate>
+#include <QSslConfiguration>
+
+int main(int argc, char **argv)
+{
+    tovek::UpdateBuild build;
+    build.feed = QUrl(qEnvironmentVariable("TEST_FEED"));
+    build.publicKey = QByteArray::fromBase64(qgetenv("TEST_KEY"));
+    QNetworkProxyFactory::setUseSystemConfiguration(false);
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setCaCertificates(
+        QSslCertificate::fromPath(qEnvironmentVariable("TEST_CERTIFICATE")));
+    QSslConfiguration::setDefaultConfiguration(configuration);
+    return tovek::runUpdateProgram(argc, argv, build);
+}
