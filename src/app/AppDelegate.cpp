@@ -159,11 +159,10 @@ void AppDelegate::openSettings(SettingsTab tab)
 
 void AppDelegate::checkForUpdates()
 {
-    const QString obstacle = m_updaterManager.checkObstacle();
-    if (obstacle.isEmpty())
-        m_updaterManager.checkForUpdates();
-    else
-        logLine(obstacle);
+    const QString reason = m_updaterManager.unavailableReason();
+    if (!reason.isEmpty())
+        logLine(reason);
+    m_updaterManager.checkForUpdates();
 }
 
 } // namespace tovek

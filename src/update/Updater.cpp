@@ -72,13 +72,18 @@ void Updater::start()
 {
     m_isStarted = true;
     Q_EMIT canCheckForUpdatesChanged();
-    schedule();
+    if (std::exchange(m_isAsked, false))
+        checkForUpdates();
+    else
+        schedule();
 }
 
 void Updater::checkForUpdates()
 {
     if (canCheckForUpdates())
         check(Reason::requested);
+    else
+        m_isAsked = !m_isStarted;
 }
 
 void Updater::schedule()

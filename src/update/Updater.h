@@ -43,7 +43,7 @@ public:
 
     /// From now on checks happen by themselves, if they are on.
     void start();
-    /// Does nothing while a check is under way.
+    /// Does nothing while a check is under way; before the start, the check follows then.
     void checkForUpdates();
 
     /// A new version is in place, and the check is over: the program shall quit, and then this one
@@ -68,6 +68,7 @@ private:
     std::unique_ptr<QProcess> m_process; ///< present only while a check is under way
     QString m_newProgram; ///< empty until a check has installed it
     bool m_isStarted = false;
+    bool m_isAsked = false; ///< for a check, before the start
 };
 
 } // namespace tovek

@@ -1,72 +1,13 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "Session.h"
+#include "Launched.h"
 
+#include <QDir>
+#include <QFile>
 #include <QTest>
 
-#include <algorithm>
-
 using namespace tovek;
-
-namespace {
-
-QList<SeenWindow> windowsTitled(const Eye &eye, const QString &title)
-{
-    QList<SeenWindow> found;
-    for (const SeenWindow &window : eye.windows()) {
-        if (window.title == title && window.windowClass.compare("tovek", Qt::CaseInsensitive) == 0)
-            found.append(window);
-    }
-    return found;
-}
-
-/// The program as a person starts it, with its window.
-struct Launched
-{
-    bool start(const DesktopPlan &plan = {})
-    {
-        desktop = std::make_unique<TestDesktop>(plan);
-        if (!desktop->start())
-            return false;
-        eye = std::make_unique<Eye>(desktop->displayName());
-        program = launch();
-        return program && isOpen("General");
-    }
-    Program *launch(const QStringList &arguments = {})
-    {
-        return desktop->run(qEnvironmentVariable("TOVEK_PROGRAM"), arguments);
-    }
-    bool isOpen(const char *title)
-    {
-        return waitUntil([&] { return windowsTitled(*eye, title).size() == 1; });
-    }
-    bool isClosed()
-    {
-        return waitUntil([&] {
-            return windowsTitled(*eye, "General").isEmpty()
-                && windowsTitled(*eye, "About").isEmpty();
-        });
-    }
-    /// A method of the program's object on the session bus.
-    bool call(const QStringList &call)
-    {
-        QStringList arguments{"call",          "--session",        "--dest",  "org.tovek.Tovek",
-                              "--object-path", "/org/tovek/Tovek", "--method"};
-        Program *gdbus = desktop->run("/usr/bin/gdbus", arguments + call);
-        return gdbus && gdbus->waitForExit() == 0;
-    }
-    bool activateAction(const QString &action)
-    {
-        return call({"org.freedesktop.Application.ActivateAction", action, "[]", "{}"});
-    }
-
-    std::unique_ptr<TestDesktop> desktop;
-    std::unique_ptr<Eye> eye;
-    Program *program = nullptr;
-};
-
-} // namespace
 
 class TestSettings : public QObject
 {

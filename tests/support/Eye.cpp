@@ -126,6 +126,12 @@ xcb_window_t Eye::activeWindow() const
     return bytes.size() == 4 ? *reinterpret_cast<const xcb_window_t *>(bytes.constData()) : 0;
 }
 
+QString Eye::activeTitle() const
+{
+    const xcb_window_t active = activeWindow();
+    return active ? nameIn(active, "WM_NAME", 0) : QString();
+}
+
 xcb_window_t Eye::inputFocus() const
 {
     const XPtr<xcb_get_input_focus_reply_t> reply(

@@ -45,6 +45,7 @@ public:
     /// to top.
     QList<SeenWindow> overlays(const QString &windowClass) const;
     xcb_window_t activeWindow() const;
+    QString activeTitle() const;
     xcb_window_t inputFocus() const;
     QPoint pointer() const;
     QSize size() const;

@@ -128,7 +128,8 @@ void UpdateServer::reply(QSslSocket &socket, const QString &path)
         head += "Content-Length: " + QByteArray::number(length) + "\r\n";
     socket.write(head + "Connection: close\r\n\r\n" + answer.body);
     if (answer.end != End::endless) {
-        socket.disconnectFromHost();
+        if (answer.end != End::stuck)
+            socket.disconnectFromHost();
         return;
     }
     connect(&socket, &QSslSocket::encryptedBytesWritten, &socket, [&socket] {

@@ -18,7 +18,7 @@ namespace tovek {
 /// What the server does with one path.
 struct ServerAnswer
 {
-    enum class End { whole, cutOff, endless, never };
+    enum class End { whole, cutOff, endless, stuck, never };
 
     QByteArray body;
     int status = 200;

@@ -40,6 +40,19 @@ private Q_SLOTS:
         QCOMPARE(runs(), QStringList());
     }
 
+    void keepsAnEarlyRequest()
+    {
+        m_manager->checkForUpdates();
+        m_manager->checkForUpdates();
+        m_clock->advance(999ms);
+        QCOMPARE(runs(), QStringList());
+        m_clock->advance(1ms);
+        QTRY_COMPARE(runs(), QStringList{QStringLiteral("--installed-version 1.0")});
+        end();
+        QTRY_VERIFY(m_manager->canCheckForUpdates());
+        QCOMPARE(runs().size(), 1);
+    }
+
     void cannotCheckWhileItChecks()
     {
         m_clock->advance(1s);

@@ -8,9 +8,24 @@
 #include "update/program/UpdateBuild.h"
 #include "update/program/UpdateProgram.h"
 
+#include <QCoreApplication>
 #include <QNetworkProxyFactory>
 #include <QSslCertificate>
 #include <QSslConfiguration>
+
+namespace {
+
+/// As soon as there is an application; the toolkit's TLS cannot be set up before that.
+void trustTheServer()
+{
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setCaCertificates(
+        QSslCertificate::fromPath(qEnvironmentVariable("TEST_CERTIFICATE")));
+    QSslConfiguration::setDefaultConfiguration(configuration);
+}
+Q_COREAPP_STARTUP_FUNCTION(trustTheServer)
+
+} // namespace
 
 int main(int argc, char **argv)
 {
@@ -18,9 +33,5 @@ int main(int argc, char **argv)
     build.feed = QUrl(qEnvironmentVariable("TEST_FEED"));
     build.publicKey = QByteArray::fromBase64(qgetenv("TEST_KEY"));
     QNetworkProxyFactory::setUseSystemConfiguration(false);
-    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-    configuration.setCaCertificates(
-        QSslCertificate::fromPath(qEnvironmentVariable("TEST_CERTIFICATE")));
-    QSslConfiguration::setDefaultConfiguration(configuration);
     return tovek::runUpdateProgram(argc, argv, build);
 }

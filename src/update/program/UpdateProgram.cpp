@@ -57,7 +57,6 @@ int runUpdateProgram(int &argc, char **argv, const UpdateBuild &build)
 {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("tovek"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Tovek"));
     QApplication::setDesktopFileName(QStringLiteral("org.tovek.Tovek"));
     // A window makes way for the next one; the session decides when it is over.
     QApplication::setQuitOnLastWindowClosed(false);

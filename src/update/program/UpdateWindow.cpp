@@ -68,7 +68,6 @@ UpdateWindow::UpdateWindow(Icon icon, const QString &title, const QString &text)
 {
     setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint
                    | Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
-    setWindowTitle(tr("Tovek Update"));
     QFont bold = m_title->font();
     bold.setPointSizeF(bold.pointSizeF() * titleScale);
     bold.setWeight(QFont::DemiBold);
@@ -99,6 +98,7 @@ void UpdateWindow::setText(const QString &title, const QString &text)
     m_text->setVisible(!text.isEmpty());
     for (QLabel *label : {m_title, m_text})
         label->setMinimumHeight(std::max(0, label->heightForWidth(bodyWidth)));
+    setWindowTitle(title);
     setAccessibleName(title);
     setAccessibleDescription(text);
 }
