@@ -15,6 +15,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QKeyEvent>
+#include <QPainter>
 #include <QPointer>
 
 namespace KeyboardShortcuts {
@@ -129,6 +130,17 @@ void RecorderCocoa::hideEvent(QHideEvent *event)
         release();
 }
 
+void RecorderCocoa::paintEvent(QPaintEvent *event)
+{
+    QLineEdit::paintEvent(event);
+    // Centred, the toolkit's field shows its placeholder only while it is without the keyboard.
+    if (!isRecording() || !text().isEmpty())
+        return;
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(rect(), Qt::AlignCenter, placeholderText());
+}
+
 void RecorderCocoa::resizeEvent(QResizeEvent *event)
 {
     QLineEdit::resizeEvent(event);
@@ -186,12 +198,16 @@ void RecorderCocoa::startRecording()
         QList<QEvent::Type>{QEvent::ShortcutOverride, QEvent::KeyPress, QEvent::MouseButtonRelease},
         [this](QWidget &widget, QEvent &event) { return handle(widget, event); });
     m_eventMonitor->start();
+    if (m_setup.holdKeyboard)
+        m_setup.holdKeyboard(*this, true);
 }
 
 void RecorderCocoa::endRecording()
 {
     if (!isRecording())
         return;
+    if (m_setup.holdKeyboard)
+        m_setup.holdKeyboard(*this, false);
     // It may be the one that called us.
     m_eventMonitor->stop();
     m_eventMonitor.release()->deleteLater();

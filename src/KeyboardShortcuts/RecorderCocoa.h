@@ -28,6 +28,8 @@ struct RecorderSetup
 {
     std::function<QList<QAction *>()> mainMenu; ///< whose items no shortcut may repeat
     tovek::SystemShortcuts *systemShortcuts = nullptr; ///< must outlive the recorder
+    /// Brings all keys to the recorder, those that other programs hold too, or lets them go.
+    std::function<void(QWidget &recorder, bool isHeld)> holdKeyboard;
     std::function<void()> beep; ///< the desktop's own, where there is none given
     int systemMajor = 0;
     int systemMinor = 0;
@@ -67,6 +69,7 @@ protected:
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
     void hideEvent(QHideEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     // The text cannot be selected.
     void mousePressEvent(QMouseEvent *event) override;

@@ -95,6 +95,9 @@ QWidget *SettingsTabs::makeShortcuts(QWidget *parent)
     KeyboardShortcuts::RecorderSetup setup;
     setup.mainMenu = [this] { return m_mainMenu; };
     setup.systemShortcuts = m_platform.systemShortcuts.get();
+    setup.holdKeyboard = [](QWidget &recorder, bool isHeld) {
+        isHeld ? recorder.grabKeyboard() : recorder.releaseKeyboard();
+    };
     return new ShortcutsTabView(KeyboardShortcuts::ShortcutService::shared(), setup, parent);
 }
 

@@ -50,7 +50,7 @@ struct Launched
     /// Whether the window comes and gets the keyboard.
     bool isInFront(const char *title)
     {
-        return waitUntil([&] { return eye->activeTitle() == QLatin1String(title); },
+        return waitUntil([&] { return eye->activeTitle() == QString::fromUtf8(title); },
                          std::chrono::seconds(20));
     }
     bool isClosed()

@@ -92,22 +92,23 @@ private:
         if (!m_launched.isInFront("General") || !save("settings-general"))
             return false;
         const QPoint origin = window().topLeft();
+        m_settings = m_launched.eye->activeWindow();
         // "Show Tovek in menu bar"
         hand.click(origin + QPoint(405, 108) * m_scale);
-        if (!waitForOther("General") || !save("alert-hidden") || !hand.tap("Return"))
+        if (!isAlertOpen() || !save("alert-hidden") || !hand.tap("Return"))
             return false;
-        if (!m_launched.activateAction("preferences") || !m_launched.isInFront("General"))
+        if (!isBack())
             return false;
         hand.click(origin + QPoint(223, 36) * m_scale);
         if (!m_launched.isInFront("Shortcuts") || !save("settings-shortcuts"))
             return false;
         hand.click(origin + QPoint(360, 95) * m_scale);
-        if (!save("settings-recording") || !hand.tap("Control_L+q") || !waitForOther("Shortcuts")
+        if (!save("settings-recording") || !hand.tap("Control_L+q") || !isAlertOpen()
             || !save("alert-menu") || !hand.tap("Return") || !m_launched.isInFront("Shortcuts"))
             return false;
         // The window manager's own.
-        if (!hand.tap("Alt_L+F4") || !waitForOther("Shortcuts") || !save("alert-system")
-            || !hand.tap("Return") || !m_launched.isInFront("Shortcuts"))
+        if (!hand.tap("Alt_L+F4") || !isAlertOpen() || !save("alert-system") || !hand.tap("Return")
+            || !isBack())
             return false;
         if (!hand.tap("Control_L+Shift_L+c") || !save("settings-recorded"))
             return false;
@@ -142,18 +143,29 @@ private:
     }
     bool check(const char *title, const char *name)
     {
-        return m_launched.activateAction("check-for-updates") && m_launched.isInFront(title)
-            && (!name || save(name));
+        // As often as it takes: the check before may just be ending.
+        const auto isShown = [&] {
+            return m_launched.activateAction("check-for-updates")
+                && waitUntil(
+                       [&] { return m_launched.eye->activeTitle() == QString::fromUtf8(title); },
+                       std::chrono::seconds(2));
+        };
+        return waitUntil(isShown) && (!name || save(name));
     }
     bool isClosed()
     {
         return waitUntil([&] { return m_launched.eye->activeTitle().isEmpty(); });
     }
-    bool waitForOther(const char *title)
+    /// Whether the settings have the keyboard again.
+    bool isBack()
+    {
+        return waitUntil([&] { return m_launched.eye->activeWindow() == m_settings; });
+    }
+    /// Whether an alert lies over the settings, and has the keyboard.
+    bool isAlertOpen()
     {
         return waitUntil([&] {
-            return !m_launched.eye->activeTitle().isEmpty()
-                && m_launched.eye->activeTitle() != QLatin1String(title);
+            return m_launched.eye->activeWindow() != m_settings && m_launched.eye->activeWindow();
         });
     }
     /// The uppermost window of the program.
@@ -181,6 +193,7 @@ private:
     int m_scale;
     UpdateServer m_server;
     Launched m_launched;
+    xcb_window_t m_settings = 0;
 };
 
 } // namespace

@@ -129,7 +129,7 @@ xcb_window_t Eye::activeWindow() const
 QString Eye::activeTitle() const
 {
     const xcb_window_t active = activeWindow();
-    return active ? nameIn(active, "WM_NAME", 0) : QString();
+    return active ? nameIn(active, "_NET_WM_NAME", 0) : QString();
 }
 
 xcb_window_t Eye::inputFocus() const

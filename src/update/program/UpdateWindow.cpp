@@ -21,6 +21,7 @@ namespace {
 constexpr int iconSide = 56;
 constexpr int bodyWidth = 380;
 constexpr int smallestButton = 92;
+constexpr int buttonPadding = 14;
 constexpr double titleScale = 1.1;
 
 /// Drawn for the screen that it is on.
@@ -79,7 +80,10 @@ UpdateWindow::UpdateWindow(Icon icon, const QString &title, const QString &text)
     auto *top = new QHBoxLayout;
     top->setSpacing(16);
     top->addWidget(new IconView(icon, this), 0, Qt::AlignTop);
-    top->addLayout(m_body);
+    auto *column = new QVBoxLayout;
+    column->addLayout(m_body);
+    column->addStretch();
+    top->addLayout(column);
     m_buttons->setSpacing(8);
     m_buttons->addStretch();
     auto *layout = new QVBoxLayout(this);
@@ -112,7 +116,8 @@ void UpdateWindow::addBody(QWidget *body)
 QPushButton *UpdateWindow::addButton(const QString &text, Side side, bool isDefault)
 {
     auto *button = new QPushButton(text, this);
-    button->setMinimumWidth(smallestButton);
+    button->setMinimumWidth(
+        std::max(smallestButton, fontMetrics().horizontalAdvance(text) + 2 * buttonPadding));
     button->setAutoDefault(isDefault);
     button->setDefault(isDefault);
     if (side == Side::left)
