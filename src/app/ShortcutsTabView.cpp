@@ -91,6 +91,8 @@ void ShortcutsTabView::addUsePrint(RecorderCocoa *recorder, QWidget *row)
     m_usePrint->setToolTip(tr("Start a capture with the Print Screen key"));
     m_usePrint->setAccessibleDescription(m_usePrint->toolTip());
     static_cast<QBoxLayout *>(row->layout())->addWidget(m_usePrint);
+    // It stands on the left of the recorder.
+    setTabOrder(m_usePrint, recorder);
     connect(m_usePrint, &QPushButton::clicked, recorder,
             [recorder] { recorder->record(printScreen); });
 }

@@ -18,6 +18,7 @@ constexpr double ringWidth = 2;
 constexpr double barHeight = 6;
 constexpr int tabHeight = 28;
 constexpr int tabIcon = 15;
+constexpr double placeholderOpacity = 0.5;
 
 QColor withAlpha(QColor color, double alpha)
 {
@@ -225,6 +226,13 @@ int ModernStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWi
     if (hint == SH_TabBar_Alignment)
         return Qt::AlignCenter;
     return QProxyStyle::styleHint(hint, option, widget, returnData);
+}
+
+void ModernStyle::polish(QPalette &palette)
+{
+    QProxyStyle::polish(palette);
+    palette.setColor(QPalette::PlaceholderText,
+                     withAlpha(palette.color(QPalette::Text), placeholderOpacity));
 }
 
 bool ModernStyle::isDark(const QPalette &palette)

@@ -27,6 +27,10 @@ public:
     int styleHint(StyleHint hint, const QStyleOption *option, const QWidget *widget,
                   QStyleHintReturn *returnData) const override;
 
+    using QProxyStyle::polish;
+    /// Not every desktop gives a colour for placeholders, and black is none on a dark field.
+    void polish(QPalette &palette) override;
+
     /// True for a palette with light text on dark windows.
     static bool isDark(const QPalette &palette);
     /// What groups of controls lie on.
