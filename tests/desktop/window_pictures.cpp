@@ -3,7 +3,7 @@
 
 // Photographs the windows of the program on a virtual desktop, for people to look at: the tabs of
 // the settings, the alerts, and what an update shows. window_pictures PROGRAMS FOLDER, where
-// PROGRAMS is the folder with tovek_with_updates in it.
+// PROGRAMS is the folder with tovek_with_updates in it; TOVEK_PROGRAM is one without updates.
 
 #include "desktop/Launched.h"
 #include "update/UpdateServer.h"
@@ -82,7 +82,7 @@ public:
             m_launched.variables["KDE_SESSION_VERSION"] = QStringLiteral("5");
         }
         m_launched.program = m_launched.launch();
-        return takeSettings() && takeUpdates();
+        return takeSettings() && takeUpdates() && takeWithout();
     }
 
 private:
@@ -93,6 +93,9 @@ private:
             return false;
         const QPoint origin = window().topLeft();
         m_settings = m_launched.eye->activeWindow();
+        hand.click(origin + QPoint(382, 203) * m_scale);
+        if (!isAlertOpen() || !save("chooser") || !hand.tap("Escape") || !isBack())
+            return false;
         // "Show Tovek in menu bar"
         hand.click(origin + QPoint(405, 108) * m_scale);
         if (!isAlertOpen() || !save("alert-hidden") || !hand.tap("Return"))
@@ -104,7 +107,7 @@ private:
             return false;
         hand.click(origin + QPoint(360, 95) * m_scale);
         if (!save("settings-recording") || !hand.tap("Control_L+q") || !isAlertOpen()
-            || !save("alert-menu") || !hand.tap("Return") || !m_launched.isInFront("Shortcuts"))
+            || !save("alert-menu") || !hand.tap("Return") || !isBack())
             return false;
         // The window manager's own.
         if (!hand.tap("Alt_L+F4") || !isAlertOpen() || !save("alert-system") || !hand.tap("Return")
@@ -139,7 +142,24 @@ private:
             || !m_launched.hand->tap("Return") || !isClosed())
             return false;
         m_server.publish({QStringLiteral("0.0.1"), "x"});
-        return check("You’re up to date!", "update-none");
+        return check("You’re up to date!", "update-none") && m_launched.hand->tap("Return")
+            && isClosed();
+    }
+    /// The settings of a build without updates, with the tooltip that says why.
+    bool takeWithout()
+    {
+        if (!m_launched.activateAction("quit") || m_launched.program->waitForExit() != 0)
+            return false;
+        m_launched.path = qEnvironmentVariable("TOVEK_PROGRAM");
+        m_launched.program = m_launched.launch();
+        if (!m_launched.isInFront("General"))
+            return false;
+        const QPoint row = window().topLeft() + QPoint(200, 241) * m_scale;
+        m_launched.hand->move(row);
+        m_launched.hand->move(row + QPoint(3, 0));
+        const auto isTold = [&] { return !m_launched.eye->overlays("tovek").isEmpty(); };
+        const QRect settings = window();
+        return waitUntil(isTold) && save("without-updates", settings);
     }
     bool check(const char *title, const char *name)
     {
@@ -159,7 +179,8 @@ private:
     /// Whether the settings have the keyboard again.
     bool isBack()
     {
-        return waitUntil([&] { return m_launched.eye->activeWindow() == m_settings; });
+        return waitUntil([&] { return m_launched.eye->activeWindow() == m_settings; })
+            && !m_launched.eye->lookWhenStill().isNull();
     }
     /// Whether an alert lies over the settings, and has the keyboard.
     bool isAlertOpen()
@@ -179,11 +200,12 @@ private:
         return native;
     }
     /// It, with some of what is around it.
-    bool save(const char *name)
+    bool save(const char *name) const { return save(name, window()); }
+    bool save(const char *name, QRect native) const
     {
         const QImage screen = m_launched.eye->lookWhenStill();
         const QString path = m_folder + QLatin1Char('/') + QLatin1String(name) + m_suffix;
-        return screen.copy(window().adjusted(-8, -8, 8, 8)).save(path);
+        return screen.copy(native.adjusted(-8, -8, 8, 8)).save(path);
     }
 
     QString m_programs;
