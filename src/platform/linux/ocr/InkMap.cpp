@@ -4,6 +4,8 @@
 #include "platform/linux/ocr/InkMap.h"
 
 #include "platform/linux/ocr/DisjointSets.h"
+#include "platform/linux/ocr/SurfaceEdges.h"
+#include "platform/linux/ocr/Surfaces.h"
 
 #include <QImage>
 
@@ -15,22 +17,8 @@ namespace tovek {
 
 namespace {
 
-/// Neighbours that differ by no more belong to one flat area: gradients and the noise of scaled
-/// pictures stay together, the edge of a letter does not, even where the text is faint.
-constexpr int flatTolerance = 3;
-/// A flat stretch of this many pixels is wider than any stroke of a letter, so it is background
-/// or a rule.
-constexpr int longStretch = 48;
 /// How far away the background of a pixel is looked for.
 constexpr int backgroundReach = 96;
-
-enum class Surface : std::uint8_t { other, background, rule };
-
-int difference(QRgb a, QRgb b)
-{
-    return std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)),
-                     std::abs(qBlue(a) - qBlue(b))});
-}
 
 /// The mean over the channels, so that the colour fringes of subpixel text add up to the stroke.
 int contrastBetween(QRgb a, QRgb b)
@@ -39,105 +27,6 @@ int contrastBetween(QRgb a, QRgb b)
             + std::abs(qBlue(a) - qBlue(b)))
         / 3;
 }
-
-struct FlatArea
-{
-    int area = 0;
-    int inner = 0; ///< pixels with all four neighbours in the same area
-    int longestRow = 0;
-    int longestColumn = 0;
-};
-
-/// Divides the image into flat areas and tells backgrounds and rules from the rest.
-class Surfaces
-{
-public:
-    explicit Surfaces(const QImage &image)
-        : m_image(image)
-        , m_labels(std::size_t(image.width()) * image.height())
-    {
-        label();
-        measure();
-    }
-    Surface at(int x, int y) const { return m_kinds[labelAt(x, y)]; }
-
-private:
-    const QRgb *line(int y) const
-    {
-        return reinterpret_cast<const QRgb *>(m_image.constScanLine(y));
-    }
-    std::uint32_t labelAt(int x, int y) const
-    {
-        return m_labels[std::size_t(y) * m_image.width() + x];
-    }
-
-    void label()
-    {
-        const int width = m_image.width();
-        DisjointSets sets;
-        for (int y = 0; y < m_image.height(); ++y) {
-            const QRgb *here = line(y);
-            const QRgb *above = y > 0 ? line(y - 1) : nullptr;
-            std::uint32_t *labels = m_labels.data() + std::size_t(y) * width;
-            for (int x = 0; x < width; ++x) {
-                const bool joinsLeft = x > 0 && difference(here[x], here[x - 1]) <= flatTolerance;
-                labels[x] = joinsLeft ? labels[x - 1] : sets.add();
-                if (above && difference(here[x], above[x]) <= flatTolerance
-                    && !(joinsLeft && labels[x - width] == labels[x - width - 1]
-                         && difference(here[x - 1], above[x - 1]) <= flatTolerance))
-                    sets.join(labels[x], labels[x - width]);
-            }
-        }
-        std::vector<std::uint32_t> numbers(sets.size(), std::numeric_limits<std::uint32_t>::max());
-        std::uint32_t count = 0;
-        for (std::uint32_t &label : m_labels) {
-            std::uint32_t &number = numbers[sets.find(label)];
-            if (number == std::numeric_limits<std::uint32_t>::max())
-                number = count++;
-            label = number;
-        }
-        m_areas.resize(count);
-    }
-
-    void measure()
-    {
-        const int width = m_image.width();
-        const int height = m_image.height();
-        std::vector<int> columns(std::size_t(width), 0);
-        for (int y = 0; y < height; ++y) {
-            int row = 0;
-            for (int x = 0; x < width; ++x) {
-                const std::uint32_t label = labelAt(x, y);
-                FlatArea &area = m_areas[label];
-                const bool left = x > 0 && labelAt(x - 1, y) == label;
-                const bool up = y > 0 && labelAt(x, y - 1) == label;
-                const bool right = x + 1 == width || labelAt(x + 1, y) == label;
-                const bool down = y + 1 == height || labelAt(x, y + 1) == label;
-                row = left ? row + 1 : 1;
-                columns[x] = up ? columns[x] + 1 : 1;
-                ++area.area;
-                area.inner += (left || x == 0) && (up || y == 0) && right && down;
-                area.longestRow = std::max(area.longestRow, row);
-                area.longestColumn = std::max(area.longestColumn, columns[x]);
-            }
-        }
-        m_kinds.reserve(m_areas.size());
-        for (const FlatArea &area : m_areas)
-            m_kinds.push_back(kindOf(area));
-    }
-
-    static Surface kindOf(const FlatArea &area)
-    {
-        if (std::max(area.longestRow, area.longestColumn) < longStretch)
-            return Surface::other;
-        return area.inner * 5 < area.area ? Surface::rule : Surface::background;
-    }
-
-    const QImage &m_image;
-    std::vector<std::uint32_t> m_labels;
-    std::vector<FlatArea> m_areas;
-    std::vector<Surface> m_kinds;
-};
 
 /// A background colour seen while walking in one direction.
 struct Seen
@@ -201,6 +90,7 @@ InkMap inkMapOf(const QImage &given)
                 contrast[x] = std::uint8_t(contrastTo(pixels[x], seen, rightward[x]).value_or(0));
         }
     }
+    eraseEdges(map, image, surfaces);
     return map;
 }
 

@@ -13,6 +13,9 @@ class QImage;
 
 namespace tovek {
 
+/// Fainter contrasts cannot be seen, and are noise.
+inline constexpr int faintestInk = 20;
+
 /// How strongly each pixel stands out from the background around it, whatever the colours: dark on
 /// light and light on dark give the same map. 0 is background; lines, frames and everything else
 /// that lies flat over a long stretch is background too.

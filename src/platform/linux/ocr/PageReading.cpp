@@ -16,9 +16,6 @@ namespace tovek {
 
 namespace {
 
-/// Fainter differences cannot be seen, and are noise.
-constexpr int faintestInk = 20;
-
 double usualCap(const std::vector<LetterMetrics> &metrics)
 {
     std::vector<double> heights;

@@ -66,6 +66,50 @@ private Q_SLOTS:
         QVERIFY(inkPatches(inkMapOf(image), 20).empty());
     }
 
+    void leavesOutTheEdgesBetweenSurfaces_data()
+    {
+        QTest::addColumn<QColor>("page");
+        QTest::addColumn<QColor>("fill");
+        QTest::addColumn<QColor>("frame");
+        QTest::newRow("bubble") << QColor(Qt::white) << QColor(30, 110, 200) << QColor();
+        QTest::newRow("bubble on dark") << QColor(36, 36, 36) << QColor(200, 196, 50) << QColor();
+        QTest::newRow("framed card")
+            << QColor(Qt::white) << QColor(230, 230, 240) << QColor(120, 90, 90);
+        QTest::newRow("framed field")
+            << QColor(Qt::white) << QColor(Qt::white) << QColor(90, 90, 90);
+    }
+    void leavesOutTheEdgesBetweenSurfaces()
+    {
+        QFETCH(QColor, page);
+        QFETCH(QColor, fill);
+        QFETCH(QColor, frame);
+        QImage image(300, 100, QImage::Format_RGB32);
+        image.fill(page);
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(frame.isValid() ? QPen(frame) : QPen(Qt::NoPen));
+        painter.setBrush(fill);
+        painter.drawRoundedRect(QRectF(40.5, 20.5, 120, 30), 7, 7);
+        painter.drawRoundedRect(QRectF(180.5, 20.5, 90, 30), 15, 15);
+        const bool isDark = fill.lightness() < 128;
+        painter.fillRect(60, 30, 2, 9, isDark ? Qt::white : Qt::black);
+        const auto patches = inkPatches(inkMapOf(image), faintestInk);
+        QCOMPARE(patches.size(), std::size_t(1));
+        QCOMPARE(patches.front().box, QRect(60, 30, 2, 9));
+    }
+
+    void keepsLettersOnUnderlines()
+    {
+        QImage image(200, 40, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.fillRect(10, 30, 180, 1, QColor(90, 90, 90));
+        painter.fillRect(100, 20, 2, 15, Qt::black);
+        const auto patches = inkPatches(inkMapOf(image), faintestInk);
+        QCOMPARE(patches.size(), std::size_t(1));
+        QCOMPARE(patches[0].box, QRect(100, 20, 2, 15));
+    }
+
     void followsAGradient()
     {
         QImage image(256, 40, QImage::Format_RGB32);
