@@ -9,9 +9,6 @@ namespace tovek {
 
 namespace {
 
-/// Of 255: weaker ink is the soft edge of a stroke.
-constexpr int strokeInk = 100;
-
 /// Dashes that stand so close that their soft edges meet: cut where the ink thins out.
 std::vector<QRect> separateDashes(const InkMap &ink, const QRect &box)
 {

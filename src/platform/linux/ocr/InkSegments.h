@@ -7,6 +7,9 @@
 
 namespace tovek {
 
+/// Of 255, in even ink: weaker ink is the soft edge of a stroke.
+inline constexpr int strokeInk = 100;
+
 /// Pieces of ink that stand side by side, in the picture's pixels: the dot is with its i. `ink` as
 /// from evenInk. Soft edges do not count, so that letters which only their edges join are apart.
 std::vector<QRect> inkSegments(const InkMap &ink, const TextRun &run);

@@ -3,8 +3,11 @@
 
 #include "platform/linux/ocr/PageReading.h"
 
+#include "platform/linux/ocr/Hyphens.h"
 #include "platform/linux/ocr/InkSegments.h"
+#include "platform/linux/ocr/LookAlikes.h"
 #include "platform/linux/ocr/Plausibility.h"
+#include "platform/linux/ocr/SharedReadings.h"
 #include "platform/linux/ocr/WordBreaks.h"
 
 #include <QImage>
@@ -30,6 +33,17 @@ double usualCap(const std::vector<LetterMetrics> &metrics)
     return *middle;
 }
 
+/// The run in patches of its strokes alone: in small text the soft edges join letters.
+TextRun strokesOf(const InkMap &map, const TextRun &run)
+{
+    LetterMetrics rough;
+    rough.capHeight = run.box.height();
+    TextRun strokes{run.box, inkPatches(evenInk(map, run, rough), strokeInk)};
+    for (InkPatch &patch : strokes.patches)
+        patch.box.translate(run.box.topLeft());
+    return strokes.patches.empty() ? run : strokes;
+}
+
 } // namespace
 
 Page pageOf(const QImage &image)
@@ -43,7 +57,7 @@ Page pageOf(const QImage &image)
         return page.runs[a].box.width() > page.runs[b].box.width();
     });
     for (const TextRun &run : page.runs)
-        page.metrics.push_back(letterMetrics(run));
+        page.metrics.push_back(letterMetrics(strokesOf(page.ink, run)));
     settleMetrics(page.metrics);
     return page;
 }
@@ -51,16 +65,22 @@ Page pageOf(const QImage &image)
 std::vector<InkSymbol> symbolsOf(const Page &page, std::size_t run, const InkMap &ink,
                                  const LineStrip &strip, const std::vector<EngineSymbol> &read)
 {
-    return alignedSymbols(read, strip, inkSegments(ink, page.runs[run]), page.metrics[run]);
+    std::vector<InkSymbol> symbols =
+        alignedSymbols(read, strip, inkSegments(ink, page.runs[run]), page.metrics[run]);
+    takeGlyphs(symbols, ink, page.runs[run]);
+    return symbols;
 }
 
 std::vector<std::vector<ReadWord>> linesOf(const Page &page,
                                            std::vector<std::vector<InkSymbol>> readings)
 {
+    shareReadings(readings, page.metrics);
+    countHyphens(readings, page.metrics);
+    breakAllWords(readings, page.metrics);
     const double cap = usualCap(page.metrics);
     std::vector<std::vector<ReadWord>> lines;
     for (std::size_t i = 0; i < readings.size(); ++i) {
-        breakWords(readings[i], page.metrics[i].capHeight);
+        settleLookAlikes(readings[i], page.metrics[i]);
         std::vector<ReadWord> words = readWords(readings[i]);
         dropPictures(words, page.metrics[i]);
         if (!words.empty() && !isPictureRun(page.runs[i], words, cap))

@@ -29,6 +29,8 @@ constexpr double distanceWeight = 0.25;
 constexpr double farthest = 1.2;
 constexpr double widthWeight = 1.0;
 constexpr double widthTolerance = 0.15;
+/// In cap heights: no two characters fit into narrower ink.
+constexpr double narrowestPair = 0.3;
 /// A character that starts a word has a gap before it, the others have none.
 constexpr double gapWeight = 0.5;
 constexpr double wordGap = 0.25;
@@ -190,6 +192,8 @@ private:
     double shareCost(int first, int count, int segment) const
     {
         const QRect &box = m_segments[segment];
+        if (count > 1 && box.width() < m_capHeight * narrowestPair)
+            return std::numeric_limits<double>::infinity();
         double needed = 0.1 * (count - 1);
         for (int k = 0; k < count; ++k)
             needed += m_symbols[first + k].width;
@@ -212,26 +216,6 @@ private:
     std::vector<Step> m_steps;
 };
 
-QRect slice(const QRect &box, int part, int parts)
-{
-    QRect result = box;
-    result.setLeft(box.left() + box.width() * part / parts);
-    result.setRight(box.left() + box.width() * (part + 1) / parts - 1);
-    return result;
-}
-
-/// Two hyphens that have run together: a long dash that begins a word. A dash of that length
-/// stands between words or ends one.
-bool startsOption(const std::vector<QRect> &segments, std::size_t j, const LetterMetrics &metrics)
-{
-    const QRect &dash = segments[j];
-    const double cap = metrics.capHeight;
-    if (dash.width() < cap * 0.6 || dash.width() > cap * 1.05 || j + 1 >= segments.size())
-        return false;
-    const bool isAtStart = j == 0 || dash.left() - segments[j - 1].right() > cap * 0.3;
-    return isAtStart && segments[j + 1].left() - dash.right() - 1 < cap * 0.25;
-}
-
 /// What is read as an em dash, but is narrower than any: two hyphens that have run together.
 bool isTwoHyphens(const QString &text, const QRect &dash, const LetterMetrics &metrics)
 {
@@ -248,7 +232,9 @@ bool appendPlain(const std::vector<EngineSymbol> &symbols, std::size_t i,
         return false;
     static const QString dashes = QStringLiteral("-~_=\u2014\u2013\u00ad\u00ab\u00bb");
     const bool isUnread = step.symbols == 0;
-    const bool isDashLike = isUnread || dashes.contains(symbols[i].text);
+    const bool isTilde = !isUnread && symbols[i].text == QLatin1String("~") && step.segments == 1
+        && segments[j].height() >= 2 && segments[j].width() < metrics.capHeight * 0.8;
+    const bool isDashLike = isUnread || (dashes.contains(symbols[i].text) && !isTilde);
     const Mark mark = markOf(segments[j], metrics, !isUnread && isDashLike);
     for (int k = 1; k < step.segments; ++k) {
         if (markOf(segments[j + k], metrics, !isUnread && isDashLike) != mark)
@@ -259,10 +245,15 @@ bool appendPlain(const std::vector<EngineSymbol> &symbols, std::size_t i,
         for (int k = 0; k < step.segments; ++k) {
             const bool isLong =
                 !isUnread && isTwoHyphens(symbols[i].text, segments[j + k], metrics);
-            const int count = isLong || startsOption(segments, j + k, metrics) ? 2 : 1;
+            const int count = isLong ? 2 : 1;
             for (int n = 0; n < count; ++n)
-                result.push_back({QStringLiteral("-"), slice(segments[j + k], n, count), confidence,
-                                  false, count});
+                result.push_back({QStringLiteral("-"),
+                                  sliceOf(segments[j + k], n, count),
+                                  confidence,
+                                  false,
+                                  count,
+                                  segments[j + k],
+                                  {}});
         }
         return true;
     }
@@ -270,13 +261,18 @@ bool appendPlain(const std::vector<EngineSymbol> &symbols, std::size_t i,
         for (int k = 0; k < step.segments; ++k) {
             const int count = underscoresIn(segments[j + k], metrics);
             for (int n = 0; n < count; ++n)
-                result.push_back({QStringLiteral("_"), slice(segments[j + k], n, count), confidence,
-                                  false, count});
+                result.push_back({QStringLiteral("_"),
+                                  sliceOf(segments[j + k], n, count),
+                                  confidence,
+                                  false,
+                                  count,
+                                  segments[j + k],
+                                  {}});
         }
         return true;
     }
     if (mark == Mark::dot && isUnread) {
-        result.push_back({QStringLiteral("."), segments[j], confidence, false, 1});
+        result.push_back({QStringLiteral("."), segments[j], confidence, false, 1, segments[j], {}});
         return true;
     }
     return false;
@@ -291,14 +287,29 @@ void appendRead(const std::vector<EngineSymbol> &symbols, std::size_t i,
     QRect box;
     for (int k = 0; k < step.segments; ++k)
         box |= segments[j + k];
+    if (step.symbols == 0)
+        result.push_back({{}, box, 0, false, 1, box, {}});
     for (int k = 0; k < step.symbols; ++k) {
         const EngineSymbol &symbol = symbols[i + k];
-        result.push_back({symbol.text, slice(box, k, step.symbols), symbol.confidence,
-                          k > 0 && symbol.startsWord, step.symbols});
+        result.push_back({symbol.text,
+                          sliceOf(box, k, step.symbols),
+                          symbol.confidence,
+                          k > 0 && symbol.startsWord,
+                          step.symbols,
+                          box,
+                          {}});
     }
 }
 
 } // namespace
+
+QRect sliceOf(const QRect &box, int part, int parts)
+{
+    QRect result = box;
+    result.setLeft(box.left() + box.width() * part / parts);
+    result.setRight(box.left() + box.width() * (part + 1) / parts - 1);
+    return result;
+}
 
 std::vector<InkSymbol> alignedSymbols(const std::vector<EngineSymbol> &symbols,
                                       const LineStrip &strip, const std::vector<QRect> &segments,
@@ -320,7 +331,7 @@ std::vector<InkSymbol> alignedSymbols(const std::vector<EngineSymbol> &symbols,
             appendRead(symbols, i, segments, j, step, result);
         if (result.size() > before) {
             result[before].startsWord = startsWord;
-            startsWord = false;
+            startsWord = startsWord && result[before].text.isEmpty();
         }
         i += step.symbols;
         j += step.segments;

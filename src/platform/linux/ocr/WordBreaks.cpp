@@ -16,6 +16,9 @@ namespace {
 constexpr int leastLetters = 6;
 /// How far, in cells, characters may stand off the middle of their cells on average.
 constexpr double pitchTolerance = 0.11;
+/// How much the cells of two lines in the same font may differ.
+constexpr double samePitch = 0.03;
+constexpr double sameSize = 0.08;
 /// In cap heights: gaps narrower than the first are never, wider than the second always a blank.
 constexpr double narrowestBlank = 0.14;
 constexpr double widestLetterGap = 0.62;
@@ -24,6 +27,7 @@ constexpr double widestLetterGap = 0.62;
 /// whole, but often misses a break beside a short word.
 constexpr double blankWithEngine = 0.07;
 constexpr double blankByItself = 0.18;
+constexpr double besideMarks = 0.15;
 constexpr double blankInProportional = 0.28;
 
 double centerX(const QRect &box)
@@ -31,21 +35,24 @@ double centerX(const QRect &box)
     return box.left() + box.width() / 2.0;
 }
 
-/// Letters whose ink hangs over their right or left edge, so that the gap beside them looks
-/// smaller than the room that they take; in cap heights.
-double overhang(const QString &before, const QString &after)
+/// What a gap lacks, in cap heights, because a letter's ink hangs over its edge, or has too much
+/// because the character stands in a wide cell of its own, as the 1 among digits.
+double bearing(const QString &before, const QString &after)
 {
     static const QString farRight = QStringLiteral("f");
     static const QString right = QStringLiteral("rtTFPVWYvwyk/");
-    static const QString left = QStringLiteral("jTVWYvwyA/");
+    static const QString left = QStringLiteral("TVWYvwyA/");
     const double beside = farRight.contains(before) ? 0.1 : right.contains(before) ? 0.05 : 0;
-    return beside + (left.contains(after) ? 0.05 : 0);
+    const double hanging = after == QLatin1String("j") ? 0.12 : left.contains(after) ? 0.05 : 0;
+    const QLatin1String one("1");
+    const double cell = (before == one ? 0.12 : 0) + (after == one ? 0.12 : 0);
+    return beside + hanging - cell;
 }
 
 double gapBefore(const std::vector<InkSymbol> &symbols, std::size_t i, double capHeight)
 {
     return (symbols[i].box.left() - symbols[i - 1].box.right() - 1) / capHeight
-        + overhang(symbols[i - 1].text, symbols[i].text);
+        + bearing(symbols[i - 1].text, symbols[i].text);
 }
 
 /// Puts the centers on cells of about `width` and fits the width to them; the mean distance from
@@ -85,9 +92,25 @@ double fit(const std::vector<double> &centers, Pitch &pitch)
     return std::numeric_limits<double>::infinity();
 }
 
+/// A gap between these is a letter gap or a blank by its width alone; beside other marks fonts
+/// leave more room.
+bool isTold(const QString &before, const QString &after)
+{
+    const QChar left = before.back();
+    return after.at(0).isLetterOrNumber() && (left.isLetterOrNumber() || left == ',');
+}
+
+/// How likely a gap is a blank, by its width and by whether the engine saw one: it rarely breaks a
+/// word that is whole, but often misses a break beside a short one.
+double likelihoodOfBlank(double gap, bool isTold, bool isEngineBreak)
+{
+    const double byWidth = isTold ? std::clamp((gap - 0.25) / 0.2, 0.0, 1.0) : 0.0;
+    return isEngineBreak ? 0.5 + 0.5 * byWidth : 0.75 * byWidth;
+}
+
 /// The gap width, in cap heights, that divides the line's gaps into two kinds: far from any gap,
-/// and at odds with few of the engine's breaks.
-double dividingGap(const std::vector<double> &gaps, const std::vector<bool> &engineBreaks)
+/// and at odds with few of their likelihoods.
+double dividingGap(const std::vector<double> &gaps, const std::vector<InkSymbol> &symbols)
 {
     std::vector<double> sorted = gaps;
     sorted.push_back(narrowestBlank);
@@ -103,7 +126,11 @@ double dividingGap(const std::vector<double> &gaps, const std::vector<bool> &eng
         const double divide = (low + high) / 2;
         double cost = -6 * std::min(high - low, 0.25);
         for (std::size_t k = 0; k < gaps.size(); ++k)
-            cost += (gaps[k] > divide) != engineBreaks[k];
+            cost += 2
+                * std::abs((gaps[k] > divide)
+                           - likelihoodOfBlank(gaps[k],
+                                               isTold(symbols[k].text, symbols[k + 1].text),
+                                               symbols[k + 1].startsWord));
         if (cost < lowestCost) {
             lowestCost = cost;
             best = divide;
@@ -125,6 +152,17 @@ bool agreesWithEngine(const Pitch &pitch, const std::vector<InkSymbol> &symbols,
         refused += pitch.cells[i] - pitch.cells[i - 1] == 1;
     }
     return refused == 0 || refused * 2 < breaks;
+}
+
+/// A grid that happens to fit a few letters breaks words where the ink has no blank.
+bool breaksAtBlanks(const Pitch &pitch, const std::vector<InkSymbol> &symbols, double capHeight)
+{
+    for (std::size_t i = 1; i < symbols.size(); ++i) {
+        if (pitch.cells[i] - pitch.cells[i - 1] > 1
+            && gapBefore(symbols, i, capHeight) < blankInProportional)
+            return false;
+    }
+    return true;
 }
 
 double usualLetterGap(const std::vector<double> &gaps, double divide)
@@ -165,31 +203,72 @@ std::optional<Pitch> fixedPitch(const std::vector<InkSymbol> &symbols, double ca
     return pitch;
 }
 
-void breakWords(std::vector<InkSymbol> &symbols, double capHeight)
+std::optional<Pitch> onPitch(const std::vector<InkSymbol> &symbols, double cellWidth)
+{
+    if (symbols.size() < 3)
+        return std::nullopt;
+    std::vector<double> centers;
+    for (const InkSymbol &symbol : symbols)
+        centers.push_back(centerX(symbol.box));
+    Pitch pitch{cellWidth, {}};
+    if (fit(centers, pitch) > pitchTolerance
+        || std::abs(pitch.width - cellWidth) > cellWidth * samePitch)
+        return std::nullopt;
+    return pitch;
+}
+
+void breakWords(std::vector<InkSymbol> &symbols, double capHeight,
+                const std::vector<double> &cellWidths)
 {
     if (symbols.empty())
         return;
     symbols.front().startsWord = true;
-    const auto pitch = fixedPitch(symbols, capHeight);
+    auto pitch = fixedPitch(symbols, capHeight);
+    for (std::size_t i = 0; !pitch && i < cellWidths.size(); ++i)
+        pitch = onPitch(symbols, cellWidths[i]);
+    if (pitch && !breaksAtBlanks(*pitch, symbols, capHeight))
+        pitch.reset();
     if (pitch && agreesWithEngine(*pitch, symbols, capHeight)) {
         for (std::size_t i = 1; i < symbols.size(); ++i)
             symbols[i].startsWord = pitch->cells[i] - pitch->cells[i - 1] > 1;
         return;
     }
     std::vector<double> gaps;
-    std::vector<bool> engineBreaks;
-    for (std::size_t i = 1; i < symbols.size(); ++i) {
+    for (std::size_t i = 1; i < symbols.size(); ++i)
         gaps.push_back(gapBefore(symbols, i, capHeight));
-        engineBreaks.push_back(symbols[i].startsWord);
-    }
-    const double divide = dividingGap(gaps, engineBreaks);
+    const double divide = dividingGap(gaps, symbols);
     const double letterGap = usualLetterGap(gaps, divide);
     for (std::size_t i = 1; i < symbols.size(); ++i) {
         const double gap = gaps[i - 1];
         if (symbols[i].startsWord)
             symbols[i].startsWord = gap > std::max(narrowestBlank, letterGap + blankWithEngine);
         else
-            symbols[i].startsWord = gap > std::max(divide, letterGap + blankByItself);
+            symbols[i].startsWord = gap > std::max(divide, letterGap + blankByItself)
+                    + (isTold(symbols[i - 1].text, symbols[i].text) ? 0 : besideMarks);
+    }
+}
+
+void breakAllWords(std::vector<std::vector<InkSymbol>> &readings,
+                   const std::vector<LetterMetrics> &metrics)
+{
+    std::vector<std::pair<double, double>> known; // cap height and cell width
+    for (std::size_t i = 0; i < readings.size(); ++i) {
+        const double cap = metrics[i].capHeight;
+        const auto pitch = fixedPitch(readings[i], cap);
+        if (pitch && agreesWithEngine(*pitch, readings[i], cap))
+            known.push_back({cap, pitch->width});
+    }
+    for (std::size_t i = 0; i < readings.size(); ++i) {
+        std::vector<double> cells;
+        for (const auto &[cap, width] : known) {
+            const bool isSame = std::abs(cap - metrics[i].capHeight) <= cap * sameSize;
+            const bool isNew = std::none_of(cells.begin(), cells.end(), [w = width](double other) {
+                return std::abs(other - w) < w * samePitch / 2;
+            });
+            if (isSame && isNew)
+                cells.push_back(width);
+        }
+        breakWords(readings[i], metrics[i].capHeight, cells);
     }
 }
 

@@ -83,14 +83,27 @@ private Q_SLOTS:
         QCOMPARE(textOf(symbols), QString("--a"));
     }
 
-    void tellsTwoHyphensFromALongDash()
+    void readsOneCharacterIntoThinInk()
     {
-        const std::vector<QRect> segments{QRect(0, 5, 8, 1), QRect(10, 3, 6, 7)};
-        const auto read = [&](double from) {
-            return alignedSymbols({symbol("-", 0, 8, true), symbol("a", from, from + 6)},
-                                  plainStrip(), segments, metrics);
-        };
-        QCOMPARE(textOf(read(10)), QString("--a"));
+        const auto symbols = alignedSymbols({symbol("1", 0, 1, true), symbol("l", 1, 2)},
+                                            plainStrip(), {QRect(0, 0, 2, 10)}, metrics);
+        QCOMPARE(symbols.size(), std::size_t(1));
+    }
+
+    void leavesTheTildeThatTheEngineRead_data()
+    {
+        QTest::addColumn<QRect>("ink");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("a wave") << QRect(0, 4, 6, 2) << "~";
+        QTest::newRow("two hyphens") << QRect(0, 5, 9, 2) << "-";
+        QTest::newRow("a straight line") << QRect(0, 5, 6, 1) << "-";
+    }
+    void leavesTheTildeThatTheEngineRead()
+    {
+        QFETCH(QRect, ink);
+        const auto symbols =
+            alignedSymbols({symbol("~", 0, ink.width(), true)}, plainStrip(), {ink}, metrics);
+        QTEST(textOf(symbols), "expected");
     }
 
     void dividesTouchingLetters()

@@ -1,0 +1,104 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/linux/ocr/Hyphens.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace tovek;
+
+namespace {
+
+/// Capitals 10 high, baseline at 10.
+constexpr LetterMetrics metrics{10, 10, 7, true};
+
+/// Letters 6 wide and dashes of the given width, 2 apart; a blank is 5 wide.
+std::vector<InkSymbol> line(const QString &text, int dashWidth)
+{
+    std::vector<InkSymbol> symbols;
+    int x = 0;
+    bool startsWord = true;
+    for (const QChar c : text) {
+        if (c == ' ') {
+            x += 3;
+            startsWord = true;
+            continue;
+        }
+        const QRect box = c == '-' ? QRect(x, 6, dashWidth, 1) : QRect(x, 3, 6, 7);
+        symbols.push_back({QString(c), box, 90, startsWord, 1, box});
+        x += box.width() + (c == '.' ? 5 : 2);
+        startsWord = false;
+    }
+    return symbols;
+}
+
+QString textOf(const std::vector<InkSymbol> &symbols)
+{
+    QString text;
+    for (const InkSymbol &one : symbols)
+        text += one.text;
+    return text;
+}
+
+} // namespace
+
+class TestHyphens : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(".*")); }
+
+    void comparesWithTheSingleHyphens_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<int>("width");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("as wide") << "a -b" << 4 << "a-b";
+        QTest::newRow("hardly wider, at the start of a word") << "a -b" << 5 << "a-b";
+        QTest::newRow("a pair at the start of a word") << "a -b" << 6 << "a--b";
+        QTest::newRow("a pair, clearly") << "a -b" << 9 << "a--b";
+        QTest::newRow("an en dash between words") << "a - b" << 7 << "a-b";
+        QTest::newRow("a pair between words") << "a - b" << 8 << "a--b";
+        QTest::newRow("an em dash") << "a - b" << 12 << "a-b";
+    }
+    void comparesWithTheSingleHyphens()
+    {
+        QFETCH(QString, text);
+        QFETCH(int, width);
+        std::vector<std::vector<InkSymbol>> readings{line("a-b", 4), line(text, width)};
+        countHyphens(readings, {metrics, metrics});
+        QCOMPARE(textOf(readings[0]), QString("a-b"));
+        QTEST(textOf(readings[1]), "expected");
+    }
+
+    void comparesWithTheSameFontOnly()
+    {
+        std::vector<std::vector<InkSymbol>> readings{line("a-b", 4), line("a - b", 8)};
+        LetterMetrics larger = metrics;
+        larger.capHeight = 12;
+        countHyphens(readings, {metrics, larger});
+        QCOMPARE(textOf(readings[1]), QString("a-b"));
+    }
+
+    void readsALongDashThatBeginsAWordAsTwo_data()
+    {
+        QTest::addColumn<int>("width");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("a hyphen") << 6 << "a-b";
+        QTest::newRow("two") << 7 << "a--b";
+        QTest::newRow("two, wide") << 10 << "a--b";
+        QTest::newRow("longer") << 11 << "a-b";
+    }
+    void readsALongDashThatBeginsAWordAsTwo()
+    {
+        QFETCH(int, width);
+        std::vector<std::vector<InkSymbol>> readings{line("a -b", width)};
+        countHyphens(readings, {metrics});
+        QTEST(textOf(readings[0]), "expected");
+    }
+};
+
+QTEST_APPLESS_MAIN(TestHyphens)
+#include "tst_Hyphens.moc"
