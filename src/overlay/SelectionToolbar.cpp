@@ -168,10 +168,10 @@ void SelectionToolbar::backdropChanged()
 
 QRegion SelectionToolbar::coveredRegion() const
 {
-    QRegion region;
-    for (const QWidget *widget :
-         {static_cast<const QWidget *>(this), static_cast<const QWidget *>(m_popover.data()),
-          static_cast<const QWidget *>(m_tooltip.data())}) {
+    // Also before it is shown: a frame of the overlay that comes later must leave room for it.
+    QRegion region = geometry();
+    for (const QWidget *widget : {static_cast<const QWidget *>(m_popover.data()),
+                                  static_cast<const QWidget *>(m_tooltip.data())}) {
         if (!widget->isHidden())
             region += widget->geometry();
     }

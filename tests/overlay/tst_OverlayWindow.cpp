@@ -107,6 +107,21 @@ private Q_SLOTS:
         QCOMPARE(f.surface().presented.size(), shown);
     }
 
+    void followsThePointerUntilThereIsAToolbar()
+    {
+        Fixture f;
+        QVERIFY(f.surface().followsPointer);
+        QVERIFY(f.surface().covered.isEmpty());
+        QTest::mousePress(f.view(), Qt::LeftButton, {}, QPoint(100, 50));
+        f.surface().onDragged({150.5, 90});
+        QCOMPARE(f.surface().presented.back().clear, QRect(200, 100, 101, 80));
+        QVERIFY(f.surface().followsPointer);
+        QTest::mouseRelease(f.view(), Qt::LeftButton, {}, QPoint(150, 90));
+        QVERIFY(!f.surface().followsPointer);
+        // A frame that the platform shows later must not come to lie over the toolbar.
+        QVERIFY(f.surface().covered.boundingRect().width() > 400);
+    }
+
     void forgetsATooSmallSelection()
     {
         Fixture f;
