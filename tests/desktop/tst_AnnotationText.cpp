@@ -51,8 +51,6 @@ struct Writing : Drawing
         if (!waitUntil([&] { return reader.types() == QStringList(png); }))
             return {};
         const QImage image = QImage::fromData(reader.read(png).value_or(QByteArray()));
-        seen.save("/tmp/anno/seen.png");
-        image.save("/tmp/anno/copied.png");
         return differentPixels(seen, image.copy(inner)) == 0 ? image : QImage();
     }
     /// The picture of what was typed, on a newly frozen screen.
