@@ -140,9 +140,9 @@ private Q_SLOTS:
         Writing d;
         QVERIFY2(d.start(), qPrintable(d.error));
         QVERIFY(d.setLayout({"-layout", "us", "-option", "compose:ralt"}));
-        const QImage typed = d.typed({"x", "Multi_key", "o", "c", "Multi_key", "s", "s"});
+        const QImage typed = d.typed({"Multi_key", "o", "c", "Multi_key", "s", "s"});
         QVERIFY(d.hasInk(typed));
-        QCOMPARE(differentPixels(d.pastedText(QString::fromUtf8("x©ß")), typed), 0);
+        QCOMPARE(differentPixels(d.pastedText(QString::fromUtf8("©ß")), typed), 0);
     }
 
     void keepsEmojiAndWordsFromRightToLeft()
