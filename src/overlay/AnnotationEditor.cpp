@@ -314,7 +314,7 @@ Effect AnnotationEditor::editText(size_t index)
     // Committing can remove an annotation before this one.
     const QUuid id = fieldsOf(annotations[index]).id;
     Effect effect = commitText();
-    effect.isHandled = true;
+    effect.isHandled = effect.needsRedraw = true;
     for (size_t i = 0; i < annotations.size(); ++i) {
         const auto *text = std::get_if<TextAnnotation>(&annotations[i]);
         if (!text || text->id != id)
@@ -352,6 +352,8 @@ Effect AnnotationEditor::commitText()
 std::vector<Annotation> AnnotationEditor::drawnAnnotations() const
 {
     std::vector<Annotation> drawn = annotations;
+    if (editingTextAnnotationIndex)
+        drawn.erase(drawn.begin() + std::ptrdiff_t(*editingTextAnnotationIndex));
     if (currentAnnotation)
         drawn.push_back(*currentAnnotation);
     return drawn;

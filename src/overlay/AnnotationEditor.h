@@ -65,7 +65,8 @@ public:
     Effect commitText();
     bool isTextBoxOpen() const { return textAnnotationPosition.has_value(); }
 
-    /// All annotations in drawing order, the one being drawn last.
+    /// All annotations in drawing order, the one being drawn last; without the text that is being
+    /// edited, which would show through what is typed over it.
     std::vector<Annotation> drawnAnnotations() const;
 
     AnnotationTool currentTool = AnnotationTool::none;

@@ -171,10 +171,14 @@ private Q_SLOTS:
         const QImage fresh = d.typed({"w", "o", "r", "d"});
         QVERIFY(d.hasInk(fresh));
         QVERIFY(d.again());
-        QVERIFY(d.type({"x", "Escape", "v"}));
+        QVERIFY(d.type({"m", "m", "m", "Escape", "v"}));
         d.doubleClick(place + QPoint(3, 8));
-        // All of the old text is selected.
-        QVERIFY(d.taps({"w", "o", "r", "d"}));
+        // All of the old text is selected, and nothing of it shows below the new one.
+        QVERIFY(d.tap("space"));
+        const QRect line(d.at(place) + QPoint(8, 0), QSize(30, 20));
+        QVERIFY(waitUntil(
+            [&] { return differentPixels(d.tovek->eye().look(line), d.before.copy(line)) == 0; }));
+        QVERIFY(d.taps({"BackSpace", "w", "o", "r", "d"}));
         QCOMPARE(differentPixels(d.finished(), fresh), 0);
     }
 

@@ -106,6 +106,20 @@ private Q_SLOTS:
         QCOMPARE(desk.at(0).id, id);
     }
 
+    void showsATextOnlyInItsBoxWhileItIsEdited()
+    {
+        Desk desk;
+        desk.write({200, 300}, QStringLiteral("kept"));
+        desk.write({200, 200}, QStringLiteral("edited"));
+        QCOMPARE(desk.drawnAnnotations().size(), size_t(2));
+        desk.click({210, 190});
+        QVERIFY(desk.press({210, 190}, 2, selection).needsRedraw);
+        QVERIFY((desk.drawnAnnotations() == std::vector{desk.annotations[0]}));
+        QCOMPARE(desk.annotations.size(), size_t(2));
+        QVERIFY(desk.commitText().needsRedraw);
+        QVERIFY(desk.drawnAnnotations() == desk.annotations);
+    }
+
     void dragsATextOnATripleClick()
     {
         Desk desk;
