@@ -8,6 +8,7 @@
 #include "app/StartMessages.h"
 #include "app/TovekApp.h"
 #include "foundation/Log.h"
+#include "foundation/Memory.h"
 #include "foundation/UserDefaults.h"
 #include "platform/Clipboard.h"
 #include "platform/HotKeys.h"
@@ -125,6 +126,7 @@ int run(int &argc, char **argv, QString &successor)
 
 int main(int argc, char **argv)
 {
+    tovek::shareHeap();
     QString successor;
     const int status = tovek::run(argc, argv, successor);
     if (!successor.isEmpty())

@@ -7,6 +7,7 @@
 #include "capture/ImageCrop.h"
 #include "capture/PngEncoder.h"
 #include "foundation/Log.h"
+#include "foundation/Memory.h"
 #include "foundation/UserDefaults.h"
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
@@ -15,10 +16,6 @@
 #include <QFutureWatcher>
 #include <QStandardPaths>
 #include <QtConcurrent>
-
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
 
 namespace tovek {
 
@@ -47,15 +44,6 @@ void whenFinished(const QFuture<T> &future, QObject *context, Use use)
         use(result(watcher->future()));
     });
     watcher->setFuture(future);
-}
-
-/// Gives back what encoding took; the allocator would keep it for a next time that may be hours
-/// away.
-void releaseMemory()
-{
-#ifdef __GLIBC__
-    malloc_trim(0);
-#endif
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 
 #include "platform/linux/TesseractRecognizer.h"
 
+#include "foundation/Memory.h"
 #include "platform/linux/ocr/EnginePool.h"
 #include "platform/linux/ocr/PageReading.h"
 #include "platform/linux/ocr/RecognitionModels.h"
@@ -14,7 +15,6 @@
 #include <QLocale>
 
 #include <atomic>
-#include <malloc.h>
 
 namespace tovek {
 
@@ -208,8 +208,7 @@ void TesseractRecognizer::becomeIdle()
         return;
     }
     m_engines->clear();
-    // What a large picture took goes back to the system, not only to the allocator.
-    malloc_trim(0);
+    releaseMemory();
 }
 
 } // namespace tovek
