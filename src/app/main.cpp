@@ -3,6 +3,7 @@
 
 #include "KeyboardShortcuts/ShortcutService.h"
 #include "app/HotkeyManager.h"
+#include "app/KeyNames.h"
 #include "app/PlatformFactory.h"
 #include "app/Relaunch.h"
 #include "app/StartMessages.h"
@@ -99,6 +100,8 @@ int run(int &argc, char **argv, QString &successor)
     QApplication::setApplicationVersion(QStringLiteral(TOVEK_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("org.tovek.Tovek"));
     QApplication::setQuitOnLastWindowClosed(false);
+    KeyNames keyNames;
+    QApplication::installTranslator(&keyNames);
     Platform platform = makePlatform(early);
     {
         TovekApp app(platform, defaults, updateConfiguration());
