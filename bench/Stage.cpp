@@ -126,6 +126,22 @@ void Stage::stop(Subject subject)
     }
 }
 
+void Stage::furnish()
+{
+    const std::pair<const char *, QStringList> programs[]{
+        {"trayer", {"--edge", "top", "--align", "right", "--height", "24"}},
+        {"dunst", {"-config", "/dev/null"}},
+        {"pulseaudio",
+         {"-n", "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "-L",
+          "module-null-sink", "-L", "module-native-protocol-unix"}},
+    };
+    for (const auto &[name, arguments] : programs) {
+        if (!m_desktop.run(QLatin1String(name), arguments))
+            giveUp(m_desktop.error());
+    }
+    waitFor(1s); // none of them tells when it is ready
+}
+
 double Stage::open(Subject subject)
 {
     const bool isFloor = subject == Subject::floor;

@@ -23,6 +23,9 @@ public:
     /// The milliseconds until its key was taken (the floor's: until it said so).
     double start(Subject subject);
     void stop(Subject subject);
+    /// A panel, a notification server and a sound server, of which the program has dealings with
+    /// every one.
+    void furnish();
     /// Milliseconds from the release of the subject's key until its overlay covered the screen.
     double open(Subject subject);
     /// Closes the overlay without a result.

@@ -6,7 +6,7 @@
 // turns, so that a busy machine hits both.
 //
 // bench_capture [CASE]...
-//   open first drag copy save start idle; all of them by default
+//   open first drag copy save start idle used; all of them by default
 // TOVEK_PROGRAM names another build of the program.
 
 #include "Measure.h"
@@ -29,6 +29,8 @@ const QSize ultraHd(3840, 2160);
 /// Whatever a process does after its start has ended by then, or after its last capture.
 constexpr auto calmTime = 5s;
 constexpr auto idleTime = 30s;
+/// The thumbnail of the last capture stays in the panel for as long.
+constexpr auto previewTime = 20s;
 
 double least(const std::vector<double> &values)
 {
@@ -183,42 +185,70 @@ void starts(Stage &stage)
 struct Idleness
 {
     qint64 switches;
+    size_t threads;
     Memory memory;
 };
 
-Idleness watchIdle(Stage &stage)
+Idleness watchIdle(Stage &stage, std::chrono::seconds calm = calmTime)
 {
-    waitFor(calmTime);
+    waitFor(calm);
     const pid_t pid = stage.pid(Subject::tovek);
     const Switches before = switchesOf(pid);
     waitFor(idleTime);
-    return {switchesBetween(before, switchesOf(pid)), stage.memory(Subject::tovek)};
+    const Switches after = switchesOf(pid);
+    return {switchesBetween(before, after), after.size(), stage.memory(Subject::tovek)};
 }
 
 void printIdle(const char *when, const Idleness &idle)
 {
-    std::printf("| %s | %lld | %.1f | %.1f | %.1f | %.1f |\n", when, qlonglong(idle.switches),
-                idle.memory.pss, idle.memory.alone, idle.memory.rss, idle.memory.privateDirty);
+    std::printf("| %s | %lld | %zu | %.1f | %.1f | %.1f | %.1f |\n", when, qlonglong(idle.switches),
+                idle.threads, idle.memory.pss, idle.memory.alone, idle.memory.rss,
+                idle.memory.privateDirty);
     std::fflush(stdout);
+}
+
+void copyAPart(Stage &stage)
+{
+    stage.open(Subject::tovek);
+    stage.press(0.3);
+    stage.drag(0.3, 0.6, 10, 4ms);
+    stage.release();
+    waitFor(20ms);
+    stage.copy();
+}
+
+void printIdleHead()
+{
+    std::printf("\n## Idle for 30 s (budget: 0 wake-ups, 25 MB, 2 MB more after 100 captures)\n\n"
+                "| | wake-ups | threads | proportional MB | the same, no other program of the "
+                "toolkit | resident | private |\n|---|---|---|---|---|---|---|\n");
 }
 
 void idle(Stage &stage)
 {
     stage.stop(Subject::tovek);
     stage.start(Subject::tovek);
-    std::printf("\n## Idle for 30 s (budget: 0 wake-ups, 25 MB, 2 MB more after 100 captures)\n\n"
-                "| | wake-ups | proportional MB | the same, no other program of the toolkit | "
-                "resident | private |\n|---|---|---|---|---|---|\n");
+    printIdleHead();
     printIdle("after the start", watchIdle(stage));
-    for (int capture = 0; capture < 100; ++capture) {
-        stage.open(Subject::tovek);
-        stage.press(0.3);
-        stage.drag(0.3, 0.6, 10, 4ms);
-        stage.release();
-        waitFor(20ms);
-        stage.copy();
-    }
+    for (int capture = 0; capture < 100; ++capture)
+        copyAPart(stage);
     printIdle("after 100 captures", watchIdle(stage));
+}
+
+/// Everything that a copy and a save set going has been shown and heard, and is over.
+void idleInUse(Stage &stage)
+{
+    stage.stop(Subject::tovek);
+    stage.furnish();
+    stage.start(Subject::tovek);
+    waitFor(700ms);
+    stage.open(Subject::tovek);
+    stage.selectEverything();
+    stage.save(Subject::tovek);
+    copyAPart(stage);
+    printIdleHead();
+    printIdle("with a panel, notifications and sound, after a save and a copy",
+              watchIdle(stage, previewTime + calmTime));
 }
 
 } // namespace
@@ -263,5 +293,7 @@ int main(int argc, char **argv)
         starts(*stages[0]);
     if (isChosen("idle"))
         idle(*stages[0]);
+    if (isChosen("used"))
+        idleInUse(*stages[0]);
     return 0;
 }
