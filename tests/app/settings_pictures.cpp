@@ -1,8 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-// Draws the settings window's tabs and its alerts into PNG files, for people to look at:
-// settings_pictures FOLDER light|dark. The scale comes from QT_SCALE_FACTOR.
+// Draws the settings window's tabs, its alerts, the window that asks for permission and a toast
+// into PNG files, for people to look at: settings_pictures FOLDER light|dark. The scale comes from
+// QT_SCALE_FACTOR.
 
 #include "KeyboardShortcuts/AlertSheet.h"
 #include "KeyboardShortcuts/Localization.h"
@@ -12,7 +13,11 @@
 #include "app/BundleInformation.h"
 #include "app/GeneralTabView.h"
 #include "app/ShortcutsTabView.h"
+#include "capture/PermissionManager.h"
+#include "capture/PermissionWindowController.h"
+#include "fakes/FakeCapturePermission.h"
 #include "fakes/FakeClock.h"
+#include "fakes/FakeFrontmostApp.h"
 #include "fakes/FakeHotKeys.h"
 #include "fakes/FakeKeyboardLayout.h"
 #include "fakes/FakeLoginItem.h"
@@ -95,6 +100,7 @@ public:
                localized(QStringLiteral("keyboard_shortcuts_can_be_changed")),
                {ok, localized(QStringLiteral("force_use_shortcut"))},
                AlertSheet::Style::warning});
+        permission();
     }
 
 private:
@@ -137,6 +143,16 @@ private:
         sheet->show();
         QApplication::processEvents();
         save(*sheet, QStringLiteral("alert-") + name);
+    }
+    void permission()
+    {
+        FakeCapturePermission permission;
+        PermissionManager manager(permission);
+        FakeFrontmostApp frontmost;
+        PermissionWindowController controller(manager, frontmost, &symbolImage);
+        controller.show();
+        QApplication::processEvents();
+        save(*controller.window(), QStringLiteral("permission"));
     }
     void save(QWidget &widget, const QString &name)
     {
