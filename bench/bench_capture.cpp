@@ -232,7 +232,7 @@ void idle(Stage &stage)
     printIdle("after the start", watchIdle(stage));
     for (int capture = 0; capture < 100; ++capture)
         copyAPart(stage);
-    printIdle("after 100 captures", watchIdle(stage));
+    printIdle("after 100 captures", watchIdle(stage, previewTime + calmTime));
 }
 
 /// Everything that a copy and a save set going has been shown and heard, and is over.
