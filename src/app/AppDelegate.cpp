@@ -9,6 +9,7 @@
 #include "app/HotkeyManager.h"
 #include "capture/PngEncoder.h"
 #include "foundation/Log.h"
+#include "look/Look.h"
 #include "platform/Clock.h"
 #include "platform/FrontmostApp.h"
 #include "platform/Platform.h"
@@ -62,7 +63,10 @@ OverlayController::Services AppDelegate::overlayServices()
     services.hasPermission = [this] {
         return !m_services.permissionManager || m_services.permissionManager->hasPermission();
     };
-    services.showPermissionWindow = [this] { m_services.permissionWindowController->show(); };
+    services.showPermissionWindow = [this] {
+        useModernLook();
+        m_services.permissionWindowController->show();
+    };
     services.willFreeze = [this] {
         if (m_services.toast)
             m_services.toast->hideForCapture();
