@@ -69,7 +69,7 @@ private Q_SLOTS:
         QFETCH(ServerAnswer, answer);
         QFETCH(Refusal, refusal);
         if (answer.end == End::never)
-            m_setup.build.silence = 200ms;
+            m_setup.build.silence = 1s;
         begin();
         m_server.answer(QStringLiteral("/feed.xml"), answer);
         m_session->start();
@@ -152,7 +152,7 @@ private Q_SLOTS:
         QFETCH(ServerAnswer, answer);
         QFETCH(Refusal, refusal);
         if (answer.end == End::never)
-            m_setup.build.silence = 200ms;
+            m_setup.build.silence = 1s;
         begin();
         m_server.answer(UpdateServer::packagePath(), answer);
         m_session->start();

@@ -15,24 +15,47 @@ struct Text
     const char *text;
 };
 
-// clang-format off
-constexpr Text texts[] {
-    {Refusal::notInstalled, QT_TRANSLATE_NOOP("Refusal", "This copy of Tovek comes neither from an AppImage nor from a Debian package, so there is no package to put in its place.")},
-    {Refusal::unreachable,  QT_TRANSLATE_NOOP("Refusal", "The update server could not be reached: %1")},
-    {Refusal::insecure,     QT_TRANSLATE_NOOP("Refusal", "The update server led to an unencrypted address. Tovek did not go there.")},
-    {Refusal::badAnswer,    QT_TRANSLATE_NOOP("Refusal", "The update server answered with the error %1.")},
-    {Refusal::silent,       QT_TRANSLATE_NOOP("Refusal", "The update server stopped answering. Please try again later.")},
-    {Refusal::cutOff,       QT_TRANSLATE_NOOP("Refusal", "The update server broke off in the middle of its answer. Please try again later.")},
-    {Refusal::tooLong,      QT_TRANSLATE_NOOP("Refusal", "The update server sent more than there should be. Tovek threw it away.")},
-    {Refusal::noFeed,       QT_TRANSLATE_NOOP("Refusal", "What the update server sent is no list of versions.")},
-    {Refusal::oldFeed,      QT_TRANSLATE_NOOP("Refusal", "The update server sent an older list of versions than before. Tovek does not trust it, since it may hide a newer version.")},
-    {Refusal::wrongLength,  QT_TRANSLATE_NOOP("Refusal", "The downloaded file does not have the length that was announced. Tovek threw it away.")},
-    {Refusal::badSignature, QT_TRANSLATE_NOOP("Refusal", "The downloaded file is not signed by the makers of Tovek. Tovek threw it away.")},
-    {Refusal::noRoom,       QT_TRANSLATE_NOOP("Refusal", "There is not enough room for the update: %1.")},
-    {Refusal::notWritten,   QT_TRANSLATE_NOOP("Refusal", "The update could not be written: %1.")},
-    {Refusal::noInstaller,  QT_TRANSLATE_NOOP("Refusal", "No program on this desktop installs packages. The verified update is %1.")},
+constexpr Text texts[]{
+    {Refusal::notInstalled,
+     QT_TRANSLATE_NOOP("Refusal",
+                       "This copy of Tovek comes neither from an AppImage nor from a Debian "
+                       "package, so there is no package to put in its place.")},
+    {Refusal::unreachable,
+     QT_TRANSLATE_NOOP("Refusal", "The update server could not be reached: %1")},
+    {Refusal::insecure,
+     QT_TRANSLATE_NOOP("Refusal",
+                       "The update server led to an unencrypted address. Tovek did not go there.")},
+    {Refusal::badAnswer,
+     QT_TRANSLATE_NOOP("Refusal", "The update server answered with the error %1.")},
+    {Refusal::silent,
+     QT_TRANSLATE_NOOP("Refusal", "The update server stopped answering. Please try again later.")},
+    {Refusal::cutOff,
+     QT_TRANSLATE_NOOP(
+         "Refusal",
+         "The update server broke off in the middle of its answer. Please try again later.")},
+    {Refusal::tooLong,
+     QT_TRANSLATE_NOOP("Refusal",
+                       "The update server sent more than there should be. Tovek threw it away.")},
+    {Refusal::noFeed,
+     QT_TRANSLATE_NOOP("Refusal", "What the update server sent is no list of versions.")},
+    {Refusal::oldFeed,
+     QT_TRANSLATE_NOOP("Refusal",
+                       "The update server sent an older list of versions than before. Tovek does "
+                       "not trust it, since it may hide a newer version.")},
+    {Refusal::wrongLength,
+     QT_TRANSLATE_NOOP(
+         "Refusal",
+         "The downloaded file does not have the length that was announced. Tovek threw it away.")},
+    {Refusal::badSignature,
+     QT_TRANSLATE_NOOP(
+         "Refusal",
+         "The downloaded file is not signed by the makers of Tovek. Tovek threw it away.")},
+    {Refusal::noRoom, QT_TRANSLATE_NOOP("Refusal", "There is not enough room for the update: %1.")},
+    {Refusal::notWritten, QT_TRANSLATE_NOOP("Refusal", "The update could not be written: %1.")},
+    {Refusal::noInstaller,
+     QT_TRANSLATE_NOOP("Refusal",
+                       "No program on this desktop installs packages. The verified update is %1.")},
 };
-// clang-format on
 
 } // namespace
 
