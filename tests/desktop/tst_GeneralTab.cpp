@@ -67,9 +67,7 @@ private Q_SLOTS:
     {
         if (QStandardPaths::findExecutable(QStringLiteral("trayer")).isEmpty())
             QSKIP("trayer is not installed");
-        QVERIFY(m_hand->desktop->run(
-            QStringLiteral("trayer"),
-            {"--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24"}));
+        QVERIFY(startPanel());
         QVERIFY(waitUntil([&] { return hasIcon(); }));
         click(showInMenuBar);
         QVERIFY(m_hand->isAlertOpen());
@@ -148,6 +146,31 @@ private Q_SLOTS:
         QCOMPARE(m_hand->stored(QStringLiteral("updates.json")), QJsonObject());
     }
 
+    void saysInTheMenuWhyItCannotCheckForUpdates()
+    {
+        if (QStandardPaths::findExecutable(QStringLiteral("trayer")).isEmpty())
+            QSKIP("trayer is not installed");
+        QVERIFY(startPanel());
+        QVERIFY(waitUntil([&] { return hasIcon(); }));
+        hand().click(panel().center());
+        QVERIFY(waitUntil([&] { return popups().size() == 1; }));
+        const QRect menu = popups().first().native;
+        // Below the middle; the pointer rests on each row for longer than a tooltip needs.
+        const auto isToldAt = [&](int y) {
+            hand().move({menu.center().x(), y});
+            hand().move({menu.center().x() + 1, y});
+            return waitUntil([&] { return popups().size() == 2; }, 2s);
+        };
+        bool isTold = false;
+        for (int part = 45; !isTold && part < 70; part += 5)
+            isTold = isToldAt(menu.top() + menu.height() * part / 100);
+        QVERIFY(isTold);
+        hand().click(m_hand->eye->pointer());
+        QVERIFY(hand().tap("Escape"));
+        QVERIFY(waitUntil([&] { return popups().isEmpty(); }));
+        QCOMPARE(m_hand->program->lines(), QStringList());
+    }
+
 private:
     Hand &hand() const { return *m_hand->hand; }
     /// The switch of a row, on the screen.
@@ -161,15 +184,23 @@ private:
         const QColor left = m_hand->eye->pixel(place(row) - QPoint(11, 0));
         return left.hsvSaturation() > 100;
     }
-    /// The panel is as wide as the icons in it.
-    bool hasIcon() const
+    bool startPanel() const
+    {
+        return m_hand->desktop->run(
+            QStringLiteral("trayer"),
+            {"--edge", "top", "--align", "right", "--widthtype", "request", "--height", "24"});
+    }
+    QRect panel() const
     {
         for (const SeenWindow &window : m_hand->eye->windows()) {
             if (window.windowClass.compare("trayer", Qt::CaseInsensitive) == 0)
-                return window.native.width() >= 16;
+                return window.native;
         }
-        return false;
+        return {};
     }
+    /// The panel is as wide as the icons in it.
+    bool hasIcon() const { return panel().width() >= 16; }
+    QList<SeenWindow> popups() const { return m_hand->eye->overlays("tovek"); }
     static bool hides(const QString &entry)
     {
         QFile file(entry);

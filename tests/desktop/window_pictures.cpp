@@ -113,7 +113,10 @@ private:
         if (!hand.tap("Alt_L+F4") || !isAlertOpen() || !save("alert-system") || !hand.tap("Return")
             || !isBack())
             return false;
-        if (!hand.tap("Control_L+Shift_L+c") || !save("settings-recorded"))
+        const QImage recording = m_launched.eye->look();
+        if (!hand.tap("Control_L+Shift_L+c")
+            || !waitUntil([&] { return m_launched.eye->look() != recording; })
+            || !save("settings-recorded"))
             return false;
         return m_launched.activateAction("about") && m_launched.isInFront("About")
             && save("settings-about") && hand.tap("Escape");
