@@ -100,7 +100,7 @@ TesseractRecognizer::~TesseractRecognizer()
 void TesseractRecognizer::prepare()
 {
     findEngines();
-    if (m_setup.languages.isEmpty() || m_engines->count() > 0)
+    if (m_setup.languages.isEmpty() || m_setup.program.isEmpty() || m_engines->count() > 0)
         return;
     m_idle.start();
     for (int i = 0; i < m_threads.maxThreadCount(); ++i) {
@@ -121,6 +121,12 @@ QFuture<RecognitionResult> TesseractRecognizer::recognize(const QImage &image, d
         job->finish({{},
                      QStringLiteral("no text recognition model is installed; install the package "
                                     "tesseract-ocr-eng")});
+        return future;
+    }
+    if (m_setup.program.isEmpty()) {
+        job->finish({{},
+                     QStringLiteral("the program tovek-ocr is missing beside this one; install "
+                                    "Tovek again")});
         return future;
     }
     job->image = image;

@@ -6,6 +6,7 @@
 #include "platform/linux/ocr/Hyphens.h"
 #include "platform/linux/ocr/InkSegments.h"
 #include "platform/linux/ocr/LookAlikes.h"
+#include "platform/linux/ocr/PictureShapes.h"
 #include "platform/linux/ocr/Plausibility.h"
 #include "platform/linux/ocr/SharedReadings.h"
 #include "platform/linux/ocr/WordBreaks.h"
@@ -80,6 +81,7 @@ std::vector<std::vector<ReadWord>> linesOf(const Page &page,
     const double cap = usualCap(page.metrics);
     std::vector<std::vector<ReadWord>> lines;
     for (std::size_t i = 0; i < readings.size(); ++i) {
+        erasePictures(readings[i], page.metrics[i]);
         settleLookAlikes(readings[i], page.metrics[i]);
         std::vector<ReadWord> words = readWords(readings[i]);
         dropPictures(words, page.metrics[i]);
