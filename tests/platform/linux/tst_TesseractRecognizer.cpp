@@ -77,6 +77,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("family");
         QTest::addColumn<int>("pixels");
         QTest::addColumn<bool>("isDark");
+        for (const char *family : {"DejaVu Sans", "Liberation Sans", "Noto Sans",
                                    "DejaVu Sans Mono", "Liberation Mono"}) {
             for (int pixels : {10, 11, 12, 13, 14, 16}) {
                 for (bool isDark : {false, true})

@@ -85,8 +85,10 @@ std::vector<std::vector<ReadWord>> linesOf(const Page &page,
         settleLookAlikes(readings[i], page.metrics[i]);
         std::vector<ReadWord> words = readWords(readings[i]);
         dropPictures(words, page.metrics[i]);
-        if (!words.empty() && !isPictureRun(page.runs[i], words, cap))
-            lines.push_back(std::move(words));
+        if (words.empty() || isPictureRun(page.runs[i], words, cap))
+            continue;
+        makeLineHigh(words, page.metrics[i], page.ink.size);
+        lines.push_back(std::move(words));
     }
     return lines;
 }

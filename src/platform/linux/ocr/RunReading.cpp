@@ -36,6 +36,10 @@ constexpr double gapWeight = 0.5;
 constexpr double wordGap = 0.25;
 constexpr double widestGap = 0.7;
 
+/// What a line takes above and below its baseline, in cap heights.
+constexpr double lineAscent = 1.2;
+constexpr double lineDescent = 0.35;
+
 /// How wide the ink of a character usually is, in cap heights.
 double usualWidth(const QString &character)
 {
@@ -356,6 +360,18 @@ std::vector<ReadWord> readWords(const std::vector<InkSymbol> &symbols)
     }
     std::erase_if(words, [](const ReadWord &word) { return word.box.isEmpty(); });
     return words;
+}
+
+void makeLineHigh(std::vector<ReadWord> &words, const LetterMetrics &metrics, const QSize &picture)
+{
+    QRect line(0, int(std::lround(metrics.baseline - metrics.capHeight * lineAscent)), 1, 1);
+    line.setBottom(int(std::lround(metrics.baseline + metrics.capHeight * lineDescent)) - 1);
+    for (const ReadWord &word : words)
+        line |= word.box;
+    for (ReadWord &word : words) {
+        word.box.setTop(std::max(0, line.top()));
+        word.box.setBottom(std::min(picture.height() - 1, line.bottom()));
+    }
 }
 
 } // namespace tovek

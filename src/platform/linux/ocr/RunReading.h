@@ -43,4 +43,8 @@ QRect sliceOf(const QRect &box, int part, int parts);
 /// The words of a run, in order.
 std::vector<ReadWord> readWords(const std::vector<InkSymbol> &symbols);
 
+/// Gives the words of one line one top and one bottom, so that they are found on one line again
+/// whatever ascenders and descenders they have.
+void makeLineHigh(std::vector<ReadWord> &words, const LetterMetrics &metrics, const QSize &picture);
+
 } // namespace tovek

@@ -127,6 +127,21 @@ private Q_SLOTS:
                               ReadWord{"c", QRect(24, 3, 7, 7), 70}}));
     }
 
+    void givesTheWordsOfALineOneHeight()
+    {
+        std::vector<ReadWord> words{{"one", QRect(0, 23, 20, 7), 90},
+                                    {"gap", QRect(30, 23, 20, 10), 90},
+                                    {"-", QRect(60, 26, 5, 1), 90}};
+        LetterMetrics lower = metrics;
+        lower.baseline = 30;
+        makeLineHigh(words, lower, {200, 200});
+        QCOMPARE(words[0].box, QRect(0, 18, 20, 16));
+        QCOMPARE(words[1].box, QRect(30, 18, 20, 16));
+        QCOMPARE(words[2].box, QRect(60, 18, 5, 16));
+        makeLineHigh(words, lower, {200, 32});
+        QCOMPARE(words[0].box.bottom(), 31);
+    }
+
     void dropsWhatIsNoText_data()
     {
         QTest::addColumn<QString>("text");

@@ -1,0 +1,228 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+// Text on real windows, read by the program with the machine's own recogniser.
+
+#include "desktop/Session.h"
+
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QTest>
+
+using namespace tovek;
+
+namespace {
+
+constexpr const char *captureText = "Super_L+Shift_L+t";
+constexpr std::chrono::seconds patience(30);
+
+struct WordPlace
+{
+    QString text;
+    QRect box;
+};
+
+/// A desktop with windows of text, and the program with a shortcut for Capture Text.
+struct TextSession : Session
+{
+    explicit TextSession(double screenScale = 1) : Session({}, screenScale) { }
+
+    [[nodiscard]] bool startWith(const QStringList &lines, bool isDark,
+                                 const QJsonObject &more = {})
+    {
+        if (!desktop.start())
+            return fail(desktop.error());
+        const QString pixels = QString::number(int(14 * scale));
+        Program *window = desktop.run(
+            QStringLiteral(TOVEK_TEXT_WINDOW),
+            QStringList{"80", "60", "1000", "600", "DejaVu Sans", pixels, isDark ? "dark" : "light"}
+                + lines);
+        if (!window || !window->waitForLine(QStringLiteral("painted"), patience))
+            return fail(QStringLiteral("no text came"));
+        for (const QString &line : window->lines()) {
+            const QStringList parts = line.split(' ');
+            if (parts.size() == 6 && parts[0] == QLatin1String("word"))
+                words.push_back({parts[5],
+                                 QRect(parts[1].toInt(), parts[2].toInt(), parts[3].toInt(),
+                                       parts[4].toInt())});
+        }
+        return startProgram(more);
+    }
+    [[nodiscard]] bool startProgram(QJsonObject more = {})
+    {
+        more.insert(QStringLiteral("KeyboardShortcuts_captureText"),
+                    QStringLiteral("{\"carbonKeyCode\":17,\"carbonModifiers\":768}"));
+        tovek = std::make_unique<RunningTovek>(desktop, qEnvironmentVariable("TOVEK_PROGRAM"));
+        return (tovek->start(scale, more) || fail(tovek->error()))
+            && waitUntil([&] { return tovek->holds(QLatin1String(captureText)); });
+    }
+    /// Around all words, with some room.
+    QRect all() const
+    {
+        QRect box;
+        for (const WordPlace &word : words)
+            box |= word.box;
+        return box.adjusted(-12, -12, 12, 12);
+    }
+    QString copiedText()
+    {
+        ClipboardReader reader(desktop.displayName());
+        if (!isClosed() || !waitUntil([&] { return reader.hasOwner(); }, patience))
+            return {};
+        return QString::fromUtf8(reader.read(QStringLiteral("UTF8_STRING")).value_or(QByteArray()));
+    }
+    /// Whether the word is drawn on: with its highlight, once it is recognised.
+    bool isMarked(const WordPlace &word) const
+    {
+        const QImage now = tovek->eye().look(word.box);
+        return differentPixels(now, before.copy(word.box)) * 4 > now.width() * now.height();
+    }
+    bool areMarked() const
+    {
+        return std::all_of(words.begin(), words.end(),
+                           [&](const WordPlace &word) { return isMarked(word); });
+    }
+
+    std::vector<WordPlace> words;
+};
+
+const QJsonObject highlighted{{QStringLiteral("highlightText"), true}};
+
+} // namespace
+
+class TestText : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        if (const QString reason = TestDesktop::missing(); !reason.isEmpty())
+            QSKIP(qPrintable(reason));
+        if (!QFile::exists(QStringLiteral("/usr/share/tesseract-ocr/5/tessdata/eng.traineddata")))
+            QSKIP("no English recognition model is installed");
+    }
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void copiesWhatTheWindowShows_data()
+    {
+        QTest::addColumn<bool>("isDark");
+        QTest::addColumn<double>("scale");
+        QTest::newRow("light") << false << 1.0;
+        QTest::newRow("dark") << true << 1.0;
+        QTest::newRow("light, scale 2") << false << 2.0;
+        QTest::newRow("dark, scale 2") << true << 2.0;
+    }
+    void copiesWhatTheWindowShows()
+    {
+        QFETCH(bool, isDark);
+        QFETCH(double, scale);
+        const QStringList lines{QStringLiteral("Save the changes before closing?"),
+                                QStringLiteral("Your document will be lost"),
+                                QStringLiteral("if you do not save it now.")};
+        TextSession session(scale);
+        QVERIFY2(session.startWith(lines, isDark), qPrintable(session.error));
+        QVERIFY(session.open(captureText));
+        session.select(session.all().topLeft(), session.all().bottomRight());
+        QCOMPARE(session.copiedText(), lines.join('\n'));
+    }
+
+    void copiesFromATerminal()
+    {
+        const QString xterm = QStandardPaths::findExecutable(QStringLiteral("xterm"));
+        if (xterm.isEmpty())
+            QSKIP("xterm is not installed");
+        TextSession session;
+        QVERIFY2(session.desktop.start(), qPrintable(session.desktop.error()));
+        QVERIFY(session.desktop.run(
+            xterm,
+            {"-geometry", "60x8+100+100", "-fa", "DejaVu Sans Mono", "-fs", "12", "+sb", "-e", "sh",
+             "-c",
+             "printf '\\033[?25lThe build finished without errors\\nSee the log for details'; "
+             "sleep 600"}));
+        QVERIFY(session.startProgram());
+        const auto terminal = [&]() -> QRect {
+            for (const SeenWindow &window : session.tovek->eye().windows()) {
+                if (window.windowClass == QLatin1String("XTerm"))
+                    return window.native;
+            }
+            return {};
+        };
+        QVERIFY(waitUntil([&] { return !terminal().isEmpty(); }, patience));
+        QVERIFY(session.open(captureText));
+        // Below the title bar.
+        session.select(terminal().topLeft() + QPoint(4, 26), terminal().center() + QPoint(250, 0));
+        QCOMPARE(session.copiedText(),
+                 QStringLiteral("The build finished without errors\nSee the log for details"));
+    }
+
+    void saysThatThereIsNoText()
+    {
+        TextSession session;
+        QVERIFY2(session.startWith({QStringLiteral("word")}, false), qPrintable(session.error));
+        QVERIFY(session.open(captureText));
+        session.select({400, 300}, {700, 500});
+        QVERIFY(session.isClosed());
+        const auto hasToast = [&] {
+            const QList<SeenWindow> windows = session.tovek->eye().windows();
+            return std::any_of(windows.begin(), windows.end(), [](const SeenWindow &window) {
+                return window.windowClass.compare(QLatin1String("tovek"), Qt::CaseInsensitive) == 0;
+            });
+        };
+        QVERIFY(waitUntil(hasToast));
+        QVERIFY(session.tovek->waitUntilGone());
+        QVERIFY(!ClipboardReader(session.desktop.displayName()).hasOwner());
+        QVERIFY(session.tovek->program().isRunning());
+    }
+
+    void picksWordsByTheirPlaces_data()
+    {
+        QTest::addColumn<int>("from");
+        QTest::addColumn<int>("to");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("forwards") << 1 << 3 << "be or not";
+        QTest::newRow("the second to") << 4 << 4 << "to";
+        QTest::newRow("backwards over two lines") << 8 << 1 << "be or not to be\nthat is the";
+    }
+    void picksWordsByTheirPlaces()
+    {
+        QFETCH(int, from);
+        QFETCH(int, to);
+        TextSession session;
+        QVERIFY2(session.startWith(
+                     {QStringLiteral("to be or not to be"), QStringLiteral("that is the question")},
+                     false, highlighted),
+                 qPrintable(session.error));
+        QCOMPARE(session.words.size(), std::size_t(10));
+        QVERIFY(session.open());
+        session.select(session.all().topLeft(), session.all().bottomRight());
+        QVERIFY(waitUntil([&] { return session.areMarked(); }, patience));
+        session.tovek->hand().drag(session.words[std::size_t(from)].box.center(),
+                                   session.words[std::size_t(to)].box.center());
+        QVERIFY(session.tap("Control_L+c"));
+        QTEST(session.copiedText(), "expected");
+    }
+
+    void dropsTheWordsWhileTheSelectionChanges()
+    {
+        TextSession session;
+        QVERIFY2(session.startWith({QStringLiteral("these words stay")}, false, highlighted),
+                 qPrintable(session.error));
+        QVERIFY(session.open());
+        const QRect all = session.all();
+        session.select(all.topLeft(), all.bottomRight());
+        QVERIFY(waitUntil([&] { return session.areMarked(); }, patience));
+        const QPoint wider = all.bottomRight() + QPoint(60, 40);
+        session.tovek->hand().dragAndHold(all.bottomRight(), wider);
+        const auto isAnyMarked = [&] {
+            return std::any_of(session.words.begin(), session.words.end(),
+                               [&](const WordPlace &word) { return session.isMarked(word); });
+        };
+        QVERIFY(waitUntil([&] { return !isAnyMarked(); }));
+        session.tovek->hand().release();
+        QVERIFY(waitUntil([&] { return session.areMarked(); }, patience));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestText)
+#include "tst_Text.moc"
