@@ -73,7 +73,11 @@ private Q_SLOTS:
         session.tovek->hand().click(session.menu().topLeft() + inFirstItem);
         QVERIFY(waitUntil([&] { return session.tovek->covers(session.monitors()); }));
         QVERIFY(session.menu().isEmpty());
-        QCOMPARE(differentPixels(session.before, session.tovek->eye().look()), 0);
+        // The panel repaints itself as it pleases; most of the menu was below it.
+        const QRect belowPanel(0, session.roomAbove, 1280, 800 - session.roomAbove);
+        QCOMPARE(
+            differentPixels(session.before.copy(belowPanel), session.tovek->eye().look(belowPanel)),
+            0);
         QVERIFY(session.tap("Escape"));
         QVERIFY(session.isClosed());
     }
