@@ -13,7 +13,7 @@ using namespace tovek;
 
 namespace {
 
-constexpr const char *captureText = "Super_L+Shift_L+t";
+constexpr const char *captureText = RunningTovek::captureText;
 constexpr std::chrono::seconds patience(30);
 
 struct WordPlace
@@ -48,10 +48,8 @@ struct TextSession : Session
         }
         return startProgram(more);
     }
-    [[nodiscard]] bool startProgram(QJsonObject more = {})
+    [[nodiscard]] bool startProgram(const QJsonObject &more = {})
     {
-        more.insert(QStringLiteral("KeyboardShortcuts_captureText"),
-                    QStringLiteral("{\"carbonKeyCode\":17,\"carbonModifiers\":768}"));
         tovek = std::make_unique<RunningTovek>(desktop, qEnvironmentVariable("TOVEK_PROGRAM"));
         return (tovek->start(scale, more) || fail(tovek->error()))
             && waitUntil([&] { return tovek->holds(QLatin1String(captureText)); });
@@ -71,11 +69,17 @@ struct TextSession : Session
             return {};
         return QString::fromUtf8(reader.read(QStringLiteral("UTF8_STRING")).value_or(QByteArray()));
     }
-    /// Whether the word is drawn on: with its highlight, once it is recognised.
+    /// Whether the word has its blue highlight, which it gets once it is recognised. Dimming does
+    /// not change the hue.
     bool isMarked(const WordPlace &word) const
     {
         const QImage now = tovek->eye().look(word.box);
-        return differentPixels(now, before.copy(word.box)) * 4 > now.width() * now.height();
+        int blue = 0;
+        for (int y = 0; y < now.height(); ++y) {
+            for (int x = 0; x < now.width(); ++x)
+                blue += qBlue(now.pixel(x, y)) - qRed(now.pixel(x, y)) > 12;
+        }
+        return blue * 4 > now.width() * now.height();
     }
     bool areMarked() const
     {

@@ -17,10 +17,11 @@ class RunningTovek
 public:
     static constexpr const char *captureScreenshot = "Super_L+Shift_L+c";
     static constexpr const char *captureImage = "Super_L+Shift_L+i";
+    static constexpr const char *captureText = "Super_L+Shift_L+t";
 
     RunningTovek(TestDesktop &desktop, const QString &path);
 
-    /// The stored settings that hold the two shortcuts, and whatever else is given.
+    /// The stored settings that hold the three shortcuts, and whatever else is given.
     static QJsonObject settings(const QJsonObject &more = {});
     bool writeSettings(const QByteArray &bytes) const;
     /// More of its environment; set before the start.

@@ -36,6 +36,7 @@ private:
     bool select();
     bool copyToClipboard();
     bool saveFile();
+    bool copyText();
     QString out(const char *name) const { return m_out.filePath(QLatin1String(name)); }
 
     QString m_program;
@@ -117,12 +118,40 @@ bool Tour::saveFile()
         && step(copy.open(QIODevice::WriteOnly) && copy.write(png) == png.size(), "out/saved.png");
 }
 
+bool Tour::copyText()
+{
+    ClipboardReader reader(m_desktop.displayName());
+    reader.clear();
+    Program *window =
+        m_desktop.run(QStringLiteral(TOVEK_TEXT_WINDOW),
+                      {QStringLiteral("700"), QStringLiteral("60"), QStringLiteral("440"),
+                       QStringLiteral("140"), QStringLiteral("DejaVu Sans"), QStringLiteral("13"),
+                       QStringLiteral("dark"), QStringLiteral("Three files were changed today."),
+                       QStringLiteral("Copy the text of this window!")});
+    if (!step(window && window->waitForLine(QStringLiteral("painted")), "a window with text"))
+        return false;
+    const QPoint from(706, 66);
+    const QPoint to(1130, 190);
+    const bool isOpen = m_tovek->open(QLatin1String(RunningTovek::captureText), {screen});
+    if (!step(isOpen, "Super+Shift+T freezes the screen for its text"))
+        return false;
+    m_tovek->hand().drag(from, to);
+    const bool isRead = waitUntil([&] { return !m_tovek->covers({screen}) && reader.hasOwner(); },
+                                  std::chrono::seconds(30));
+    const QByteArray text = reader.read(QStringLiteral("UTF8_STRING")).value_or(QByteArray());
+    if (!step(isRead && text.contains("Copy the text"), "and copies what is written there:"))
+        return false;
+    for (const QByteArray &line : text.split('\n'))
+        std::printf("            %s\n", line.constData());
+    return true;
+}
+
 bool Tour::run()
 {
     return openDesktop() && select()
         && step(m_tovek->eye().lookWhenStill().save(out("overlay.png")), "out/overlay.png")
         && copyToClipboard() && step(m_tovek->waitUntilGone(), "no window stays behind") && select()
-        && saveFile();
+        && saveFile() && step(m_tovek->waitUntilGone(), "no window stays behind") && copyText();
 }
 
 } // namespace
