@@ -14,7 +14,7 @@ using namespace tovek;
 namespace {
 
 constexpr const char *captureText = RunningTovek::captureText;
-constexpr std::chrono::seconds patience(30);
+constexpr std::chrono::seconds patience(60);
 
 struct WordPlace
 {
