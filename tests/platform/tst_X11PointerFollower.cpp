@@ -76,8 +76,7 @@ private Q_SLOTS:
 
     void tellsFewPlacesOfManyAndTheToolkitNone()
     {
-        m_follower->start(xcb_window_t(m_window->winId()));
-        synchronise();
+        start();
         moveTo({200, 200});
         press();
         m_follower->pressed();
@@ -98,8 +97,7 @@ private Q_SLOTS:
 
     void asksOnlyWhileTheButtonIsHeld()
     {
-        m_follower->start(xcb_window_t(m_window->winId()));
-        synchronise();
+        start();
         moveTo({200, 200});
         m_follower->catchUp();
         QVERIFY(!m_follower->released());
@@ -120,8 +118,7 @@ private Q_SLOTS:
     {
         moveTo({250, 250});
         QTRY_VERIFY(m_window->moves > 0);
-        m_follower->start(xcb_window_t(m_window->winId()));
-        synchronise();
+        start();
         m_window->moves = 0;
         moveTo({210, 210});
         synchronise();
@@ -139,6 +136,12 @@ private Q_SLOTS:
 private:
     static constexpr auto interval = 16ms;
 
+    void start()
+    {
+        m_follower->start(xcb_window_t(m_window->winId()));
+        QTest::qWait(0);
+        synchronise();
+    }
     /// Returns when the server has done what the toolkit's connection asked for.
     void synchronise() const
     {

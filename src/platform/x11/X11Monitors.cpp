@@ -7,11 +7,15 @@
 #include <QTimer>
 
 #include <algorithm>
+#include <utility>
 #include <xcb/randr.h>
 
 namespace tovek {
 
 namespace {
+
+/// Windows are configured in bursts, and hardly ever while a monitor goes.
+constexpr std::chrono::milliseconds checkDelay(100);
 
 QString atomName(xcb_connection_t *connection, xcb_get_atom_name_cookie_t cookie)
 {
@@ -87,24 +91,44 @@ std::vector<X11Monitor> X11Monitors::query() const
 bool X11Monitors::nativeEventFilter(const QByteArray &, void *message, qintptr *)
 {
     const int events = m_connection->randrEvents();
-    const int type = static_cast<xcb_generic_event_t *>(message)->response_type & 0x7f;
-    const bool isRandr =
-        type == events + XCB_RANDR_SCREEN_CHANGE_NOTIFY || type == events + XCB_RANDR_NOTIFY;
-    // Monitors that are not outputs come and go with this event alone.
-    const bool isRoot = type == XCB_CONFIGURE_NOTIFY
-        && static_cast<xcb_configure_notify_event_t *>(message)->window == m_connection->root();
-    if (!events || (!isRandr && !isRoot))
+    if (!events)
         return false;
+    const int type = static_cast<xcb_generic_event_t *>(message)->response_type & 0x7f;
+    const auto *configured = static_cast<xcb_configure_notify_event_t *>(message);
+    const bool isOnRoot = type == XCB_CONFIGURE_NOTIFY && configured->event == m_connection->root();
+    // Monitors that are not outputs come and go with this event alone.
+    const bool isOfRoot = isOnRoot && configured->window == m_connection->root();
+    if (isOfRoot || type == events + XCB_RANDR_SCREEN_CHANGE_NOTIFY
+        || type == events + XCB_RANDR_NOTIFY)
+        announce();
+    else if (isOnRoot)
+        checkSoon();
+    return false;
+}
+
+void X11Monitors::announce()
+{
     m_isKnown = false;
     // One change comes as several events; and the toolkit has to see them first.
-    if (!m_isAnnouncing) {
-        m_isAnnouncing = true;
-        QTimer::singleShot(0, this, [this] {
-            m_isAnnouncing = false;
-            Q_EMIT changed();
-        });
-    }
-    return false;
+    if (std::exchange(m_isAnnouncing, true))
+        return;
+    QTimer::singleShot(0, this, [this] {
+        m_isAnnouncing = false;
+        Q_EMIT changed();
+    });
+}
+
+void X11Monitors::checkSoon()
+{
+    // While the root window reports its children too, the toolkit drops what it reports of itself
+    // when a child's follows at once.
+    if (!m_isKnown || std::exchange(m_isChecking, true))
+        return;
+    QTimer::singleShot(checkDelay, this, [this] {
+        m_isChecking = false;
+        if (m_isKnown && query() != m_list)
+            announce();
+    });
 }
 
 } // namespace tovek

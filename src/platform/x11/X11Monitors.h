@@ -41,11 +41,14 @@ Q_SIGNALS:
 private:
     bool nativeEventFilter(const QByteArray &type, void *message, qintptr *result) override;
     std::vector<X11Monitor> query() const;
+    void announce();
+    void checkSoon();
 
     std::shared_ptr<X11Connection> m_connection;
     mutable bool m_isKnown = false;
     mutable std::vector<X11Monitor> m_list;
     bool m_isAnnouncing = false;
+    bool m_isChecking = false;
 };
 
 } // namespace tovek

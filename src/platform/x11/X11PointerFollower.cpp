@@ -32,31 +32,44 @@ void X11PointerFollower::start(xcb_window_t window)
     const xcb_query_extension_reply_t *input = xcb_get_extension_data(xcb, &xcb_input_id);
     if (m_window || !input || !input->present)
         return;
+    m_window = window;
+    // Later: whoever shows an overlay has to take the keyboard first, without an answer between.
+    QTimer::singleShot(0, this, [this, window] {
+        if (m_window == window && !m_inputEvents)
+            takeFromToolkit();
+    });
+}
+
+void X11PointerFollower::takeFromToolkit()
+{
     // What the toolkit listens to is asked rather than known: it differs with the mice.
-    const auto inputEvents = xcb_input_xi_get_selected_events(xcb, window);
-    const auto attributes = xcb_get_window_attributes(xcb, window);
+    xcb_connection_t *xcb = m_connection->xcb();
+    const auto inputEvents = xcb_input_xi_get_selected_events(xcb, m_window);
+    const auto attributes = xcb_get_window_attributes(xcb, m_window);
     m_inputEvents.reset(xcb_input_xi_get_selected_events_reply(xcb, inputEvents, nullptr));
     const X11Reply<xcb_get_window_attributes_reply_t> core(
         xcb_get_window_attributes_reply(xcb, attributes, nullptr));
-    if (!m_inputEvents || !core)
+    if (!core)
+        m_inputEvents.reset();
+    if (!m_inputEvents)
         return;
-    m_window = window;
     m_coreEvents = core->your_event_mask;
     select(~inputMoves, ~coreMoves);
 }
 
 void X11PointerFollower::stop()
 {
-    if (m_window && m_connection->xcb())
+    if (m_inputEvents && m_connection->xcb())
         select(~0u, ~0u);
     m_tick.stop();
+    m_inputEvents.reset();
     m_window = 0;
 }
 
 void X11PointerFollower::pressed()
 {
     m_last.reset();
-    if (m_window)
+    if (m_inputEvents)
         m_tick.start();
 }
 

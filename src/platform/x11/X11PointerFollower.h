@@ -27,7 +27,8 @@ public:
                        std::chrono::milliseconds interval);
     ~X11PointerFollower() override;
 
-    /// The toolkit hears no moves in the window any more, until `stop`.
+    /// The toolkit hears no moves in the window from the next turn of the event loop on, until
+    /// `stop`.
     void start(xcb_window_t window);
     void stop();
 
@@ -44,13 +45,14 @@ public:
 
 private:
     using InputMasks = X11Reply<xcb_input_xi_get_selected_events_reply_t>;
+    void takeFromToolkit();
     void select(uint32_t inputFilter, uint32_t coreFilter);
 
     std::shared_ptr<X11Connection> m_connection;
     QTimer m_tick;
     xcb_window_t m_window = 0; ///< 0: stopped
-    InputMasks m_inputEvents; ///< what the toolkit listens to, in both ways
-    uint32_t m_coreEvents = 0;
+    InputMasks m_inputEvents; ///< what the toolkit listens to; null while it hears everything
+    uint32_t m_coreEvents = 0; ///< the same in the older way
     std::optional<QPoint> m_last;
 };
 
