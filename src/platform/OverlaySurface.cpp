@@ -7,6 +7,33 @@
 
 namespace tovek {
 
+namespace {
+
+/// Rectangles of which none lies inside another. Joining regions is what costs; most of what moves
+/// lies inside something else that moves with it, as the digits in their label.
+class Cover
+{
+public:
+    void add(const QRect &rect)
+    {
+        if (std::any_of(m_rects.begin(), m_rects.end(),
+                        [&rect](const QRect &known) { return known.contains(rect); }))
+            return;
+        std::erase_if(m_rects, [&rect](const QRect &known) { return rect.contains(known); });
+        m_rects.push_back(rect);
+    }
+    void addTo(QRegion &region) const
+    {
+        for (const QRect &rect : m_rects)
+            region += rect;
+    }
+
+private:
+    std::vector<QRect> m_rects;
+};
+
+} // namespace
+
 QRect boundsOf(const DisplayList::Item &item)
 {
     if (const auto *fill = std::get_if<DisplayList::Fill>(&item))
@@ -34,16 +61,18 @@ QRegion damageBetween(const DisplayList &before, const DisplayList &after)
         std::mismatch(before.items.rbegin(), std::make_reverse_iterator(firstBefore),
                       after.items.rbegin(), std::make_reverse_iterator(firstAfter));
     const bool isSameCount = before.items.size() == after.items.size();
+    Cover changed;
     auto same = firstAfter;
     for (auto item = firstBefore; item != lastBefore.base(); ++item) {
         if (!isSameCount || !(*item == *same++))
-            damage += boundsOf(*item);
+            changed.add(boundsOf(*item));
     }
     same = firstBefore;
     for (auto item = firstAfter; item != lastAfter.base(); ++item) {
         if (!isSameCount || !(*item == *same++))
-            damage += boundsOf(*item);
+            changed.add(boundsOf(*item));
     }
+    changed.addTo(damage);
     return damage;
 }
 
