@@ -7,6 +7,7 @@
 
 #include <QRegularExpression>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace tovek;
@@ -50,7 +51,7 @@ struct TextSession : Session
     }
     [[nodiscard]] bool startProgram(const QJsonObject &more = {})
     {
-        tovek = std::make_unique<RunningTovek>(desktop, qEnvironmentVariable("TOVEK_PROGRAM"));
+        tovek = std::make_unique<RunningTovek>(desktop, program);
         return (tovek->start(scale, more) || fail(tovek->error()))
             && waitUntil([&] { return tovek->holds(QLatin1String(captureText)); });
     }
@@ -81,12 +82,21 @@ struct TextSession : Session
         }
         return blue * 4 > now.width() * now.height();
     }
+    /// Once the overlays have gone.
+    bool showsToast() const
+    {
+        const QList<SeenWindow> windows = tovek->eye().windows();
+        return std::any_of(windows.begin(), windows.end(), [](const SeenWindow &window) {
+            return window.windowClass.compare(QLatin1String("tovek"), Qt::CaseInsensitive) == 0;
+        });
+    }
     bool areMarked() const
     {
         return std::all_of(words.begin(), words.end(),
                            [&](const WordPlace &word) { return isMarked(word); });
     }
 
+    QString program = qEnvironmentVariable("TOVEK_PROGRAM");
     std::vector<WordPlace> words;
 };
 
@@ -167,13 +177,101 @@ private Q_SLOTS:
         QVERIFY(session.open(captureText));
         session.select({400, 300}, {700, 500});
         QVERIFY(session.isClosed());
-        const auto hasToast = [&] {
-            const QList<SeenWindow> windows = session.tovek->eye().windows();
-            return std::any_of(windows.begin(), windows.end(), [](const SeenWindow &window) {
-                return window.windowClass.compare(QLatin1String("tovek"), Qt::CaseInsensitive) == 0;
-            });
-        };
-        QVERIFY(waitUntil(hasToast));
+        QVERIFY(waitUntil([&] { return session.showsToast(); }));
+        QVERIFY(session.tovek->waitUntilGone());
+        QVERIFY(!ClipboardReader(session.desktop.displayName()).hasOwner());
+        QVERIFY(session.tovek->program().isRunning());
+    }
+
+    void saysThatTheRecogniserIsMissing()
+    {
+        // Nothing is installed beside this copy.
+        const QTemporaryDir folder;
+        TextSession session;
+        session.program = folder.filePath(QStringLiteral("bin/tovek"));
+        QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("bin")));
+        QVERIFY(QFile::copy(qEnvironmentVariable("TOVEK_PROGRAM"), session.program));
+        QVERIFY2(session.startWith({QStringLiteral("words to read")}, false),
+                 qPrintable(session.error));
+        QVERIFY(session.open(captureText));
+        session.select(session.all().topLeft(), session.all().bottomRight());
+        QVERIFY(session.tovek->program().waitForLine(
+            QStringLiteral("OCR failed: the program tovek-ocr is missing beside this one; install "
+                           "Tovek again"),
+            patience));
+        QVERIFY(session.isClosed());
+        QVERIFY(waitUntil([&] { return session.showsToast(); }));
+        QVERIFY(session.tovek->waitUntilGone());
+        QVERIFY(!ClipboardReader(session.desktop.displayName()).hasOwner());
+        QVERIFY(session.tovek->program().isRunning());
+    }
+
+    void readsOnAfterManyCancelledSelections_data()
+    {
+        QTest::addColumn<QString>("chord");
+        QTest::newRow("of text") << QString(captureText);
+        QTest::newRow("of pictures") << QString(RunningTovek::captureScreenshot);
+    }
+    void readsOnAfterManyCancelledSelections()
+    {
+        QFETCH(QString, chord);
+        TextSession session;
+        QVERIFY2(session.startWith({QStringLiteral("never mind"), QStringLiteral("read this")},
+                                   false, highlighted),
+                 qPrintable(session.error));
+        const QRect all = session.all();
+        for (int i = 0; i < 10; ++i) {
+            QVERIFY(session.tovek->open(chord, session.monitors()));
+            session.select(all.topLeft(), all.bottomRight());
+            QVERIFY(session.tap("Escape"));
+            QVERIFY(session.isClosed());
+        }
+        QVERIFY(session.tovek->program().isRunning());
+        QVERIFY(session.open(captureText));
+        // A late answer to what was cancelled would hold the first line as well.
+        const QRect last = (session.words[2].box | session.words[3].box).adjusted(-9, -3, 9, 3);
+        session.select(last.topLeft(), last.bottomRight());
+        QCOMPARE(session.copiedText(), QStringLiteral("read this"));
+    }
+
+    void discardsSelectionsTooSmallToMean_data()
+    {
+        QTest::addColumn<QPoint>("size");
+        QTest::newRow("one pixel") << QPoint(1, 1);
+        QTest::newRow("two pixels") << QPoint(2, 2);
+        QTest::newRow("ten pixels") << QPoint(10, 10);
+        QTest::newRow("wide and flat") << QPoint(300, 10);
+        QTest::newRow("narrow and high") << QPoint(10, 300);
+    }
+    void discardsSelectionsTooSmallToMean()
+    {
+        QFETCH(QPoint, size);
+        TextSession session;
+        QVERIFY2(session.startWith({QStringLiteral("another try")}, false),
+                 qPrintable(session.error));
+        QVERIFY(session.open(captureText));
+        session.select({400, 300}, QPoint(400, 300) + size);
+        // The same overlay takes the next one.
+        session.select(session.all().topLeft(), session.all().bottomRight());
+        QCOMPARE(session.copiedText(), QStringLiteral("another try"));
+    }
+
+    void bearsTheSmallestSelections_data()
+    {
+        QTest::addColumn<QPoint>("size");
+        QTest::newRow("eleven pixels") << QPoint(11, 11);
+        QTest::newRow("twenty pixels") << QPoint(20, 20);
+        QTest::newRow("a flat strip") << QPoint(300, 11);
+    }
+    void bearsTheSmallestSelections()
+    {
+        QFETCH(QPoint, size);
+        TextSession session;
+        QVERIFY2(session.startWith({QStringLiteral("word")}, false), qPrintable(session.error));
+        QVERIFY(session.open(captureText));
+        session.select({400, 300}, QPoint(400, 300) + size);
+        QVERIFY(session.isClosed());
+        QVERIFY(waitUntil([&] { return session.showsToast(); }));
         QVERIFY(session.tovek->waitUntilGone());
         QVERIFY(!ClipboardReader(session.desktop.displayName()).hasOwner());
         QVERIFY(session.tovek->program().isRunning());
