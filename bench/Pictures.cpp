@@ -81,4 +81,34 @@ QImage windowsWithText(QSize size)
     return image;
 }
 
+QImage pageOfText(QSize size)
+{
+    constexpr int margin = 24;
+    constexpr int lineHeight = 22;
+    const QStringList words =
+        QStringLiteral("the harbour lights went out before anyone could read what was written on "
+                       "a board beside every second boat so they waited quietly for morning")
+            .split(' ');
+    std::mt19937 random(11);
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setPixelSize(14);
+    painter.setFont(font);
+    painter.setPen(QColor(25, 25, 25));
+    const QFontMetrics metrics(font);
+    for (int y = margin + lineHeight; y < size.height() - margin; y += lineHeight) {
+        QString line;
+        for (;;) {
+            const QString longer = line + words[qsizetype(random() % quint32(words.size()))] + ' ';
+            if (metrics.horizontalAdvance(longer) > size.width() - 2 * margin)
+                break;
+            line = longer;
+        }
+        painter.drawText(margin, y, line);
+    }
+    return image;
+}
+
 } // namespace tovek::bench

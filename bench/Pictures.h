@@ -15,4 +15,7 @@ QImage photographicNoise(QSize size);
 /// QGuiApplication.
 QImage windowsWithText(QSize size);
 
+/// Sentences all over the picture, dark on white, no two lines the same. Needs a QGuiApplication.
+QImage pageOfText(QSize size);
+
 } // namespace tovek::bench

@@ -51,6 +51,12 @@ qint64 cpuNanoseconds(pid_t process)
     return time.tv_sec * 1'000'000'000LL + time.tv_nsec;
 }
 
+qint64 mainThreadNanoseconds(pid_t process)
+{
+    const auto lines = linesOf(QStringLiteral("/proc/%1/task/%1/schedstat").arg(process));
+    return lines.value(0).split(' ').value(0).toLongLong();
+}
+
 Switches switchesOf(pid_t process)
 {
     const QString folder = QStringLiteral("/proc/%1/task").arg(process);

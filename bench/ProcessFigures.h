@@ -14,6 +14,10 @@ namespace tovek::bench {
 /// What all threads of another process have used of the processors, those that ended included.
 qint64 cpuNanoseconds(pid_t process);
 
+/// What the main thread alone has used. Exact while the thread sleeps, else up to one clock tick
+/// late.
+qint64 mainThreadNanoseconds(pid_t process);
+
 /// How often each thread was put on a processor so far, by its id.
 using Switches = std::map<QString, qint64>;
 Switches switchesOf(pid_t process);

@@ -4,7 +4,6 @@
 #include "Stage.h"
 
 #include "Measure.h"
-#include "Pictures.h"
 #include "support/Eye.h"
 #include "support/RunningTovek.h"
 
@@ -84,14 +83,16 @@ void waitFor(std::chrono::microseconds time)
     std::this_thread::sleep_for(time);
 }
 
-Stage::Stage(QSize size) : m_size(size), m_desktop({.size = size, .monitors = {}})
+Stage::Stage(const QImage &picture, const QJsonObject &more)
+    : m_size(picture.size())
+    , m_desktop({.size = m_size, .monitors = {}})
 {
     if (!m_desktop.start())
         giveUp(m_desktop.error());
-    m_scene = std::make_unique<Scene>(m_desktop.displayName(), photographicNoise(size));
+    m_scene = std::make_unique<Scene>(m_desktop.displayName(), picture);
     m_reader = std::make_unique<SelectionReader>(m_desktop.displayName().toLatin1());
     const RunningTovek settings(m_desktop, {});
-    if (!settings.writeSettings(QJsonDocument(RunningTovek::settings()).toJson()))
+    if (!settings.writeSettings(QJsonDocument(RunningTovek::settings(more)).toJson()))
         giveUp(QStringLiteral("the settings cannot be written"));
 }
 

@@ -8,6 +8,8 @@
 #include "support/SelectionReader.h"
 #include "support/TestDesktop.h"
 
+#include <QJsonObject>
+
 namespace tovek::bench {
 
 enum class Subject { tovek, floor };
@@ -18,7 +20,8 @@ enum class Subject { tovek, floor };
 class Stage
 {
 public:
-    explicit Stage(QSize size);
+    /// The picture is the whole desktop. The settings come on top of the shortcuts.
+    explicit Stage(const QImage &picture, const QJsonObject &settings = {});
 
     /// The milliseconds until its key was taken (the floor's: until it said so).
     double start(Subject subject);
@@ -49,6 +52,7 @@ public:
     pid_t pid(Subject subject) const;
     Memory memory(Subject subject);
     Scene &scene() { return *m_scene; }
+    QString displayName() const { return m_desktop.displayName(); }
     QSize size() const { return m_size; }
 
 private:

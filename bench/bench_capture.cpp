@@ -6,10 +6,12 @@
 // turns, so that a busy machine hits both.
 //
 // bench_capture [CASE]...
-//   open first drag copy save start idle used; all of them by default
+//   open first drag copy save start idle used text; all of them by default
 // TOVEK_PROGRAM names another build of the program.
 
 #include "Measure.h"
+#include "Pictures.h"
+#include "Responsiveness.h"
 #include "Stage.h"
 
 #include <QGuiApplication>
@@ -261,8 +263,8 @@ int main(int argc, char **argv)
     const auto isChosen = [&](const char *name) {
         return chosen.isEmpty() || chosen.contains(QLatin1String(name));
     };
-    std::unique_ptr<Stage> stages[]{std::make_unique<Stage>(fullHd),
-                                    std::make_unique<Stage>(ultraHd)};
+    std::unique_ptr<Stage> stages[]{std::make_unique<Stage>(photographicNoise(fullHd)),
+                                    std::make_unique<Stage>(photographicNoise(ultraHd))};
     const auto onEach = [&](const char *name, const char *title, const char *unit, auto measure) {
         if (!isChosen(name))
             return;
@@ -295,5 +297,8 @@ int main(int argc, char **argv)
         idle(*stages[0]);
     if (isChosen("used"))
         idleInUse(*stages[0]);
+    stages[0].reset();
+    if (isChosen("text"))
+        printResponsiveness({fullHd, ultraHd});
     return 0;
 }
