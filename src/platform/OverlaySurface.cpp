@@ -9,27 +9,38 @@ namespace tovek {
 
 namespace {
 
-/// Rectangles of which none lies inside another. Joining regions is what costs; most of what moves
-/// lies inside something else that moves with it, as the digits in their label.
-class Cover
+/// A region of more rectangles than this costs more than painting everything between them: each
+/// one is cut against all others, here and in the display server, for each item again.
+constexpr size_t mostRectangles = 64;
+
+/// What changed items cover. Joining regions costs too, and most of what moves lies inside
+/// something else that moves with it, as the digits in their label.
+class Damage
 {
 public:
     void add(const QRect &rect)
     {
-        if (std::any_of(m_rects.begin(), m_rects.end(),
-                        [&rect](const QRect &known) { return known.contains(rect); }))
+        m_bounds |= rect;
+        if (m_rects.size() > mostRectangles
+            || std::any_of(m_rects.begin(), m_rects.end(),
+                           [&rect](const QRect &known) { return known.contains(rect); }))
             return;
         std::erase_if(m_rects, [&rect](const QRect &known) { return rect.contains(known); });
         m_rects.push_back(rect);
     }
-    void addTo(QRegion &region) const
+    QRegion region() const
     {
+        if (m_rects.size() > mostRectangles)
+            return m_bounds;
+        QRegion region;
         for (const QRect &rect : m_rects)
             region += rect;
+        return region;
     }
 
 private:
-    std::vector<QRect> m_rects;
+    std::vector<QRect> m_rects; ///< none lies inside another
+    QRect m_bounds;
 };
 
 } // namespace
@@ -61,19 +72,18 @@ QRegion damageBetween(const DisplayList &before, const DisplayList &after)
         std::mismatch(before.items.rbegin(), std::make_reverse_iterator(firstBefore),
                       after.items.rbegin(), std::make_reverse_iterator(firstAfter));
     const bool isSameCount = before.items.size() == after.items.size();
-    Cover changed;
+    Damage items;
     auto same = firstAfter;
     for (auto item = firstBefore; item != lastBefore.base(); ++item) {
         if (!isSameCount || !(*item == *same++))
-            changed.add(boundsOf(*item));
+            items.add(boundsOf(*item));
     }
     same = firstBefore;
     for (auto item = firstAfter; item != lastAfter.base(); ++item) {
         if (!isSameCount || !(*item == *same++))
-            changed.add(boundsOf(*item));
+            items.add(boundsOf(*item));
     }
-    changed.addTo(damage);
-    return damage;
+    return damage + items.region();
 }
 
 } // namespace tovek

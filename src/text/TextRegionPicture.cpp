@@ -5,6 +5,8 @@
 
 #include "foundation/SystemColors.h"
 
+#include <QVarLengthArray>
+
 #include <cmath>
 
 namespace tovek {
@@ -19,18 +21,21 @@ struct Stretch
     double coverage = 0;
 };
 
-std::vector<Stretch> stretches(double low, double high)
+/// There may be thousands of words in one picture: nothing is allocated for a single edge.
+using Stretches = QVarLengthArray<Stretch, 4>;
+
+Stretches stretches(double low, double high)
 {
     // Positions that miss a pixel by a rounding error hit it.
     constexpr double precision = 1e-4;
-    std::vector<Stretch> result;
+    Stretches result;
     for (int x = int(std::floor(low + precision)); x < high - precision;) {
         const int whole = int(std::floor(high + precision)) - x;
         const bool isPartial = x < low - precision || whole < 1;
         const int length = isPartial ? 1 : whole;
         double coverage = std::min(high, double(x + length)) - std::max(low, double(x));
         coverage = isPartial ? coverage : 1.0;
-        if (!result.empty() && std::abs(result.back().coverage - coverage) < precision)
+        if (!result.isEmpty() && std::abs(result.back().coverage - coverage) < precision)
             result.back().length += length;
         else
             result.push_back({x, length, coverage});
@@ -42,8 +47,9 @@ std::vector<Stretch> stretches(double low, double high)
 void fill(const QRectF &rect, double alpha, std::vector<DisplayList::Item> &items)
 {
     const QColor &blue = SystemColors::blue;
+    const Stretches columns = stretches(rect.left(), rect.right());
     for (const Stretch &row : stretches(rect.top(), rect.bottom())) {
-        for (const Stretch &column : stretches(rect.left(), rect.right())) {
+        for (const Stretch &column : columns) {
             const int a = qRound(255 * alpha * row.coverage * column.coverage);
             items.push_back(
                 DisplayList::Fill{QRect(column.from, row.from, column.length, row.length),

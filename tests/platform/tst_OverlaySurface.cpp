@@ -39,6 +39,16 @@ QImage painted(const DisplayList &list)
     return image;
 }
 
+/// Apart from each other, in rows of a hundred.
+DisplayList manyFills(int count)
+{
+    DisplayList list;
+    for (int i = 0; i < count; ++i)
+        list.items.push_back(
+            DisplayList::Fill{QRect(i % 100 * 30, i / 100 * 20, 20, 10), 0x20000080});
+    return list;
+}
+
 int area(const QRegion &region)
 {
     int pixels = 0;
@@ -115,6 +125,25 @@ private Q_SLOTS:
             }
         }
         QCOMPARE_LE(area(damage), most);
+    }
+
+    void staysSimpleHoweverMuchDiffers_data()
+    {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<int>("rectangles");
+        QTest::newRow("few") << 3 << 3;
+        QTest::newRow("as many as are kept apart") << 64 << 64;
+        QTest::newRow("one more") << 65 << 1;
+        QTest::newRow("a page of words") << 20000 << 1;
+    }
+    void staysSimpleHoweverMuchDiffers()
+    {
+        QFETCH(int, count);
+        QTEST(int((damageBetween({}, manyFills(count)).rectCount())), "rectangles");
+        QTEST(int((damageBetween(manyFills(count), {}).rectCount())), "rectangles");
+        const QRegion damage = damageBetween({}, manyFills(count));
+        for (const DisplayList::Item &item : manyFills(count).items)
+            QVERIFY((QRegion(boundsOf(item)) - damage).isEmpty());
     }
 };
 
