@@ -385,8 +385,9 @@ OverlayPicture SelectionOverlayView::picture()
         picture.content = m_annotationLayer.items(annotations, m_space, *m_state.selectionRect);
     if (m_textRegionOverlay) {
         const Rect &selection = *m_state.selectionRect;
-        const auto items = m_textRegionOverlay->items(m_space, {selection.x, selection.y});
-        picture.content.insert(picture.content.end(), items.begin(), items.end());
+        auto items = m_textRegionOverlay->items(m_space, {selection.x, selection.y});
+        picture.content.insert(picture.content.end(), std::make_move_iterator(items.begin()),
+                               std::make_move_iterator(items.end()));
     }
     return picture;
 }

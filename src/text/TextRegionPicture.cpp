@@ -89,7 +89,11 @@ TextRegionLook lookOf(const TextSelection &selection, int index, bool highlightT
 std::vector<DisplayList::Item> textRegionItems(const TextSelection &selection, bool highlightText,
                                                const ViewSpace &space, Point origin)
 {
+    // A word on whole pixels takes nine: its inside, and an edge with soft corners around it.
+    constexpr std::size_t usualItems = 9;
     std::vector<DisplayList::Item> items;
+    if (highlightText)
+        items.reserve(usualItems * selection.textRegions.size());
     for (int i = 0; i < int(selection.textRegions.size()); ++i) {
         const TextRegionLook look = lookOf(selection, i, highlightText);
         if (!look.isVisible())
