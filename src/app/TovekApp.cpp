@@ -85,14 +85,17 @@ void TovekApp::bringForward()
         SettingsWindow &window = *m_settingsWindow;
         const auto screens = m_platform.screens->all();
         if (const auto target = targetScreen(*m_platform.screens); target && !screens.empty()) {
+            // The toolkit counts from the desktop's corner, we from the first screen's.
+            const QPoint first = screens.front().native.topLeft();
             const ViewSpace global{screens.front().frame.size(), 1};
             const QRect place = window.isVisible() ? window.frameGeometry()
                                                    : QRect(QPoint(-10000, 0), window.size());
-            const Point corner = global.pointFromWidget(QPointF(place.bottomLeft() + QPoint(0, 1)));
+            const Point corner =
+                global.pointFromWidget(QPointF(place.bottomLeft() + QPoint(0, 1) - first));
             const Rect frame{corner.x, corner.y, double(place.width()), double(place.height())};
             if (const auto origin = originOnScreen(frame, *target)) {
                 const Point topLeft{origin->x, origin->y + frame.height};
-                window.move(global.widgetFromPoint(topLeft).toPoint());
+                window.move(global.widgetFromPoint(topLeft).toPoint() + first);
             }
         }
         window.winId();

@@ -18,6 +18,16 @@ public:
     }
     Point mouseLocation() const override { return mouse; }
 
+    /// The monitors are these from now on, their native pixels where their frames put them.
+    void change(std::vector<Screen> now)
+    {
+        for (Screen &screen : now)
+            screen.native.moveTop(qRound(now.front().frame.maxY() - screen.frame.maxY()));
+        screens = std::move(now);
+        if (onChanged)
+            onChanged();
+    }
+
     /// A screen of this place and size in points whose native pixels follow from the scale.
     static Screen screen(quint32 id, Rect frame, double scale = 1)
     {

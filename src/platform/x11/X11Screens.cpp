@@ -70,14 +70,15 @@ std::vector<Screen> X11Screens::all() const
     }
     const std::vector<X11Monitor> &monitors = m_monitors->list();
     std::vector<Screen> screens;
+    QPointF origin;
     for (const X11Monitor &monitor : monitors) {
         const double scale = scaleOf(monitor.name);
-        const double firstHeight =
-            screens.empty() ? monitor.native.height() / scale : screens.front().frame.height;
+        if (screens.empty())
+            origin = monitor.native.topLeft() + QPointF(0, monitor.native.height() / scale);
         const QRect visible = withoutPanels(monitor.native, m_panels);
-        screens.push_back(
-            {monitor.id, monitor.name, frameOf(monitor.native, monitor.native, scale, firstHeight),
-             frameOf(visible, monitor.native, scale, firstHeight), monitor.native, scale});
+        screens.push_back({monitor.id, monitor.name,
+                           frameOf(monitor.native, monitor.native, scale, origin),
+                           frameOf(visible, monitor.native, scale, origin), monitor.native, scale});
     }
     return screens;
 }
@@ -179,12 +180,12 @@ QRect withoutPanels(QRect monitor, const std::vector<QRect> &panels)
     return rest;
 }
 
-Rect frameOf(QRect native, QRect monitor, double scale, double firstHeight)
+Rect frameOf(QRect native, QRect monitor, double scale, QPointF origin)
 {
+    const double left = monitor.x() + (native.x() - monitor.x()) / scale;
     const double top = monitor.y() + (native.y() - monitor.y()) / scale;
     const double height = native.height() / scale;
-    return {monitor.x() + (native.x() - monitor.x()) / scale, firstHeight - top - height,
-            native.width() / scale, height};
+    return {left - origin.x(), origin.y() - top - height, native.width() / scale, height};
 }
 
 } // namespace tovek

@@ -9,7 +9,8 @@
 namespace tovek {
 
 /// The monitors in native pixels, with the scales the toolkit uses for them. Frames keep their
-/// origins in native pixels and divide their sizes, like the toolkit's, so that they never overlap.
+/// distances in native pixels and divide their sizes, like the toolkit's, so that they never
+/// overlap.
 class X11Screens : public QObject, public Screens, private QAbstractNativeEventFilter
 {
 public:
@@ -34,7 +35,7 @@ private:
 QRect withoutPanels(QRect monitor, const std::vector<QRect> &panels);
 
 /// The frame that belongs to a rectangle inside a monitor: points, y up.
-/// `firstHeight`: the first screen's height in points.
-Rect frameOf(QRect native, QRect monitor, double scale, double firstHeight);
+/// `origin`: the first screen's bottom left corner as the toolkit places it, y down.
+Rect frameOf(QRect native, QRect monitor, double scale, QPointF origin);
 
 } // namespace tovek
