@@ -31,17 +31,19 @@ std::optional<ShareableContent> FakeScreenGrabber::shareableContent()
     ShareableContent content;
     for (const auto &[id, image] : images)
         content.displays.push_back({id, image.rect()});
+    content.snapshot = std::make_shared<std::map<quint32, QImage>>(images);
     return content;
 }
 
-QFuture<ScreenGrabber::Result> FakeScreenGrabber::capture(const ShareableContent &,
+QFuture<ScreenGrabber::Result> FakeScreenGrabber::capture(const ShareableContent &content,
                                                           const CaptureDisplay &display,
                                                           const std::vector<quint32> &)
 {
     const auto held = m_held.find(display.displayId);
     if (held == m_held.end())
-        return ready(resultFor(display.displayId));
+        return ready(resultFor(content, display.displayId));
     held->second = std::make_shared<Held>();
+    held->second->content = content;
     held->second->promise.start();
     return held->second->promise.future();
 }
@@ -50,7 +52,7 @@ void FakeScreenGrabber::finish(quint32 displayId)
 {
     const std::shared_ptr<Held> held = m_held.at(displayId);
     m_held.erase(displayId);
-    held->promise.addResult(resultFor(displayId));
+    held->promise.addResult(resultFor(held->content, displayId));
     held->promise.finish();
 }
 
@@ -65,11 +67,15 @@ std::shared_ptr<FrozenDisplay> FakeScreenGrabber::frozenFromImage(const QImage &
     return std::make_shared<FakeFrozenDisplay>(image);
 }
 
-ScreenGrabber::Result FakeScreenGrabber::resultFor(quint32 displayId) const
+ScreenGrabber::Result FakeScreenGrabber::resultFor(const ShareableContent &content,
+                                                   quint32 displayId) const
 {
     if (const auto error = errors.find(displayId); error != errors.end())
         return {nullptr, error->second};
-    return {std::make_shared<FakeFrozenDisplay>(images.at(displayId)), {}};
+    const auto *snapshot = static_cast<std::map<quint32, QImage> *>(content.snapshot.get());
+    if (!snapshot || !snapshot->contains(displayId))
+        return {nullptr, QStringLiteral("the display is not part of the content")};
+    return {std::make_shared<FakeFrozenDisplay>(snapshot->at(displayId)), {}};
 }
 
 } // namespace tovek

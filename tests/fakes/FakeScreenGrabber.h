@@ -15,7 +15,10 @@ namespace tovek {
 class FakeFrozenDisplay : public FrozenDisplay
 {
 public:
-    explicit FakeFrozenDisplay(QImage image) : m_image(std::move(image)) { }
+    explicit FakeFrozenDisplay(const QImage &image)
+        : m_image(image.convertToFormat(QImage::Format_RGB32))
+    {
+    }
     QSize size() const override { return m_image.size(); }
     QFuture<QImage> pixels() override;
 
@@ -23,7 +26,7 @@ private:
     QImage m_image;
 };
 
-/// Grabs what the test gave it: an image a display.
+/// Grabs what the test gave it: an image a display, as it is when the content is asked for.
 class FakeScreenGrabber : public ScreenGrabber
 {
 public:
@@ -49,8 +52,9 @@ private:
     struct Held
     {
         QPromise<Result> promise;
+        ShareableContent content;
     };
-    Result resultFor(quint32 displayId) const;
+    Result resultFor(const ShareableContent &content, quint32 displayId) const;
 
     std::map<quint32, std::shared_ptr<Held>> m_held;
 };

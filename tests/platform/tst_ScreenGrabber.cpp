@@ -1,0 +1,270 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "X11TestDesktop.h"
+#include "fakes/FakeScreenGrabber.h"
+#include "platform/x11/X11ScreenGrabber.h"
+
+#include <QGuiApplication>
+#include <QTest>
+
+using namespace tovek;
+
+namespace {
+
+X11TestDesktop *desktop = nullptr;
+
+/// Two monitors of 640 x 768 and 726 x 600 pixels, and what they show.
+class Desk
+{
+public:
+    virtual ~Desk() = default;
+    virtual ScreenGrabber &grabber() = 0;
+    /// What a person sees there now, as RGB32.
+    virtual QImage look(const CaptureDisplay &display) = 0;
+    /// Gives a few pixels of every monitor this colour.
+    virtual void paint(QRgb color) = 0;
+};
+
+class FakeDesk : public Desk
+{
+public:
+    FakeDesk()
+    {
+        m_grabber.images[1] = QImage(640, 768, QImage::Format_RGB32);
+        m_grabber.images[2] = QImage(726, 600, QImage::Format_RGB32);
+        for (auto &[id, image] : m_grabber.images)
+            image.fill(id * 1000);
+        paint(0xff111111);
+    }
+    ScreenGrabber &grabber() override { return m_grabber; }
+    QImage look(const CaptureDisplay &display) override
+    {
+        // The fallback knows of one picture at a time.
+        m_grabber.fallbackImage = m_grabber.images.at(display.displayId);
+        return m_grabber.fallbackImage;
+    }
+    void paint(QRgb color) override
+    {
+        for (auto &[id, image] : m_grabber.images)
+            image.setPixel(70, 80, color);
+    }
+
+private:
+    FakeScreenGrabber m_grabber;
+};
+
+class X11Desk : public Desk
+{
+public:
+    X11Desk()
+        : m_connection(X11Connection::create())
+        , m_grabber(m_connection, std::make_shared<X11Monitors>(m_connection))
+    {
+    }
+    ScreenGrabber &grabber() override { return m_grabber; }
+    QImage look(const CaptureDisplay &display) override { return desktop->look(display.native); }
+    void paint(QRgb color) override
+    {
+        desktop->fill(desktop->window(), QRect(30, 20, 9, 9), color & RGB_MASK);
+        desktop->fill(desktop->screen().root, QRect(710, 180, 9, 9), color & RGB_MASK);
+    }
+
+private:
+    std::shared_ptr<X11Connection> m_connection;
+    X11ScreenGrabber m_grabber;
+};
+
+} // namespace
+
+/// What every implementation of the grabber and of its frozen displays keeps to.
+class TestScreenGrabber : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase_data()
+    {
+        QTest::addColumn<bool>("isReal");
+        QTest::newRow("fake") << false;
+        if (desktop)
+            QTest::newRow("x11") << true;
+        else
+            qInfo("The X11 ones are left out: Xvfb or xrandr is missing");
+    }
+
+    void init()
+    {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        QFETCH_GLOBAL(bool, isReal);
+        if (isReal)
+            m_desk = std::make_unique<X11Desk>();
+        else
+            m_desk = std::make_unique<FakeDesk>();
+        m_desk->paint(0xff224466);
+    }
+    void cleanup() { m_desk.reset(); }
+
+    void listsTheDisplays()
+    {
+        const auto content = grabber().shareableContent();
+        QVERIFY(content);
+        QCOMPARE(content->displays.size(), size_t(2));
+        QVERIFY(content->displays[0].displayId != content->displays[1].displayId);
+        QCOMPARE(content->displays[0].native.size(), QSize(640, 768));
+        QCOMPARE(content->displays[1].native.size(), QSize(726, 600));
+    }
+
+    void givesTheNativePixelsAsTheyAre_data()
+    {
+        QTest::addColumn<int>("preparations");
+        QTest::newRow("unprepared") << 0;
+        QTest::newRow("prepared") << 1;
+        QTest::newRow("prepared more than once") << 3;
+    }
+    void givesTheNativePixelsAsTheyAre()
+    {
+        QFETCH(int, preparations);
+        for (int count = 0; count < preparations; ++count)
+            grabber().prepare();
+        const auto content = grabber().shareableContent();
+        QVERIFY(content);
+        for (const CaptureDisplay &display : content->displays) {
+            const auto frozen = freeze(*content, display);
+            QVERIFY(frozen);
+            QCOMPARE(frozen->size(), display.native.size());
+            const QImage pixels = frozen->pixels().result();
+            QCOMPARE(pixels.format(), QImage::Format_RGB32);
+            QCOMPARE(pixels, m_desk->look(display));
+            QCOMPARE(frozen->pixels().result(), pixels);
+        }
+    }
+
+    void showsTheInstantOfTheContentInEveryCapture()
+    {
+        const auto content = grabber().shareableContent();
+        QVERIFY(content);
+        std::vector<QImage> before;
+        for (const CaptureDisplay &display : content->displays)
+            before.push_back(m_desk->look(display));
+        for (size_t index = 0; index < before.size(); ++index) {
+            m_desk->paint(index ? 0xff00ff00 : 0xffff0000);
+            const CaptureDisplay &display = content->displays[index];
+            QVERIFY(m_desk->look(display) != before[index]);
+            const auto frozen = freeze(*content, display);
+            QVERIFY(frozen);
+            QCOMPARE(frozen->pixels().result(), before[index]);
+        }
+    }
+
+    void keepsThePixelsWhateverHappensOnTheScreen_data()
+    {
+        QTest::addColumn<bool>("isAskedBefore");
+        QTest::newRow("asked for before the change") << true;
+        QTest::newRow("asked for after the change") << false;
+    }
+    void keepsThePixelsWhateverHappensOnTheScreen()
+    {
+        QFETCH(bool, isAskedBefore);
+        auto content = grabber().shareableContent();
+        QVERIFY(content);
+        const CaptureDisplay display = content->displays.front();
+        const QImage before = m_desk->look(display);
+        const auto frozen = freeze(*content, display);
+        QVERIFY(frozen);
+        if (isAskedBefore)
+            QCOMPARE(frozen->pixels().result(), before);
+        content.reset();
+        m_desk->paint(0xffff0000);
+        QVERIFY(m_desk->look(display) != before);
+        QCOMPARE(frozen->pixels().result(), before);
+    }
+
+    void keepsTwoCapturesApart()
+    {
+        const auto firstContent = grabber().shareableContent();
+        QVERIFY(firstContent);
+        const CaptureDisplay display = firstContent->displays.front();
+        const QImage firstLook = m_desk->look(display);
+        auto first = freeze(*firstContent, display);
+        m_desk->paint(0xffff0000);
+        const QImage secondLook = m_desk->look(display);
+        const auto secondContent = grabber().shareableContent();
+        QVERIFY(secondContent);
+        const auto second = freeze(*secondContent, display);
+        QVERIFY(first && second);
+        QCOMPARE(first->pixels().result(), firstLook);
+        first.reset();
+        QCOMPARE(second->pixels().result(), secondLook);
+        QVERIFY(firstLook != secondLook);
+    }
+
+    void saysWhyADisplayOutsideOfTheContentFails()
+    {
+        const auto content = grabber().shareableContent();
+        QVERIFY(content);
+        const auto unknown = grabber().capture(*content, {12345, QRect(0, 0, 9, 9)}, {}).result();
+        QVERIFY(!unknown.frozen);
+        QVERIFY(!unknown.error.isEmpty());
+        const auto empty = grabber().capture({}, content->displays.front(), {}).result();
+        QVERIFY(!empty.frozen);
+        QVERIFY(!empty.error.isEmpty());
+    }
+
+    void fallsBackToTheLiveDesktop()
+    {
+        const auto content = grabber().shareableContent();
+        QVERIFY(content);
+        m_desk->paint(0xffff0000);
+        for (const CaptureDisplay &display : content->displays) {
+            const QImage now = m_desk->look(display);
+            QCOMPARE(grabber().captureFallback(display.native, {}), now);
+        }
+    }
+
+    void makesAFrozenDisplayOfAnImage()
+    {
+        QImage image(30, 20, QImage::Format_ARGB32_Premultiplied);
+        image.fill(0xff336699);
+        image.setPixel(3, 4, 0xffffee11);
+        const auto frozen = grabber().frozenFromImage(image);
+        QVERIFY(frozen);
+        image.fill(0xff000000);
+        QCOMPARE(frozen->size(), QSize(30, 20));
+        const QImage pixels = frozen->pixels().result();
+        QCOMPARE(pixels.format(), QImage::Format_RGB32);
+        QCOMPARE(pixels.size(), frozen->size());
+        QCOMPARE(pixels.pixel(0, 0), 0xff336699);
+        QCOMPARE(pixels.pixel(3, 4), 0xffffee11);
+    }
+
+private:
+    ScreenGrabber &grabber() { return m_desk->grabber(); }
+    std::shared_ptr<FrozenDisplay> freeze(const ShareableContent &content,
+                                          const CaptureDisplay &display)
+    {
+        const auto result = grabber().capture(content, display, {}).result();
+        if (!result.error.isEmpty())
+            qWarning("%s", qPrintable(result.error));
+        return result.frozen;
+    }
+
+    std::unique_ptr<Desk> m_desk;
+};
+
+int main(int argc, char **argv)
+{
+    X11TestDesktop server;
+    if (server.start(QSize(1366, 768), 24)
+        && server.setMonitor("*Left", "640/200x768/200+0+0", "screen")
+        && server.setMonitor("Right", "726/200x600/200+640+100")) {
+        desktop = &server;
+        qputenv("DISPLAY", server.displayName());
+        qputenv("QT_QPA_PLATFORM", "xcb");
+    }
+    QGuiApplication application(argc, argv);
+    TestScreenGrabber test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_ScreenGrabber.moc"
