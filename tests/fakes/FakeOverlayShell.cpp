@@ -5,9 +5,11 @@
 
 namespace tovek {
 
-FakeOverlaySurface::FakeOverlaySurface(FakeOverlayShell &shell, Screen screen)
+FakeOverlaySurface::FakeOverlaySurface(FakeOverlayShell &shell, Screen screen,
+                                       std::shared_ptr<FrozenDisplay> frozen)
     : m_shell(shell)
     , m_screen(std::move(screen))
+    , m_frozen(std::move(frozen))
 {
     m_shell.surfaces.push_back(this);
 }
@@ -23,16 +25,27 @@ void FakeOverlaySurface::orderFrontRegardless()
 {
     m_isVisible = true;
     m_shell.events << QStringLiteral("front %1").arg(m_screen.displayId.value_or(0));
+    if (std::exchange(m_wantsKey, false))
+        makeKey();
 }
 
 void FakeOverlaySurface::orderOut()
 {
+    if (!m_isVisible)
+        return;
     m_isVisible = false;
+    m_frozen.reset();
+    if (m_shell.keySurface == this)
+        m_shell.keySurface = nullptr;
     m_shell.events << QStringLiteral("out %1").arg(m_screen.displayId.value_or(0));
 }
 
 void FakeOverlaySurface::makeKey()
 {
+    if (!m_isVisible) {
+        m_wantsKey = true;
+        return;
+    }
     m_shell.keySurface = this;
     m_shell.events << QStringLiteral("key %1").arg(m_screen.displayId.value_or(0));
 }
@@ -48,10 +61,18 @@ bool FakeOverlaySurface::present(const DisplayList &list)
     return m_shell.draws;
 }
 
-std::unique_ptr<OverlaySurface> FakeOverlayShell::create(QWindow &, const Screen &screen,
-                                                         std::shared_ptr<FrozenDisplay>)
+void FakeOverlaySurface::loseScreen()
 {
-    return std::make_unique<FakeOverlaySurface>(*this, screen);
+    const bool wasVisible = m_isVisible;
+    orderOut();
+    if (wasVisible && onScreenGone)
+        onScreenGone();
+}
+
+std::unique_ptr<OverlaySurface> FakeOverlayShell::create(QWindow &, const Screen &screen,
+                                                         std::shared_ptr<FrozenDisplay> frozen)
+{
+    return std::make_unique<FakeOverlaySurface>(*this, screen, std::move(frozen));
 }
 
 } // namespace tovek

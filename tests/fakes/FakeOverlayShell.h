@@ -15,7 +15,8 @@ class FakeOverlayShell;
 class FakeOverlaySurface : public OverlaySurface
 {
 public:
-    FakeOverlaySurface(FakeOverlayShell &shell, Screen screen);
+    FakeOverlaySurface(FakeOverlayShell &shell, Screen screen,
+                       std::shared_ptr<FrozenDisplay> frozen);
     ~FakeOverlaySurface() override;
     void orderFrontRegardless() override;
     void orderOut() override;
@@ -27,6 +28,10 @@ public:
     void setFollowsPointer(bool isOn) override { followsPointer = isOn; }
 
     const Screen &screen() const { return m_screen; }
+    /// What lies below everything presented; null after the surface was ordered out.
+    const std::shared_ptr<FrozenDisplay> &frozen() const { return m_frozen; }
+    /// The monitor was unplugged.
+    void loseScreen();
 
     std::vector<DisplayList> presented;
     QRegion covered;
@@ -35,7 +40,9 @@ public:
 private:
     FakeOverlayShell &m_shell;
     Screen m_screen;
+    std::shared_ptr<FrozenDisplay> m_frozen;
     bool m_isVisible = false;
+    bool m_wantsKey = false;
 };
 
 class FakeOverlayShell : public OverlayShell
