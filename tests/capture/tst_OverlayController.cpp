@@ -34,6 +34,7 @@ struct Fixture
         grabber.images[1] = numbered({400, 300});
         grabber.images[2] = numbered({600, 400});
         frontmost.front = RunningApplication{11, 12, 13};
+        frontmost.policy = ActivationPolicy::regular;
         defaults.setString(QStringLiteral("saveFolderPath"), folder.path());
         feedback.toast = [this](const QString &message, const QString &symbol,
                                 const std::optional<Screen> &screen) {

@@ -5,11 +5,15 @@
 
 #include "platform/FrontmostApp.h"
 
+#include <QCoreApplication>
+#include <QWindow>
+
+#include <algorithm>
 #include <vector>
 
 namespace tovek {
 
-/// Remembers what was activated.
+/// Programs that are there because the test says so; remembers what it was asked for.
 class FakeFrontmostApp : public FrontmostApp
 {
 public:
@@ -17,14 +21,21 @@ public:
     void activate(const RunningApplication &application) override
     {
         activated.push_back(application);
+        if (std::find(running.begin(), running.end(), application) != running.end())
+            front = application;
     }
     void setActivationPolicy(ActivationPolicy newPolicy) override { policy = newPolicy; }
     ActivationPolicy activationPolicy() const override { return policy; }
-    void bringForward(QWindow &window) override { broughtForward.push_back(&window); }
+    void bringForward(QWindow &window) override
+    {
+        broughtForward.push_back(&window);
+        front = {window.winId(), 0, QCoreApplication::applicationPid()};
+    }
 
+    std::vector<RunningApplication> running; ///< those whose windows can come to the front
     std::optional<RunningApplication> front;
-    std::vector<RunningApplication> activated;
-    ActivationPolicy policy = ActivationPolicy::regular;
+    std::vector<RunningApplication> activated; ///< whether or not it had an effect
+    ActivationPolicy policy = ActivationPolicy::accessory;
     std::vector<QWindow *> broughtForward;
 };
 

@@ -42,6 +42,8 @@ std::optional<RunningApplication> X11FrontmostApp::frontmost() const
     application.window = number(m_connection->root(), X11Atom::activeWindow).value_or(0);
     if (!application.window)
         application.window = application.focus;
+    if (application.focus == application.window)
+        application.focus = 0;
     if (!application.window)
         return std::nullopt;
     application.processId = number(xcb_window_t(application.window), X11Atom::wmPid).value_or(0);
