@@ -70,21 +70,34 @@ private Q_SLOTS:
         QVERIFY(l.isOpen("General"));
     }
 
+    void comeToTheScreenUnderThePointer_data()
+    {
+        QTest::addColumn<QRect>("first");
+        QTest::addColumn<QRect>("second");
+        QTest::newRow("right of the first") << QRect(0, 0, 800, 600) << QRect(800, 0, 800, 600);
+        QTest::newRow("left of the first") << QRect(800, 0, 800, 600) << QRect(0, 0, 800, 600);
+        QTest::newRow("left of the first and higher")
+            << QRect(800, 250, 800, 550) << QRect(0, 0, 800, 600);
+        QTest::newRow("above the first") << QRect(0, 400, 800, 400) << QRect(0, 0, 800, 400);
+    }
     void comeToTheScreenUnderThePointer()
     {
+        QFETCH(QRect, first);
+        QFETCH(QRect, second);
         DesktopPlan plan;
-        plan.size = {1600, 600};
-        plan.monitors = {{0, 0, 800, 600}, {800, 0, 800, 600}};
+        plan.size = {1600, 800};
+        plan.monitors = {first, second};
         Launched l;
         QVERIFY(l.start(plan));
         Hand hand(l.desktop->displayName());
-        hand.move({1200, 300});
-        QVERIFY(l.call({"org.freedesktop.Application.Activate", "{}"}));
-        QVERIFY(waitUntil([&] {
-            const auto windows = windowsTitled(*l.eye, "General");
-            return windows.size() == 1
-                && QRect(800, 0, 800, 600).contains(windows.first().native.center());
-        }));
+        for (const QRect &screen : {second, first}) {
+            hand.move(screen.center());
+            QVERIFY(l.call({"org.freedesktop.Application.Activate", "{}"}));
+            QVERIFY(waitUntil([&] {
+                const auto windows = windowsTitled(*l.eye, "General");
+                return windows.size() == 1 && screen.contains(windows.first().native);
+            }));
+        }
     }
 
     void capturesAndQuitsOnCommandsFromOutside()
