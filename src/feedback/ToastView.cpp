@@ -3,8 +3,8 @@
 
 #include "feedback/ToastView.h"
 
-#include "foundation/Blur.h"
 #include "feedback/ToastGeometry.h"
+#include "foundation/Blur.h"
 
 #include <QFont>
 #include <QFontMetricsF>
