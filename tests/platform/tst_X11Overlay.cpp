@@ -182,7 +182,8 @@ private Q_SLOTS:
             << DisplayList{0.3,
                            QRect(50, 70, 200, 133),
                            {DisplayList::Fill{QRect(50, 70, 200, 2), 0xffffffff},
-                            DisplayList::Fill{QRect(60, 60, 90, 90), 0x80400010}}};
+                            DisplayList::Fill{QRect(60, 60, 90, 90), 0x80400010},
+                            DisplayList::Fill{QRect(70, 50, 40, 90), 0x80400010}}};
         QImage decal(37, 21, QImage::Format_ARGB32_Premultiplied);
         for (int y = 0; y < decal.height(); ++y) {
             for (int x = 0; x < decal.width(); ++x)

@@ -7,6 +7,9 @@ namespace tovek {
 
 namespace {
 
+/// Rectangles in one request; they need no more than the smallest server takes.
+constexpr size_t mostFills = 4096;
+
 /// 16 bits from 8, so that 255 becomes the whole.
 uint16_t wide(int value)
 {
@@ -98,11 +101,14 @@ void X11OverlayCanvas::compose(const DisplayList &list, const QRegion &damage)
         const QRect visible = boundsOf(item) & bounds;
         if (visible.isEmpty() || !damage.intersects(visible))
             continue;
-        if (const auto *fill = std::get_if<DisplayList::Fill>(&item))
+        if (const auto *fill = std::get_if<DisplayList::Fill>(&item)) {
             composeFill(*fill, visible);
-        else
+        } else {
+            composeFills();
             composeDecal(std::get<DisplayList::Decal>(item), visible);
+        }
     }
+    composeFills();
     const xcb_rectangle_t everything = rectangle(bounds);
     xcb_render_set_picture_clip_rectangles(xcb, m_composedPicture, 0, 0, 1, &everything);
 }
@@ -124,11 +130,21 @@ void X11OverlayCanvas::composeBackdrop(const DisplayList &list, const QRegion &d
 
 void X11OverlayCanvas::composeFill(const DisplayList::Fill &fill, QRect bounds)
 {
-    const xcb_render_color_t color{wide(qRed(fill.color)), wide(qGreen(fill.color)),
-                                   wide(qBlue(fill.color)), wide(qAlpha(fill.color))};
-    const xcb_rectangle_t rect = rectangle(bounds);
+    if (fill.color != m_fillColor || m_fills.size() == mostFills)
+        composeFills();
+    m_fillColor = fill.color;
+    m_fills.push_back(rectangle(bounds));
+}
+
+void X11OverlayCanvas::composeFills()
+{
+    if (m_fills.empty())
+        return;
+    const xcb_render_color_t color{wide(qRed(m_fillColor)), wide(qGreen(m_fillColor)),
+                                   wide(qBlue(m_fillColor)), wide(qAlpha(m_fillColor))};
     xcb_render_fill_rectangles(m_connection->xcb(), XCB_RENDER_PICT_OP_OVER, m_composedPicture,
-                               color, 1, &rect);
+                               color, uint32_t(m_fills.size()), m_fills.data());
+    m_fills.clear();
 }
 
 void X11OverlayCanvas::composeDecal(const DisplayList::Decal &decal, QRect bounds)

@@ -38,7 +38,9 @@ public:
 private:
     void compose(const DisplayList &list, const QRegion &damage);
     void composeBackdrop(const DisplayList &list, const QRegion &damage);
+    /// Fills of one colour that follow each other go as one request.
     void composeFill(const DisplayList::Fill &fill, QRect bounds);
+    void composeFills();
     void composeDecal(const DisplayList::Decal &decal, QRect bounds);
     void copy(const std::shared_ptr<X11Pixmap> &from, xcb_drawable_t to, const QRegion &region);
     xcb_render_picture_t createPicture(xcb_drawable_t drawable);
@@ -50,6 +52,8 @@ private:
     xcb_render_picture_t m_composedPicture = 0;
     bool m_isComposed = false; ///< the composed pixmap holds what was presented
     X11DecalCache m_decals;
+    std::vector<xcb_rectangle_t> m_fills; ///< to be composed, in `m_fillColor`
+    QRgb m_fillColor = 0;
     DisplayList m_shown;
     QRegion m_covered;
 };
