@@ -240,7 +240,8 @@ private Q_SLOTS:
         bool wasInTime = false;
         for (int attempt = 0; attempt < 3 && !wasInTime; ++attempt) {
             const auto toast = copyAndLook(session, {150, 150}, {301, 277});
-            QVERIFY(toast);
+            if (!toast)
+                continue; // it went before it could be looked at
             const qsizetype lines = session.picture->lines().size();
             session.tovek->hand().click(toast->native.center());
             QVERIFY(session.picture->waitForLine(QStringLiteral("button down 1"), 10s, lines));
@@ -263,7 +264,8 @@ private Q_SLOTS:
             QVERIFY(session.tovek->waitUntilGone());
             const QImage before = eye.lookWhenStill();
             const auto toast = copyAndLook(session, {150, 150}, {301, 277});
-            QVERIFY(toast);
+            if (!toast)
+                continue; // it went before it could be looked at
             QVERIFY(differentPixels(before.copy(toast->native), eye.look(toast->native)) > 1000);
             wasInTime = shows(session, copied);
             QVERIFY(session.tovek->open(QLatin1String(RunningTovek::captureScreenshot),

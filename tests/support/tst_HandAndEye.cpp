@@ -59,10 +59,13 @@ private Q_SLOTS:
         Hand(desktop->displayName()).click({200, 200});
         QVERIFY(waitUntil([&] { return eye.activeWindow() != 0; }));
         QVERIFY(waitUntil([&] { return eye.inputFocus() == eye.activeWindow(); }));
-        const QList<SeenWindow> windows = eye.windows();
-        QVERIFY(std::any_of(windows.begin(), windows.end(), [](const SeenWindow &window) {
-            return window.windowClass == QStringLiteral("Picture")
-                && window.native == QRect(100, 50, 400, 300) && !window.isUnmanaged;
+        // The window manager may still be putting it into its place.
+        QVERIFY(waitUntil([&] {
+            const QList<SeenWindow> windows = eye.windows();
+            return std::any_of(windows.begin(), windows.end(), [](const SeenWindow &window) {
+                return window.windowClass == QStringLiteral("Picture")
+                    && window.native == QRect(100, 50, 400, 300) && !window.isUnmanaged;
+            });
         }));
         QVERIFY(eye.overlays(QStringLiteral("Picture")).isEmpty());
         QVERIFY(desktop->showPicture({0, 0, 50, 60}, {QStringLiteral("--unmanaged")}));
