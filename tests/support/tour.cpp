@@ -36,6 +36,7 @@ private:
     bool select();
     bool copyToClipboard();
     bool saveFile();
+    bool draw();
     bool copyText();
     QString out(const char *name) const { return m_out.filePath(QLatin1String(name)); }
 
@@ -118,6 +119,27 @@ bool Tour::saveFile()
         && step(copy.open(QIODevice::WriteOnly) && copy.write(png) == png.size(), "out/saved.png");
 }
 
+bool Tour::draw()
+{
+    ClipboardReader reader(m_desktop.displayName());
+    reader.clear();
+    if (!step(m_tovek->hand().tap(QStringLiteral("r")), "R takes the rectangle"))
+        return false;
+    const QRect box(100, 80, 200, 120); // in the selection
+    m_tovek->hand().drag(selection.topLeft() + box.topLeft(),
+                         selection.topLeft() + box.topLeft() + QPoint(box.width(), box.height()));
+    const bool isGone = m_tovek->hand().tap(QStringLiteral("Return"))
+        && waitUntil([&] { return !m_tovek->covers({screen}) && reader.hasOwner(); });
+    const QImage image =
+        QImage::fromData(reader.read(QStringLiteral("image/png")).value_or(QByteArray()));
+    constexpr QRgb red = 0xffff3b30;
+    const bool isDrawn = image.size() == selection.size()
+        && image.pixel(box.center().x(), box.top()) == red
+        && image.pixel(box.center()) == m_before.copy(selection).pixel(box.center());
+    return step(isGone && isDrawn, "the mouse draws one, and the copy holds it")
+        && step(image.save(out("drawn.png")), "out/drawn.png");
+}
+
 bool Tour::copyText()
 {
     ClipboardReader reader(m_desktop.displayName());
@@ -151,7 +173,8 @@ bool Tour::run()
     return openDesktop() && select()
         && step(m_tovek->eye().lookWhenStill().save(out("overlay.png")), "out/overlay.png")
         && copyToClipboard() && step(m_tovek->waitUntilGone(), "no window stays behind") && select()
-        && saveFile() && step(m_tovek->waitUntilGone(), "no window stays behind") && copyText();
+        && saveFile() && step(m_tovek->waitUntilGone(), "no window stays behind") && select()
+        && draw() && step(m_tovek->waitUntilGone(), "no window stays behind") && copyText();
 }
 
 } // namespace
