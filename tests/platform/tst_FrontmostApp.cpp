@@ -157,21 +157,22 @@ private Q_SLOTS:
         m_first = m_desk->open(firstProcess);
         m_second = m_desk->open(secondProcess);
         QVERIFY(m_first && m_second && m_first != m_second);
+        m_desk->settle(); // a window manager goes on for a moment with a window that is new
     }
     void cleanup() { m_desk.reset(); }
 
     void namesTheProgramThatTheUserClicked()
     {
         m_desk->click(m_first);
-        QTRY_VERIFY_WITH_TIMEOUT(isFront(m_first, firstProcess), deadline);
+        QVERIFY(comesToFront(m_first, firstProcess));
         m_desk->click(m_second);
-        QTRY_VERIFY_WITH_TIMEOUT(isFront(m_second, secondProcess), deadline);
+        QVERIFY(comesToFront(m_second, secondProcess));
     }
 
     void namesTheKeyboardsWindowOnlyWhereItIsAnotherOne()
     {
         m_desk->click(m_first);
-        QTRY_VERIFY_WITH_TIMEOUT(isFront(m_first, firstProcess), deadline);
+        QVERIFY(comesToFront(m_first, firstProcess));
         QTRY_COMPARE_WITH_TIMEOUT(app().frontmost()->focus, quint64(0), deadline);
     }
 
@@ -238,6 +239,11 @@ private:
     {
         const auto front = app().frontmost();
         return front && front->window == window && front->processId == processId;
+    }
+    bool comesToFront(quint64 window, qint64 processId)
+    {
+        return waitUntil([&] { return isFront(window, processId); },
+                         std::chrono::milliseconds(deadline));
     }
     /// The program that is in front then.
     RunningApplication click(quint64 window, qint64 processId)
