@@ -4,6 +4,7 @@
 // Texts typed, pasted and changed on a real desktop, as they are in the copy.
 
 #include "desktop/Drawing.h"
+#include "support/Skip.h"
 
 #include <QTest>
 
@@ -88,12 +89,7 @@ class TestAnnotationText : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        const QString missing = TestDesktop::missing();
-        if (!missing.isEmpty())
-            QSKIP(qPrintable(missing));
-    }
+    void initTestCase() { skipBecause(TestDesktop::missing()); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void standsWhereItWasClicked_data()

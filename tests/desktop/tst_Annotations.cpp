@@ -4,6 +4,7 @@
 // Shapes drawn, changed and removed by mouse and keys on a real desktop, as they are in the copy.
 
 #include "desktop/Drawing.h"
+#include "support/Skip.h"
 
 #include <QTest>
 
@@ -14,12 +15,7 @@ class TestAnnotations : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        const QString missing = TestDesktop::missing();
-        if (!missing.isEmpty())
-            QSKIP(qPrintable(missing));
-    }
+    void initTestCase() { skipBecause(TestDesktop::missing()); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void standInTheCopyWhereTheyWereDrawn_data()

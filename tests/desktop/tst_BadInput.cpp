@@ -4,6 +4,7 @@
 // The program on desktops that lack something, and with settings that make no sense.
 
 #include "desktop/Session.h"
+#include "support/Skip.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -37,8 +38,7 @@ private Q_SLOTS:
     {
         DesktopPlan plan;
         plan.monitors = {QRect(0, 0, 10, 10)};
-        if (const QString reason = TestDesktop::missing(plan); !reason.isEmpty())
-            QSKIP(qPrintable(reason));
+        skipBecause(TestDesktop::missing(plan));
     }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 

@@ -5,6 +5,7 @@
 
 #include "desktop/Session.h"
 #include "support/Png.h"
+#include "support/Skip.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -51,11 +52,7 @@ class TestCapture : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        if (const QString reason = TestDesktop::missing(twoMonitors()); !reason.isEmpty())
-            QSKIP(qPrintable(reason));
-    }
+    void initTestCase() { skipBecause(TestDesktop::missing(twoMonitors())); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void openingChangesNotOnePixel_data() { scales(); }

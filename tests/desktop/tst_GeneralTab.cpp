@@ -3,6 +3,7 @@
 
 #include "desktop/SettingsHand.h"
 #include "support/ClipboardReader.h"
+#include "support/Skip.h"
 
 #include <QDir>
 #include <QStandardPaths>
@@ -24,12 +25,7 @@ class TestGeneralTab : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        const QString missing = TestDesktop::missing();
-        if (!missing.isEmpty())
-            QSKIP(qPrintable(missing));
-    }
+    void initTestCase() { skipBecause(TestDesktop::missing()); }
     void init()
     {
         QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));

@@ -4,6 +4,7 @@
 // The overlay's keys and the selection's handles, pressed and dragged on a real desktop.
 
 #include "desktop/Session.h"
+#include "support/Skip.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -15,11 +16,7 @@ class TestKeys : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        if (const QString reason = TestDesktop::missing(); !reason.isEmpty())
-            QSKIP(qPrintable(reason));
-    }
+    void initTestCase() { skipBecause(TestDesktop::missing()); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void givesTheKeyboardBackAfterEscape()

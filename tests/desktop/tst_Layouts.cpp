@@ -4,6 +4,7 @@
 // Keys on keyboards of other scripts: letters and commands go by what is on the key in Latin.
 
 #include "desktop/Drawing.h"
+#include "support/Skip.h"
 
 #include <QTest>
 
@@ -57,12 +58,7 @@ class TestLayouts : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        const QString missing = TestDesktop::missing();
-        if (!missing.isEmpty())
-            QSKIP(qPrintable(missing));
-    }
+    void initTestCase() { skipBecause(TestDesktop::missing()); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void actByTheLatinMeaningOfTheKey_data()

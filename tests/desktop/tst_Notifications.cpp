@@ -5,6 +5,7 @@
 
 #include "desktop/Session.h"
 #include "support/DesktopServices.h"
+#include "support/Skip.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -68,11 +69,7 @@ class TestNotifications : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        if (const QString reason = TestDesktop::missing(); !reason.isEmpty())
-            QSKIP(qPrintable(reason));
-    }
+    void initTestCase() { skipBecause(TestDesktop::missing()); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void showsTheFileOfTheNotificationThatIsClicked()

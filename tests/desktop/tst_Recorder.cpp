@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "desktop/SettingsHand.h"
+#include "support/Skip.h"
 
 #include <QTest>
 
@@ -21,12 +22,7 @@ class TestRecorder : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        const QString missing = TestDesktop::missing();
-        if (!missing.isEmpty())
-            QSKIP(qPrintable(missing));
-    }
+    void initTestCase() { skipBecause(TestDesktop::missing()); }
     void init()
     {
         QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "Launched.h"
+#include "support/Skip.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,12 +15,7 @@ class TestSettings : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        const QString missing = TestDesktop::missing();
-        if (!missing.isEmpty())
-            QSKIP(qPrintable(missing));
-    }
+    void initTestCase() { skipBecause(TestDesktop::missing()); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void openAtLaunchAtTheirSize()

@@ -4,6 +4,7 @@
 // The program's item in a panel that draws items itself and tells them nothing of the pointer.
 
 #include "desktop/StatusItemSession.h"
+#include "support/Skip.h"
 
 #include <QElapsedTimer>
 #include <QRegularExpression>
@@ -56,11 +57,7 @@ class TestStatusNotifier : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        if (const QString reason = TestDesktop::missing(); !reason.isEmpty())
-            QSKIP(qPrintable(reason));
-    }
+    void initTestCase() { skipBecause(TestDesktop::missing()); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void startsACaptureFromItsMenu()

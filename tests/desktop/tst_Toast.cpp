@@ -4,6 +4,7 @@
 // The short message that confirms a result, as a person sees it, and sees through it.
 
 #include "desktop/Session.h"
+#include "support/Skip.h"
 
 #include <QElapsedTimer>
 #include <QRegularExpression>
@@ -97,8 +98,7 @@ private Q_SLOTS:
         DesktopPlan plan;
         plan.hasCompositor = true;
         plan.monitors = {QRect(0, 0, 10, 10)};
-        if (const QString reason = TestDesktop::missing(plan); !reason.isEmpty())
-            QSKIP(qPrintable(reason));
+        skipBecause(TestDesktop::missing(plan));
     }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 

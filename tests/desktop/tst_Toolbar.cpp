@@ -4,6 +4,7 @@
 // The toolbar beside a selection, seen and clicked on a real desktop.
 
 #include "desktop/Drawing.h"
+#include "support/Skip.h"
 
 #include <QTest>
 
@@ -23,12 +24,7 @@ class TestToolbar : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        const QString missing = TestDesktop::missing();
-        if (!missing.isEmpty())
-            QSKIP(qPrintable(missing));
-    }
+    void initTestCase() { skipBecause(TestDesktop::missing()); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void standsBesideTheSelection_data()

@@ -3,25 +3,13 @@
 
 #include "fakes/FakeScreenGrabber.h"
 
+#include "foundation/WhenReady.h"
+
 namespace tovek {
-
-namespace {
-
-template <typename T>
-QFuture<T> ready(T value)
-{
-    QPromise<T> promise;
-    promise.start();
-    promise.addResult(std::move(value));
-    promise.finish();
-    return promise.future();
-}
-
-} // namespace
 
 QFuture<QImage> FakeFrozenDisplay::pixels()
 {
-    return ready(m_image);
+    return readyFuture(m_image);
 }
 
 std::optional<ShareableContent> FakeScreenGrabber::shareableContent()
@@ -41,7 +29,7 @@ QFuture<ScreenGrabber::Result> FakeScreenGrabber::capture(const ShareableContent
 {
     const auto held = m_held.find(display.displayId);
     if (held == m_held.end())
-        return ready(resultFor(content, display.displayId));
+        return readyFuture(resultFor(content, display.displayId));
     held->second = std::make_shared<Held>();
     held->second->content = content;
     held->second->promise.start();

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
+#include "fakes/Contract.h"
 #include "fakes/FakeFrontmostApp.h"
 #include "platform/x11/X11FrontmostApp.h"
 #include "support/Hand.h"
@@ -136,24 +137,12 @@ class TestFrontmostApp : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase_data()
-    {
-        QTest::addColumn<bool>("isReal");
-        QTest::newRow("fake") << false;
-        if (desktop)
-            QTest::newRow("x11") << true;
-        else
-            qInfo("The X11 ones are left out: %s", qPrintable(TestDesktop::missing(plan())));
-    }
+    void initTestCase_data() { addImplementations(TestDesktop::missing(plan())); }
 
     void init()
     {
         QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-        QFETCH_GLOBAL(bool, isReal);
-        if (isReal)
-            m_desk = std::make_unique<X11Desk>();
-        else
-            m_desk = std::make_unique<FakeDesk>();
+        m_desk = makeDesk<Desk, FakeDesk, X11Desk>();
         m_first = m_desk->open(firstProcess);
         m_second = m_desk->open(secondProcess);
         QVERIFY(m_first && m_second && m_first != m_second);

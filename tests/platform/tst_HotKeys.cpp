@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
+#include "fakes/Contract.h"
 #include "fakes/FakeHotKeys.h"
 #include "platform/TestKeyboard.h"
 #include "platform/x11/X11HotKeys.h"
@@ -71,24 +72,12 @@ class TestHotKeys : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase_data()
-    {
-        QTest::addColumn<bool>("isReal");
-        QTest::newRow("fake") << false;
-        if (XServer::missing().isEmpty())
-            QTest::newRow("x11") << true;
-        else
-            qInfo("The X11 ones are left out: %s", qPrintable(XServer::missing()));
-    }
+    void initTestCase_data() { addImplementations(XServer::missing()); }
 
     void init()
     {
         QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-        QFETCH_GLOBAL(bool, isReal);
-        if (isReal)
-            m_desk = std::make_unique<X11Desk>();
-        else
-            m_desk = std::make_unique<FakeDesk>();
+        m_desk = makeDesk<Desk, FakeDesk, X11Desk>();
         m_log.clear();
         keys().onPressed = [this](quint32 id) { m_log << QStringLiteral("down %1").arg(id); };
         keys().onReleased = [this](quint32 id) { m_log << QStringLiteral("up %1").arg(id); };

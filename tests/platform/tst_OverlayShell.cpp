@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "X11TestDesktop.h"
+#include "fakes/Contract.h"
 #include "fakes/FakeOverlayShell.h"
 #include "fakes/FakeScreenGrabber.h"
 #include "fakes/FakeScreens.h"
@@ -144,22 +145,13 @@ class TestOverlayShell : public QObject
 private Q_SLOTS:
     void initTestCase_data()
     {
-        QTest::addColumn<bool>("isReal");
-        QTest::newRow("fake") << false;
-        if (desktop)
-            QTest::newRow("x11") << true;
-        else
-            qInfo("The X11 ones are left out: Xvfb or xrandr is missing");
+        addImplementations(desktop ? QString() : QStringLiteral("Xvfb or xrandr is missing"));
     }
 
     void init()
     {
         QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-        QFETCH_GLOBAL(bool, isReal);
-        if (isReal)
-            m_desk = std::make_unique<X11Desk>();
-        else
-            m_desk = std::make_unique<FakeDesk>();
+        m_desk = makeDesk<Desk, FakeDesk, X11Desk>();
         m_screens = m_desk->screens();
         QCOMPARE(m_screens.size(), size_t(2));
         for (size_t index = 0; index < 2; ++index) {

@@ -23,12 +23,27 @@ class SessionTest : public QObject
 {
     Q_OBJECT
 
+private Q_SLOTS:
+    void initTestCase()
+    {
+        const QString missing = startServer();
+        if (!missing.isEmpty())
+            QSKIP(qPrintable(missing));
+    }
+    void init()
+    {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        prepare();
+    }
+    void cleanup() { finish(); }
+
 protected:
     using Milliseconds = std::chrono::milliseconds;
 
     inline static const QByteArray oldProgram{"the old program"};
     inline static const QByteArray newProgram = QByteArray("the new program, ").repeated(50000);
 
+    static ServerAnswer redirect(const QUrl &to) { return {{}, 302, to.toEncoded()}; }
     static PublishedPackage package(const char *version = "2.0")
     {
         return {QString::fromLatin1(version), newProgram};

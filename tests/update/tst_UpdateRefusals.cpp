@@ -12,33 +12,11 @@ using End = ServerAnswer::End;
 Q_DECLARE_METATYPE(ServerAnswer)
 Q_DECLARE_METATYPE(Refusal)
 
-namespace {
-
-ServerAnswer redirect(const QUrl &to)
-{
-    return {{}, 302, to.toEncoded()};
-}
-
-} // namespace
-
 class TestUpdateRefusals : public SessionTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        const QString missing = startServer();
-        if (!missing.isEmpty())
-            QSKIP(qPrintable(missing));
-    }
-    void init()
-    {
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-        prepare();
-    }
-    void cleanup() { finish(); }
-
     void refusesFeeds_data()
     {
         QTest::addColumn<ServerAnswer>("answer");

@@ -11,33 +11,11 @@ using End = ServerAnswer::End;
 
 Q_DECLARE_METATYPE(NoOffer)
 
-namespace {
-
-ServerAnswer redirect(const QUrl &to)
-{
-    return {{}, 302, to.toEncoded()};
-}
-
-} // namespace
-
 class TestUpdateSession : public SessionTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        const QString missing = startServer();
-        if (!missing.isEmpty())
-            QSKIP(qPrintable(missing));
-    }
-    void init()
-    {
-        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-        prepare();
-    }
-    void cleanup() { finish(); }
-
     void offersANewVersion()
     {
         m_session->start();

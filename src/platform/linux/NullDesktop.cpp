@@ -3,29 +3,20 @@
 
 #include "platform/linux/NullDesktop.h"
 
-#include <QPromise>
+#include "foundation/WhenReady.h"
+
 #include <QWindow>
 
 namespace tovek {
 
 namespace {
 
-template <typename T>
-QFuture<T> ready(T value)
-{
-    QPromise<T> promise;
-    promise.start();
-    promise.addResult(std::move(value));
-    promise.finish();
-    return promise.future();
-}
-
 class ImageDisplay : public FrozenDisplay
 {
 public:
     explicit ImageDisplay(QImage image) : m_image(std::move(image)) { }
     QSize size() const override { return m_image.size(); }
-    QFuture<QImage> pixels() override { return ready(m_image); }
+    QFuture<QImage> pixels() override { return readyFuture(m_image); }
 
 private:
     QImage m_image;
@@ -54,7 +45,7 @@ QFuture<ScreenGrabber::Result> NullScreenGrabber::capture(const ShareableContent
                                                           const CaptureDisplay &,
                                                           const std::vector<quint32> &)
 {
-    return ready(Result{nullptr, QStringLiteral("this session cannot be captured")});
+    return readyFuture(Result{nullptr, QStringLiteral("this session cannot be captured")});
 }
 
 std::shared_ptr<FrozenDisplay> NullScreenGrabber::frozenFromImage(const QImage &image)

@@ -4,9 +4,8 @@
 #include "platform/x11/X11ScreenGrabber.h"
 
 #include "foundation/Log.h"
+#include "foundation/WhenReady.h"
 #include "platform/x11/X11PixelFormat.h"
-
-#include <QPromise>
 
 #include <algorithm>
 #include <map>
@@ -21,16 +20,6 @@ struct Snapshot
     std::map<quint32, std::shared_ptr<X11Pixmap>> pixmaps;
     std::shared_ptr<X11Barrier> barrier;
 };
-
-template <typename T>
-QFuture<T> ready(T value)
-{
-    QPromise<T> promise;
-    promise.start();
-    promise.addResult(std::move(value));
-    promise.finish();
-    return promise.future();
-}
 
 std::vector<QSize> sizesOf(const std::vector<X11Monitor> &monitors)
 {
@@ -69,7 +58,7 @@ X11FrozenDisplay::X11FrozenDisplay(std::shared_ptr<X11Pixmap> pixmap,
 
 X11FrozenDisplay::X11FrozenDisplay(std::shared_ptr<X11Pixmap> pixmap, const QImage &image)
     : m_pixmap(std::move(pixmap))
-    , m_pixels(ready(image.convertToFormat(QImage::Format_RGB32)))
+    , m_pixels(readyFuture(image.convertToFormat(QImage::Format_RGB32)))
 {
 }
 
@@ -145,8 +134,8 @@ X11ScreenGrabber::capture(const ShareableContent &content, const CaptureDisplay 
                           const std::vector<quint32> &excludedWindows)
 {
     if (!excludedWindows.empty())
-        return ready(Result{nullptr, QStringLiteral("windows cannot be left out")});
-    return ready(frozenResult(content, display));
+        return readyFuture(Result{nullptr, QStringLiteral("windows cannot be left out")});
+    return readyFuture(frozenResult(content, display));
 }
 
 ScreenGrabber::Result X11ScreenGrabber::frozenResult(const ShareableContent &content,
