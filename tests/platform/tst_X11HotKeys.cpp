@@ -4,6 +4,7 @@
 #include "platform/TestKeyboard.h"
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11KeyboardLayout.h"
+#include "platform/x11/X11RawKeyFilter.h"
 #include "support/Wait.h"
 #include "support/XServer.h"
 
@@ -244,6 +245,35 @@ private Q_SLOTS:
         m_keyboard->tap(28); // Return alone is the menu's
         QVERIFY(waitUntil([&] { return chosen == 1; }, 2s));
         m_hotKeys->setWatchingRawKeys(false);
+    }
+
+    void takesARepeatThatIsReadLateForNoPress()
+    {
+        // Behind a busy moment, repeats are read when the key has long been let go.
+        QStringList told;
+        const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection(
+            xcb_connect(nullptr, nullptr), &xcb_disconnect);
+        X11RawKeyFilter filter(connection.get(), [&](KeyCombo, bool isDown) {
+            told << (isDown ? QStringLiteral("down") : QStringLiteral("up"));
+            return true;
+        });
+        filter.setWatching(true, {});
+        const auto read = [&](quint8 type, xcb_timestamp_t time) {
+            xcb_key_press_event_t event{};
+            event.response_type = type;
+            event.detail = keyC + 8;
+            event.time = time;
+            return filter.nativeEventFilter("xcb_generic_event_t", &event, nullptr);
+        };
+        QVERIFY(read(XCB_KEY_PRESS, 1000));
+        for (const xcb_timestamp_t repeat : {1660, 1700}) {
+            QVERIFY(read(XCB_KEY_RELEASE, repeat));
+            QVERIFY(read(XCB_KEY_PRESS, repeat));
+        }
+        QVERIFY(read(XCB_KEY_RELEASE, 1710));
+        QCOMPARE(told, QStringList({"down", "up"}));
+        QVERIFY(read(XCB_KEY_PRESS, 1711));
+        QCOMPARE(told, QStringList({"down", "up", "down"}));
     }
 
     void letsTheHandlerCloseTheMenu()

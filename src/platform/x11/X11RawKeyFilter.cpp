@@ -33,6 +33,7 @@ void X11RawKeyFilter::setWatching(bool isOn, const X11Modifiers &modifiers)
         return;
     m_isWatching = isOn;
     m_down.clear();
+    m_released = {};
     if (isOn)
         application->installNativeEventFilter(this);
     else
@@ -47,16 +48,18 @@ bool X11RawKeyFilter::nativeEventFilter(const QByteArray &eventType, void *messa
     const auto *key = static_cast<const xcb_key_press_event_t *>(message);
     switch (event->response_type & 0x7f) {
     case XCB_KEY_PRESS:
-        return press(key->detail, key->state);
+        return press(key->detail, key->state, key->time);
     case XCB_KEY_RELEASE:
-        return release(key->detail);
+        return release(key->detail, key->time);
     default:
         return false;
     }
 }
 
-bool X11RawKeyFilter::press(int keycode, quint16 state)
+bool X11RawKeyFilter::press(int keycode, quint16 state, quint32 time)
 {
+    if (m_released.keycode == keycode && m_released.time == time)
+        return m_released.isSwallowed;
     if (const auto repeated = m_down.find(keycode); repeated != m_down.end())
         return repeated->second.isSwallowed;
     const int carbon = carbonKeyCode(keycode - windowSystemKeyOffset);
@@ -69,17 +72,22 @@ bool X11RawKeyFilter::press(int keycode, quint16 state)
     return isSwallowed;
 }
 
-bool X11RawKeyFilter::release(int keycode)
+bool X11RawKeyFilter::release(int keycode, quint32 time)
 {
     const auto found = m_down.find(keycode);
-    if (found == m_down.end())
-        return false;
+    if (found == m_down.end()) {
+        if (m_released.keycode != keycode)
+            return false;
+        m_released.time = time;
+        return m_released.isSwallowed;
+    }
     // The toolkit's connection gets a release before each repeat of a key that is held.
     if (isKeyDown(m_connection, keycode))
         return found->second.isSwallowed;
     // With the modifiers of the press, since these may have been let go first.
     const Press press = found->second;
     m_down.erase(found);
+    m_released = {keycode, time, press.isSwallowed};
     m_handler(press.combo, false);
     return press.isSwallowed;
 }

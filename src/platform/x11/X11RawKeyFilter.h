@@ -39,13 +39,23 @@ private:
         bool isSwallowed = false;
     };
 
-    bool press(int keycode, quint16 state);
-    bool release(int keycode);
+    /// A release that came while the key was up. What follows at the same instant is a repeat that
+    /// was read late.
+    struct Release
+    {
+        int keycode = 0;
+        quint32 time = 0; ///< the server's, in milliseconds
+        bool isSwallowed = false;
+    };
+
+    bool press(int keycode, quint16 state, quint32 time);
+    bool release(int keycode, quint32 time);
 
     xcb_connection_t *m_connection;
     X11Modifiers m_modifiers;
     Handler m_handler;
     std::map<int, Press> m_down; ///< by keycode
+    Release m_released; ///< the last one
     bool m_isWatching = false;
 };
 
