@@ -9,16 +9,30 @@ namespace tovek {
 
 namespace {
 
-void paintItem(QPainter &painter, const DisplayList::Fill &fill)
+/// Paints what of the item lies inside a rectangle.
+struct ItemPainter
 {
-    painter.fillRect(fill.rect, QColor::fromRgba(qUnpremultiply(fill.color)));
-}
+    QPainter &painter;
+    const QRect &native;
 
-void paintItem(QPainter &painter, const DisplayList::Decal &decal)
-{
-    const QRect bounds = boundsOf(decal);
-    painter.drawImage(bounds.topLeft(), decal.image, bounds.translated(-decal.at));
-}
+    void operator()(const DisplayList::Fill &fill) const { paint(fill.rect, fill.color); }
+    void operator()(const DisplayList::Fills &fills) const
+    {
+        for (const QRect &rect : *fills.rects)
+            paint(rect, fills.color);
+    }
+    void operator()(const DisplayList::Decal &decal) const
+    {
+        const QRect bounds = boundsOf(decal);
+        if (bounds.intersects(native))
+            painter.drawImage(bounds.topLeft(), decal.image, bounds.translated(-decal.at));
+    }
+    void paint(const QRect &rect, QRgb color) const
+    {
+        if (rect.intersects(native))
+            painter.fillRect(rect, QColor::fromRgba(qUnpremultiply(color)));
+    }
+};
 
 } // namespace
 
@@ -33,10 +47,8 @@ QImage renderDisplayList(const DisplayList &list, const QImage &frozen, const QR
         for (const QRect &rect : QRegion(native) - QRegion(list.clear))
             painter.fillRect(rect, veil);
     }
-    for (const DisplayList::Item &item : list.items) {
-        if (boundsOf(item).intersects(native))
-            std::visit([&](const auto &it) { paintItem(painter, it); }, item);
-    }
+    for (const DisplayList::Item &item : list.items)
+        std::visit(ItemPainter{painter, native}, item);
     return image;
 }
 

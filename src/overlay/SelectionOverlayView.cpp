@@ -318,8 +318,7 @@ void SelectionOverlayView::showTextRegions(const std::vector<TextRegion> &region
     removeTextRegions();
     m_isTextSelectionMode = true;
     const Rect &selection = *m_state.selectionRect;
-    m_textRegionOverlay = new TextRegionOverlayView(m_context.defaults, this,
-                                                    TextRegionOverlayView::Drawing::byOwner);
+    m_textRegionOverlay = new TextRegionOverlayView(m_context.defaults, this);
     m_textRegionOverlay->setGeometry(m_space.widgetFromRect(selection).toAlignedRect());
     m_textRegionOverlay->setTextRegions(regions);
     m_textRegionOverlay->setSelectionBounds({0, 0, selection.width, selection.height});
@@ -336,7 +335,10 @@ void SelectionOverlayView::removeTextRegions()
     m_isTextSelectionMode = false;
     if (!m_textRegionOverlay)
         return;
+    // The toolkit would paint all that lay below it.
+    setAttribute(Qt::WA_UpdatesDisabled);
     delete m_textRegionOverlay;
+    setAttribute(Qt::WA_UpdatesDisabled, false);
     redraw();
 }
 

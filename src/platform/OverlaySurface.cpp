@@ -4,6 +4,7 @@
 #include "platform/OverlaySurface.h"
 
 #include <algorithm>
+#include <span>
 
 namespace tovek {
 
@@ -18,6 +19,12 @@ constexpr size_t mostRectangles = 64;
 class Damage
 {
 public:
+    template <typename Rects>
+    void addAll(const Rects &rects)
+    {
+        for (const QRect &rect : rects)
+            add(rect);
+    }
     void add(const QRect &rect)
     {
         m_bounds |= rect;
@@ -43,12 +50,82 @@ private:
     QRect m_bounds;
 };
 
+/// A part of a list's items, or of the rectangles of one.
+template <typename T>
+using Part = std::span<const T>;
+
+/// What lies between the beginning and the end that two sequences have in common.
+template <typename T>
+std::pair<Part<T>, Part<T>> changedParts(const std::vector<T> &before, const std::vector<T> &after)
+{
+    const auto [from, fromAfter] =
+        std::mismatch(before.begin(), before.end(), after.begin(), after.end());
+    const auto [last, lastAfter] =
+        std::mismatch(before.rbegin(), std::make_reverse_iterator(from), after.rbegin(),
+                      std::make_reverse_iterator(fromAfter));
+    return {{from, last.base()}, {fromAfter, lastAfter.base()}};
+}
+
+using Items = Part<DisplayList::Item>;
+
+bool areAllFills(Items items)
+{
+    return std::all_of(items.begin(), items.end(), [](const DisplayList::Item &item) {
+        return std::holds_alternative<DisplayList::Fills>(item);
+    });
+}
+
+/// Both parts hold nothing but fills of many rectangles. Those of the same colour are compared
+/// rectangle by rectangle as long as they keep their order.
+void addChangedFills(Items before, Items after, Damage &damage)
+{
+    auto next = after.begin();
+    for (const DisplayList::Item &item : before) {
+        const auto &fills = std::get<DisplayList::Fills>(item);
+        const auto same = std::find_if(next, after.end(), [&fills](const DisplayList::Item &other) {
+            return std::get<DisplayList::Fills>(other).color == fills.color;
+        });
+        if (same == after.end()) {
+            damage.addAll(*fills.rects);
+            continue;
+        }
+        for (; next != same; ++next)
+            damage.addAll(*std::get<DisplayList::Fills>(*next).rects);
+        const auto [gone, come] =
+            changedParts(*fills.rects, *std::get<DisplayList::Fills>(*next++).rects);
+        damage.addAll(gone);
+        damage.addAll(come);
+    }
+    for (; next != after.end(); ++next)
+        damage.addAll(*std::get<DisplayList::Fills>(*next).rects);
+}
+
+/// Item by item where some only moved, and as a whole where some came or went.
+void addChangedItems(Items before, Items after, Damage &damage)
+{
+    const bool isSameCount = before.size() == after.size();
+    for (size_t i = 0; i < before.size(); ++i) {
+        if (!isSameCount || !(before[i] == after[i]))
+            damage.add(boundsOf(before[i]));
+    }
+    for (size_t i = 0; i < after.size(); ++i) {
+        if (!isSameCount || !(before[i] == after[i]))
+            damage.add(boundsOf(after[i]));
+    }
+}
+
 } // namespace
 
 QRect boundsOf(const DisplayList::Item &item)
 {
     if (const auto *fill = std::get_if<DisplayList::Fill>(&item))
         return fill->rect;
+    if (const auto *fills = std::get_if<DisplayList::Fills>(&item)) {
+        QRect bounds;
+        for (const QRect &rect : *fills->rects)
+            bounds |= rect;
+        return bounds;
+    }
     const auto &decal = std::get<DisplayList::Decal>(item);
     const QRect bounds(decal.at, decal.image.size());
     return decal.clip.isNull() ? bounds : bounds & decal.clip;
@@ -64,25 +141,13 @@ QRegion damageBetween(const DisplayList &before, const DisplayList &after)
     } else if (before.clear != after.clear && after.veil > 0) {
         damage = QRegion(before.clear).xored(QRegion(after.clear));
     }
-    // What both lists begin and end with keeps its place in the paint order; the rest between has
-    // changed, item by item where it only moved and as a whole where items came or went.
-    const auto [firstBefore, firstAfter] = std::mismatch(before.items.begin(), before.items.end(),
-                                                         after.items.begin(), after.items.end());
-    const auto [lastBefore, lastAfter] =
-        std::mismatch(before.items.rbegin(), std::make_reverse_iterator(firstBefore),
-                      after.items.rbegin(), std::make_reverse_iterator(firstAfter));
-    const bool isSameCount = before.items.size() == after.items.size();
+    // What both lists begin and end with keeps its place in the paint order.
+    const auto [gone, come] = changedParts(before.items, after.items);
     Damage items;
-    auto same = firstAfter;
-    for (auto item = firstBefore; item != lastBefore.base(); ++item) {
-        if (!isSameCount || !(*item == *same++))
-            items.add(boundsOf(*item));
-    }
-    same = firstBefore;
-    for (auto item = firstAfter; item != lastAfter.base(); ++item) {
-        if (!isSameCount || !(*item == *same++))
-            items.add(boundsOf(*item));
-    }
+    if (areAllFills(gone) && areAllFills(come))
+        addChangedFills(gone, come, items);
+    else
+        addChangedItems(gone, come, items);
     return damage + items.region();
 }
 

@@ -9,6 +9,7 @@
 #include <QRegion>
 
 #include <functional>
+#include <memory>
 #include <variant>
 #include <vector>
 
@@ -27,6 +28,17 @@ struct DisplayList
         QRgb color = 0; ///< premultiplied
         bool operator==(const Fill &) const = default;
     };
+    /// Flat rectangles of one colour, blended one by one. The marks of thousands of words are a few
+    /// of these, and cost little to keep, to compare and to draw.
+    struct Fills
+    {
+        QRgb color = 0; ///< premultiplied
+        std::shared_ptr<const std::vector<QRect>> rects; ///< never null
+        bool operator==(const Fills &other) const
+        {
+            return color == other.color && (rects == other.rects || *rects == *other.rects);
+        }
+    };
     /// A small picture, blended over what lies below. Two decals with the same key hold the same
     /// pixels, so that a renderer can keep what it has uploaded.
     struct Decal
@@ -40,7 +52,7 @@ struct DisplayList
             return key == other.key && at == other.at && clip == other.clip;
         }
     };
-    using Item = std::variant<Fill, Decal>;
+    using Item = std::variant<Fill, Fills, Decal>;
 
     double veil = 0; ///< alpha of the black outside `clear`
     QRect clear; ///< empty: the veil lies everywhere
@@ -49,7 +61,7 @@ struct DisplayList
     bool operator==(const DisplayList &) const = default;
 };
 
-/// What an item covers, in native pixels.
+/// What an item covers, in native pixels; with many rectangles what lies between them too.
 QRect boundsOf(const DisplayList::Item &item);
 
 /// The pixels in which two lists over the same frozen display can differ; a superset, exact enough

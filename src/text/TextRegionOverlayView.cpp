@@ -3,33 +3,19 @@
 
 #include "text/TextRegionOverlayView.h"
 
-#include "foundation/DrawingContext.h"
-#include "foundation/SystemColors.h"
 #include "foundation/UserDefaults.h"
 
 #include <QMouseEvent>
-#include <QPainter>
 
 namespace tovek {
 
-namespace {
-
-QColor blueWith(double alpha)
-{
-    QColor color = SystemColors::blue;
-    color.setAlphaF(float(alpha));
-    return color;
-}
-
-} // namespace
-
-TextRegionOverlayView::TextRegionOverlayView(const UserDefaults &defaults, QWidget *parent,
-                                             Drawing drawing)
+TextRegionOverlayView::TextRegionOverlayView(const UserDefaults &defaults, QWidget *parent)
     : QWidget(parent)
     , m_defaults(defaults)
-    , m_drawing(drawing)
 {
+    // Nothing of it shows. The toolkit would paint the whole selection below it anew all the same.
     setAttribute(Qt::WA_NoSystemBackground);
+    setAttribute(Qt::WA_UpdatesDisabled);
     setMouseTracking(true);
     m_selection.onSelectionChanged = [this](const std::vector<TextRegion> &regions) {
         if (onSelectionChanged)
@@ -60,25 +46,6 @@ std::vector<DisplayList::Item> TextRegionOverlayView::items(const ViewSpace &spa
                                                             Point origin) const
 {
     return textRegionItems(m_selection, highlightsText(), space, origin);
-}
-
-void TextRegionOverlayView::paintEvent(QPaintEvent *)
-{
-    if (m_drawing == Drawing::byOwner)
-        return;
-    const bool highlightText = highlightsText();
-    QPainter painter(this);
-    // The painter's units are logical pixels here, which are points.
-    DrawingContext context(painter, {{double(width()), double(height())}, 1});
-    for (int i = 0; i < int(m_selection.textRegions.size()); ++i) {
-        const TextRegionLook look = lookOf(m_selection, i, highlightText);
-        if (!look.isVisible())
-            continue;
-        const QColor strokeColor = blueWith(look.strokeAlpha);
-        context.fillRect(m_selection.rectOf(i), blueWith(look.fillAlpha));
-        context.strokeRect(m_selection.rectOf(i),
-                           {strokeColor, look.strokeWidth, Stroke::Join::sharp});
-    }
 }
 
 void TextRegionOverlayView::mousePressEvent(QMouseEvent *event)
@@ -134,8 +101,6 @@ void TextRegionOverlayView::follow(const TextSelectionResponse &response, QEvent
 
 void TextRegionOverlayView::redraw()
 {
-    if (m_drawing == Drawing::own)
-        update();
     if (onNeedsDisplay)
         onNeedsDisplay();
 }

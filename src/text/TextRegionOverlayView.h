@@ -12,19 +12,15 @@ namespace tovek {
 class UserDefaults;
 
 /// The transparent layer of recognised words over a selection, a child of the view whose selection
-/// it covers. Its frame is the selection's. Mouse events beside the words, and all of them while
+/// it covers. Its frame is the selection's. It paints nothing: the parent puts `items` into its own
+/// picture. Mouse events beside the words, and all of them while
 /// they are passed through, go on to the parent.
 class TextRegionOverlayView : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// Who draws the words: this widget, or the owner, who puts `items` into its own picture and
-    /// is told by `onNeedsDisplay`.
-    enum class Drawing { own, byOwner };
-
-    TextRegionOverlayView(const UserDefaults &defaults, QWidget *parent,
-                          Drawing drawing = Drawing::own);
+    TextRegionOverlayView(const UserDefaults &defaults, QWidget *parent);
 
     void setTextRegions(std::vector<TextRegion> regions);
     /// In this view's own points.
@@ -37,10 +33,10 @@ public:
     std::vector<DisplayList::Item> items(const ViewSpace &space, Point origin) const;
 
     std::function<void(const std::vector<TextRegion> &)> onSelectionChanged;
+    /// `items` have changed.
     std::function<void()> onNeedsDisplay;
 
 protected:
-    void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
@@ -54,7 +50,6 @@ private:
     void redraw();
 
     const UserDefaults &m_defaults;
-    Drawing m_drawing;
     TextSelection m_selection;
 };
 

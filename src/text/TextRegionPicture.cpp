@@ -8,6 +8,7 @@
 #include <QVarLengthArray>
 
 #include <cmath>
+#include <map>
 
 namespace tovek {
 
@@ -44,34 +45,50 @@ Stretches stretches(double low, double high)
     return result;
 }
 
-void fill(const QRectF &rect, double alpha, std::vector<DisplayList::Item> &items)
+/// Rectangles by their colour. There are few: a handful for each look of a word, since words do
+/// not all lie on whole pixels.
+class FillsByColor
 {
-    const QColor &blue = SystemColors::blue;
-    const Stretches columns = stretches(rect.left(), rect.right());
-    for (const Stretch &row : stretches(rect.top(), rect.bottom())) {
-        for (const Stretch &column : columns) {
-            const int a = qRound(255 * alpha * row.coverage * column.coverage);
-            items.push_back(
-                DisplayList::Fill{QRect(column.from, row.from, column.length, row.length),
-                                  qPremultiply(qRgba(blue.red(), blue.green(), blue.blue(), a))});
+public:
+    void fill(const QRectF &rect, double alpha)
+    {
+        const QColor &blue = SystemColors::blue;
+        const Stretches columns = stretches(rect.left(), rect.right());
+        for (const Stretch &row : stretches(rect.top(), rect.bottom())) {
+            for (const Stretch &column : columns) {
+                const int a = qRound(255 * alpha * row.coverage * column.coverage);
+                m_rects[qPremultiply(qRgba(blue.red(), blue.green(), blue.blue(), a))].emplace_back(
+                    column.from, row.from, column.length, row.length);
+            }
         }
     }
-}
-
-void stroke(const QRectF &rect, double width, double alpha, std::vector<DisplayList::Item> &items)
-{
-    const double half = width / 2;
-    const QRectF outer = rect.adjusted(-half, -half, half, half);
-    const QRectF inner = rect.adjusted(half, half, -half, -half);
-    if (inner.width() <= 0 || inner.height() <= 0) {
-        fill(outer, alpha, items);
-        return;
+    void stroke(const QRectF &rect, double width, double alpha)
+    {
+        const double half = width / 2;
+        const QRectF outer = rect.adjusted(-half, -half, half, half);
+        const QRectF inner = rect.adjusted(half, half, -half, -half);
+        if (inner.width() <= 0 || inner.height() <= 0) {
+            fill(outer, alpha);
+            return;
+        }
+        fill({outer.left(), outer.top(), outer.width(), width}, alpha);
+        fill({outer.left(), inner.bottom(), outer.width(), width}, alpha);
+        fill({outer.left(), inner.top(), width, inner.height()}, alpha);
+        fill({inner.right(), inner.top(), width, inner.height()}, alpha);
     }
-    fill({outer.left(), outer.top(), outer.width(), width}, alpha, items);
-    fill({outer.left(), inner.bottom(), outer.width(), width}, alpha, items);
-    fill({outer.left(), inner.top(), width, inner.height()}, alpha, items);
-    fill({inner.right(), inner.top(), width, inner.height()}, alpha, items);
-}
+    std::vector<DisplayList::Item> take()
+    {
+        std::vector<DisplayList::Item> items;
+        for (auto &[color, rects] : m_rects)
+            items.emplace_back(DisplayList::Fills{
+                color, std::make_shared<const std::vector<QRect>>(std::move(rects))});
+        m_rects.clear();
+        return items;
+    }
+
+private:
+    std::map<QRgb, std::vector<QRect>> m_rects;
+};
 
 } // namespace
 
@@ -89,11 +106,8 @@ TextRegionLook lookOf(const TextSelection &selection, int index, bool highlightT
 std::vector<DisplayList::Item> textRegionItems(const TextSelection &selection, bool highlightText,
                                                const ViewSpace &space, Point origin)
 {
-    // A word on whole pixels takes nine: its inside, and an edge with soft corners around it.
-    constexpr std::size_t usualItems = 9;
-    std::vector<DisplayList::Item> items;
-    if (highlightText)
-        items.reserve(usualItems * selection.textRegions.size());
+    // Where boxes overlap, it does not matter which is first: all are of the same blue.
+    FillsByColor fills;
     for (int i = 0; i < int(selection.textRegions.size()); ++i) {
         const TextRegionLook look = lookOf(selection, i, highlightText);
         if (!look.isVisible())
@@ -102,10 +116,10 @@ std::vector<DisplayList::Item> textRegionItems(const TextSelection &selection, b
         rect.x += origin.x;
         rect.y += origin.y;
         const QRectF pixels = space.pixelsFromRect(rect);
-        fill(pixels, look.fillAlpha, items);
-        stroke(pixels, look.strokeWidth * space.scale, look.strokeAlpha, items);
+        fills.fill(pixels, look.fillAlpha);
+        fills.stroke(pixels, look.strokeWidth * space.scale, look.strokeAlpha);
     }
-    return items;
+    return fills.take();
 }
 
 } // namespace tovek

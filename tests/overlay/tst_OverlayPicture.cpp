@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
+#include "fakes/PaintedList.h"
 #include "foundation/SystemColors.h"
 #include "overlay/DisplayListPainter.h"
 #include "overlay/OverlayPicture.h"
@@ -160,6 +161,19 @@ private Q_SLOTS:
             if (const auto *decal = std::get_if<DisplayList::Decal>(&after.items[i]))
                 QCOMPARE(decal->key, std::get<DisplayList::Decal>(before.items[i]).key);
         }
+    }
+
+    void paintsAnyPartOfAList()
+    {
+        const QImage frozen = noise({400, 300});
+        const DisplayList list{
+            0.4,
+            QRect(50, 60, 120, 90),
+            {DisplayList::Fill{QRect(40, 50, 99, 3), 0xffffffff},
+             fillsOf(0x80000080, {QRect(60, 70, 30, 20), QRect(80, 80, 30, 20)})}};
+        const QImage whole = painted(frozen, list);
+        for (const QRect part : {frozen.rect(), QRect(70, 75, 15, 10), QRect(300, 200, 50, 50)})
+            QCOMPARE(renderDisplayList(list, frozen, part), whole.copy(part));
     }
 
     void coversItsChangesWithDamage()

@@ -22,6 +22,19 @@ QImage plain(QSize size)
     return image;
 }
 
+class PaintCounter : public QObject
+{
+public:
+    int paints = 0;
+
+private:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        paints += event->type() == QEvent::Paint;
+        return false;
+    }
+};
+
 /// A window over a screen of 400 by 300 points at scale 2, and what it reported.
 struct Fixture
 {
@@ -244,6 +257,27 @@ private Q_SLOTS:
         f.shell.keySurface = nullptr;
         f.window.activeSpaceDidChange();
         QVERIFY(!f.window.isKey());
+    }
+
+    void showsWordsWithoutPaintingWhatLiesBelow()
+    {
+        Fixture f(CaptureMode::copyText); // no toolbar, which paints itself
+        f.window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&f.window));
+        f.drag({100, 50}, {200, 180});
+        QCoreApplication::processEvents();
+        PaintCounter counter;
+        f.view()->installEventFilter(&counter);
+        f.view()->showTextRegions({{"a", {0.1, 0.5, 0.2, 0.1}}});
+        QTest::mouseMove(f.view()->childAt(120, 100), QPoint(30, 60));
+        QCoreApplication::processEvents();
+        const QPointer<QWidget> words = f.view()->childAt(120, 100);
+        QTest::mousePress(f.view(), Qt::LeftButton, {}, {200, 180}); // takes them away
+        QTest::qWait(50);
+        QVERIFY(!words);
+        QCOMPARE(counter.paints, 0);
+        f.view()->update();
+        QTRY_COMPARE(counter.paints, 1);
     }
 
     void paintsItselfWhereThePlatformCannotDraw()

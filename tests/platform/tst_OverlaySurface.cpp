@@ -1,9 +1,8 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "platform/OverlaySurface.h"
+#include "fakes/PaintedList.h"
 
-#include <QPainter>
 #include <QTest>
 
 using namespace tovek;
@@ -19,24 +18,21 @@ QImage decalImage(QRgb color)
     return image;
 }
 
-/// Every pixel as the list makes it, over a white display.
+/// Over a white display.
 QImage painted(const DisplayList &list)
 {
     QImage image(size, QImage::Format_RGB32);
     image.fill(Qt::white);
-    QPainter painter(&image);
-    for (const QRect &rect : QRegion(image.rect()) - list.clear)
-        painter.fillRect(rect, QColor(0, 0, 0, qRound(list.veil * 255)));
-    for (const DisplayList::Item &item : list.items) {
-        if (const auto *fill = std::get_if<DisplayList::Fill>(&item)) {
-            painter.fillRect(fill->rect, QColor::fromRgba(qUnpremultiply(fill->color)));
-            continue;
-        }
-        const auto &decal = std::get<DisplayList::Decal>(item);
-        painter.setClipRect(decal.clip, decal.clip.isNull() ? Qt::NoClip : Qt::ReplaceClip);
-        painter.drawImage(decal.at, decal.image);
-    }
-    return image;
+    return painted(image, list);
+}
+
+/// A part of a page of 100 words, apart from each other.
+DisplayList::Fills words(int from, int to, QRgb color)
+{
+    std::vector<QRect> rects;
+    for (int i = from; i < to; ++i)
+        rects.emplace_back(i % 10 * 12, i / 10 * 8, 10, 6);
+    return fillsOf(color, rects);
 }
 
 /// Apart from each other, in rows of a hundred.
@@ -108,6 +104,24 @@ private Q_SLOTS:
             210);
         row("decal is clipped", {0, {}, {decal}}, {0, {}, {clipped}}, 200);
         row("decal is another", {0, {}, {decal}}, {0, {}, {other}}, 200);
+        constexpr QRgb blue = 0x20000020, gray = 0x20202020, bold = 0x80000080;
+        const auto page = words(0, 100, blue);
+        row("the same words in another place of memory", {0, {}, {page}},
+            {0, {}, {words(0, 100, blue)}}, 0);
+        row("words come", {0, {}, {red}}, {0, {}, {red, words(0, 5, blue)}}, 300);
+        row("a word more", {0, {}, {words(0, 99, blue)}}, {0, {}, {page}}, 60);
+        row("a word less", {0, {}, {page}}, {0, {}, {words(1, 100, blue)}}, 60);
+        row("words of another colour", {0, {}, {words(0, 5, blue)}}, {0, {}, {words(0, 5, gray)}},
+            300);
+        row("one is emphasized", {0, {}, {page}}, {0, {}, {page, words(7, 8, bold)}}, 60);
+        row("another is emphasized", {0, {}, {page, words(7, 8, bold)}},
+            {0, {}, {page, words(9, 10, bold)}}, 120);
+        row("colours change order", {0, {}, {words(0, 2, blue), words(0, 3, bold)}},
+            {0, {}, {words(0, 3, bold), words(0, 2, blue)}}, 180);
+        row("a colour between comes", {0, {}, {words(0, 2, blue), words(0, 3, bold)}},
+            {0, {}, {words(0, 2, blue), words(4, 5, gray), words(0, 3, bold)}}, 60);
+        row("words below and above a picture", {0, {}, {page, decal}}, {0, {}, {decal, page}},
+            size.width() * size.height());
     }
     void damagesWhatDiffersAndLittleMore()
     {
@@ -139,6 +153,12 @@ private Q_SLOTS:
     void staysSimpleHoweverMuchDiffers()
     {
         QFETCH(int, count);
+        std::vector<QRect> rects;
+        for (const DisplayList::Item &item : manyFills(count).items)
+            rects.push_back(boundsOf(item));
+        const DisplayList together{0, {}, {fillsOf(0x20000080, rects)}};
+        QTEST(int((damageBetween({}, together).rectCount())), "rectangles");
+        QTEST(int((damageBetween(together, {}).rectCount())), "rectangles");
         QTEST(int((damageBetween({}, manyFills(count)).rectCount())), "rectangles");
         QTEST(int((damageBetween(manyFills(count), {}).rectCount())), "rectangles");
         const QRegion damage = damageBetween({}, manyFills(count));

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "X11TestDesktop.h"
+#include "fakes/PaintedList.h"
 #include "platform/x11/X11OverlaySurface.h"
 #include "platform/x11/X11ScreenGrabber.h"
 #include "platform/x11/X11Screens.h"
@@ -85,26 +86,6 @@ int largestDifference(const QImage &a, const QImage &b)
     return largest;
 }
 
-/// The list as a painter draws it: what the server's drawing is measured against.
-QImage painted(QImage image, const DisplayList &list)
-{
-    QPainter painter(&image);
-    const QRegion veil = QRegion(image.rect()) - list.clear;
-    for (const QRect &rect : veil)
-        painter.fillRect(rect, QColor(0, 0, 0, qRound(list.veil * 255)));
-    for (const DisplayList::Item &item : list.items) {
-        if (const auto *fill = std::get_if<DisplayList::Fill>(&item)) {
-            painter.fillRect(fill->rect, QColor::fromRgba(qUnpremultiply(fill->color)));
-            continue;
-        }
-        const auto &decal = std::get<DisplayList::Decal>(item);
-        painter.setClipRect(decal.clip, decal.clip.isNull() ? Qt::NoClip : Qt::ReplaceClip);
-        painter.drawImage(decal.at, decal.image);
-        painter.setClipping(false);
-    }
-    return image;
-}
-
 } // namespace
 
 class TestX11Overlay : public QObject
@@ -184,6 +165,14 @@ private Q_SLOTS:
                            {DisplayList::Fill{QRect(50, 70, 200, 2), 0xffffffff},
                             DisplayList::Fill{QRect(60, 60, 90, 90), 0x80400010},
                             DisplayList::Fill{QRect(70, 50, 40, 90), 0x80400010}}};
+        std::vector<QRect> many;
+        for (int i = 0; i < 5000; ++i)
+            many.emplace_back(i % 100 * 4 - 20, i / 100 * 7 - 20, 3, 5);
+        QTest::newRow("more fills than go into one request, and overlapping ones")
+            << DisplayList{0.3,
+                           QRect(50, 70, 200, 133),
+                           {fillsOf(0x20000020, many),
+                            fillsOf(0x80004000, {QRect(60, 60, 90, 90), QRect(90, 90, 90, 90)})}};
         QImage decal(37, 21, QImage::Format_ARGB32_Premultiplied);
         for (int y = 0; y < decal.height(); ++y) {
             for (int x = 0; x < decal.width(); ++x)

@@ -97,18 +97,9 @@ void X11OverlayCanvas::compose(const DisplayList &list, const QRegion &damage)
         clip.push_back(rectangle(rect));
     xcb_render_set_picture_clip_rectangles(xcb, m_composedPicture, 0, 0, uint32_t(clip.size()),
                                            clip.data());
-    for (const DisplayList::Item &item : list.items) {
-        const QRect visible = boundsOf(item) & bounds;
-        if (visible.isEmpty() || !damage.intersects(visible))
-            continue;
-        if (const auto *fill = std::get_if<DisplayList::Fill>(&item)) {
-            composeFill(*fill, visible);
-        } else {
-            composeFills();
-            composeDecal(std::get<DisplayList::Decal>(item), visible);
-        }
-    }
-    composeFills();
+    for (const DisplayList::Item &item : list.items)
+        composeItem(item, damage);
+    composePendingFills();
     const xcb_rectangle_t everything = rectangle(bounds);
     xcb_render_set_picture_clip_rectangles(xcb, m_composedPicture, 0, 0, 1, &everything);
 }
@@ -128,15 +119,40 @@ void X11OverlayCanvas::composeBackdrop(const DisplayList &list, const QRegion &d
                                {0, 0, 0, wide(alpha)}, uint32_t(veiled.size()), veiled.data());
 }
 
-void X11OverlayCanvas::composeFill(const DisplayList::Fill &fill, QRect bounds)
+void X11OverlayCanvas::composeItem(const DisplayList::Item &item, const QRegion &damage)
 {
-    if (fill.color != m_fillColor || m_fills.size() == mostFills)
-        composeFills();
-    m_fillColor = fill.color;
+    const QRect reach = QRect(QPoint(), m_frozen->size()) & damage.boundingRect();
+    const auto visible = [&](const QRect &rect) {
+        const QRect part = rect & reach;
+        return !part.isEmpty() && damage.intersects(part) ? part : QRect();
+    };
+    if (const auto *fills = std::get_if<DisplayList::Fills>(&item)) {
+        for (const QRect &rect : *fills->rects) {
+            if (const QRect part = visible(rect); !part.isNull())
+                composeFill(fills->color, part);
+        }
+        return;
+    }
+    const QRect part = visible(boundsOf(item));
+    if (part.isNull())
+        return;
+    if (const auto *fill = std::get_if<DisplayList::Fill>(&item)) {
+        composeFill(fill->color, part);
+    } else {
+        composePendingFills();
+        composeDecal(std::get<DisplayList::Decal>(item), part);
+    }
+}
+
+void X11OverlayCanvas::composeFill(QRgb color, QRect bounds)
+{
+    if (color != m_fillColor || m_fills.size() == mostFills)
+        composePendingFills();
+    m_fillColor = color;
     m_fills.push_back(rectangle(bounds));
 }
 
-void X11OverlayCanvas::composeFills()
+void X11OverlayCanvas::composePendingFills()
 {
     if (m_fills.empty())
         return;

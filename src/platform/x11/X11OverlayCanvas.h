@@ -38,9 +38,10 @@ public:
 private:
     void compose(const DisplayList &list, const QRegion &damage);
     void composeBackdrop(const DisplayList &list, const QRegion &damage);
+    void composeItem(const DisplayList::Item &item, const QRegion &damage);
     /// Fills of one colour that follow each other go as one request.
-    void composeFill(const DisplayList::Fill &fill, QRect bounds);
-    void composeFills();
+    void composeFill(QRgb color, QRect bounds);
+    void composePendingFills();
     void composeDecal(const DisplayList::Decal &decal, QRect bounds);
     void copy(const std::shared_ptr<X11Pixmap> &from, xcb_drawable_t to, const QRegion &region);
     xcb_render_picture_t createPicture(xcb_drawable_t drawable);
