@@ -14,4 +14,15 @@ QString toString(const Rect &rect)
         .arg(rect.height);
 }
 
+QRegion scaled(const QRegion &region, double factor)
+{
+    QRegion result;
+    for (const QRect &rect : region) {
+        const QRectF exact(rect.x() * factor, rect.y() * factor, rect.width() * factor,
+                           rect.height() * factor);
+        result += exact.toAlignedRect();
+    }
+    return result;
+}
+
 } // namespace tovek

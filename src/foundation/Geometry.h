@@ -5,6 +5,7 @@
 
 #include <QPointF>
 #include <QRect>
+#include <QRegion>
 #include <QString>
 
 #include <algorithm>
@@ -66,6 +67,9 @@ struct Rect
 
 /// Readable form of origin and size, for log lines.
 QString toString(const Rect &rect);
+
+/// Every whole pixel that the region touches after scaling.
+QRegion scaled(const QRegion &region, double factor);
 
 /// One view's coordinate spaces: points with y up (rules), logical pixels with y down (widgets),
 /// and native pixels with y down (images). The only place where y is flipped.

@@ -28,7 +28,7 @@ constexpr double labelPaddingY = 3;
 constexpr double labelRadius = 6;
 constexpr qsizetype mostDecals = 400;
 
-enum Kind { cornerKind = 0, handleKind = 4, boxKind = 8, glyphKind = 9 };
+enum Kind { cornerKind = 0, handleKind = 4, boxKind = 8 };
 
 /// The four corners in drawing order, with the direction in which the selection lies.
 struct Corner
@@ -99,6 +99,19 @@ QPainterPath handlePath(double scale)
     return path;
 }
 
+template <typename Draw>
+DisplayList::Decal drawn(QSize size, Draw draw)
+{
+    DisplayList::Decal made;
+    made.key = nextDecalKey();
+    made.image = QImage(size, QImage::Format_ARGB32_Premultiplied);
+    made.image.fill(Qt::transparent);
+    QPainter painter(&made.image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    draw(painter);
+    return made;
+}
+
 } // namespace
 
 struct OverlayArtist::Frame
@@ -152,6 +165,7 @@ DisplayList OverlayArtist::draw(const OverlayPicture &picture)
 {
     if (m_scale != picture.space.scale || m_decals.size() > mostDecals) {
         m_decals.clear();
+        m_glyphs = {};
         m_scale = picture.space.scale;
         measureLabelFont(m_scale);
     }
@@ -183,16 +197,7 @@ DisplayList::Decal OverlayArtist::decal(const Key &key, QSize size, Draw draw)
     const auto kept = m_decals.constFind(key);
     if (kept != m_decals.constEnd())
         return *kept;
-    DisplayList::Decal made;
-    made.key = nextDecalKey();
-    made.image = QImage(size, QImage::Format_ARGB32_Premultiplied);
-    made.image.fill(Qt::transparent);
-    QPainter painter(&made.image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    draw(painter);
-    painter.end();
-    m_decals.insert(key, made);
-    return made;
+    return *m_decals.insert(key, drawn(size, draw));
 }
 
 /// The rounded border, and the veil between its corners and those of the sharp hole below it.
@@ -215,16 +220,11 @@ void OverlayArtist::drawSmallBorder(const Frame &frame, DisplayList &list)
     // Too small for corners that do not touch. Drawn anew for each size, hence not kept.
     const QRect bounds = list.clear.adjusted(-frame.outside - 1, -frame.outside - 1,
                                              frame.outside + 1, frame.outside + 1);
-    DisplayList::Decal border;
-    border.key = nextDecalKey();
+    DisplayList::Decal border = drawn(bounds.size(), [&](QPainter &painter) {
+        painter.translate(-bounds.topLeft());
+        paintBorder(painter, frame.selection, list.clear, frame.scale, list.veil, frame.color);
+    });
     border.at = bounds.topLeft();
-    border.image = QImage(bounds.size(), QImage::Format_ARGB32_Premultiplied);
-    border.image.fill(Qt::transparent);
-    QPainter painter(&border.image);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.translate(-bounds.topLeft());
-    paintBorder(painter, frame.selection, list.clear, frame.scale, list.veil, frame.color);
-    painter.end();
     list.items.emplace_back(border);
 }
 
@@ -313,6 +313,20 @@ void OverlayArtist::measureLabelFont(double scale)
     m_textHeight = int(std::ceil(metrics.height()));
 }
 
+const DisplayList::Decal &OverlayArtist::labelGlyph(QChar c, int width)
+{
+    DisplayList::Decal &glyph =
+        m_glyphs[c.isDigit() ? size_t(c.digitValue()) : m_glyphs.size() - 1];
+    if (glyph.image.isNull()) {
+        glyph = drawn(QSize(width, m_textHeight), [&](QPainter &painter) {
+            painter.setFont(m_labelFont);
+            painter.setPen(Qt::white);
+            painter.drawText(QRect(0, 0, width, m_textHeight), Qt::AlignCenter, QString(c));
+        });
+    }
+    return glyph;
+}
+
 void OverlayArtist::drawLabel(const Frame &frame, DisplayList &list)
 {
     const double scale = frame.scale;
@@ -345,13 +359,7 @@ void OverlayArtist::drawLabel(const Frame &frame, DisplayList &list)
     for (const QChar c : text) {
         const int width = widthOf(c);
         if (!c.isSpace()) {
-            auto glyph = decal({glyphKind, {double(c.unicode()), 0, 0, 0}},
-                               QSize(width, m_textHeight), [&](QPainter &painter) {
-                                   painter.setFont(m_labelFont);
-                                   painter.setPen(Qt::white);
-                                   painter.drawText(QRect(0, 0, width, m_textHeight),
-                                                    Qt::AlignCenter, QString(c));
-                               });
+            DisplayList::Decal glyph = labelGlyph(c, width);
             glyph.at = QPoint(x, y);
             list.items.emplace_back(glyph);
         }

@@ -62,10 +62,13 @@ private:
     void drawLabel(const Frame &frame, DisplayList &list);
     template <typename Draw>
     DisplayList::Decal decal(const Key &key, QSize size, Draw draw);
+    /// A digit, or the sign between the two numbers.
+    const DisplayList::Decal &labelGlyph(QChar c, int width);
     void measureLabelFont(double scale);
 
     QFont m_font;
     QHash<Key, DisplayList::Decal> m_decals;
+    std::array<DisplayList::Decal, 11> m_glyphs; ///< the digits, then the sign; null before use
     double m_scale = 0; ///< of the kept decals
     QFont m_labelFont;
     int m_digitWidth = 0; ///< native pixels; every digit takes the widest one's place

@@ -33,7 +33,9 @@ OverlayWindow::OverlayWindow(const OverlayContext &context, OverlayShell &shell)
         if (onKeyboardDenied)
             onKeyboardDenied();
     };
-    m_surface->onDragged = [this](QPointF at) { dragTo(at); };
+    m_surface->onDragged = [this, space = context.screen.space()](QPointF at) {
+        m_selectionView->dragTo(space.pointFromWidget(at));
+    };
     m_selectionView->setSurface(m_surface.get());
     m_selectionView->installEventFilter(this);
     forwardCallbacks();
@@ -92,13 +94,6 @@ bool OverlayWindow::eventFilter(QObject *watched, QEvent *event)
     if (event->type() == QEvent::MouseButtonPress && !m_surface->isKey())
         makeKey();
     return QWidget::eventFilter(watched, event);
-}
-
-void OverlayWindow::dragTo(QPointF at)
-{
-    QMouseEvent event(QEvent::MouseMove, at, at, mapToGlobal(at), Qt::NoButton, Qt::LeftButton,
-                      Qt::NoModifier);
-    QCoreApplication::sendEvent(m_selectionView, &event);
 }
 
 void OverlayWindow::forwardCallbacks()

@@ -42,7 +42,6 @@ protected:
 
 private:
     void forwardCallbacks();
-    void dragTo(QPointF at);
 
     Screen m_targetScreen;
     SelectionOverlayView *m_selectionView;

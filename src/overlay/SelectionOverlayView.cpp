@@ -13,24 +13,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 
-#include <cmath>
-
 namespace tovek {
-
-namespace {
-
-/// Every native pixel that the logical region touches.
-QRegion nativeRegion(const QRegion &logical, double scale)
-{
-    QRegion native;
-    for (const QRect &rect : logical)
-        native +=
-            QRectF(rect.x() * scale, rect.y() * scale, rect.width() * scale, rect.height() * scale)
-                .toAlignedRect();
-    return native;
-}
-
-} // namespace
 
 SelectionOverlayView::SelectionOverlayView(const OverlayContext &context, QWidget *parent)
     : QWidget(parent)
@@ -97,9 +80,14 @@ void SelectionOverlayView::press(Point at, int clickCount)
 
 void SelectionOverlayView::mouseMoveEvent(QMouseEvent *event)
 {
-    const Point at = pointOf(*event);
-    if (!(event->buttons() & Qt::LeftButton))
-        return updateCursor(at);
+    if (event->buttons() & Qt::LeftButton)
+        dragTo(pointOf(*event));
+    else
+        updateCursor(pointOf(*event));
+}
+
+void SelectionOverlayView::dragTo(Point at)
+{
     if (m_state.selectionRect) {
         const auto effect = m_editor.moveTo(at, *m_state.selectionRect);
         if (effect.isHandled)
@@ -352,7 +340,7 @@ void SelectionOverlayView::coverChanged()
     if (!m_surface)
         return;
     const QRegion covered = m_toolbar.coveredRegion() + m_textInput.coveredRegion();
-    m_surface->setCovered(nativeRegion(covered, m_space.scale));
+    m_surface->setCovered(scaled(covered, m_space.scale));
 }
 
 void SelectionOverlayView::redraw()
@@ -360,8 +348,7 @@ void SelectionOverlayView::redraw()
     DisplayList list = m_artist.draw(picture());
     const bool isShown = m_surface && m_surface->present(list);
     const bool isUnderToolbar = toolbar()
-        && damageBetween(m_list, list)
-               .intersects(nativeRegion(toolbar()->geometry(), m_space.scale));
+        && damageBetween(m_list, list).intersects(scaled(toolbar()->geometry(), m_space.scale));
     m_list = std::move(list);
     if (!isShown)
         return update();

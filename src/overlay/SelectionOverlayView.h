@@ -52,6 +52,9 @@ public:
 
     OverlayCallbacks callbacks;
 
+    /// The mouse was moved with the left button held: a move event without the toolkit's way to it.
+    void dragTo(Point at);
+
 protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;

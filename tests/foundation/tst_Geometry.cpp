@@ -39,6 +39,24 @@ private Q_SLOTS:
         QVERIFY((Rect::spanning({1, 6}, {4, 2}) == expected));
     }
 
+    void scalesARegionToEveryPixelItTouches_data()
+    {
+        QTest::addColumn<QRegion>("region");
+        QTest::addColumn<double>("factor");
+        QTest::addColumn<QRegion>("scaledRegion");
+        QTest::newRow("nothing") << QRegion() << 2.0 << QRegion();
+        QTest::newRow("whole") << QRegion(1, 2, 3, 4) << 2.0 << QRegion(2, 4, 6, 8);
+        QTest::newRow("between pixels") << QRegion(1, 2, 3, 4) << 1.5 << QRegion(1, 3, 5, 6);
+        QTest::newRow("down") << QRegion(3, 3, 3, 3) << 0.5 << QRegion(1, 1, 2, 2);
+        QTest::newRow("two") << QRegion(0, 0, 2, 2).united(QRect(4, 4, 2, 2)) << 2.0
+                             << QRegion(0, 0, 4, 4).united(QRect(8, 8, 4, 4));
+    }
+    void scalesARegionToEveryPixelItTouches()
+    {
+        QFETCH(QRegion, region);
+        QFETCH(double, factor);
+        QTEST(scaled(region, factor), "scaledRegion");
+    }
     void flipsOnceBetweenPointsAndWidgets()
     {
         const ViewSpace space{{1440, 900}, 2};

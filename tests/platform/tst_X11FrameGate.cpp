@@ -50,9 +50,17 @@ private Q_SLOTS:
         QTRY_VERIFY(gate.isOpen());
     }
 
+    void waitsForTheServer_data()
+    {
+        QTest::addColumn<bool>("isOwn");
+        QTest::newRow("the toolkit's connection, which a thread reads") << false;
+        QTest::newRow("one of our own, which nobody else reads") << true;
+    }
     void waitsForTheServer()
     {
-        const auto connection = X11Connection::create();
+        QFETCH(bool, isOwn);
+        const auto connection = isOwn ? X11Connection::open() : X11Connection::create();
+        QVERIFY(connection);
         X11FrameGate gate(connection, 4ms);
         xcb_grab_server(desktop->client());
         desktop->sync();

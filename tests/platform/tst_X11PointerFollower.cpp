@@ -63,7 +63,8 @@ private Q_SLOTS:
         QVERIFY(m_connection);
         m_window = std::make_unique<Window>();
         QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
-        m_follower = std::make_unique<X11PointerFollower>(m_connection, interval);
+        m_follower =
+            std::make_unique<X11PointerFollower>(m_connection, X11Connection::open(), interval);
         m_follower->onMoved = [this](QPoint at) { m_places.push_back(at); };
         m_places.clear();
     }
@@ -121,11 +122,11 @@ private Q_SLOTS:
         start();
         m_window->moves = 0;
         moveTo({210, 210});
-        synchronise();
+        m_connection->settle();
         QCoreApplication::processEvents();
         QCOMPARE(m_window->moves, 0);
         m_follower->stop();
-        synchronise();
+        m_connection->settle();
         moveTo({220, 220});
         QTRY_COMPARE(m_window->moves, 1);
         press();
@@ -140,15 +141,8 @@ private:
     {
         m_follower->start(xcb_window_t(m_window->winId()));
         QTest::qWait(0);
-        synchronise();
+        m_connection->settle();
     }
-    /// Returns when the server has done what the toolkit's connection asked for.
-    void synchronise() const
-    {
-        X11Reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus_reply(
-            m_connection->xcb(), xcb_get_input_focus(m_connection->xcb()), nullptr));
-    }
-
     void press()
     {
         mouse(XCB_BUTTON_PRESS, 1);

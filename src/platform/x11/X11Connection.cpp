@@ -96,11 +96,25 @@ std::shared_ptr<X11Connection> X11Connection::create()
         qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
     if (!application || !application->connection())
         return nullptr;
-    std::shared_ptr<X11Connection> connection(new X11Connection(application->connection()));
+    std::shared_ptr<X11Connection> connection(
+        new X11Connection(application->connection(), Ownership::toolkit));
     return connection->isUsable() ? connection : nullptr;
 }
 
-X11Connection::X11Connection(xcb_connection_t *connection) : m_connection(connection)
+std::shared_ptr<X11Connection> X11Connection::open()
+{
+    xcb_connection_t *xcb = xcb_connect(nullptr, nullptr);
+    if (xcb_connection_has_error(xcb)) {
+        xcb_disconnect(xcb);
+        return nullptr;
+    }
+    std::shared_ptr<X11Connection> connection(new X11Connection(xcb, Ownership::own));
+    return connection->isUsable() ? connection : nullptr;
+}
+
+X11Connection::X11Connection(xcb_connection_t *connection, Ownership ownership)
+    : m_connection(connection)
+    , m_ownership(ownership)
 {
     xcb_prefetch_extension_data(connection, &xcb_randr_id);
     xcb_prefetch_extension_data(connection, &xcb_render_id);
@@ -129,6 +143,10 @@ X11Connection::X11Connection(xcb_connection_t *connection) : m_connection(connec
 
 X11Connection::~X11Connection()
 {
+    if (m_ownership == Ownership::own) {
+        xcb_disconnect(m_connection);
+        return;
+    }
     if (!xcb() || !isUsable())
         return;
     xcb_free_gc(m_connection, m_copyGc);
@@ -137,7 +155,7 @@ X11Connection::~X11Connection()
 
 xcb_connection_t *X11Connection::xcb() const
 {
-    return qGuiApp ? m_connection : nullptr;
+    return m_ownership == Ownership::own || qGuiApp ? m_connection : nullptr;
 }
 
 const std::optional<X11RenderFormats> &X11Connection::renderFormats()
@@ -155,45 +173,26 @@ void X11Connection::flush() const
         xcb_flush(connection);
 }
 
-X11Pixmap::X11Pixmap(std::shared_ptr<X11Connection> connection, QSize size)
-    : m_connection(std::move(connection))
-    , m_size(size)
+void X11Connection::settle() const
 {
-    xcb_connection_t *xcb = m_connection->xcb();
-    m_id = xcb_generate_id(xcb);
-    m_creation = xcb_create_pixmap_checked(xcb, m_connection->screen().root_depth, m_id,
-                                           m_connection->root(), uint16_t(size.width()),
-                                           uint16_t(size.height()));
+    if (xcb_connection_t *connection = xcb())
+        X11Reply<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
 }
 
-X11Pixmap::~X11Pixmap()
+void X11Connection::read() const
 {
-    if (!m_connection->xcb())
+    if (m_ownership == Ownership::own)
+        X11Reply<xcb_generic_event_t>(xcb_poll_for_event(m_connection));
+    dropEvents();
+}
+
+void X11Connection::dropEvents() const
+{
+    if (m_ownership == Ownership::toolkit)
         return;
-    if (error().isEmpty())
-        xcb_free_pixmap(m_connection->xcb(), m_id);
-}
-
-QString X11Pixmap::error()
-{
-    if (m_creation && m_connection->xcb()) {
-        const X11Reply<xcb_generic_error_t> failure(
-            xcb_request_check(m_connection->xcb(), *m_creation));
-        m_creation.reset();
-        if (failure)
-            m_error = x11ErrorText(*failure);
-    }
-    return m_error;
-}
-
-void x11Copy(const X11Connection &connection, xcb_drawable_t from, xcb_drawable_t to, QRect rect,
-             QPoint at)
-{
-    xcb_connection_t *xcb = connection.xcb();
-    const auto cookie = xcb_copy_area_checked(
-        xcb, from, to, connection.snapshotGc(), int16_t(rect.x()), int16_t(rect.y()),
-        int16_t(at.x()), int16_t(at.y()), uint16_t(rect.width()), uint16_t(rect.height()));
-    xcb_discard_reply(xcb, cookie.sequence);
+    while (X11Reply<xcb_generic_event_t>(xcb_poll_for_queued_event(m_connection)))
+        ;
 }
 
 QString x11ErrorText(const xcb_generic_error_t &error)

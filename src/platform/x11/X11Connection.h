@@ -3,7 +3,6 @@
 
 #pragma once
 
-#include <QRect>
 #include <QString>
 
 #include <array>
@@ -48,16 +47,21 @@ struct X11RenderFormats
     xcb_render_pictformat_t argb32 = 0; ///< premultiplied, depth 32
 };
 
-/// The connection that the toolkit's windows live on, and what the services share about it:
-/// requests made here stay in order with the toolkit's own. Main thread only.
+/// The connection that the toolkit's windows live on, or one of our own, and what the services
+/// share about it. Main thread only.
 class X11Connection
 {
 public:
-    /// Null where the toolkit does not run on an X server.
+    /// The toolkit's: requests made here stay in order with its own. Null where it does not run on
+    /// an X server.
     static std::shared_ptr<X11Connection> create();
+    /// Another one. Whoever waits for an answer on the toolkit's waits for the thread in which it
+    /// reads as well, which costs more than most questions. Nobody reads this one's events. Null
+    /// where the server takes no more clients.
+    static std::shared_ptr<X11Connection> open();
     ~X11Connection();
 
-    /// Null once the application has gone, and its connection with it.
+    /// Null once the application has gone, and the toolkit's connection with it.
     xcb_connection_t *xcb() const;
     const xcb_screen_t &screen() const { return *m_screen; }
     xcb_window_t root() const { return m_screen->root; }
@@ -72,12 +76,22 @@ public:
     /// Absent where the server cannot composite. Asks the server the first time only.
     const std::optional<X11RenderFormats> &renderFormats();
     void flush() const;
+    /// Returns when the server has dealt with all requests so far, so that what follows on another
+    /// connection comes after them.
+    void settle() const;
+    /// Reads what has come, without waiting. For one of our own, which nobody else reads.
+    void read() const;
+    /// Drops what has been read but answers: nobody asked for events, and errors are of requests
+    /// whose drawables went away meanwhile. Nothing on the toolkit's connection.
+    void dropEvents() const;
 
 private:
-    explicit X11Connection(xcb_connection_t *connection);
+    enum class Ownership { toolkit, own };
+    X11Connection(xcb_connection_t *connection, Ownership ownership);
     bool isUsable() const { return m_screen && m_visual; }
 
     xcb_connection_t *m_connection;
+    Ownership m_ownership;
     const xcb_screen_t *m_screen = nullptr;
     const xcb_visualtype_t *m_visual = nullptr;
     std::array<xcb_atom_t, size_t(X11Atom::count)> m_atoms{};
@@ -87,34 +101,6 @@ private:
     bool m_hasAskedRender = false;
     std::optional<X11RenderFormats> m_render;
 };
-
-/// A drawable of the root's depth in the server; freed with the object. Main thread only.
-class X11Pixmap
-{
-public:
-    X11Pixmap(std::shared_ptr<X11Connection> connection, QSize size);
-    ~X11Pixmap();
-    X11Pixmap(const X11Pixmap &) = delete;
-    X11Pixmap &operator=(const X11Pixmap &) = delete;
-
-    xcb_pixmap_t id() const { return m_id; }
-    QSize size() const { return m_size; }
-    /// A readable reason when the server refused; empty when the pixmap exists. The first call
-    /// waits for the server's answer, unless it has come already.
-    QString error();
-
-private:
-    std::shared_ptr<X11Connection> m_connection;
-    xcb_pixmap_t m_id = 0;
-    QSize m_size;
-    std::optional<xcb_void_cookie_t> m_creation;
-    QString m_error;
-};
-
-/// Copies a rectangle, windows together with what lies on them. What the server says about it is
-/// not asked for: a drawable that could not be made has told so itself.
-void x11Copy(const X11Connection &connection, xcb_drawable_t from, xcb_drawable_t to, QRect rect,
-             QPoint at);
 
 /// "the X server is out of memory (error 11, request 53)".
 QString x11ErrorText(const xcb_generic_error_t &error);

@@ -57,6 +57,7 @@ bool X11FrameGate::isDrawn()
     xcb_connection_t *xcb = m_connection->xcb();
     if (!m_sync || !xcb)
         return true;
+    m_connection->read();
     void *answer = nullptr;
     xcb_generic_error_t *error = nullptr;
     if (!xcb_poll_for_reply(xcb, *m_sync, &answer, &error))

@@ -23,9 +23,11 @@ xcb_rectangle_t rectangle(QRect rect)
 
 } // namespace
 
-X11OverlayCanvas::X11OverlayCanvas(std::shared_ptr<X11Connection> connection, xcb_window_t window,
+X11OverlayCanvas::X11OverlayCanvas(std::shared_ptr<X11Connection> toolkit,
+                                   std::shared_ptr<X11Connection> drawing, xcb_window_t window,
                                    std::shared_ptr<X11Pixmap> frozen)
-    : m_connection(std::move(connection))
+    : m_toolkit(std::move(toolkit))
+    , m_connection(std::move(drawing))
     , m_window(window)
     , m_frozen(std::move(frozen))
     , m_decals(m_connection)
@@ -51,19 +53,28 @@ bool X11OverlayCanvas::present(const DisplayList &list)
 {
     if (!m_connection->xcb())
         return false;
+    // Many times a second: a region is not cut where nothing would be cut off.
     const QRect bounds(QPoint(), m_frozen->size());
-    const QRegion damage = damageBetween(m_shown, list) & bounds;
+    QRegion damage = damageBetween(m_shown, list);
+    if (!bounds.contains(damage.boundingRect()))
+        damage &= bounds;
     m_shown = list;
     if (damage.isEmpty())
         return false;
     compose(list, damage);
-    copy(m_composed, m_window, damage - m_covered);
+    copy(m_composed, m_window, m_covered.isEmpty() ? damage : damage - m_covered);
     return true;
 }
 
 void X11OverlayCanvas::setCovered(const QRegion &region)
 {
+    // The last frame must not come after what a child paints there next, nor what a child painted
+    // last after the repair.
+    if (!(region - m_covered).isEmpty())
+        m_connection->settle();
     const QRegion uncovered = m_covered - region;
+    if (!uncovered.isEmpty())
+        m_toolkit->settle();
     m_covered = region;
     repair(uncovered);
 }
@@ -84,7 +95,8 @@ void X11OverlayCanvas::compose(const DisplayList &list, const QRegion &damage)
     if (!m_isComposed) {
         m_isComposed = true;
         if (!m_composed)
-            m_composed = std::make_shared<X11Pixmap>(m_connection, m_frozen->size());
+            m_composed = std::make_shared<X11Pixmap>(m_toolkit, m_frozen->size());
+        m_toolkit->settle(); // it has made the pixmaps
         m_composedPicture = createPicture(m_composed->id());
         copy(m_frozen, m_composed->id(), QRegion(bounds) - damage);
         const uint32_t background = m_composed->id();

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "platform/x11/X11DecalCache.h"
+#include "platform/x11/X11Pixmap.h"
 
 #include <QRegion>
 
@@ -18,9 +19,10 @@ namespace tovek {
 class X11OverlayCanvas
 {
 public:
-    /// `frozen` is the window's background so far.
-    X11OverlayCanvas(std::shared_ptr<X11Connection> connection, xcb_window_t window,
-                     std::shared_ptr<X11Pixmap> frozen);
+    /// `frozen` is the window's background so far. It and the window belong to `toolkit`, which
+    /// also brings what child widgets paint; the drawing goes by the other connection.
+    X11OverlayCanvas(std::shared_ptr<X11Connection> toolkit, std::shared_ptr<X11Connection> drawing,
+                     xcb_window_t window, std::shared_ptr<X11Pixmap> frozen);
     ~X11OverlayCanvas();
     X11OverlayCanvas(const X11OverlayCanvas &) = delete;
     X11OverlayCanvas &operator=(const X11OverlayCanvas &) = delete;
@@ -46,7 +48,8 @@ private:
     void copy(const std::shared_ptr<X11Pixmap> &from, xcb_drawable_t to, const QRegion &region);
     xcb_render_picture_t createPicture(xcb_drawable_t drawable);
 
-    std::shared_ptr<X11Connection> m_connection;
+    std::shared_ptr<X11Connection> m_toolkit;
+    std::shared_ptr<X11Connection> m_connection; ///< for the drawing
     xcb_window_t m_window;
     std::shared_ptr<X11Pixmap> m_frozen;
     std::shared_ptr<X11Pixmap> m_composed;

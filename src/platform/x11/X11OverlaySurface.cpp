@@ -10,7 +10,6 @@
 #include <QWindow>
 
 #include <algorithm>
-#include <cmath>
 
 namespace tovek {
 
@@ -29,20 +28,6 @@ std::chrono::milliseconds frameIntervalOf(const QScreen *screen)
     return frameInterval(screen ? screen->refreshRate() : 0);
 }
 
-/// Every pixel that a rectangle touches after scaling.
-QRegion scaled(const QRegion &region, double factor)
-{
-    QRegion result;
-    for (const QRect &rect : region) {
-        const QPoint from(int(std::floor(rect.left() * factor)),
-                          int(std::floor(rect.top() * factor)));
-        const QPoint to(int(std::ceil((rect.right() + 1) * factor)),
-                        int(std::ceil((rect.bottom() + 1) * factor)));
-        result += QRect(from, to - QPoint(1, 1));
-    }
-    return result;
-}
-
 } // namespace
 
 X11OverlaySurface::X11OverlaySurface(std::shared_ptr<X11OverlayServices> services, QWindow &window,
@@ -51,8 +36,8 @@ X11OverlaySurface::X11OverlaySurface(std::shared_ptr<X11OverlayServices> service
     , m_window(window)
     , m_screen(screen)
     , m_frozen(std::move(frozen))
-    , m_gate(m_services->connection, frameIntervalOf(toolkitScreen(screen.name)))
-    , m_pointer(m_services->connection, m_gate.interval())
+    , m_gate(m_services->drawing, frameIntervalOf(toolkitScreen(screen.name)))
+    , m_pointer(m_services->connection, m_services->drawing, m_gate.interval())
 {
     m_pointer.onMoved = [this](QPoint at) {
         if (onDragged)
@@ -62,10 +47,9 @@ X11OverlaySurface::X11OverlaySurface(std::shared_ptr<X11OverlayServices> service
     m_nextFrame.setTimerType(Qt::PreciseTimer);
     connect(&m_nextFrame, &QTimer::timeout, this, &X11OverlaySurface::showWaitingFrame);
     setUpWindow();
-    const bool isOpaque = m_window.requestedFormat().alphaBufferSize() <= 0;
-    if (isOpaque && m_services->connection->renderFormats())
-        m_canvas =
-            std::make_unique<X11OverlayCanvas>(m_services->connection, id(), m_frozen->pixmap());
+    if (isBackedByTheServer() && m_services->drawing->renderFormats())
+        m_canvas = std::make_unique<X11OverlayCanvas>(m_services->connection, m_services->drawing,
+                                                      id(), m_frozen->pixmap());
     m_window.installEventFilter(this);
     connect(m_services->monitors.get(), &X11Monitors::changed, this, [this] {
         const std::vector<X11Monitor> &now = m_services->monitors->list();
@@ -80,6 +64,12 @@ X11OverlaySurface::X11OverlaySurface(std::shared_ptr<X11OverlayServices> service
 X11OverlaySurface::~X11OverlaySurface()
 {
     orderOut();
+}
+
+bool X11OverlaySurface::isBackedByTheServer() const
+{
+    return m_window.requestedFormat().alphaBufferSize() <= 0
+        && m_frozen->pixmap()->error().isEmpty();
 }
 
 void X11OverlaySurface::setUpWindow()
@@ -104,7 +94,7 @@ void X11OverlaySurface::setUpWindow()
     const uint32_t none = 0;
     xcb_change_property(connection.xcb(), XCB_PROP_MODE_REPLACE, id(),
                         connection.atom(X11Atom::comptonShadow), XCB_ATOM_CARDINAL, 32, 1, &none);
-    if (m_window.requestedFormat().alphaBufferSize() <= 0) {
+    if (isBackedByTheServer()) {
         const uint32_t background = m_frozen->pixmap()->id();
         xcb_change_window_attributes(connection.xcb(), id(), XCB_CW_BACK_PIXMAP, &background);
     }
@@ -205,7 +195,7 @@ void X11OverlaySurface::showFrame(const DisplayList &list)
     // In a drag, the server is asked for the pointer before each frame.
     m_gate.framePassed(m_pointer.isPressed() ? X11FrameGate::Waiting::byCaller
                                              : X11FrameGate::Waiting::here);
-    m_services->connection->flush();
+    m_services->drawing->flush();
 }
 
 void X11OverlaySurface::showWaitingFrame()
@@ -299,17 +289,26 @@ QRegion X11OverlaySurface::toLogical(const QRegion &native) const
 
 X11OverlayShell::X11OverlayShell(std::shared_ptr<X11Connection> connection,
                                  std::shared_ptr<X11Monitors> monitors)
-    : m_services(new X11OverlayServices{connection, std::move(monitors),
+    : m_services(new X11OverlayServices{connection, nullptr, std::move(monitors),
                                         X11KeyboardHold(connection), X11Stacking(connection),
                                         X11PixmapPool(connection)})
 {
+}
+
+void X11OverlayShell::prepareDrawing()
+{
+    if (!m_services->drawing)
+        m_services->drawing = X11Connection::open();
+    if (!m_services->drawing)
+        m_services->drawing = m_services->connection;
+    m_services->drawing->renderFormats();
 }
 
 void X11OverlayShell::prepare()
 {
     if (!m_services->connection->xcb())
         return;
-    m_services->connection->renderFormats();
+    prepareDrawing();
     std::vector<QSize> sizes;
     for (const X11Monitor &monitor : m_services->monitors->list())
         sizes.push_back(monitor.native.size());
@@ -325,6 +324,7 @@ std::unique_ptr<OverlaySurface> X11OverlayShell::create(QWindow &window, const S
         const QImage image = frozen->pixels().result();
         display = X11FrozenDisplay::fromImage(m_services->connection, image);
     }
+    prepareDrawing();
     return std::make_unique<X11OverlaySurface>(m_services, window, screen, display);
 }
 

@@ -20,7 +20,8 @@ namespace tovek {
 /// What the overlays of one session share.
 struct X11OverlayServices
 {
-    std::shared_ptr<X11Connection> connection;
+    std::shared_ptr<X11Connection> connection; ///< the toolkit's
+    std::shared_ptr<X11Connection> drawing; ///< the same where there is no other
     std::shared_ptr<X11Monitors> monitors;
     X11KeyboardHold keyboard;
     X11Stacking stacking;
@@ -52,6 +53,7 @@ private:
     bool eventFilter(QObject *watched, QEvent *event) override;
     void followMouse(const QEvent &event);
     void setUpWindow();
+    bool isBackedByTheServer() const;
     void forceNativeGeometry(uint16_t alsoRaise);
     void leaveWithTheScreen();
     void showFrame(const DisplayList &list);
@@ -85,6 +87,8 @@ public:
                                            std::shared_ptr<FrozenDisplay> frozen) override;
 
 private:
+    void prepareDrawing();
+
     std::shared_ptr<X11OverlayServices> m_services;
 };
 

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11Pixmap.h"
 
 #include <QFuture>
 #include <QImage>

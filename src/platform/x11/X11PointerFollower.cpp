@@ -15,9 +15,11 @@ constexpr uint32_t coreMoves = XCB_EVENT_MASK_BUTTON_MOTION | XCB_EVENT_MASK_POI
 
 } // namespace
 
-X11PointerFollower::X11PointerFollower(std::shared_ptr<X11Connection> connection,
+X11PointerFollower::X11PointerFollower(std::shared_ptr<X11Connection> toolkit,
+                                       std::shared_ptr<X11Connection> asking,
                                        std::chrono::milliseconds interval)
-    : m_connection(std::move(connection))
+    : m_toolkit(std::move(toolkit))
+    , m_asking(std::move(asking))
 {
     m_tick.setInterval(interval);
     m_tick.setTimerType(Qt::PreciseTimer);
@@ -28,7 +30,7 @@ X11PointerFollower::~X11PointerFollower() = default;
 
 void X11PointerFollower::start(xcb_window_t window)
 {
-    xcb_connection_t *xcb = m_connection->xcb();
+    xcb_connection_t *xcb = m_toolkit->xcb();
     const xcb_query_extension_reply_t *input = xcb_get_extension_data(xcb, &xcb_input_id);
     if (m_window || !input || !input->present)
         return;
@@ -43,7 +45,7 @@ void X11PointerFollower::start(xcb_window_t window)
 void X11PointerFollower::takeFromToolkit()
 {
     // What the toolkit listens to is asked rather than known: it differs with the mice.
-    xcb_connection_t *xcb = m_connection->xcb();
+    xcb_connection_t *xcb = m_toolkit->xcb();
     const auto inputEvents = xcb_input_xi_get_selected_events(xcb, m_window);
     const auto attributes = xcb_get_window_attributes(xcb, m_window);
     m_inputEvents.reset(xcb_input_xi_get_selected_events_reply(xcb, inputEvents, nullptr));
@@ -59,7 +61,7 @@ void X11PointerFollower::takeFromToolkit()
 
 void X11PointerFollower::stop()
 {
-    if (m_inputEvents && m_connection->xcb())
+    if (m_inputEvents && m_toolkit->xcb())
         select(~0u, ~0u);
     m_tick.stop();
     m_inputEvents.reset();
@@ -82,11 +84,12 @@ bool X11PointerFollower::released()
 
 void X11PointerFollower::catchUp()
 {
-    xcb_connection_t *xcb = m_connection->xcb();
+    xcb_connection_t *xcb = m_asking->xcb();
     if (!isPressed() || !xcb)
         return;
     const X11Reply<xcb_query_pointer_reply_t> pointer(
         xcb_query_pointer_reply(xcb, xcb_query_pointer(xcb, m_window), nullptr));
+    m_asking->dropEvents();
     if (!pointer || m_last == QPoint(pointer->win_x, pointer->win_y))
         return;
     m_last = QPoint(pointer->win_x, pointer->win_y);
@@ -96,7 +99,7 @@ void X11PointerFollower::catchUp()
 
 void X11PointerFollower::select(uint32_t inputFilter, uint32_t coreFilter)
 {
-    xcb_connection_t *xcb = m_connection->xcb();
+    xcb_connection_t *xcb = m_toolkit->xcb();
     // The server takes the masks in the form in which it gives them.
     for (auto mask = xcb_input_xi_get_selected_events_masks_iterator(m_inputEvents.get()); mask.rem;
          xcb_input_event_mask_next(&mask)) {
@@ -109,7 +112,7 @@ void X11PointerFollower::select(uint32_t inputFilter, uint32_t coreFilter)
     }
     const uint32_t core = m_coreEvents & coreFilter;
     xcb_change_window_attributes(xcb, m_window, XCB_CW_EVENT_MASK, &core);
-    m_connection->flush();
+    m_toolkit->flush();
 }
 
 } // namespace tovek

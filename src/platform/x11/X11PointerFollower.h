@@ -22,9 +22,10 @@ namespace tovek {
 class X11PointerFollower : public QObject
 {
 public:
-    /// `interval` lies between two places of the pointer that are told.
-    X11PointerFollower(std::shared_ptr<X11Connection> connection,
-                       std::chrono::milliseconds interval);
+    /// `interval` lies between two places of the pointer that are told; `asking` is where the
+    /// server is asked for them.
+    X11PointerFollower(std::shared_ptr<X11Connection> toolkit,
+                       std::shared_ptr<X11Connection> asking, std::chrono::milliseconds interval);
     ~X11PointerFollower() override;
 
     /// The toolkit hears no moves in the window from the next turn of the event loop on, until
@@ -48,7 +49,8 @@ private:
     void takeFromToolkit();
     void select(uint32_t inputFilter, uint32_t coreFilter);
 
-    std::shared_ptr<X11Connection> m_connection;
+    std::shared_ptr<X11Connection> m_toolkit;
+    std::shared_ptr<X11Connection> m_asking;
     QTimer m_tick;
     xcb_window_t m_window = 0; ///< 0: stopped
     InputMasks m_inputEvents; ///< what the toolkit listens to; null while it hears everything
