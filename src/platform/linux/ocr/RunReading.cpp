@@ -27,6 +27,8 @@ constexpr double extraStroke = 0.1; ///< of the double quote
 constexpr double extraShare = 0.25;
 constexpr double distanceWeight = 0.25;
 constexpr double farthest = 1.2;
+/// In cap heights: nothing that lies farther apart is compared.
+constexpr double widestDrift = 4;
 constexpr double widthWeight = 1.0;
 constexpr double widthTolerance = 0.15;
 /// In cap heights: no two characters fit into narrower ink.
@@ -90,6 +92,8 @@ int underscoresIn(const QRect &box, const LetterMetrics &metrics)
 
 struct Placed
 {
+    double left = 0;
+    double right = 0;
     double center = 0;
     double width = 0; ///< usual, in cap heights
     bool startsWord = false;
@@ -160,11 +164,14 @@ private:
         offer(i, j, 1, 0, unseenCharacter);
         if (j < int(m_segments.size()))
             offer(i, j, 0, 1, m_isMark[j] ? unreadMark : unreadSegment);
-        for (int n = 1;
-             n <= mostShared && i + n <= int(m_symbols.size()) && j < int(m_segments.size()); ++n)
+        if (i == int(m_symbols.size()) || j == int(m_segments.size()) || !isNear(i, j))
+            return;
+        for (int n = 1; n <= mostShared && i + n <= int(m_symbols.size()); ++n) {
+            if (!isNear(i + n - 1, j))
+                break;
             offer(i, j, n, 1, shareCost(i, n, j));
-        for (int n = 2;
-             n <= mostPieces && i < int(m_symbols.size()) && j + n <= int(m_segments.size()); ++n) {
+        }
+        for (int n = 2; n <= mostPieces && j + n <= int(m_segments.size()); ++n) {
             const QRect box = m_segments[j] | m_segments[j + n - 1];
             offer(i, j, 1, n,
                   distance(m_symbols[i].center, centerX(box))
@@ -173,6 +180,12 @@ private:
         }
     }
 
+    bool isNear(int symbol, int segment) const
+    {
+        const double reach = widestDrift * m_capHeight;
+        return m_symbols[symbol].right > m_segments[segment].left() - reach
+            && m_symbols[symbol].left < m_segments[segment].right() + reach;
+    }
     double distance(double a, double b) const
     {
         return std::min(std::abs(a - b) / m_capHeight, farthest) * distanceWeight;
@@ -321,7 +334,8 @@ std::vector<InkSymbol> alignedSymbols(const std::vector<EngineSymbol> &symbols,
 {
     std::vector<Placed> placed;
     for (const EngineSymbol &symbol : symbols)
-        placed.push_back({strip.pictureX((symbol.left + symbol.right) / 2), usualWidth(symbol.text),
+        placed.push_back({strip.pictureX(symbol.left), strip.pictureX(symbol.right),
+                          strip.pictureX((symbol.left + symbol.right) / 2), usualWidth(symbol.text),
                           symbol.startsWord, symbol.text == QLatin1String("\"")});
     std::vector<InkSymbol> result;
     std::size_t i = 0;
