@@ -4,12 +4,10 @@
 #include "platform/linux/TesseractRecognizer.h"
 
 #include "foundation/Memory.h"
-#include "platform/linux/ocr/EnginePool.h"
-#include "platform/linux/ocr/PageReading.h"
+#include "platform/linux/ocr/PageReader.h"
 #include "platform/linux/ocr/RecognitionModels.h"
 
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QDir>
 #include <QFileInfo>
 #include <QLocale>
@@ -19,11 +17,6 @@
 namespace tovek {
 
 namespace {
-
-/// However much there is to read, an answer comes.
-constexpr std::chrono::seconds longestReading{15};
-/// A run that makes its engine end is passed over; with more of them the engine is at fault.
-constexpr int mostEnginesLost = 3;
 
 /// The recogniser process is installed beside the program or in the libexec folder.
 QByteArray engineProgram()
@@ -64,15 +57,9 @@ struct TesseractRecognizer::Job
     QPromise<RecognitionResult> promise;
     QImage image;
     std::shared_ptr<EnginePool> engines;
-    Page page;
-    std::vector<std::vector<InkSymbol>> readings;
-    QDeadlineTimer deadline{longestReading};
-    std::atomic<std::size_t> nextRun = 0;
-    std::atomic<int> readers = 0;
-    std::atomic<int> enginesLost = 0;
-    std::atomic<bool> isUnreadable = false;
+    std::unique_ptr<PageReader> reader;
+    std::atomic<int> threads = 0;
 
-    bool isOver() const { return promise.isCanceled() || deadline.hasExpired(); }
     void finish(RecognitionResult result)
     {
         if (!promise.isCanceled())
@@ -157,53 +144,31 @@ void TesseractRecognizer::findEngines()
 
 void TesseractRecognizer::start(const std::shared_ptr<Job> &job)
 {
-    if (!job->isOver())
-        job->page = pageOf(job->image);
+    job->reader = std::make_unique<PageReader>(
+        job->promise.isCanceled() ? Page{} : pageOf(job->image), job->engines);
     job->image = {};
-    const std::size_t runs = job->page.runs.size();
-    job->readings.resize(runs);
-    const std::size_t readers =
-        std::min<std::size_t>(runs, std::size_t(m_threads.maxThreadCount()));
-    job->readers = std::max(1, int(readers));
-    for (int i = 1; i < job->readers; ++i)
-        m_threads.start([this, job] { readRuns(job); });
-    readRuns(job);
+    const std::size_t useful =
+        std::min(job->reader->runs(), std::size_t(m_threads.maxThreadCount()));
+    job->threads = std::max(1, int(useful));
+    for (int i = 1; i < job->threads; ++i)
+        m_threads.start([this, job] { read(job); });
+    read(job);
 }
 
-void TesseractRecognizer::readRuns(const std::shared_ptr<Job> &job)
+void TesseractRecognizer::read(const std::shared_ptr<Job> &job)
 {
-    std::unique_ptr<LineEngine> engine;
-    for (std::size_t next = job->nextRun++; next < job->page.runs.size() && !job->isOver();
-         next = job->nextRun++) {
-        const std::size_t run = job->page.widestFirst[next];
-        if (!engine)
-            engine = job->engines->take();
-        job->isUnreadable = job->isUnreadable || !engine;
-        if (!engine)
-            break;
-        const LetterMetrics &metrics = job->page.metrics[run];
-        const InkMap ink = evenInk(job->page.ink, job->page.runs[run], metrics);
-        const LineStrip strip = lineStrip(ink, job->page.runs[run], metrics);
-        if (const auto symbols = engine->read(strip)) {
-            job->readings[run] = symbolsOf(job->page, run, ink, strip, *symbols);
-        } else {
-            engine = nullptr;
-            job->isUnreadable = job->isUnreadable || ++job->enginesLost > mostEnginesLost;
-            if (job->isUnreadable)
-                break;
-        }
-    }
-    if (engine)
-        job->engines->giveBack(std::move(engine));
-    if (--job->readers > 0)
+    job->reader->read([&job] { return job->promise.isCanceled(); });
+    if (--job->threads > 0)
         return;
     QMetaObject::invokeMethod(this, [this] { m_idle.start(); });
-    if (job->isUnreadable) {
+    if (job->promise.isCanceled()) {
+        job->finish({});
+    } else if (job->reader->isUnreadable()) {
         job->finish({{},
                      QStringLiteral("the text recognition model cannot be used; reinstall the "
                                     "package tesseract-ocr-eng")});
     } else {
-        job->finish({observationsOf(linesOf(job->page, std::move(job->readings))), {}});
+        job->finish({observationsOf(job->reader->takeLines()), {}});
     }
 }
 

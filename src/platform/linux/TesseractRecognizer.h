@@ -37,7 +37,7 @@ private:
     struct Job;
     void findEngines();
     void start(const std::shared_ptr<Job> &job);
-    void readRuns(const std::shared_ptr<Job> &job);
+    void read(const std::shared_ptr<Job> &job);
     void becomeIdle();
 
     QThreadPool m_threads;

@@ -5,9 +5,12 @@
 
 #include "platform/linux/ocr/LineProtocol.h"
 
+#include <QDeadlineTimer>
+
 #include <array>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/socket.h>
@@ -21,20 +24,52 @@ using namespace LineProtocol;
 
 static_assert(LineStrip::height == stripHeight);
 
-bool sendAll(int fd, const void *from, std::size_t size)
+/// One exchange with the process, which must be over by a deadline.
+class Exchange
 {
-    const auto *at = static_cast<const char *>(from);
-    while (size > 0) {
-        const ssize_t sent = ::send(fd, at, size, MSG_NOSIGNAL);
-        if (sent < 0 && errno == EINTR)
-            continue;
-        if (sent <= 0)
-            return false;
-        at += sent;
-        size -= std::size_t(sent);
+public:
+    Exchange(int socket, std::chrono::milliseconds patience)
+        : m_socket(socket)
+        , m_deadline(patience)
+    {
     }
-    return true;
-}
+    bool send(const void *from, std::size_t size)
+    {
+        const auto *at = static_cast<const char *>(from);
+        return inPieces(POLLOUT, size, [&](std::size_t done) {
+            return ::send(m_socket, at + done, size - done, MSG_NOSIGNAL | MSG_DONTWAIT);
+        });
+    }
+    bool receive(void *to, std::size_t size)
+    {
+        auto *at = static_cast<char *>(to);
+        return inPieces(POLLIN, size, [&](std::size_t done) {
+            return ::recv(m_socket, at + done, size - done, MSG_DONTWAIT);
+        });
+    }
+
+private:
+    template <typename Transfer>
+    bool inPieces(short event, std::size_t size, Transfer transfer)
+    {
+        for (std::size_t done = 0; done < size;) {
+            pollfd waited{m_socket, event, 0};
+            const int ready = ::poll(&waited, 1, int(m_deadline.remainingTime()));
+            if (ready == 0)
+                return false;
+            const ssize_t count = ready > 0 ? transfer(done) : -1;
+            if (count < 0 && (errno == EINTR || errno == EAGAIN))
+                continue;
+            if (count <= 0)
+                return false;
+            done += std::size_t(count);
+        }
+        return true;
+    }
+
+    int m_socket;
+    QDeadlineTimer m_deadline;
+};
 
 /// Our environment with the engine's own threads switched off: there is one process a core.
 std::vector<char *> singleThreadedEnvironment()
@@ -83,14 +118,17 @@ std::unique_ptr<LineEngine> EngineProcess::create(const EngineSetup &setup)
         ::close(sockets[0]);
         return nullptr;
     }
-    std::unique_ptr<EngineProcess> engine(new EngineProcess(sockets[0], child));
+    std::unique_ptr<EngineProcess> engine(new EngineProcess(sockets[0], child, setup.patience));
     char isReady = 0;
-    if (!readAll(engine->m_socket, &isReady, 1) || isReady != 1)
+    if (!Exchange(sockets[0], setup.patience).receive(&isReady, 1) || isReady != 1)
         return nullptr;
     return engine;
 }
 
-EngineProcess::EngineProcess(int socket, int processId) : m_socket(socket), m_processId(processId)
+EngineProcess::EngineProcess(int socket, int processId, std::chrono::milliseconds patience)
+    : m_socket(socket)
+    , m_processId(processId)
+    , m_patience(patience)
 {
 }
 
@@ -108,12 +146,13 @@ std::optional<std::vector<EngineSymbol>> EngineProcess::read(const LineStrip &st
         return result;
     const LineRequest request{std::uint32_t(strip.width)};
     LineReply reply;
-    if (!sendAll(m_socket, &request, sizeof(request))
-        || !sendAll(m_socket, strip.grey.data(), strip.grey.size())
-        || !readAll(m_socket, &reply, sizeof(reply)))
+    Exchange exchange(m_socket, m_patience);
+    if (!exchange.send(&request, sizeof(request))
+        || !exchange.send(strip.grey.data(), strip.grey.size())
+        || !exchange.receive(&reply, sizeof(reply)))
         return std::nullopt;
     std::vector<Symbol> symbols(reply.count);
-    if (!readAll(m_socket, symbols.data(), symbols.size() * sizeof(Symbol)))
+    if (!exchange.receive(symbols.data(), symbols.size() * sizeof(Symbol)))
         return std::nullopt;
     for (const Symbol &symbol : symbols) {
         const QString text = QString::fromUtf8(symbol.text, symbol.length).simplified().remove(' ');

@@ -7,6 +7,7 @@
 
 #include <QByteArray>
 
+#include <chrono>
 #include <memory>
 
 namespace tovek {
@@ -17,6 +18,9 @@ struct EngineSetup
     QByteArray program; ///< path of the recogniser process
     QByteArray dataFolder; ///< where the models are
     QByteArray languages; ///< as in "deu+eng"
+    /// An engine is hung that takes longer to load its models or to read one line, however long
+    /// the page is. The longest line takes about a second.
+    std::chrono::milliseconds patience = std::chrono::seconds(15);
 
     bool operator==(const EngineSetup &) const = default;
 };
@@ -26,7 +30,7 @@ class EngineProcess : public LineEngine
 {
 public:
     /// Starts the process and waits until it has loaded its models: about 0.1 s. Null when it
-    /// cannot run or cannot load them.
+    /// cannot run, cannot load them or hangs.
     static std::unique_ptr<LineEngine> create(const EngineSetup &setup);
     ~EngineProcess() override;
     EngineProcess(const EngineProcess &) = delete;
@@ -36,10 +40,11 @@ public:
     int processId() const { return m_processId; }
 
 private:
-    EngineProcess(int socket, int processId);
+    EngineProcess(int socket, int processId, std::chrono::milliseconds patience);
 
     int m_socket;
     int m_processId;
+    std::chrono::milliseconds m_patience;
 };
 
 } // namespace tovek

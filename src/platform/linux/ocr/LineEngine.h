@@ -27,7 +27,7 @@ class LineEngine
 public:
     virtual ~LineEngine() = default;
     /// From left to right, empty when the strip holds no text; nothing when the engine broke down
-    /// and cannot be used any more.
+    /// or hangs and cannot be used any more.
     [[nodiscard]] virtual std::optional<std::vector<EngineSymbol>> read(const LineStrip &strip) = 0;
 };
 
