@@ -4,6 +4,7 @@
 #include "platform/linux/ocr/PageReading.h"
 
 #include "platform/linux/ocr/Hyphens.h"
+#include "platform/linux/ocr/Icons.h"
 #include "platform/linux/ocr/InkSegments.h"
 #include "platform/linux/ocr/LookAlikes.h"
 #include "platform/linux/ocr/PictureShapes.h"
@@ -35,14 +36,26 @@ double usualCap(const std::vector<LetterMetrics> &metrics)
 }
 
 /// The run in patches of its strokes alone: in small text the soft edges join letters.
-TextRun strokesOf(const InkMap &map, const TextRun &run)
+TextRun strokesOf(const InkMap &even, const TextRun &run)
 {
-    LetterMetrics rough;
-    rough.capHeight = run.box.height();
-    TextRun strokes{run.box, inkPatches(evenInk(map, run, rough), strokeInk)};
+    TextRun strokes{run.box, inkPatches(even, strokeInk)};
     for (InkPatch &patch : strokes.patches)
         patch.box.translate(run.box.topLeft());
     return strokes.patches.empty() ? run : strokes;
+}
+
+void add(Page &page, TextRun run)
+{
+    if (run.patches.empty())
+        return;
+    LetterMetrics rough;
+    rough.capHeight = run.box.height();
+    const InkMap even = evenInk(page.ink, run, rough);
+    const TextRun strokes = strokesOf(even, run);
+    if (const auto label = labelAfterIcon(even, strokes))
+        return add(page, dividedAt(run, *label).second);
+    page.metrics.push_back(letterMetrics(strokes));
+    page.runs.push_back(std::move(run));
 }
 
 } // namespace
@@ -51,15 +64,14 @@ Page pageOf(const QImage &image)
 {
     Page page;
     page.ink = inkMapOf(image);
-    page.runs = textRuns(inkPatches(page.ink, faintestInk));
+    for (TextRun &run : textRuns(inkPatches(page.ink, faintestInk)))
+        add(page, std::move(run));
+    settleMetrics(page.metrics);
     page.widestFirst.resize(page.runs.size());
     std::iota(page.widestFirst.begin(), page.widestFirst.end(), std::size_t(0));
     std::sort(page.widestFirst.begin(), page.widestFirst.end(), [&](std::size_t a, std::size_t b) {
         return page.runs[a].box.width() > page.runs[b].box.width();
     });
-    for (const TextRun &run : page.runs)
-        page.metrics.push_back(letterMetrics(strokesOf(page.ink, run)));
-    settleMetrics(page.metrics);
     return page;
 }
 

@@ -19,6 +19,11 @@ constexpr std::uint32_t none = std::numeric_limits<std::uint32_t>::max();
 constexpr int mixTolerance = 8;
 /// The share of a patch's neighbours that the second surface must have.
 constexpr double leastShare = 0.15;
+/// A piece of a frame has one surface on one side and another on the other.
+constexpr double leastShareOfFrame = 0.3;
+constexpr int thickestFrame = 3;
+/// No surface fits into a patch smaller than this, as one does into a large letter.
+constexpr int leastAround = 48;
 
 using Channels = std::array<int, 3>;
 
@@ -39,13 +44,15 @@ struct Contact
 struct Surroundings
 {
     std::array<Contact, 4> contacts;
+    QRect box;
     int neighbours = 0;
     int rules = 0;
     Channels darkest{255, 255, 255};
     Channels lightest{0, 0, 0};
 
-    void add(QRgb color)
+    void add(QPoint at, QRgb color)
     {
+        box |= QRect(at, QSize(1, 1));
         const Channels channels = channelsOf(color);
         for (std::size_t i = 0; i < channels.size(); ++i) {
             darkest[i] = std::min(darkest[i], channels[i]);
@@ -64,6 +71,7 @@ struct Surroundings
     }
     void merge(const Surroundings &other)
     {
+        box |= other.box;
         rules += other.rules;
         for (const Contact &contact : other.contacts) {
             if (contact.area != none)
@@ -77,6 +85,9 @@ struct Surroundings
 
     bool isEdge() const
     {
+        // A frame's soft side, between it and one surface.
+        if (rules > 0 && rules >= neighbours)
+            return true;
         std::array<Contact, 4> sorted = contacts;
         std::sort(sorted.begin(), sorted.end(),
                   [](const Contact &a, const Contact &b) { return a.count > b.count; });
@@ -84,7 +95,11 @@ struct Surroundings
         const Contact &second = sorted[1];
         if (second.count < std::max(1.0, neighbours * leastShare))
             return false;
-        return rules >= 2 || isMixtureOf(first.color, second.color);
+        const bool isBetween = std::max(box.width(), box.height()) < leastAround
+            || std::min(box.width(), box.height()) <= thickestFrame;
+        if (isBetween && second.count >= neighbours * leastShareOfFrame)
+            return true;
+        return rules > 0 || isMixtureOf(first.color, second.color);
     }
 
 private:
@@ -159,7 +174,7 @@ private:
         }
         m_labels[at] = label;
         Surroundings &around = m_around[label];
-        around.add(color(x, y));
+        around.add({x, y}, color(x, y));
         for (const auto &[dx, dy] : {std::pair{-1, 0}, {1, 0}, {0, -1}, {0, 1}}) {
             // The faintest step of a soft edge is neither ink nor background.
             if (!look(x + dx, y + dy, around))

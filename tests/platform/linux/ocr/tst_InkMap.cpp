@@ -75,6 +75,10 @@ private Q_SLOTS:
         QTest::newRow("bubble on dark") << QColor(36, 36, 36) << QColor(200, 196, 50) << QColor();
         QTest::newRow("framed card")
             << QColor(Qt::white) << QColor(230, 230, 240) << QColor(120, 90, 90);
+        QTest::newRow("card with a darker frame")
+            << QColor(245, 242, 248) << QColor(237, 235, 239) << QColor(200, 198, 203);
+        QTest::newRow("card with a darker frame on white")
+            << QColor(Qt::white) << QColor(236, 240, 237) << QColor(199, 204, 200);
         QTest::newRow("framed field")
             << QColor(Qt::white) << QColor(Qt::white) << QColor(90, 90, 90);
     }
