@@ -31,6 +31,7 @@ inline constexpr int tab = 48;
 inline constexpr int space = 49;
 inline constexpr int backspace = 51;
 inline constexpr int escape = 53;
+inline constexpr int keypadEnter = 76;
 inline constexpr int help = 114;
 inline constexpr int forwardDelete = 117;
 inline constexpr int leftArrow = 123;

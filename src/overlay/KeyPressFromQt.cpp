@@ -24,6 +24,8 @@ int keyCodeOf(int key)
         return KeyCode::space;
     case Qt::Key_Return:
         return KeyCode::returnKey;
+    case Qt::Key_Enter:
+        return KeyCode::keypadEnter;
     case Qt::Key_Tab:
         return KeyCode::tab;
     case Qt::Key_Left:

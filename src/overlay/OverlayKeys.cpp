@@ -54,7 +54,8 @@ OverlayKeyAction overlayActionFor(const KeyPress &key, bool takesTools)
         return OverlayKeyAction::undo;
     if (isRedo(key))
         return OverlayKeyAction::redo;
-    if (key.keyCode == KeyCode::space || key.keyCode == KeyCode::returnKey)
+    if (key.keyCode == KeyCode::space || key.keyCode == KeyCode::returnKey
+        || key.keyCode == KeyCode::keypadEnter)
         return OverlayKeyAction::copy;
     if (!takesTools)
         return OverlayKeyAction::none;

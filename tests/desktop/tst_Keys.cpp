@@ -60,6 +60,19 @@ private Q_SLOTS:
         QCOMPARE(QImage::fromData(session.pasted()).size(), QSize(200, 100));
     }
 
+    void copiesWithEachKey()
+    {
+        Session session;
+        QVERIFY2(session.start(), qPrintable(session.error));
+        for (const char *key : {"Return", "KP_Enter", "space", "Control_L+c"}) {
+            QVERIFY2(session.open(), key);
+            session.select({150, 150}, {301, 277});
+            QVERIFY2(session.tap(key), key);
+            const QImage image = QImage::fromData(session.pasted());
+            QVERIFY2(differentPixels(image, session.expected({150, 150}, {301, 277})) == 0, key);
+        }
+    }
+
     void opensOnceForKeysPressedTwice()
     {
         Session session;

@@ -42,6 +42,8 @@ private Q_SLOTS:
         row("c alone", none, {}, "c", true, Action::none);
         row("Space", KeyCode::space, {}, " ", true, Action::copy);
         row("Return", KeyCode::returnKey, {}, "", false, Action::copy);
+        row("Enter of the keypad", KeyCode::keypadEnter, KeyFlag::numericPad, "", false,
+            Action::copy);
         row("v", none, {}, "v", true, Action::pointerTool);
         row("V", none, KeyFlag::shift, "V", true, Action::pointerTool);
         row("r", none, {}, "r", true, Action::rectangleTool);

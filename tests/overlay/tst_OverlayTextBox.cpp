@@ -161,12 +161,12 @@ private Q_SLOTS:
     void typesWhatIsACommandElsewhere()
     {
         Desk desk;
-        for (Qt::Key key : {Qt::Key_Return, Qt::Key_Tab, Qt::Key_Space})
+        for (Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Tab, Qt::Key_Space})
             QTest::keyClick(desk.box, key);
-        QCOMPARE(desk.box->toPlainText(), QStringLiteral("\n\t "));
+        QCOMPARE(desk.box->toPlainText(), QStringLiteral("\n\n\t "));
         QTest::keyClick(desk.box, Qt::Key_Backspace);
         QTest::keyClick(desk.box, Qt::Key_C, Qt::ControlModifier);
-        QCOMPARE(desk.box->toPlainText(), QStringLiteral("\n\t"));
+        QCOMPARE(desk.box->toPlainText(), QStringLiteral("\n\n\t"));
         QVERIFY(desk.view.keys.isEmpty());
         QVERIFY(desk.box->hasFocus());
     }

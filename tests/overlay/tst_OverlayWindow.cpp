@@ -157,6 +157,7 @@ private Q_SLOTS:
             QTest::newRow(name) << code << modifiers << report;
         };
         row("Return", Qt::Key_Return, {}, copied);
+        row("Enter of the keypad", Qt::Key_Enter, Qt::KeypadModifier, copied);
         row("Space", Qt::Key_Space, {}, copied);
         row("Ctrl C", Qt::Key_C, Qt::ControlModifier, copied);
         row("Super C", Qt::Key_C, Qt::MetaModifier, copied);
