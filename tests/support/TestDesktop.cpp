@@ -150,7 +150,8 @@ bool TestDesktop::startBus()
 
 bool TestDesktop::startWindowManager()
 {
-    const XConnection connection(displayName());
+    m_watcher = std::make_unique<XConnection>(displayName());
+    const XConnection &connection = *m_watcher;
     if (!connection.isOpen())
         return fail(QStringLiteral("cannot connect to the X server"));
     if (!m_plan.windowManager.isEmpty()) {
@@ -164,9 +165,12 @@ bool TestDesktop::startWindowManager()
     if (!m_plan.hasCompositor)
         return true;
     const xcb_atom_t selection = connection.atom("_NET_WM_CM_S0");
-    if (!run(QStringLiteral("picom"),
-             {QStringLiteral("--config"), QStringLiteral("/dev/null"), QStringLiteral("--backend"),
-              QStringLiteral("xrender"), QStringLiteral("--no-vsync"), QStringLiteral("--shadow")}))
+    QStringList options{QStringLiteral("--config"),   QStringLiteral("/dev/null"),
+                        QStringLiteral("--backend"),  QStringLiteral("xrender"),
+                        QStringLiteral("--no-vsync"), QStringLiteral("--shadow")};
+    if (m_plan.hasFades)
+        options.append(QStringLiteral("--fading"));
+    if (!run(QStringLiteral("picom"), options))
         return false;
     const auto isOwned = [&] {
         const XPtr<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(

@@ -14,6 +14,8 @@
 
 namespace tovek {
 
+class XConnection;
+
 /// What a test desktop has.
 struct DesktopPlan
 {
@@ -21,7 +23,8 @@ struct DesktopPlan
     int depth = 24;
     QString windowManager = QStringLiteral("openbox"); ///< empty: none
     bool hasBus = true;
-    bool hasCompositor = false;
+    bool hasCompositor = false; ///< it gives windows shadows
+    bool hasFades = false; ///< the compositor lets windows come and go softly as well
     std::vector<QRect> monitors; ///< native pixels, the first is primary; empty: one, of all pixels
 };
 
@@ -72,6 +75,9 @@ private:
     XServer m_server;
     QProcessEnvironment m_environment;
     QString m_error;
+    /// Open to the end. Of a connection that closes, the next one gets the identifiers: the window
+    /// manager then took a picture for the window that it had been tried with, and kept its size.
+    std::unique_ptr<XConnection> m_watcher;
     std::vector<std::unique_ptr<Program>> m_programs;
 };
 
