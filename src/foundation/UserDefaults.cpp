@@ -107,7 +107,10 @@ void UserDefaults::write()
     QDir().mkpath(QFileInfo(m_path).absolutePath());
     QSaveFile file(m_path);
     const QByteArray bytes = QJsonDocument(m_values).toJson(QJsonDocument::Indented);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+    // Committing alone takes no notice of what its own flush could not write (Qt 6.4.2): an empty
+    // file took the store's place when the disk was full.
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.flush()
+        || !file.commit())
         logLine(QStringLiteral("Failed to write settings %1: %2").arg(m_path, file.errorString()));
 }
 

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "capture/FileWriter.h"
+#include "support/FullDisk.h"
 
 #include <QDir>
 #include <QFile>
@@ -9,8 +10,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <csignal>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -90,18 +89,13 @@ private Q_SLOTS:
         QCOMPARE(reason, std::optional(qt_error_string(EACCES)));
     }
 
-    /// A limit on the size of files makes a write stop in the middle, as a full disk does.
     void keepsTheOlderFileWhenTheDiskFillsUp()
     {
         QVERIFY(!writeFile(path(), "older"));
-        rlimit limit{};
-        QCOMPARE(getrlimit(RLIMIT_FSIZE, &limit), 0);
-        const rlimit small{100000, limit.rlim_max};
-        const auto previous = std::signal(SIGXFSZ, SIG_IGN);
-        QCOMPARE(setrlimit(RLIMIT_FSIZE, &small), 0);
-        const auto reason = writeFile(path(), QByteArray(1000000, 'x'));
-        setrlimit(RLIMIT_FSIZE, &limit);
-        std::signal(SIGXFSZ, previous);
+        const auto reason = [this] {
+            const FullDisk full(100000);
+            return writeFile(path(), QByteArray(1000000, 'x'));
+        }();
         QCOMPARE(reason, std::optional(qt_error_string(EFBIG)));
         QCOMPARE(read(path()), QByteArray("older"));
         QCOMPARE(entries(), QStringList("a picture.png"));

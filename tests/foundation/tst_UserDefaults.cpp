@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "foundation/UserDefaults.h"
+#include "support/FullDisk.h"
 
 #include <QDir>
 #include <QFile>
@@ -94,6 +95,23 @@ private Q_SLOTS:
         QVERIFY(!UserDefaults(m_path).contains(QStringLiteral("a")));
         QVERIFY(QFile::exists(m_path + QStringLiteral(".broken")));
         QVERIFY(QFile::exists(m_path + QStringLiteral(".broken-2")));
+    }
+
+    void keepsTheOlderStoreWhenTheDiskIsFull()
+    {
+        put("{\"ours\": \"older\"}");
+        UserDefaults defaults(m_path);
+        {
+            const FullDisk full;
+            defaults.setString(QStringLiteral("ours"), QStringLiteral("newer"));
+        }
+        QCOMPARE(defaults.string(QStringLiteral("ours")), std::optional(QStringLiteral("newer")));
+        QCOMPARE(content(), QByteArray("{\"ours\": \"older\"}"));
+        QCOMPARE(QDir(QFileInfo(m_path).path()).entryList(QDir::Files | QDir::Hidden),
+                 QStringList("defaults.json"));
+        defaults.setBoolean(QStringLiteral("on"), true);
+        QCOMPARE(UserDefaults(m_path).string(QStringLiteral("ours")),
+                 std::optional(QStringLiteral("newer")));
     }
 
     void livesWithoutADiskToWriteTo()

@@ -3,6 +3,7 @@
 
 #include "fakes/FakeLoginItem.h"
 #include "platform/linux/AutostartLoginItem.h"
+#include "support/FullDisk.h"
 
 #include <QDir>
 #include <QFile>
@@ -121,6 +122,21 @@ private Q_SLOTS:
         const auto failure = item.setEnabled(true);
         QVERIFY(failure && !failure->isEmpty());
         QVERIFY(!item.isEnabled());
+    }
+
+    void leavesTheEntryAloneWhenTheDiskIsFull()
+    {
+        const QByteArray hidden = "[Desktop Entry]\nExec=tovek\nHidden=true\n";
+        write(hidden);
+        AutostartLoginItem item(folder(), QStringLiteral("/t"));
+        const auto failure = [&] {
+            const FullDisk full;
+            return item.setEnabled(true);
+        }();
+        QVERIFY(failure && !failure->isEmpty());
+        QVERIFY(!item.isEnabled());
+        QCOMPARE(read(path()), QString::fromUtf8(hidden));
+        QCOMPARE(QDir(folder()).entryList(QDir::Files | QDir::Hidden).size(), 1);
     }
 
     void noticesWhatOthersDo()

@@ -93,7 +93,8 @@ std::optional<QString> AutostartLoginItem::setEnabled(bool isEnabled)
                                          "X-GNOME-Autostart-enabled=true\n")
                               .arg(execArgument(m_program));
     file.write(entry.toUtf8());
-    if (!file.commit())
+    // Committing alone takes no notice of what its own flush could not write (Qt 6.4.2).
+    if (!file.flush() || !file.commit())
         return file.errorString();
     return std::nullopt;
 }
