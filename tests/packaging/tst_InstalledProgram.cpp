@@ -1,0 +1,72 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "desktop/Session.h"
+#include "packaging/Prefix.h"
+#include "support/Skip.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace tovek;
+
+namespace {
+
+constexpr std::chrono::seconds patience(60);
+
+} // namespace
+
+/// The program as a package installs it, with its helpers in another folder than its own.
+class TestInstalledProgram : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        skipBecause(TestDesktop::missing());
+        QVERIFY2(m_prefix.install(), qPrintable(m_prefix.error));
+        qputenv("TOVEK_PROGRAM", m_prefix.path(QStringLiteral("bin/tovek")).toUtf8());
+    }
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void leavesTheClipboardBehindWhenItQuits()
+    {
+        Session session;
+        QVERIFY2(session.start(), qPrintable(session.error));
+        QVERIFY(session.copy({200, 200}, {420, 330}));
+        const QByteArray before = session.pasted();
+        QVERIFY(!before.isEmpty());
+        QVERIFY(session.desktop.run(
+            QStringLiteral("/usr/bin/gdbus"),
+            {"call", "--session", "--dest", "org.tovek.Tovek", "--object-path", "/org/tovek/Tovek",
+             "--method", "org.freedesktop.Application.ActivateAction", "quit", "[]", "{}"}));
+        QCOMPARE(session.tovek->program().waitForExit(patience), std::optional(0));
+        QCOMPARE(session.pasted(), before);
+    }
+
+    void findsItsRecogniser()
+    {
+        if (!QFile::exists(QStringLiteral("/usr/share/tesseract-ocr/5/tessdata/eng.traineddata")))
+            QSKIP("no English recognition model is installed");
+        Session session;
+        QVERIFY2(session.start(), qPrintable(session.error));
+        Program *window = session.desktop.run(
+            QStringLiteral(TOVEK_TEXT_WINDOW),
+            {"80", "60", "600", "300", "DejaVu Sans", "14", "light", "words to read"});
+        QVERIFY(window && window->waitForLine(QStringLiteral("painted"), patience));
+        QVERIFY(session.open(RunningTovek::captureText));
+        session.select({82, 62}, {678, 358});
+        ClipboardReader reader(session.desktop.displayName());
+        QVERIFY(session.isClosed());
+        QVERIFY(waitUntil([&] { return reader.hasOwner(); }, patience));
+        QCOMPARE(reader.read(QStringLiteral("UTF8_STRING")),
+                 std::optional(QByteArray("words to read")));
+    }
+
+private:
+    Prefix m_prefix;
+};
+
+QTEST_GUILESS_MAIN(TestInstalledProgram)
+#include "tst_InstalledProgram.moc"
