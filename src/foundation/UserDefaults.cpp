@@ -26,7 +26,7 @@ std::optional<QString> UserDefaults::string(const QString &key) const
 std::optional<bool> UserDefaults::boolean(const QString &key) const
 {
     load();
-    const QJsonValue value = m_values.value(key);
+    const QJsonValue value = (m_values.contains(key) ? m_values : m_registered).value(key);
     return value.isBool() ? std::optional(value.toBool()) : std::nullopt;
 }
 

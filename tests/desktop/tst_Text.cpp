@@ -305,6 +305,36 @@ private Q_SLOTS:
         QTEST(session.copiedText(), "expected");
     }
 
+    void marksWordsUnlessThatIsTurnedOff_data()
+    {
+        QTest::addColumn<QJsonValue>("highlightText");
+        QTest::addColumn<bool>("isMarked");
+        QTest::newRow("fresh installation") << QJsonValue() << true;
+        QTest::newRow("turned on") << QJsonValue(true) << true;
+        QTest::newRow("turned off") << QJsonValue(false) << false;
+    }
+    void marksWordsUnlessThatIsTurnedOff()
+    {
+        QFETCH(QJsonValue, highlightText);
+        QFETCH(bool, isMarked);
+        TextSession session;
+        QVERIFY2(session.startWith({QStringLiteral("these words count")}, false,
+                                   {{QStringLiteral("highlightText"), highlightText}}),
+                 qPrintable(session.error));
+        QVERIFY(session.open());
+        const QRect all = session.all();
+        session.select(all.topLeft(), all.bottomRight());
+        // Whether or not they are marked, words that have been found are under the pointer.
+        const QPoint first = session.words.front().box.center();
+        int moves = 0;
+        const auto isFound = [&] {
+            session.tovek->hand().move(first + QPoint(++moves % 2, 0));
+            return session.isMarked(session.words.front());
+        };
+        QVERIFY(waitUntil(isFound, patience));
+        QCOMPARE(session.isMarked(session.words.back()), isMarked);
+    }
+
     void dropsTheWordsWhileTheSelectionChanges()
     {
         TextSession session;

@@ -33,11 +33,17 @@ RunningTovek::RunningTovek(TestDesktop &desktop, const QString &path)
 
 QJsonObject RunningTovek::settings(const QJsonObject &more)
 {
-    QJsonObject settings{{QStringLiteral("KeyboardShortcuts_captureScreenshot"), storedShortcut(8)},
+    QJsonObject settings{// Words are found at any time, and their marks would change pixels.
+                         {QStringLiteral("highlightText"), false},
+                         {QStringLiteral("KeyboardShortcuts_captureScreenshot"), storedShortcut(8)},
                          {QStringLiteral("KeyboardShortcuts_captureImage"), storedShortcut(34)},
                          {QStringLiteral("KeyboardShortcuts_captureText"), storedShortcut(17)}};
-    for (auto it = more.begin(); it != more.end(); ++it)
-        settings.insert(it.key(), it.value());
+    for (auto it = more.begin(); it != more.end(); ++it) {
+        if (it.value().isNull())
+            settings.remove(it.key());
+        else
+            settings.insert(it.key(), it.value());
+    }
     return settings;
 }
 

@@ -21,7 +21,8 @@ public:
 
     RunningTovek(TestDesktop &desktop, const QString &path);
 
-    /// The stored settings that hold the three shortcuts, and whatever else is given.
+    /// The stored settings that hold the three shortcuts, without marks on words, and whatever else
+    /// is given; what is given as null is not stored.
     static QJsonObject settings(const QJsonObject &more = {});
     bool writeSettings(const QByteArray &bytes) const;
     /// More of its environment; set before the start.
