@@ -7,12 +7,14 @@
 #include "app/FormCard.h"
 #include "app/SaveFolder.h"
 #include "app/SwitchControl.h"
+#include "capture/ImageOutput.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
 #include "look/ModernStyle.h"
 #include "platform/LoginItem.h"
 #include "update/UpdaterManager.h"
 
+#include <QDir>
 #include <QEvent>
 #include <QFileDialog>
 #include <QPainter>
@@ -166,9 +168,9 @@ void GeneralTabView::refresh()
 
 void GeneralTabView::showFolder()
 {
-    const QString folder = saveFolder();
+    const QString folder = ImageOutput::saveFolder(m_services.defaults);
     const QString note = noteOn(folderState(folder));
-    m_folderPath->setText(abbreviatedPath(folder, m_services.home));
+    m_folderPath->setText(abbreviatedPath(folder, QDir::homePath()));
     m_folderPath->setToolTip(folder);
     m_folderRow->setNote(note);
     const QStringList parts{m_folderPath->accessibleName(), note};
@@ -204,7 +206,7 @@ void GeneralTabView::chooseFolder()
     auto *chooser = new QFileDialog(window(),
                                     tr("Select the folder where screenshots will be "
                                        "saved"),
-                                    saveFolder());
+                                    ImageOutput::saveFolder(m_services.defaults));
     chooser->setAttribute(Qt::WA_DeleteOnClose);
     chooser->setFileMode(QFileDialog::Directory);
     chooser->setOption(QFileDialog::ShowDirsOnly);
@@ -214,11 +216,6 @@ void GeneralTabView::chooseFolder()
         showFolder();
     });
     chooser->open();
-}
-
-QString GeneralTabView::saveFolder() const
-{
-    return m_services.defaults.string(saveFolderPath).value_or(m_services.downloads);
 }
 
 } // namespace tovek

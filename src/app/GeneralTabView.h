@@ -29,8 +29,6 @@ public:
         UserDefaults &defaults;
         LoginItem &loginItem;
         UpdaterManager &updaterManager;
-        QString downloads; ///< where screenshots go until the user chooses another folder
-        QString home; ///< shown as "~"
         std::function<void(bool isVisible)> setStatusItemVisible;
     };
 
@@ -53,7 +51,6 @@ private:
     void setLaunchAtLogin(bool isOn);
     void setShownInMenuBar(bool isOn);
     void chooseFolder();
-    QString saveFolder() const;
 
     Services m_services;
     SwitchControl *m_launchAtLogin = nullptr;

@@ -18,9 +18,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QDesktopServices>
-#include <QDir>
 #include <QIcon>
-#include <QStandardPaths>
 
 namespace tovek {
 
@@ -84,10 +82,8 @@ QIcon SettingsTabs::icon(SettingsTab tab, const QWidget &window) const
 
 QWidget *SettingsTabs::makeGeneral(QWidget *parent)
 {
-    return new GeneralTabView({m_defaults, *m_platform.loginItem, m_updaterManager,
-                               QStandardPaths::writableLocation(QStandardPaths::DownloadLocation),
-                               QDir::homePath(), setStatusItemVisible},
-                              parent);
+    return new GeneralTabView(
+        {m_defaults, *m_platform.loginItem, m_updaterManager, setStatusItemVisible}, parent);
 }
 
 QWidget *SettingsTabs::makeShortcuts(QWidget *parent)

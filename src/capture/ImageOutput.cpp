@@ -95,16 +95,19 @@ QFuture<QByteArray> ImageOutput::copyImage(const Image &image)
     return png;
 }
 
+QString ImageOutput::saveFolder(const UserDefaults &defaults)
+{
+    const QString chosen = defaults.string(QStringLiteral("saveFolderPath")).value_or(QString());
+    if (!chosen.isEmpty())
+        return chosen;
+    const QString downloads = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+    return QFileInfo(downloads).isDir() ? downloads : QDir::homePath();
+}
+
 QString ImageOutput::saveLocation() const
 {
-    QString folder = m_defaults.string(QStringLiteral("saveFolderPath")).value_or(QString());
-    if (folder.isEmpty()) {
-        folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
-        if (folder.isEmpty() || !QFileInfo(folder).isDir())
-            folder = QDir::homePath();
-    }
     const QString time = m_clock.now().toString(QStringLiteral("yyyy-MM-dd 'at' HH.mm.ss"));
-    return QDir(folder).filePath(QStringLiteral("Tovek %1.png").arg(time));
+    return QDir(saveFolder(m_defaults)).filePath(QStringLiteral("Tovek %1.png").arg(time));
 }
 
 void ImageOutput::saveSelection(const QFuture<QImage> &pixels, const Rect &rect,

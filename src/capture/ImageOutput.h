@@ -37,8 +37,9 @@ public:
     /// Takes the clipboard at once, for the PNG that the future brings, and shows the preview.
     QFuture<QByteArray> copyImage(const Image &image);
 
-    /// The user's folder, else Downloads, else home, and a name made of the time. Asks the clock:
-    /// one save asks once.
+    /// The user's folder, else Downloads, else home. Asks the file system now.
+    static QString saveFolder(const UserDefaults &defaults);
+    /// A name in that folder, made of the time. Asks the clock: one save asks once.
     QString saveLocation() const;
     void saveSelection(const QFuture<QImage> &pixels, const Rect &rect, const Screen &screen,
                        const QString &path);

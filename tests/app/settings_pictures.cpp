@@ -65,6 +65,7 @@ public:
         , m_folder(folder)
     {
         m_layout.characters = {{34, QStringLiteral("i")}};
+        qputenv("HOME", m_home.path().toUtf8());
         QDir().mkpath(m_home.filePath(QStringLiteral("Downloads")));
         ShortcutService::setShared(
             std::make_unique<ShortcutService>(m_defaults, m_hotKeys, m_layout));
@@ -112,13 +113,7 @@ private:
         auto *tabs = new QTabWidget(&window);
         tabs->setDocumentMode(true);
         const QPalette palette = QApplication::palette();
-        tabs->addTab(new GeneralTabView({m_defaults,
-                                         m_loginItem,
-                                         manager,
-                                         m_home.filePath(QStringLiteral("Downloads")),
-                                         m_home.path(),
-                                         {}},
-                                        tabs),
+        tabs->addTab(new GeneralTabView({m_defaults, m_loginItem, manager, {}}, tabs),
                      symbolIcon("gearshape", palette), QStringLiteral("General"));
         tabs->addTab(new ShortcutsTabView(ShortcutService::shared(), {}, tabs),
                      symbolIcon("command", palette), QStringLiteral("Shortcuts"));

@@ -3,7 +3,10 @@
 
 #include "KeyboardShortcuts/AlertSheet.h"
 #include "app/GeneralTabView.h"
+#include "app/SaveFolder.h"
 #include "app/SwitchControl.h"
+#include "capture/ImageOutput.h"
+#include "fakes/FakeClipboard.h"
 #include "fakes/FakeClock.h"
 #include "fakes/FakeLoginItem.h"
 #include "fakes/LogCapture.h"
@@ -27,6 +30,8 @@ private Q_SLOTS:
     {
         QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin does not)")));
         m_dir = std::make_unique<QTemporaryDir>();
+        qputenv("HOME", m_dir->path().toUtf8());
+        QVERIFY(QDir().mkpath(m_dir->filePath(QStringLiteral("Downloads"))));
         m_defaults = std::make_unique<UserDefaults>(m_dir->filePath(QStringLiteral("d.json")));
         m_updates = std::make_unique<UserDefaults>(m_dir->filePath(QStringLiteral("u.json")));
         m_loginItem = std::make_unique<FakeLoginItem>();
@@ -139,17 +144,47 @@ private Q_SLOTS:
 
     void marksAFolderThatIsMissing()
     {
-        QVERIFY(!shows(QStringLiteral("This folder does not exist")));
-        QVERIFY(QDir(m_dir->filePath(QStringLiteral("Downloads"))).removeRecursively());
+        const QString folder = m_dir->filePath(QStringLiteral("chosen"));
+        m_defaults->setString(QStringLiteral("saveFolderPath"), folder);
         m_view->hide();
         m_view->show();
         QVERIFY(shows(QStringLiteral("This folder does not exist")));
         QVERIFY(chooseButton()->accessibleDescription().contains(
             QStringLiteral("This folder does not exist")));
-        QVERIFY(QDir().mkpath(m_dir->filePath(QStringLiteral("Downloads"))));
+        QVERIFY(QDir().mkpath(folder));
         m_view->hide();
         m_view->show();
         QVERIFY(!shows(QStringLiteral("This folder does not exist")));
+    }
+
+    void namesTheFolderThatIsUsed_data()
+    {
+        QTest::addColumn<std::optional<QString>>("stored");
+        QTest::addColumn<bool>("hasDownloads");
+        const QString chosen = QStringLiteral("/usr");
+        QTest::newRow("none stored") << std::optional<QString>() << true;
+        QTest::newRow("none stored, no Downloads") << std::optional<QString>() << false;
+        QTest::newRow("an empty one stored") << std::optional(QString()) << true;
+        QTest::newRow("an empty one stored, no Downloads") << std::optional(QString()) << false;
+        QTest::newRow("stored") << std::optional(chosen) << true;
+        QTest::newRow("stored, no Downloads") << std::optional(chosen) << false;
+    }
+    void namesTheFolderThatIsUsed()
+    {
+        QFETCH(std::optional<QString>, stored);
+        QFETCH(bool, hasDownloads);
+        if (stored)
+            m_defaults->setString(QStringLiteral("saveFolderPath"), *stored);
+        if (!hasDownloads)
+            QVERIFY(QDir(m_dir->path()).rmdir(QStringLiteral("Downloads")));
+        make();
+        FakeClipboard clipboard;
+        const ImageOutput output(clipboard, *m_defaults, m_clock, {});
+        const QString used = QFileInfo(output.saveLocation()).path();
+        QCOMPARE(chooseButton()->accessibleDescription().section(QStringLiteral(". "), 0, 0),
+                 abbreviatedPath(used, m_dir->path()));
+        QVERIFY(!shows(QStringLiteral("This folder does not exist")));
+        QCOMPARE(openChooser()->directory().path(), used);
     }
 
     void turnsAutomaticChecksOn()
@@ -191,11 +226,10 @@ private:
                                                           QStringLiteral("1.0")})
     {
         m_view.reset();
-        QVERIFY(QDir().mkpath(m_dir->filePath(QStringLiteral("Downloads"))));
         m_manager = std::make_unique<UpdaterManager>(configuration, *m_updates, m_clock);
-        m_view = std::make_unique<GeneralTabView>(GeneralTabView::Services{
-            *m_defaults, *m_loginItem, *m_manager, m_dir->filePath(QStringLiteral("Downloads")),
-            m_dir->path(), [this](bool isVisible) { m_visibility.append(isVisible); }});
+        m_view = std::make_unique<GeneralTabView>(
+            GeneralTabView::Services{*m_defaults, *m_loginItem, *m_manager,
+                                     [this](bool isVisible) { m_visibility.append(isVisible); }});
         m_view->show();
         m_view->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
