@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
+#include "desktop/Launched.h"
 #include "desktop/Session.h"
 #include "packaging/Prefix.h"
 #include "support/Skip.h"
@@ -64,7 +65,56 @@ private Q_SLOTS:
                  std::optional(QByteArray("words to read")));
     }
 
+    void isStartedByTheBusForWhatIsAskedOfIt_data()
+    {
+        QTest::addColumn<QStringList>("message");
+        QTest::addColumn<bool>("wantsSettings");
+        const QString interface = QStringLiteral("org.freedesktop.Application.");
+        QTest::newRow("launched") << QStringList{interface + "Activate", "{}"} << true;
+        QTest::newRow("an action of its desktop file")
+            << QStringList{interface + "ActivateAction", "start-capture", "[]", "{}"} << false;
+    }
+    void isStartedByTheBusForWhatIsAskedOfIt()
+    {
+        QFETCH(QStringList, message);
+        QFETCH(bool, wantsSettings);
+        Launched l;
+        QVERIFY(l.startDesktop());
+        QVERIFY(offer(*l.desktop));
+        QVERIFY(l.call(message));
+        const auto isCapturing = [&] {
+            return !l.eye->overlays(QStringLiteral("tovek")).isEmpty();
+        };
+        const auto isOpen = [&] { return !windowsTitled(*l.eye, "General").isEmpty(); };
+        QVERIFY(waitUntil([&] { return wantsSettings ? isOpen() : isCapturing(); }, patience));
+        // The other does not come either.
+        QVERIFY(!waitUntil([&] { return wantsSettings ? isCapturing() : isOpen(); },
+                           std::chrono::seconds(1)));
+        QVERIFY(l.activateAction(QStringLiteral("quit")));
+    }
+
 private:
+    /// Has the bus start the installed program.
+    bool offer(TestDesktop &desktop) const
+    {
+        const QString name = QStringLiteral("org.tovek.Tovek.service");
+        QFile installed(m_prefix.path(QStringLiteral("share/dbus-1/services/") + name));
+        QFile service(QDir(desktop.services()).filePath(name));
+        if (!installed.open(QIODevice::ReadOnly) || !service.open(QIODevice::WriteOnly))
+            return false;
+        // It names the prefix that the build was configured for.
+        QString text = QString::fromUtf8(installed.readAll());
+        text.replace(QRegularExpression(QStringLiteral("(?<=\nExec=)\\S+")),
+                     m_prefix.path(QStringLiteral("bin/tovek")));
+        service.write(text.toUtf8());
+        service.close();
+        Program *reload =
+            desktop.run(QStringLiteral("/usr/bin/gdbus"),
+                        {"call", "--session", "--dest", "org.freedesktop.DBus", "--object-path",
+                         "/org/freedesktop/DBus", "--method", "org.freedesktop.DBus.ReloadConfig"});
+        return reload && reload->waitForExit(patience) == 0;
+    }
+
     Prefix m_prefix;
 };
 

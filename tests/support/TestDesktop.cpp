@@ -22,6 +22,7 @@ const char busConfiguration[] = R"(<busconfig>
 <type>session</type>
 <listen>unix:path=%1</listen>
 <auth>EXTERNAL</auth>
+<servicedir>%2</servicedir>
 <policy context="default">
 <allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/>
 </policy>
@@ -137,7 +138,9 @@ bool TestDesktop::startBus()
         return true;
     const QString socket = m_folder.filePath(QStringLiteral("run/bus"));
     const QString configuration = m_folder.filePath(QStringLiteral("bus.conf"));
-    if (!writeFile(configuration, QString::fromLatin1(busConfiguration).arg(socket).toUtf8()))
+    if (!QDir().mkpath(services())
+        || !writeFile(configuration,
+                      QString::fromLatin1(busConfiguration).arg(socket, services()).toUtf8()))
         return fail(QStringLiteral("cannot write ") + configuration);
     if (!this->run(QStringLiteral("dbus-daemon"),
                    {QStringLiteral("--config-file=") + configuration, QStringLiteral("--nofork"),

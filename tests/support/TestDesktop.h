@@ -49,6 +49,8 @@ public:
     QString home() const { return m_folder.filePath(QStringLiteral("home")); }
     QString configFolder() const { return home() + QStringLiteral("/.config"); }
     QString downloads() const { return home() + QStringLiteral("/Downloads"); }
+    /// The only services that the bus starts by itself; none until a test puts them there.
+    QString services() const { return home() + QStringLiteral("/.local/share/dbus-1/services"); }
 
     /// A program on this desktop; null when it cannot be started. It ends with the desktop at the
     /// latest, the last one first.
