@@ -119,8 +119,9 @@ int run(int &argc, char **argv, QString &successor)
         early.singleInstance->onReopen = nullptr;
         early.singleInstance->onAction = nullptr;
     }
-    platform.clipboard->handOver();
+    // Events are handled in there, and nobody is left whom a key could start.
     KeyboardShortcuts::ShortcutService::setShared(nullptr);
+    platform.clipboard->handOver();
     return 0;
 }
 

@@ -131,6 +131,11 @@ StatusBarController::StatusBarController(Tray &statusItem, Clock &clock,
 
 StatusBarController::~StatusBarController()
 {
+    m_statusItem.onPressed = nullptr;
+    m_statusItem.onMoved = nullptr;
+    m_statusItem.onReleased = nullptr;
+    m_statusItem.onMenuRequested = nullptr;
+    m_statusItem.onHostChanged = nullptr;
     delete m_menu;
 }
 

@@ -134,6 +134,21 @@ private Q_SLOTS:
         QTEST(int(output.lines().size()), "lines");
     }
 
+    void isNotToldOfTheItemAfterItsEnd()
+    {
+        FakeTray tray;
+        {
+            Setup s;
+            StatusBarController controller(tray, s.clock, s.defaults,
+                                           [](auto &&...) { return QImage(); });
+            controller.setup();
+            QVERIFY(tray.onPressed && tray.onMoved && tray.onReleased && tray.onMenuRequested
+                    && tray.onHostChanged);
+        }
+        QVERIFY(!tray.onPressed && !tray.onMoved && !tray.onReleased && !tray.onMenuRequested
+                && !tray.onHostChanged);
+    }
+
     void hasNoTimerWhileNothingHappens()
     {
         Setup s;
