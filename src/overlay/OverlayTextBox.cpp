@@ -28,6 +28,8 @@ OverlayTextBox::OverlayTextBox(const AnnotationEditor::TextBox &content, double 
 {
     setAccessibleName(tr("Text of the annotation"));
     setFrameShape(QFrame::NoFrame);
+    // A menu would open below the overlay, which stays on top, and take every key unseen.
+    setContextMenuPolicy(Qt::NoContextMenu);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFont(systemFont(fontSize, QFont::Medium));

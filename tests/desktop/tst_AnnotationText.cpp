@@ -235,6 +235,28 @@ private Q_SLOTS:
         QCOMPARE(differentPixels(d.finished(), fresh), 0);
     }
 
+    void opensNoMenuUnderTheOverlay_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::newRow("right click") << QString();
+        QTest::newRow("Menu") << "Menu";
+    }
+    void opensNoMenuUnderTheOverlay()
+    {
+        QFETCH(QString, key);
+        Writing d;
+        QVERIFY2(d.start(), qPrintable(d.error));
+        const QImage fresh = d.typed({"a", "t"});
+        QVERIFY(d.again());
+        QVERIFY(d.type({"a"}));
+        if (key.isEmpty())
+            d.tovek->hand().click(d.at(place) + QPoint(30, 30), 3);
+        else
+            QVERIFY(d.tovek->hand().tap(key));
+        QVERIFY(d.tap("t"));
+        QCOMPARE(differentPixels(d.finished(), fresh), 0);
+    }
+
     void goesOnAfterAChoiceInTheToolbar()
     {
         Writing d;
