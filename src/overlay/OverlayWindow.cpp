@@ -38,6 +38,8 @@ OverlayWindow::OverlayWindow(const OverlayContext &context, OverlayShell &shell)
     };
     m_selectionView->setSurface(m_surface.get());
     m_selectionView->installEventFilter(this);
+    // What words, toolbar and text box make of a press never reaches the view.
+    windowHandle()->installEventFilter(this);
     forwardCallbacks();
 }
 

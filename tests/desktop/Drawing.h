@@ -52,7 +52,10 @@ inline constexpr QRgb green = 0xff34c759;
 /// the selection's top left corner, y down.
 struct Drawing : Session
 {
-    explicit Drawing(double screenScale = 1) : Session({}, screenScale) { }
+    explicit Drawing(double screenScale = 1, DesktopPlan desktopPlan = {})
+        : Session(std::move(desktopPlan), screenScale)
+    {
+    }
 
     [[nodiscard]] bool begin() { return start() && again(); }
     [[nodiscard]] bool begin(QRect native)

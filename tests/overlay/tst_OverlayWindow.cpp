@@ -7,6 +7,7 @@
 #include "fakes/FakeScreens.h"
 #include "foundation/UserDefaults.h"
 #include "overlay/OverlayWindow.h"
+#include "overlay/ToolbarButton.h"
 
 #include <QTest>
 
@@ -246,6 +247,30 @@ private Q_SLOTS:
         Fixture f;
         QVERIFY(!f.window.isKey());
         QTest::mousePress(f.view(), Qt::LeftButton, {}, QPoint(10, 10));
+        QVERIFY(f.window.isKey());
+    }
+
+    void takesTheKeyboardWithAPressOnWhatLiesOverTheView_data()
+    {
+        QTest::addColumn<bool>("isOnWords");
+        QTest::newRow("toolbar") << false;
+        QTest::newRow("words") << true;
+    }
+    void takesTheKeyboardWithAPressOnWhatLiesOverTheView()
+    {
+        QFETCH(bool, isOnWords);
+        Fixture f;
+        f.window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&f.window));
+        f.drag({100, 50}, {200, 180});
+        f.view()->showTextRegions({{"a", {0.1, 0.5, 0.2, 0.1}}});
+        const QWidget *target = f.view()->textRegionOverlay();
+        if (!isOnWords)
+            target = f.view()->toolbar()->button(0);
+        f.shell.keySurface = nullptr; // another screen's overlay was clicked
+        // On what is on top there, as a hand does.
+        QTest::mousePress(f.window.windowHandle(), Qt::LeftButton, {},
+                          target->mapTo(&f.window, isOnWords ? QPoint(20, 58) : QPoint(5, 5)));
         QVERIFY(f.window.isKey());
     }
 
