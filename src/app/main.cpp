@@ -5,6 +5,7 @@
 #include "app/HotkeyManager.h"
 #include "app/KeyNames.h"
 #include "app/PlatformFactory.h"
+#include "app/QuitSignals.h"
 #include "app/Relaunch.h"
 #include "app/StartMessages.h"
 #include "app/TovekApp.h"
@@ -104,6 +105,11 @@ int run(int &argc, char **argv, QString &successor)
     KeyNames keyNames;
     QApplication::installTranslator(&keyNames);
     Platform platform = makePlatform(early);
+    bool isQuitting = false;
+    const QuitSignals quitSignals([&] {
+        if (!isQuitting) // it would end the waiting for what is not to be lost
+            QCoreApplication::exit();
+    });
     {
         TovekApp app(platform, defaults, updateConfiguration());
         AppDelegate &delegate = app.appDelegate();
@@ -115,6 +121,7 @@ int run(int &argc, char **argv, QString &successor)
                                                             : AppDelegate::Launch::byUser,
                                                hotkeyManager);
         QApplication::exec();
+        isQuitting = true;
         successor = app.successor();
         early.singleInstance->onReopen = nullptr;
         early.singleInstance->onAction = nullptr;
