@@ -12,9 +12,11 @@
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFutureWatcher>
 #include <QStandardPaths>
+#include <QThread>
 #include <QtConcurrent>
 
 namespace tovek {
@@ -23,17 +25,22 @@ namespace {
 
 constexpr std::chrono::seconds previewTime(20);
 constexpr int idleThreadMs = 2000;
+constexpr std::chrono::seconds pixelLimit(2); ///< at quitting
+
+/// An empty value when there is none.
+template <typename T>
+T resultOf(const QFuture<T> &finished)
+{
+    return finished.resultCount() > 0 ? finished.result() : T();
+}
 
 /// Calls back when the future has finished, also without a result (an empty value then): at once
 /// when it has already. Never when the context died before.
 template <typename T, typename Use>
 void whenFinished(const QFuture<T> &future, QObject *context, Use use)
 {
-    const auto result = [](const QFuture<T> &finished) {
-        return finished.resultCount() > 0 ? finished.result() : T();
-    };
     if (future.isFinished()) {
-        use(result(future));
+        use(resultOf(future));
         return;
     }
     // A watcher, not a continuation: a future has room for only one of those, and the recogniser
@@ -41,7 +48,7 @@ void whenFinished(const QFuture<T> &future, QObject *context, Use use)
     auto *const watcher = new QFutureWatcher<T>(context); // deletes itself at the end
     QObject::connect(watcher, &QFutureWatcherBase::finished, context, [=] {
         watcher->deleteLater();
-        use(result(watcher->future()));
+        use(resultOf(watcher->future()));
     });
     watcher->setFuture(future);
 }
@@ -60,6 +67,21 @@ ImageOutput::ImageOutput(Clipboard &clipboard, const UserDefaults &defaults, con
     m_writers.setExpiryTimeout(idleThreadMs);
 }
 
+ImageOutput::~ImageOutput()
+{
+    // Who quits sees no toast and no preview any more.
+    m_feedback = {};
+    const QDeadlineTimer limit(pixelLimit);
+    while (!m_pending.empty()) {
+        const Pending pending = std::move(m_pending.front());
+        m_pending.pop_front();
+        while (!pending.pixels.isFinished() && !limit.hasExpired())
+            QThread::msleep(1);
+        if (pending.pixels.isFinished())
+            pending.use(resultOf(pending.pixels));
+    }
+}
+
 std::optional<Image> ImageOutput::cropSelection(const QImage &pixels, const Rect &rect,
                                                 const Screen &screen)
 {
@@ -70,13 +92,24 @@ std::optional<Image> ImageOutput::cropSelection(const QImage &pixels, const Rect
 void ImageOutput::copySelection(const QFuture<QImage> &pixels, const Rect &rect,
                                 const Screen &screen)
 {
-    whenFinished(pixels, this, [=, this](const QImage &frozen) {
+    whenThere(pixels, [=, this](const QImage &frozen) {
         if (const auto image = cropSelection(frozen, rect, screen)) {
             copyImage(*image);
             return;
         }
         logLine(QStringLiteral("Failed to crop image"));
         fail(QStringLiteral("Failed to copy image"), screen);
+    });
+}
+
+void ImageOutput::whenThere(const QFuture<QImage> &pixels, std::function<void(const QImage &)> use)
+{
+    m_pending.push_back({pixels, std::move(use)});
+    const auto pending = std::prev(m_pending.end());
+    whenFinished(pixels, this, [this, pending](const QImage &frozen) {
+        const auto done = std::move(pending->use);
+        m_pending.erase(pending);
+        done(frozen);
     });
 }
 
@@ -113,7 +146,7 @@ QString ImageOutput::saveLocation() const
 void ImageOutput::saveSelection(const QFuture<QImage> &pixels, const Rect &rect,
                                 const Screen &screen, const QString &path)
 {
-    whenFinished(pixels, this, [=, this](const QImage &frozen) {
+    whenThere(pixels, [=, this](const QImage &frozen) {
         if (const auto image = cropSelection(frozen, rect, screen)) {
             saveImage(*image, screen, path);
             return;

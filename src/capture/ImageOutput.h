@@ -10,6 +10,8 @@
 #include <QObject>
 #include <QThreadPool>
 
+#include <list>
+
 namespace tovek {
 
 class Clipboard;
@@ -18,13 +20,14 @@ class UserDefaults;
 
 /// Turns a frozen screen and a selection into a picture on the clipboard or in a file. Main
 /// thread; encoding and writing happen on a thread that ends when it has nothing to do. Writing
-/// goes on in the order of the calls, and the destructor waits for it, so that quitting loses
-/// nothing.
+/// goes on in the order of the calls. The destructor waits for it, and for a while for pixels that
+/// are still on their way, so that quitting loses nothing; it shows nothing any more.
 class ImageOutput : public QObject
 {
 public:
     ImageOutput(Clipboard &clipboard, const UserDefaults &defaults, const Clock &clock,
                 CaptureFeedback feedback);
+    ~ImageOutput() override;
 
     /// The selection (points of the screen's own space) out of the screen's pixels. Absent when no
     /// pixel is left of it.
@@ -53,6 +56,14 @@ private:
         std::optional<QString> error; ///< of writing
     };
 
+    /// A result that waits for its pixels.
+    struct Pending
+    {
+        QFuture<QImage> pixels;
+        std::function<void(const QImage &)> use;
+    };
+
+    void whenThere(const QFuture<QImage> &pixels, std::function<void(const QImage &)> use);
     static Written encodeAndWrite(const QImage &bitmap, const QString &path);
     void saved(const Image &image, const std::optional<Screen> &screen, const QString &path,
                const Written &written);
@@ -63,6 +74,7 @@ private:
     const UserDefaults &m_defaults;
     const Clock &m_clock;
     CaptureFeedback m_feedback;
+    std::list<Pending> m_pending; ///< oldest first
     QThreadPool m_writers;
 };
 

@@ -13,6 +13,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <thread>
+
 using namespace tovek;
 
 class TestImageOutput : public QObject
@@ -74,6 +76,35 @@ private Q_SLOTS:
         QCOMPARE(QImage::fromData(m_clipboard->lastPng()), pattern());
         QTRY_COMPARE(QImage(m_folder->filePath(QStringLiteral("a.png"))),
                      pattern().copy(0, 80, 20, 20));
+    }
+
+    void waitsForThePixelsWhenItEnds()
+    {
+        QPromise<QImage> promise;
+        promise.start();
+        const QString path = m_folder->filePath(QStringLiteral("a.png"));
+        m_output->copySelection(promise.future(), Rect{0, 0, 100, 50}, screen());
+        m_output->saveSelection(promise.future(), Rect{0, 0, 10, 10}, screen(), path);
+        std::thread server([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            promise.addResult(pattern());
+            promise.finish();
+        });
+        m_output.reset();
+        server.join();
+        QCOMPARE(m_clipboard->operations, QStringList("png"));
+        QCOMPARE(QImage::fromData(m_clipboard->lastPng()), pattern());
+        QCOMPARE(QImage(path), pattern().copy(0, 80, 20, 20));
+        QVERIFY(m_events.isEmpty());
+    }
+
+    void endsWithoutPixelsThatNeverCome()
+    {
+        QPromise<QImage> promise;
+        promise.start();
+        m_output->copySelection(promise.future(), Rect{0, 0, 100, 50}, screen());
+        m_output.reset();
+        QVERIFY(m_clipboard->operations.isEmpty());
     }
 
     void tellsAFailedCropAndLeavesTheClipboardAlone_data()
