@@ -4,6 +4,7 @@
 #include "app/PlatformFactory.h"
 
 #include "foundation/Log.h"
+#include "foundation/Unfinished.h"
 #include "platform/FirstTray.h"
 #include "platform/linux/AutostartLoginItem.h"
 #include "platform/linux/CanberraSoundOutput.h"
@@ -43,9 +44,17 @@ bool isForced(const char *name)
 }
 
 #ifdef TOVEK_WITH_X11
+constexpr std::chrono::seconds unfinishedLimit(5);
+
+void waitForUnfinished()
+{
+    Unfinished::waitForAll(unfinishedLimit);
+}
+
 void exitWithTheServer()
 {
     logLine(QStringLiteral("The X server went away"));
+    waitForUnfinished();
     // Nothing of the toolkit can be taken down in order without its server.
     std::_Exit(1);
 }
@@ -85,6 +94,8 @@ bool addX11Desktop(Platform &platform)
     trays.push_back(X11TrayItem::create());
     trays.push_back(std::make_unique<StatusNotifierItem>());
     platform.tray = std::make_unique<FirstTray>(std::move(trays));
+    // The toolkit, should it be the first to miss its server, calls exit by itself.
+    std::atexit(&waitForUnfinished);
     hotKeys->startDispatching();
     layout->startDispatching();
     return true;

@@ -8,6 +8,7 @@
 #include "capture/PngEncoder.h"
 #include "foundation/Log.h"
 #include "foundation/Memory.h"
+#include "foundation/Unfinished.h"
 #include "foundation/UserDefaults.h"
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
@@ -164,8 +165,10 @@ void ImageOutput::saveImage(const Image &image, const std::optional<Screen> &scr
                  [=, this](const Written &written) { saved(image, screen, path, written); });
     promise.start();
     m_writers.start([promise = std::make_shared<QPromise<Written>>(std::move(promise)),
-                     bitmap = image.bitmap, path] {
+                     unfinished = std::make_shared<Unfinished>(), bitmap = image.bitmap,
+                     path]() mutable {
         const Written written = encodeAndWrite(bitmap, path);
+        unfinished.reset();
         promise->addResult(written);
         promise->finish();
         // The file is there; that it also survives a power failure need not be waited for.

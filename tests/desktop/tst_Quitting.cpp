@@ -70,6 +70,18 @@ private Q_SLOTS:
         QCOMPARE(s.tovek->program().waitForExit(patience), std::optional(0));
         QCOMPARE(differentPixels(QImage::fromData(s.saved()), s.expected(from, to)), 0);
     }
+
+    void keepsTheSaveWithoutAServer()
+    {
+        Session s(large());
+        QVERIFY2(s.start(), qPrintable(s.error));
+        QVERIFY(s.open());
+        s.select(from, to);
+        QVERIFY(s.tap("Control_L+s") && s.isClosed());
+        s.desktop.server().kill();
+        QCOMPARE(s.tovek->program().waitForExit(patience), std::optional(1));
+        QCOMPARE(differentPixels(QImage::fromData(s.saved()), s.expected(from, to)), 0);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestQuitting)

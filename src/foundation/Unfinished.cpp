@@ -1,0 +1,43 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "foundation/Unfinished.h"
+
+#include <atomic>
+#include <thread>
+
+namespace tovek {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds pollInterval(1);
+
+// Without a destructor: it is asked when the process takes its globals down.
+constinit std::atomic<int> count = 0;
+
+} // namespace
+
+Unfinished::Unfinished()
+{
+    ++count;
+}
+
+Unfinished::~Unfinished()
+{
+    --count;
+}
+
+bool Unfinished::waitForAll(std::chrono::milliseconds limit)
+{
+    const auto end = Clock::now() + limit;
+    while (count > 0) {
+        if (Clock::now() >= end)
+            return false;
+        std::this_thread::sleep_for(pollInterval);
+    }
+    return true;
+}
+
+} // namespace tovek
