@@ -162,8 +162,13 @@ void encodeStrips(const QImage &image, const Layout &layout, const Deflater &def
         }
     };
     std::vector<std::thread> helpers;
-    for (unsigned i = 1; i < threads && i < strips.size(); ++i)
-        helpers.emplace_back(work);
+    helpers.reserve(threads);
+    try {
+        for (unsigned i = 1; i < threads && i < strips.size(); ++i)
+            helpers.emplace_back(work);
+    } catch (const std::exception &) {
+        // No more threads, or no memory for one: those that there are do all of it.
+    }
     work();
     for (std::thread &helper : helpers)
         helper.join();

@@ -9,11 +9,19 @@
 #include <QTest>
 #include <QtEndian>
 
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
 #include <zlib.h>
 
 using namespace tovek;
 
 namespace {
+
+constexpr uid_t nobody = 65534;
+constexpr int notTried = 77;
 
 enum class Picture { noise, flat, gradient, mixed };
 
@@ -93,6 +101,33 @@ private Q_SLOTS:
             options.threads = threads;
             QCOMPARE(encodePng(image, options), png);
         }
+    }
+
+    void needsNoSecondThread()
+    {
+        PngOptions options;
+        options.threads = 8;
+        const QImage image = picture({1366, 768}, Picture::mixed, QImage::Format_RGB32);
+        const QByteArray expected = encodePng(image, options);
+        const pid_t child = fork();
+        if (child == 0) {
+            // The limit binds nobody who is root.
+            const rlimit none{0, 0};
+            if ((geteuid() == 0 && setuid(nobody) != 0) || setrlimit(RLIMIT_NPROC, &none) != 0)
+                _exit(notTried);
+            try {
+                std::thread([] {}).join();
+                _exit(notTried);
+            } catch (const std::system_error &) {
+                _exit(encodePng(image, options) == expected ? 0 : 1);
+            }
+        }
+        int status = 0;
+        QCOMPARE(waitpid(child, &status, 0), child);
+        QVERIFY(WIFEXITED(status));
+        if (WEXITSTATUS(status) == notTried)
+            QSKIP("threads cannot be refused here");
+        QCOMPARE(WEXITSTATUS(status), 0);
     }
 
     void ignoresTheUnusedByteOfOpaquePixels()
