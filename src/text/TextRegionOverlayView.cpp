@@ -60,6 +60,9 @@ void TextRegionOverlayView::mouseMoveEvent(QMouseEvent *event)
     const Point at = pointOf(event->position());
     const bool isDrag = event->buttons() & Qt::LeftButton;
     follow(isDrag ? m_selection.mouseDragged(at) : m_selection.mouseMoved(at), event);
+    // The parent is not told when the pointer comes here from one of its handles.
+    if (!isDrag)
+        event->ignore();
 }
 
 void TextRegionOverlayView::mouseReleaseEvent(QMouseEvent *event)

@@ -13,8 +13,8 @@ class UserDefaults;
 
 /// The transparent layer of recognised words over a selection, a child of the view whose selection
 /// it covers. Its frame is the selection's. It paints nothing: the parent puts `items` into its own
-/// picture. Mouse events beside the words, and all of them while
-/// they are passed through, go on to the parent.
+/// picture. Mouse events beside the words, moves without a button, and all events while they are
+/// passed through go on to the parent.
 class TextRegionOverlayView : public QWidget
 {
     Q_OBJECT

@@ -285,6 +285,37 @@ private Q_SLOTS:
         QVERIFY(!f.window.isKey());
     }
 
+    void dimsAHandleWhenThePointerGoesOnToTheWords()
+    {
+        Fixture f;
+        f.window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&f.window));
+        f.drag({100, 50}, {200, 180});
+        f.view()->showTextRegions({{"a", {0.1, 0.5, 0.8, 0.4}}});
+        const auto moveTo = [&](QPoint at) {
+            QTest::mouseMove(f.window.windowHandle(), at);
+            QCoreApplication::processEvents();
+        };
+        const auto seen = [&] {
+            f.clock.advance(2s);
+            std::vector<QImage> images;
+            for (const auto &item : f.surface().presented.back().items) {
+                if (const auto *decal = std::get_if<DisplayList::Decal>(&item))
+                    images.push_back(decal->image);
+            }
+            return images;
+        };
+        moveTo({300, 250});
+        const auto allDim = seen();
+        moveTo({95, 45});
+        QVERIFY(seen() != allDim);
+        moveTo({110, 175}); // inside, beside the word
+        QCOMPARE(f.view()->childAt(110, 175), f.view()->textRegionOverlay());
+        QVERIFY(seen() == allDim);
+        moveTo({150, 90});
+        QCOMPARE(f.view()->textRegionOverlay()->cursor().shape(), Qt::IBeamCursor);
+    }
+
     void showsWordsWithoutPaintingWhatLiesBelow()
     {
         Fixture f(CaptureMode::copyText); // no toolbar, which paints itself

@@ -74,6 +74,7 @@ private Q_SLOTS:
         m_defaults = std::make_unique<UserDefaults>(m_folder->filePath("defaults.json"));
         m_behind = std::make_unique<Behind>();
         m_behind->resize(300, 200);
+        m_behind->setMouseTracking(true);
         m_view = new TextRegionOverlayView(*m_defaults, m_behind.get());
         m_view->setGeometry(100, 60, 100, 40);
         m_view->setTextRegions({{"a", {0, 0.5, 0.1, 0.25}}, {"b", {0.2, 0.5, 0.1, 0.25}}});
@@ -122,6 +123,24 @@ private Q_SLOTS:
         QCOMPARE(m_view->selection().hoveredIndex, std::optional(1));
         QTest::mouseMove(m_view, QPoint(70, 35));
         QCOMPARE(m_view->cursor().shape(), Qt::ArrowCursor);
+    }
+
+    void tellsTheParentWhereThePointerIs()
+    {
+        QTest::mouseMove(m_view, QPoint(25, 15));
+        const int moves = m_behind->moves;
+        QVERIFY(moves > 0);
+        QTest::mouseMove(m_view, QPoint(70, 35));
+        QVERIFY(m_behind->moves > moves);
+    }
+    void keepsADragToItself()
+    {
+        QTest::mousePress(m_view, Qt::LeftButton, {}, QPoint(5, 15));
+        const int moves = m_behind->moves;
+        QMouseEvent move(QEvent::MouseMove, QPointF(60, 15), QPointF(160, 75), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QCoreApplication::sendEvent(m_view, &move);
+        QCOMPARE(m_behind->moves, moves);
     }
 
     void looksByStateAndSetting_data()
