@@ -6,7 +6,7 @@
 // turns, so that a busy machine hits both.
 //
 // bench_capture [CASE]...
-//   open first drag copy save start idle used text; all of them by default
+//   open rested first drag copy save start idle used text; all of them by default
 // TOVEK_PROGRAM names another build of the program.
 
 #include "Measure.h"
@@ -31,6 +31,7 @@ const QSize ultraHd(3840, 2160);
 /// Whatever a process does after its start has ended by then, or after its last capture.
 constexpr auto calmTime = 5s;
 constexpr auto idleTime = 30s;
+constexpr auto restTime = 6s;
 /// The thumbnail of the last capture stays in the panel for as long.
 constexpr auto previewTime = 20s;
 
@@ -80,6 +81,20 @@ void openWarm(Stage &stage)
         }
     }
     printRow("warm ", stage.size(), times, 1.5);
+}
+
+/// After the program has given back what only work needs.
+void openRested(Stage &stage)
+{
+    Pair times;
+    for (int run = 0; run < runs; ++run) {
+        waitFor(restTime);
+        for (const Subject subject : subjects) {
+            times.add(subject, stage.open(subject));
+            stage.close();
+        }
+    }
+    printRow("rested ", stage.size(), times, 1.5);
 }
 
 void openFirst(Stage &stage)
@@ -281,6 +296,8 @@ int main(int argc, char **argv)
         waitFor(700ms);
     }
     onEach("open", "Shortcut released to overlay shown", "ms", openWarm);
+    onEach("rested", "Shortcut released to overlay shown, after some seconds of rest", "ms",
+           openRested);
     std::vector<double> costs;
     onEach("drag", "Processor time for one motion event of a drag", "µs",
            [&](Stage &stage) { costs.push_back(dragCosts(stage)); });

@@ -24,6 +24,10 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto settingsDelay = 100ms;
+/// The desktop that may be starting as well has something to show first.
+constexpr auto warmUpDelay = 500ms;
+/// The result of a capture, its sound and its toast are made by then.
+constexpr auto restDelay = 4s;
 
 } // namespace
 
@@ -76,6 +80,7 @@ OverlayController::Services AppDelegate::overlayServices()
         if (m_services.ocrService)
             m_services.ocrService->prepare();
     };
+    services.didClose = [this] { restSoon(); };
     if (m_services.ocrService)
         services.recognizeText = [this](const Image &image) {
             return m_services.ocrService->recognizeText(image);
@@ -88,13 +93,29 @@ void AppDelegate::applicationDidFinishLaunching(Launch launch, HotkeyManager &ho
     m_platform.frontmostApp->setActivationPolicy(ActivationPolicy::accessory);
     setUpStatusBar();
     hotkeys.onCapture = [this](CaptureMode mode) { m_overlayController.startCapture(mode); };
-    hotkeys.onPrepare = [this] { m_overlayController.prepare(); };
+    hotkeys.onPrepare = [this] {
+        m_workingMemory.recall();
+        m_overlayController.prepare();
+    };
     KeyboardShortcuts::ShortcutService::shared().watchMenus();
     if (m_services.notificationManager)
         m_services.notificationManager->requestAuthorization();
+    m_platform.clock->after(warmUpDelay, this, [this] {
+        if (!m_overlayController.isCapturing())
+            m_overlayController.warmUp();
+    });
+    restSoon();
     if (launch == Launch::inBackground)
         return;
     m_platform.clock->after(settingsDelay, this, [this] { m_state.setShouldOpenSettings(true); });
+}
+
+void AppDelegate::restSoon()
+{
+    m_platform.clock->after(restDelay, this, [this, activity = ++m_activity] {
+        if (activity == m_activity && !m_overlayController.isCapturing())
+            m_workingMemory.release();
+    });
 }
 
 void AppDelegate::setUpStatusBar()
@@ -119,6 +140,7 @@ void AppDelegate::setUpStatusBar()
     };
     statusBar->onMenuTracking = [&shortcuts](bool isOpen) { shortcuts.setMenuOpen(isOpen); };
     statusBar->encodePng = [](const Image &image) { return encodePng(image.bitmap); };
+    statusBar->onPreviewEnded = [this] { restSoon(); };
     statusBar->setup();
 }
 

@@ -7,6 +7,7 @@
 #include "capture/ImageOutput.h"
 #include "capture/OverlayController.h"
 #include "capture/ScreenshotService.h"
+#include "foundation/WorkingMemory.h"
 
 namespace tovek {
 
@@ -42,6 +43,8 @@ public:
 private:
     OverlayController::Services overlayServices();
     void setUpStatusBar();
+    /// Gives back the memory that only work needs, unless there is more work before.
+    void restSoon();
     void openSettings(SettingsTab tab);
     void checkForUpdates();
 
@@ -53,6 +56,8 @@ private:
     ScreenshotService m_screenshotService;
     ImageOutput m_imageOutput;
     OverlayController m_overlayController;
+    WorkingMemory m_workingMemory;
+    quint64 m_activity = 0; ///< grows with each reason to rest
 };
 
 } // namespace tovek

@@ -7,12 +7,14 @@
 #include "capture/ScreenshotService.h"
 #include "foundation/Log.h"
 #include "foundation/WhenReady.h"
+#include "overlay/OverlayPicture.h"
 #include "overlay/OverlayWindow.h"
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
 #include "text/TextLines.h"
 
 #include <QFileInfo>
+#include <QGuiApplication>
 
 #include <algorithm>
 
@@ -41,6 +43,14 @@ OverlayController::~OverlayController()
 {
     qDeleteAll(m_overlayWindows);
     qDeleteAll(m_leavingWindows);
+}
+
+void OverlayController::warmUp()
+{
+    OverlayPicture picture;
+    picture.space = {{640, 480}, 1};
+    picture.selection = Rect{100, 100, 320, 240};
+    OverlayArtist(QGuiApplication::font()).draw(picture);
 }
 
 void OverlayController::prepare()
@@ -394,8 +404,11 @@ void OverlayController::cleanUp()
     m_overlayWindows.clear();
     m_leavingDisplays = std::exchange(m_capturedDisplays, {});
     m_services.clock.after(overlayRemovalDelay, this, [this, session = m_session + 1] {
-        if (session == m_session)
-            m_leavingDisplays.clear();
+        if (session != m_session)
+            return;
+        m_leavingDisplays.clear();
+        if (m_services.didClose)
+            m_services.didClose();
     });
     m_selectedRect.reset();
     m_selectedScreen.reset();

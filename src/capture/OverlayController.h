@@ -48,6 +48,7 @@ public:
         std::function<void()> showPermissionWindow = {};
         std::function<void()> willFreeze = {}; ///< what must not be in the picture goes now
         std::function<void()> didOpen = {}; ///< the overlays are up; nobody waits
+        std::function<void()> didClose = {}; ///< the overlays are gone; results may still be made
         /// Cancelling the future stops the work.
         std::function<QFuture<std::vector<TextRegion>>(const Image &)> recognizeText = {};
     };
@@ -55,6 +56,9 @@ public:
     explicit OverlayController(Services services);
     ~OverlayController() override;
 
+    /// Loads what the first picture of the process would wait for: the font's files and tables.
+    /// Takes some tens of milliseconds, for when nobody waits.
+    void warmUp();
     /// A shortcut's key went down: a capture may follow when it comes up again.
     void prepare();
     /// Does nothing while a session runs.

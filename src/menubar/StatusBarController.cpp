@@ -4,7 +4,6 @@
 #include "menubar/StatusBarController.h"
 
 #include "foundation/Log.h"
-#include "foundation/Memory.h"
 #include "foundation/UserDefaults.h"
 #include "menubar/PreviewRow.h"
 #include "menubar/ThumbnailGeometry.h"
@@ -205,8 +204,8 @@ void StatusBarController::endPreviewMode()
     m_pressedAt.reset();
     m_isInPreviewMode = false;
     m_statusItem.setPicture(m_defaultIcon);
-    // The last of a capture is gone, and the program may wait for hours now.
-    releaseMemory();
+    if (onPreviewEnded)
+        onPreviewEnded();
 }
 
 void StatusBarController::press(QPointF at)

@@ -62,6 +62,8 @@ public:
     std::function<void(QAction &item, const QString &shortcutName)> bindShortcut;
     /// The menu opens or has closed.
     std::function<void(bool isOpen)> onMenuTracking;
+    /// The thumbnail of the last capture is gone from the panel.
+    std::function<void()> onPreviewEnded;
     /// Any thread.
     std::function<QByteArray(const Image &)> encodePng;
     /// Runs a drag that allows nothing but copying; returns when it has ended, however it did.

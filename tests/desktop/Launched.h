@@ -45,7 +45,8 @@ struct Launched
     }
     bool isOpen(const char *title)
     {
-        return waitUntil([&] { return windowsTitled(*eye, title).size() == 1; });
+        return waitUntil([&] { return windowsTitled(*eye, title).size() == 1; },
+                         std::chrono::seconds(20));
     }
     /// Whether the window comes and gets the keyboard.
     bool isInFront(const char *title)

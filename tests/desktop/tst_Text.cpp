@@ -102,6 +102,18 @@ struct TextSession : Session
 
 const QJsonObject highlighted{{QStringLiteral("highlightText"), true}};
 
+/// Pixels that differ from the middle of the picture, where nothing is written.
+int inkIn(const QImage &picture)
+{
+    const QRgb paper = picture.pixel(picture.rect().center());
+    int count = 0;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x)
+            count += picture.pixel(x, y) != paper;
+    }
+    return count;
+}
+
 } // namespace
 
 class TestText : public QObject
@@ -163,6 +175,12 @@ private Q_SLOTS:
             return {};
         };
         QVERIFY(waitUntil([&] { return !terminal().isEmpty(); }, patience));
+        // A terminal shows its cursor before it shows what its program prints.
+        QVERIFY(waitUntil(
+            [&] {
+                return inkIn(session.tovek->eye().look(terminal().adjusted(4, 26, -4, -4))) > 1500;
+            },
+            patience));
         QVERIFY(session.open(captureText));
         // Below the title bar.
         session.select(terminal().topLeft() + QPoint(4, 26), terminal().center() + QPoint(250, 0));

@@ -274,9 +274,12 @@ private Q_SLOTS:
         QCOMPARE(thumbnail.pixelColor(0, 0).alpha(), 0); // rounded
         s.clock.advance(19999ms);
         QVERIFY(s.controller.isInPreviewMode());
+        int ends = 0;
+        s.controller.onPreviewEnded = [&] { ++ends; };
         s.clock.advance(1ms);
         QVERIFY(!s.controller.isInPreviewMode());
         QVERIFY(s.showsIcon());
+        QCOMPARE(ends, 1);
     }
 
     void startsItsTimeAfreshWithEveryCapture()
