@@ -19,7 +19,7 @@ namespace tovek {
 
 namespace {
 
-/// xsecurelock 1.8 leaves the outermost pixels free below what it composes.
+/// xsecurelock 1.5.1 leaves the outermost pixels free below what it composes.
 constexpr int missingEdge = 2;
 
 template <typename Reply>
