@@ -1,55 +1,25 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "platform/TestKeyboard.h"
-#include "platform/x11/X11HotKeys.h"
+#include "platform/X11HotKeysFixture.h"
 #include "platform/x11/X11KeyboardLayout.h"
-#include "platform/x11/X11RawKeyFilter.h"
-#include "support/Wait.h"
-#include "support/XServer.h"
-
-#include <QApplication>
-#include <QElapsedTimer>
-#include <QMenu>
-#include <QProcess>
-#include <QTest>
 
 using namespace tovek;
 using namespace std::chrono_literals;
 
-namespace {
-
-constexpr KeyCombo capture{8, 0x1100}; // Control, Super and C
-constexpr int keyC = 46;
-
-} // namespace
-
 /// What only a real X server can show.
-class TestX11HotKeys : public QObject
+class TestX11HotKeys : public QObject, protected X11HotKeysFixture
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        if (const QString missing = XServer::missing(); !missing.isEmpty())
-            QSKIP(qPrintable(missing));
-    }
+    void initTestCase() { skipBecause(XServer::missing()); }
     void init()
     {
         QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-        m_keyboard = std::make_unique<TestKeyboard>(qEnvironmentVariable("DISPLAY"));
-        m_log.clear();
-        open();
-        QCOMPARE(m_hotKeys->grab(1, capture), 0);
-        m_hotKeys->startDispatching();
+        setUp();
     }
-    void cleanup()
-    {
-        m_keyboard.reset();
-        m_hotKeys.reset();
-        setLayout("us");
-    }
+    void cleanup() { tearDown(); }
 
     void tellsAHeldKeyOnce()
     {
@@ -212,89 +182,6 @@ private Q_SLOTS:
         QVERIFY(waitForLog(2));
     }
 
-    void offersTheKeysOfOurOwnMenus()
-    {
-        m_hotKeys->release(1);
-        m_hotKeys->setWatchingRawKeys(true);
-        QList<KeyCombo> offered;
-        m_hotKeys->onRawKey = [&](KeyCombo combo, bool isDown) {
-            if (isDown)
-                offered << combo;
-            m_log << (isDown ? QStringLiteral("raw down") : QStringLiteral("raw up"));
-            return combo == KeyCombo{36, 0x200}; // Shift and Return
-        };
-        QMenu menu;
-        int chosen = 0;
-        QObject::connect(menu.addAction(QStringLiteral("One")), &QAction::triggered,
-                         [&] { ++chosen; });
-        menu.popup({100, 100});
-        menu.setActiveAction(menu.actions().constFirst());
-        QVERIFY(QTest::qWaitForWindowExposed(&menu));
-
-        m_keyboard->press({36, 0x200});
-        QTest::qWait(1000); // repeats, which are no presses
-        m_keyboard->releaseAll();
-        QTest::qWait(100);
-        QCOMPARE(offered, QList<KeyCombo>({{56, 0}, {36, 0x200}}));
-        QCOMPARE(m_log,
-                 QStringList({QStringLiteral("raw down"), QStringLiteral("raw down"),
-                              QStringLiteral("raw up"), QStringLiteral("raw up")}));
-        QCOMPARE(chosen, 0);
-        QVERIFY(menu.isVisible());
-
-        m_keyboard->tap(28); // Return alone is the menu's
-        QVERIFY(waitUntil([&] { return chosen == 1; }, 2s));
-        m_hotKeys->setWatchingRawKeys(false);
-    }
-
-    void takesARepeatThatIsReadLateForNoPress()
-    {
-        // Behind a busy moment, repeats are read when the key has long been let go.
-        QStringList told;
-        const std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> connection(
-            xcb_connect(nullptr, nullptr), &xcb_disconnect);
-        X11RawKeyFilter filter(connection.get(), [&](KeyCombo, bool isDown) {
-            told << (isDown ? QStringLiteral("down") : QStringLiteral("up"));
-            return true;
-        });
-        filter.setWatching(true, {});
-        const auto read = [&](quint8 type, xcb_timestamp_t time) {
-            xcb_key_press_event_t event{};
-            event.response_type = type;
-            event.detail = keyC + 8;
-            event.time = time;
-            return filter.nativeEventFilter("xcb_generic_event_t", &event, nullptr);
-        };
-        QVERIFY(read(XCB_KEY_PRESS, 1000));
-        for (const xcb_timestamp_t repeat : {1660, 1700}) {
-            QVERIFY(read(XCB_KEY_RELEASE, repeat));
-            QVERIFY(read(XCB_KEY_PRESS, repeat));
-        }
-        QVERIFY(read(XCB_KEY_RELEASE, 1710));
-        QCOMPARE(told, QStringList({"down", "up"}));
-        QVERIFY(read(XCB_KEY_PRESS, 1711));
-        QCOMPARE(told, QStringList({"down", "up", "down"}));
-    }
-
-    void letsTheHandlerCloseTheMenu()
-    {
-        m_hotKeys->release(1);
-        m_hotKeys->setWatchingRawKeys(true);
-        m_hotKeys->onRawKey = [&](KeyCombo, bool) {
-            m_log << QStringLiteral("raw");
-            m_hotKeys->setWatchingRawKeys(false);
-            return true;
-        };
-        QMenu menu;
-        menu.addAction(QStringLiteral("One"));
-        menu.popup({100, 100});
-        QVERIFY(QTest::qWaitForWindowExposed(&menu));
-        m_keyboard->tap(keyC);
-        QVERIFY(waitForLog(1));
-        QTest::qWait(50);
-        QCOMPARE(m_log.size(), 1);
-    }
-
     void followsAnotherMapOfModifiers()
     {
         QCOMPARE(m_hotKeys->grab(2, {11, 0x800}), 0); // Alt and B
@@ -407,18 +294,6 @@ private Q_SLOTS:
     }
 
 private:
-    void open()
-    {
-        m_hotKeys.reset();
-        m_hotKeys = X11HotKeys::create();
-        QVERIFY(m_hotKeys);
-        m_hotKeys->onPressed = [this](quint32 id) { m_log << QStringLiteral("down %1").arg(id); };
-        m_hotKeys->onReleased = [this](quint32 id) { m_log << QStringLiteral("up %1").arg(id); };
-    }
-    bool waitForLog(int lines)
-    {
-        return waitUntil([&] { return m_log.size() >= lines; }, 2s);
-    }
     /// Nothing holds the keyboard any more.
     void typesAgain(xcb_window_t window)
     {
@@ -428,34 +303,11 @@ private:
         QCOMPARE(m_keyboard->takeKeyPresses(), 1);
         m_keyboard->closeWindow(window);
     }
-    static void run(const char *program, const QList<const char *> &arguments)
-    {
-        QStringList list;
-        for (const char *argument : arguments)
-            list << QString::fromLatin1(argument);
-        QCOMPARE(QProcess::execute(QString::fromLatin1(program), list), 0);
-    }
-    static void setLayout(const char *layout) { run("setxkbmap", {"-layout", layout}); }
-
-    std::unique_ptr<TestKeyboard> m_keyboard;
-    std::unique_ptr<X11HotKeys> m_hotKeys;
-    QStringList m_log;
 };
 
 int main(int argc, char **argv)
 {
-    XServer server;
-    if (XServer::missing().isEmpty()) {
-        if (!server.start())
-            qFatal("%s", qPrintable(server.error()));
-        qputenv("DISPLAY", server.displayName().toLatin1());
-        qputenv("QT_QPA_PLATFORM", "xcb");
-    }
-    // No desktop of the machine's has a say in this test.
-    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
-    QApplication application(argc, argv);
-    TestX11HotKeys test;
-    return QTest::qExec(&test, argc, argv);
+    return runOnXServer<TestX11HotKeys>(argc, argv);
 }
 
 #include "tst_X11HotKeys.moc"

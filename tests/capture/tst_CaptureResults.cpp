@@ -1,0 +1,191 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "capture/ControllerFixture.h"
+#include "fakes/LogCapture.h"
+
+#include <QTest>
+
+using namespace tovek;
+using namespace std::chrono_literals;
+
+namespace {
+
+TextRegion word(const char *text, double y)
+{
+    return {QString::fromLatin1(text), {0.1, y, 0.1, 0.1}};
+}
+
+} // namespace
+
+/// What becomes of a selection: a copy, a file, a text, or word of its failure.
+class TestCaptureResults : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void confirmsACopyBeforeTheWork()
+    {
+        ControllerFixture f;
+        f.screens.mouse = {450, 10};
+        f.controller->startCapture(CaptureMode::normal);
+        // 100 x 50 points at the top left corner of the screen at scale 2.
+        f.overlay().onCopyImage({0, 150, 100, 50});
+        QCOMPARE(
+            f.events.mid(0, 2),
+            (QStringList{"toast Image copied to clipboard [checkmark.circle.fill] on 2, 0 open",
+                         "sound"}));
+        QTRY_COMPARE(f.events.size(), 3);
+        QCOMPARE(f.events.last(), QStringLiteral("preview 200x100 for 20"));
+        QTRY_VERIFY(!f.clipboard.lastPng().isEmpty());
+        const QImage copied = QImage::fromData(f.clipboard.lastPng());
+        QCOMPARE(copied.convertToFormat(QImage::Format_RGB32),
+                 ControllerFixture::numbered({600, 400}).copy(0, 0, 200, 100));
+        QCOMPARE(copied.dotsPerMeterX(), qRound(144 / 0.0254));
+    }
+
+    void copiesAtOnceInCopyImageMode()
+    {
+        ControllerFixture f;
+        f.controller->startCapture(CaptureMode::copyImage);
+        f.overlay().onSelectionComplete({10, 20, 30, 40});
+        QVERIFY(!f.controller->isCapturing());
+        QTRY_VERIFY(!f.clipboard.lastPng().isEmpty());
+        QCOMPARE(QImage::fromData(f.clipboard.lastPng()).size(), QSize(30, 40));
+        QVERIFY(f.recognised.isEmpty());
+    }
+
+    void logsTheSelection()
+    {
+        ControllerFixture f;
+        f.controller->startCapture(CaptureMode::normal);
+        LogCapture log;
+        f.overlay().onSelectionComplete({10, 20, 30, 40});
+        QCOMPARE(log.lines(),
+                 QStringList{"Selection complete: (10, 20, 30, 40) on screen Screen 1"});
+    }
+
+    void savesUnderTheNameOfTheToast()
+    {
+        ControllerFixture f;
+        f.controller->startCapture(CaptureMode::normal);
+        f.overlay().onSaveImage({10, 20, 30, 40});
+        const QString name = QStringLiteral("Tovek 2025-03-07 at 14.05.09.png");
+        QCOMPARE(
+            f.events.first(),
+            QStringLiteral("toast Saved to %1 [checkmark.circle.fill] on 1, 0 open").arg(name));
+        QTRY_COMPARE(f.events.size(), 4);
+        QCOMPARE(f.events.mid(1),
+                 (QStringList{"sound", "preview 30x40 for 20",
+                              QStringLiteral("notification %1 %1").arg(name)}));
+        const QImage saved(f.folder.filePath(name));
+        QCOMPARE(saved.convertToFormat(QImage::Format_RGB32),
+                 ControllerFixture::numbered({400, 300}).copy(10, 240, 30, 40));
+    }
+
+    void tellsOfAFailedSaveAfterTheSuccess()
+    {
+        ControllerFixture f;
+        f.defaults.setString(QStringLiteral("saveFolderPath"),
+                             f.folder.filePath(QStringLiteral("missing")));
+        LogCapture log;
+        f.controller->startCapture(CaptureMode::normal);
+        f.overlay().onSaveImage({10, 20, 30, 40});
+        QTRY_COMPARE(f.events.size(), 3);
+        QCOMPARE(f.events.last(),
+                 QStringLiteral("toast Failed to save image [xmark.circle.fill] on 1, 0 open"));
+        QVERIFY(log.lines().last().startsWith(QStringLiteral("Failed to save image: ")));
+    }
+
+    void failsToCopyASelectionBesideTheScreen()
+    {
+        ControllerFixture f;
+        LogCapture log;
+        f.controller->startCapture(CaptureMode::normal);
+        f.overlay().onCopyImage({500, 20, 30, 40});
+        QTRY_COMPARE(f.events.size(), 3);
+        QCOMPARE(f.events.last(),
+                 QStringLiteral("toast Failed to copy image [xmark.circle.fill] on 1, 0 open"));
+        QCOMPARE(log.lines().last(), QStringLiteral("Failed to crop image"));
+        QVERIFY(f.clipboard.lastPng().isEmpty());
+    }
+
+    void copiesAnAnnotatedImageAsItIs()
+    {
+        ControllerFixture f;
+        f.controller->startCapture(CaptureMode::normal);
+        f.overlay(1).onCopyAnnotatedImage({ControllerFixture::numbered({20, 10}), {20, 10}});
+        QCOMPARE(
+            f.events.first(),
+            QStringLiteral("toast Image copied to clipboard [checkmark.circle.fill] on 1, 0 open"));
+        QTRY_VERIFY(!f.clipboard.lastPng().isEmpty());
+        QCOMPARE(QImage::fromData(f.clipboard.lastPng()).size(), QSize(20, 10));
+    }
+
+    void savesAnAnnotatedImageAsItIs()
+    {
+        ControllerFixture f;
+        f.controller->startCapture(CaptureMode::normal);
+        f.overlay().onSaveAnnotatedImage({ControllerFixture::numbered({20, 10}), {20, 10}});
+        QTRY_COMPARE(f.events.size(), 4);
+        QCOMPARE(
+            QImage(f.folder.filePath(QStringLiteral("Tovek 2025-03-07 at 14.05.09.png"))).size(),
+            QSize(20, 10));
+    }
+
+    void staysOpenWithoutTextInNormalMode()
+    {
+        ControllerFixture f;
+        f.controller->startCapture(CaptureMode::normal);
+        f.overlay().onSelectionComplete({10, 20, 30, 40});
+        QCOMPARE(f.recognised, QList{QSize(30, 40)});
+        f.clock.advance(1s);
+        QVERIFY(f.controller->isCapturing());
+        QVERIFY(f.events.isEmpty());
+    }
+
+    void endsWithoutTextInCopyTextMode()
+    {
+        ControllerFixture f;
+        f.controller->startCapture(CaptureMode::copyText);
+        f.overlay().onSelectionComplete({10, 20, 30, 40});
+        QCOMPARE(f.events, QStringList{"toast No text detected [xmark.circle.fill] on 1, 2 open"});
+        f.clock.advance(49ms);
+        QVERIFY(f.controller->isCapturing());
+        f.clock.advance(1ms);
+        QVERIFY(!f.controller->isCapturing());
+    }
+
+    void copiesAllTextInCopyTextMode()
+    {
+        ControllerFixture f;
+        f.regions = {word("to", 0.8), word("be", 0.79), word("or", 0.5)};
+        f.controller->startCapture(CaptureMode::copyText);
+        f.overlay().onSelectionComplete({10, 20, 30, 40});
+        QCOMPARE(f.clipboard.lastText(), QStringLiteral("to be\nor"));
+        QVERIFY(f.events.isEmpty());
+        f.clock.advance(50ms);
+        QCOMPARE(f.events, QStringList{"toast Text copied to clipboard [doc.text] on 1, 0 open"});
+        QVERIFY(!f.controller->isCapturing());
+    }
+
+    void keepsTheTextForLaterInNormalMode()
+    {
+        ControllerFixture f;
+        f.regions = {word("to", 0.8)};
+        f.controller->startCapture(CaptureMode::normal);
+        f.overlay().onCopyAllText();
+        QCOMPARE(f.events.size(), 1);
+        QVERIFY(f.events.last().startsWith(QStringLiteral("toast No text detected")));
+        QVERIFY(f.controller->isCapturing());
+        f.overlay().onSelectionComplete({10, 20, 30, 40});
+        QVERIFY(f.clipboard.lastText().isEmpty());
+        f.overlay().onCopyAllText();
+        QCOMPARE(f.clipboard.lastText(), QStringLiteral("to"));
+    }
+};
+
+QTEST_MAIN(TestCaptureResults)
+#include "tst_CaptureResults.moc"
