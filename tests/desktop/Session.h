@@ -62,6 +62,14 @@ struct Session
         before = tovek->waitUntilGone() ? tovek->eye().lookWhenStill() : QImage();
         return !before.isNull() && tovek->open(QLatin1String(chord), monitors());
     }
+    /// As `open`, the screen below being as it was at the first time: no wait for the toast to go.
+    [[nodiscard]] bool openAgain()
+    {
+        if (before.isNull())
+            return open();
+        ClipboardReader(desktop.displayName()).clear();
+        return tovek->open(QLatin1String(RunningTovek::captureScreenshot), monitors());
+    }
     /// Drags from one pixel to another, where the selection ends without it.
     void select(QPoint from, QPoint to) { tovek->hand().drag(from, to); }
     [[nodiscard]] bool tap(const char *chord) { return tovek->hand().tap(QLatin1String(chord)); }

@@ -103,7 +103,7 @@ private Q_SLOTS:
             {"to the bottom edge", {600, 611}, {723, bottom}},
         };
         for (const auto &drag : drags) {
-            QVERIFY2(session.open(), drag.name);
+            QVERIFY2(session.openAgain(), drag.name);
             session.select(drag.from, drag.to);
             QVERIFY2(session.tap("Return"), drag.name);
             const QImage image = QImage::fromData(session.pasted());

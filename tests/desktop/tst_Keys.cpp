@@ -65,7 +65,7 @@ private Q_SLOTS:
         Session session;
         QVERIFY2(session.start(), qPrintable(session.error));
         for (const char *key : {"Return", "KP_Enter", "space", "Control_L+c"}) {
-            QVERIFY2(session.open(), key);
+            QVERIFY2(session.openAgain(), key);
             session.select({150, 150}, {301, 277});
             QVERIFY2(session.tap(key), key);
             const QImage image = QImage::fromData(session.pasted());
@@ -104,7 +104,7 @@ private Q_SLOTS:
                     {"left", -1, 0},     {"right", 1, 0},      {"bottomLeft", -1, 1},
                     {"bottom", 0, 1},    {"bottomRight", 1, 1}};
         for (const auto &handle : handles) {
-            QVERIFY2(session.open(), handle.name);
+            QVERIFY2(session.openAgain(), handle.name);
             session.select(start.topLeft(), start.topLeft() + QPoint(300, 210));
             // The zones lie outside the selection; three points out hits each.
             const int out = qRound(3 * scale);

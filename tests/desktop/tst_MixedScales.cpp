@@ -53,14 +53,6 @@ struct MixedSession : Session
                 .arg(thirdScale);
         return tovek->start() || fail(tovek->error());
     }
-    /// As `open`, where the screen below is as it was: no wait for the toast to go.
-    [[nodiscard]] bool openAgain()
-    {
-        if (before.isNull())
-            return open();
-        ClipboardReader(desktop.displayName()).clear();
-        return tovek->open(QLatin1String(RunningTovek::captureScreenshot), monitors());
-    }
     [[nodiscard]] bool openAndSelect(QRect native)
     {
         if (!open())
