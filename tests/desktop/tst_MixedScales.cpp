@@ -75,9 +75,11 @@ int visiblyDifferentPixels(const QImage &one, const QImage &other)
 {
     int count = 0;
     for (int y = 0; y < one.height(); ++y) {
+        const auto *left = reinterpret_cast<const QRgb *>(one.constScanLine(y));
+        const auto *right = reinterpret_cast<const QRgb *>(other.constScanLine(y));
         for (int x = 0; x < one.width(); ++x) {
-            const QRgb a = one.pixel(x, y);
-            const QRgb b = other.pixel(x, y);
+            const QRgb a = left[x];
+            const QRgb b = right[x];
             count += std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)),
                                std::abs(qBlue(a) - qBlue(b))})
                 > 3;
