@@ -1,60 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "X11TestDesktop.h"
+#include "X11OverlayFixture.h"
 #include "fakes/PaintedList.h"
-#include "platform/x11/X11OverlaySurface.h"
-#include "platform/x11/X11ScreenGrabber.h"
-#include "platform/x11/X11Screens.h"
-
-#include <QApplication>
-#include <QBackingStore>
-#include <QPainter>
-#include <QTest>
-#include <QWidget>
-#include <QWindow>
-
-#include <xcb/xtest.h>
 
 using namespace tovek;
 
 namespace {
-
-X11TestDesktop *desktop = nullptr;
-
-/// A full-screen widget as the overlay has one: a child over the whole window.
-class Overlay : public QWidget
-{
-public:
-    Overlay() : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint)
-    {
-        setAttribute(Qt::WA_OpaquePaintEvent);
-        setAttribute(Qt::WA_NoSystemBackground);
-        resize(100, 100);
-        winId();
-    }
-    void open(OverlaySurface &surface)
-    {
-        setAttribute(Qt::WA_UpdatesDisabled);
-        surface.orderFrontRegardless();
-        QCoreApplication::removePostedEvents(this, QEvent::UpdateLater);
-        backingStore()->resize(size());
-        setAttribute(Qt::WA_UpdatesDisabled, false);
-    }
-
-    QRegion painted;
-    int keys = 0;
-
-private:
-    void keyPressEvent(QKeyEvent *) override { ++keys; }
-    void focusInEvent(QFocusEvent *) override { }
-    void focusOutEvent(QFocusEvent *) override { }
-    void paintEvent(QPaintEvent *event) override
-    {
-        painted += event->region();
-        QPainter(this).fillRect(event->rect(), Qt::magenta);
-    }
-};
 
 class Button : public QWidget
 {
@@ -88,7 +40,7 @@ int largestDifference(const QImage &a, const QImage &b)
 
 } // namespace
 
-class TestX11Overlay : public QObject
+class TestX11Overlay : public QObject, protected X11OverlayFixture
 {
     Q_OBJECT
 
@@ -96,14 +48,7 @@ private Q_SLOTS:
     void init()
     {
         QTest::failOnWarning(QRegularExpression(".*"));
-        m_before = desktop->look();
-        m_connection = X11Connection::create();
-        QVERIFY(m_connection);
-        m_monitors = std::make_shared<X11Monitors>(m_connection);
-        m_screens = std::make_unique<X11Screens>(m_connection, m_monitors);
-        m_grabber = std::make_unique<X11ScreenGrabber>(m_connection, m_monitors);
-        m_shell = std::make_unique<X11OverlayShell>(m_connection, m_monitors);
-        m_screen = *m_screens->main();
+        setUp();
     }
 
     void opensWithoutChangingAPixelOrPaintingOne()
@@ -211,83 +156,6 @@ private Q_SLOTS:
         QTRY_VERIFY(largestDifference(desktop->look(m_screen.native), expected) <= limit);
     }
 
-    void takesTheKeysAndLeavesTheFocus()
-    {
-        const xcb_window_t focusBefore = focus();
-        Overlay overlay;
-        const auto surface = m_shell->create(*overlay.windowHandle(), m_screen, freeze());
-        surface->makeKey();
-        QVERIFY(!surface->isKey()); // as soon as it shows
-        overlay.open(*surface);
-        QVERIFY(surface->isKey());
-        QVERIFY(QTest::qWaitForWindowExposed(overlay.windowHandle()));
-        type(evdevA, XCB_KEY_PRESS);
-        QTRY_COMPARE(overlay.keys, 1);
-        QCOMPARE(focus(), focusBefore);
-        // The key that closes the overlay belongs to it until it comes up.
-        surface->orderOut();
-        QVERIFY(!surface->isKey());
-        QTest::qWait(50);
-        QVERIFY(!canGrabKeyboard());
-        type(evdevA, XCB_KEY_RELEASE);
-        QTRY_VERIFY(canGrabKeyboard());
-        QCOMPARE(focus(), focusBefore);
-    }
-
-    void letsGoOfAKeyThatStaysDown()
-    {
-        Overlay overlay;
-        const auto surface = m_shell->create(*overlay.windowHandle(), m_screen, freeze());
-        overlay.open(*surface);
-        surface->makeKey();
-        type(evdevA, XCB_KEY_PRESS);
-        QTRY_COMPARE(overlay.keys, 1);
-        surface->orderOut();
-        QVERIFY(!canGrabKeyboard());
-        QTRY_VERIFY_WITH_TIMEOUT(canGrabKeyboard(), 1000);
-        type(evdevA, XCB_KEY_RELEASE);
-    }
-
-    void asksAForeignGrabToEnd_data()
-    {
-        QTest::addColumn<bool>("obeys");
-        QTest::newRow("a menu that closes on Escape") << true;
-        QTest::newRow("a program that keeps it") << false;
-    }
-    void asksAForeignGrabToEnd()
-    {
-        QFETCH(bool, obeys);
-        QVERIFY(canGrabKeyboard(desktop->window()));
-        Overlay overlay;
-        const auto surface = m_shell->create(*overlay.windowHandle(), m_screen, freeze());
-        int denials = 0;
-        surface->onKeyboardDenied = [&denials] { ++denials; };
-        grabKeyboard(desktop->window());
-        overlay.open(*surface);
-        surface->makeKey();
-        QVERIFY(!surface->isKey());
-        int escapes = 0;
-        const auto listen = [&] {
-            for (xcb_generic_event_t *event; (event = xcb_poll_for_event(desktop->client()));) {
-                if ((event->response_type & 0x7f) == XCB_KEY_PRESS) {
-                    ++escapes;
-                    if (obeys)
-                        xcb_ungrab_keyboard(desktop->client(), XCB_CURRENT_TIME);
-                }
-                std::free(event);
-            }
-            desktop->sync();
-            return surface->isKey() || denials > 0;
-        };
-        QTRY_VERIFY_WITH_TIMEOUT(listen(), 1500);
-        QCOMPARE(surface->isKey(), obeys);
-        QCOMPARE(denials, obeys ? 0 : 1);
-        QCOMPARE(escapes, 1);
-        xcb_ungrab_keyboard(desktop->client(), XCB_CURRENT_TIME);
-        desktop->sync();
-        QCOMPARE(overlay.keys, 0);
-    }
-
     void staysAboveWhatComesLater()
     {
         Overlay overlay;
@@ -334,44 +202,6 @@ private Q_SLOTS:
     }
 
 private:
-    static constexpr uint8_t evdevA = 38;
-
-    xcb_window_t focus() const
-    {
-        const X11Reply<xcb_get_input_focus_reply_t> reply(xcb_get_input_focus_reply(
-            desktop->client(), xcb_get_input_focus(desktop->client()), nullptr));
-        return reply->focus;
-    }
-    void type(uint8_t keycode, uint8_t type) const
-    {
-        xcb_test_fake_input(desktop->client(), type, keycode, XCB_CURRENT_TIME, 0, 0, 0, 0);
-        desktop->sync();
-    }
-    bool grabKeyboard(xcb_window_t window) const
-    {
-        const X11Reply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(
-            desktop->client(),
-            xcb_grab_keyboard(desktop->client(), 0, window, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
-                              XCB_GRAB_MODE_ASYNC),
-            nullptr));
-        return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
-    }
-    /// For another program, that is.
-    bool canGrabKeyboard() const { return canGrabKeyboard(desktop->screen().root); }
-    bool canGrabKeyboard(xcb_window_t window) const
-    {
-        const bool isGrabbed = grabKeyboard(window);
-        xcb_ungrab_keyboard(desktop->client(), XCB_CURRENT_TIME);
-        desktop->sync();
-        return isGrabbed;
-    }
-    std::shared_ptr<FrozenDisplay> freeze()
-    {
-        const auto content = m_grabber->shareableContent();
-        const auto result = m_grabber->capture(*content, content->displays.front(), {}).result();
-        Q_ASSERT(result.frozen);
-        return result.frozen;
-    }
     QRect nativeOf(QRect logical) const
     {
         const double s = m_screen.scale;
@@ -385,29 +215,10 @@ private:
             nullptr));
         return QRect(reply->x, reply->y, reply->width, reply->height);
     }
-
-    QImage m_before;
-    std::shared_ptr<X11Connection> m_connection;
-    std::shared_ptr<X11Monitors> m_monitors;
-    std::unique_ptr<X11Screens> m_screens;
-    std::unique_ptr<X11ScreenGrabber> m_grabber;
-    std::unique_ptr<X11OverlayShell> m_shell;
-    Screen m_screen;
 };
 
 int main(int argc, char **argv)
 {
-    X11TestDesktop server;
-    const int depth = qEnvironmentVariableIntValue("TOVEK_TEST_DEPTH");
-    if (!server.start(QSize(1366, 768), depth ? depth : 24)) {
-        std::puts("SKIP: no Xvfb");
-        return 77;
-    }
-    desktop = &server;
-    qputenv("DISPLAY", server.displayName());
-    qputenv("QT_QPA_PLATFORM", "xcb");
-    QApplication application(argc, argv);
-    TestX11Overlay test;
-    return QTest::qExec(&test, argc, argv);
+    return runOnTestDesktop<TestX11Overlay>(argc, argv);
 }
 #include "tst_X11Overlay.moc"
