@@ -6,6 +6,7 @@
 #include <QProcess>
 
 #include <functional>
+#include <memory>
 
 namespace tovek {
 
@@ -14,6 +15,8 @@ class PackageOpener : public QObject
 {
 public:
     PackageOpener();
+    /// Calls back no more; what has been started goes on.
+    ~PackageOpener() override;
 
     /// Calls back once, whether anything took the file: at once when nothing can, otherwise when it
     /// is certain. One file at a time.
@@ -22,7 +25,7 @@ public:
 private:
     void answer(bool isTaken);
 
-    QProcess m_opener;
+    std::unique_ptr<QProcess> m_opener;
     std::function<void(bool isTaken)> m_done; ///< empty when it has been called
 };
 
