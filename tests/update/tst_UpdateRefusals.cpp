@@ -168,6 +168,29 @@ private Q_SLOTS:
         QVERIFY(nothingHasChanged());
     }
 
+    void hasTheLastWordWhenItWantsNoMore_data()
+    {
+        QTest::addColumn<Milliseconds>("silence");
+        QTest::addColumn<Milliseconds>("whole");
+        QTest::newRow("for some time nothing") << Milliseconds(1000) << Milliseconds(0);
+        QTest::newRow("no time left") << Milliseconds(20000) << Milliseconds(1000);
+    }
+    void hasTheLastWordWhenItWantsNoMore()
+    {
+        QFETCH(Milliseconds, silence);
+        QFETCH(Milliseconds, whole);
+        m_server.answer(QStringLiteral("/feed.xml"), {"no", 200, {}, End::stuck, 1000});
+        Download download(*m_network, {m_server.feedUrl(), largestFeed, silence, whole});
+        int calls = 0;
+        bool isOver = false;
+        download.onData = [&](const QByteArray &) { return ++calls == 0; };
+        download.onDone = [&] { isOver = true; };
+        download.onFailed = [&](Refusal, const QString &) { isOver = true; };
+        QTRY_COMPARE_WITH_TIMEOUT(calls, 1, 20000);
+        QVERIFY(!QTest::qWaitFor([&] { return isOver; }, 2000));
+        QCOMPARE(calls, 1);
+    }
+
     void saysWhatKeepsItFromWriting()
     {
         // Nobody can make a file there, whoever he is.

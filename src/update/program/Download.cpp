@@ -84,7 +84,7 @@ void Download::read()
     if (m_received > m_plan.longest)
         return fail(Refusal::tooLong);
     if (onData && !onData(bytes))
-        m_reply.reset();
+        stop();
 }
 
 std::optional<Refusal> Download::refusal() const
@@ -117,18 +117,21 @@ void Download::finished()
                                                              : m_reply->errorString();
         return fail(*reason, detail);
     }
-    m_reply.reset();
-    m_silence.stop();
-    m_whole.stop();
+    stop();
     if (onDone)
         onDone();
 }
 
-void Download::fail(Refusal refusal, const QString &detail)
+void Download::stop()
 {
     m_reply.reset();
     m_silence.stop();
     m_whole.stop();
+}
+
+void Download::fail(Refusal refusal, const QString &detail)
+{
+    stop();
     if (onFailed)
         onFailed(refusal, detail);
 }

@@ -46,6 +46,7 @@ private:
     static QNetworkRequest requestFor(const Plan &plan);
     void read();
     void finished();
+    void stop();
     std::optional<Refusal> refusal() const;
     void fail(Refusal refusal, const QString &detail = {});
 
