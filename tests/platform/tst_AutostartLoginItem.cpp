@@ -55,6 +55,33 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(path()));
     }
 
+    void startsTheAppImageOnlyOfThisProgram_data()
+    {
+        QTest::addColumn<QString>("mounted");
+        QTest::addColumn<bool>("isOurs");
+        const QString own = QCoreApplication::applicationDirPath();
+        QTest::newRow("no AppImage") << QString() << false;
+        QTest::newRow("its own") << own << true;
+        QTest::newRow("its terminal's") << QDir::tempPath() << false;
+        QTest::newRow("one mounted beside it") << own.chopped(1) << false;
+    }
+    void startsTheAppImageOnlyOfThisProgram()
+    {
+        QFETCH(QString, mounted);
+        QFETCH(bool, isOurs);
+        const QString image = m_dir->filePath(QStringLiteral("Some.AppImage"));
+        QFile file(image);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        if (!mounted.isEmpty()) {
+            qputenv("APPIMAGE", image.toUtf8());
+            qputenv("APPDIR", mounted.toUtf8());
+        }
+        const QString program = AutostartLoginItem::standardProgram();
+        qunsetenv("APPIMAGE");
+        qunsetenv("APPDIR");
+        QCOMPARE(program, isOurs ? image : QCoreApplication::applicationFilePath());
+    }
+
     void escapesTheProgram_data()
     {
         QTest::addColumn<QString>("program");

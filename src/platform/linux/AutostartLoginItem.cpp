@@ -3,10 +3,13 @@
 
 #include "platform/linux/AutostartLoginItem.h"
 
+#include "foundation/AppImage.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileSystemWatcher>
+#include <QProcessEnvironment>
 #include <QSaveFile>
 #include <QStandardPaths>
 
@@ -141,8 +144,8 @@ QString AutostartLoginItem::standardFolder()
 
 QString AutostartLoginItem::standardProgram()
 {
-    const QString appImage = qEnvironmentVariable("APPIMAGE");
-    return appImage.isEmpty() ? QCoreApplication::applicationFilePath() : appImage;
+    const QString program = QCoreApplication::applicationFilePath();
+    return appImageOf(program, QProcessEnvironment::systemEnvironment()).value_or(program);
 }
 
 } // namespace tovek

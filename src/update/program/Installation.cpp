@@ -3,6 +3,8 @@
 
 #include "update/program/Installation.h"
 
+#include "foundation/AppImage.h"
+
 #include <QFileInfo>
 #include <QProcess>
 #include <QStandardPaths>
@@ -12,20 +14,6 @@
 namespace tovek {
 
 namespace {
-
-/// Where the running program is said to be an AppImage, by the program that unpacked it. The
-/// variables may come from another AppImage that started this program, a terminal for instance.
-std::optional<QString> appImage(const QString &program, const QProcessEnvironment &environment)
-{
-    const QString file =
-        QFileInfo(environment.value(QStringLiteral("APPIMAGE"))).canonicalFilePath();
-    const QString mounted =
-        QFileInfo(environment.value(QStringLiteral("APPDIR"))).canonicalFilePath();
-    const QString own = QFileInfo(program).canonicalFilePath();
-    const bool isOurs = !file.isEmpty() && !mounted.isEmpty()
-        && own.startsWith(mounted + QLatin1Char('/')) && QFileInfo(file).isFile();
-    return isOurs ? std::optional(file) : std::nullopt;
-}
 
 bool isOfDebianPackage(const QString &program)
 {
@@ -44,7 +32,7 @@ std::optional<Installation> findInstallation(const QString &program,
                                              const QProcessEnvironment &environment)
 {
     // Beside the file that it replaces: a file is renamed at one instant only within a file system.
-    if (const auto file = appImage(program, environment))
+    if (const auto file = appImageOf(program, environment))
         return Installation{PackageKind::appImage, *file, QFileInfo(*file).path()};
     if (!isOfDebianPackage(program))
         return std::nullopt;
