@@ -46,6 +46,9 @@ AppDelegate::AppDelegate(Platform &platform, UserDefaults &defaults, AppState &s
         m_services.toast->frozenPixels = [this](QRect native) {
             return m_overlayController.frozenPixels(native);
         };
+    m_updaterManager.updaterController().updater().onFailed = [this](const QString &text) {
+        tellFailure(text);
+    };
 }
 
 AppDelegate::~AppDelegate() = default;
@@ -186,9 +189,17 @@ void AppDelegate::openSettings(SettingsTab tab)
 void AppDelegate::checkForUpdates()
 {
     const QString reason = m_updaterManager.unavailableReason();
-    if (!reason.isEmpty())
+    if (!reason.isEmpty()) {
         logLine(reason);
+        tellFailure(reason);
+    }
     m_updaterManager.checkForUpdates();
+}
+
+void AppDelegate::tellFailure(const QString &message)
+{
+    if (m_services.toast)
+        m_services.toast->show(message, QStringLiteral("xmark.circle.fill"));
 }
 
 } // namespace tovek

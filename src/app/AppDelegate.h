@@ -47,6 +47,7 @@ private:
     void restSoon();
     void openSettings(SettingsTab tab);
     void checkForUpdates();
+    void tellFailure(const QString &message);
 
     Platform &m_platform;
     AppState &m_state;

@@ -107,15 +107,20 @@ void Updater::check(Reason reason)
 {
     m_schedule.reset();
     m_defaults.setString(lastCheckKey, m_clock.now().toUTC().toString(Qt::ISODate));
+    m_reason = reason;
     m_process = std::make_unique<QProcess>();
     m_process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     connect(m_process.get(), &QProcess::readyReadStandardOutput, this, &Updater::readOutput);
-    connect(m_process.get(), &QProcess::finished, this, &Updater::ended);
+    connect(m_process.get(), &QProcess::finished, this,
+            [this](int code, QProcess::ExitStatus status) {
+                if (status != QProcess::NormalExit)
+                    ended(m_process->errorString());
+                else
+                    ended(code == 0 ? QString() : QStringLiteral("Exit status %1").arg(code));
+            });
     connect(m_process.get(), &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
-        if (error != QProcess::FailedToStart)
-            return;
-        logLine(QStringLiteral("Failed to check for updates: %1").arg(m_process->errorString()));
-        ended();
+        if (error == QProcess::FailedToStart)
+            ended(m_process->errorString());
     });
     QStringList arguments{QStringLiteral("--installed-version"), m_configuration.installedVersion};
     if (reason == Reason::scheduled)
@@ -135,7 +140,7 @@ void Updater::readOutput()
     }
 }
 
-void Updater::ended()
+void Updater::ended(const QString &failure)
 {
     if (!m_process)
         return;
@@ -143,6 +148,11 @@ void Updater::ended()
     // This may be its own signal.
     m_process->disconnect(this);
     m_process.release()->deleteLater();
+    const QString text = QStringLiteral("Failed to check for updates: ") + failure;
+    if (!failure.isEmpty())
+        logLine(text);
+    if (!failure.isEmpty() && m_reason == Reason::requested && onFailed)
+        onFailed(text);
     Q_EMIT canCheckForUpdatesChanged();
     schedule();
     const QString program = std::exchange(m_newProgram, QString());

@@ -46,6 +46,11 @@ public:
     /// Does nothing while a check is under way; before the start, the check follows then.
     void checkForUpdates();
 
+    /// True from the start of a check to its end, windows included.
+    bool isChecking() const { return m_process != nullptr; }
+
+    /// A check that somebody asked for came to no result, and no window has said so.
+    std::function<void(const QString &text)> onFailed;
     /// A new version is in place, and the check is over: the program shall quit, and then this one
     /// be started.
     std::function<void(const QString &program)> onRelaunch;
@@ -59,13 +64,15 @@ private:
     void schedule();
     void check(Reason reason);
     void readOutput();
-    void ended();
+    /// Empty: without a failure.
+    void ended(const QString &failure);
 
     UpdateConfiguration m_configuration;
     UserDefaults &m_defaults;
     Clock &m_clock;
     std::unique_ptr<QObject> m_schedule; ///< context of the next scheduled check
     std::unique_ptr<QProcess> m_process; ///< present only while a check is under way
+    Reason m_reason = Reason::requested; ///< of that check
     QString m_newProgram; ///< empty until a check has installed it
     bool m_isStarted = false;
     bool m_isAsked = false; ///< for a check, before the start

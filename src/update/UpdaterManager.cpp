@@ -47,7 +47,10 @@ QString UpdaterManager::checkObstacle() const
 {
     if (!unavailableReason().isEmpty())
         return unavailableReason();
-    return m_canCheckForUpdates ? QString() : tr("Tovek is looking for a new version already");
+    // Before the updater has started, the request is kept until then.
+    return m_updaterController.updater().isChecking()
+        ? tr("Tovek is looking for a new version already")
+        : QString();
 }
 
 void UpdaterManager::refreshCanCheck()

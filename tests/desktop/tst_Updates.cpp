@@ -217,6 +217,30 @@ private Q_SLOTS:
         QVERIFY(!waitUntil([&] { return m_server.connections() > connections; }, 4s));
     }
 
+    void saysThatThisBuildCannotCheck()
+    {
+        m_launched->path = qEnvironmentVariable("TOVEK_PROGRAM");
+        QVERIFY(start());
+        QVERIFY(check());
+        QVERIFY(showsToast("This build of Tovek does not update itself: it was made without an "
+                           "update address"));
+    }
+
+    void saysThatACheckHasCrashed()
+    {
+        QVERIFY(start());
+        QVERIFY(isOffered());
+        const qint64 parent = m_launched->program->pid();
+        const QByteArray children =
+            content(QStringLiteral("/proc/%1/task/%1/children").arg(parent)).trimmed();
+        const pid_t process = pid_t(children.toInt());
+        QVERIFY(process > 0);
+        QCOMPARE(kill(process, SIGKILL), 0);
+        QVERIFY(showsToast("Failed to check for updates: Process crashed"));
+        // The next one finds nothing in its way.
+        QVERIFY(isOffered());
+    }
+
     void offersByItselfWithoutTakingTheKeyboard()
     {
         QVERIFY(write(m_launched->desktop->configFolder() + "/tovek/updates.json",
@@ -250,6 +274,11 @@ private:
     {
         static_cast<void>(waitUntil([&] { return !m_launched->program->isRunning(); }, patience));
         return m_launched->program->waitForExit(1ms);
+    }
+    bool showsToast(const char *message) const
+    {
+        return waitUntil([&] { return windowsTitled(*m_launched->eye, message).size() == 1; },
+                         patience);
     }
     /// Asks for a check, and waits for the offer.
     bool isOffered() { return check() && m_launched->isInFront(offerTitle); }

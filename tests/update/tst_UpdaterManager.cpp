@@ -132,6 +132,7 @@ private Q_SLOTS:
 
     void saysWhyItCannotCheck()
     {
+        QCOMPARE(m_manager->checkObstacle(), QString());
         m_clock->advance(1s);
         QCOMPARE(m_manager->checkObstacle(), QString());
         m_manager->checkForUpdates();
@@ -167,15 +168,44 @@ private Q_SLOTS:
         QTRY_COMPARE(runs().size(), 2);
     }
 
-    void saysThatItCannotRunTheCheck()
+    void saysThatACheckFailed_data()
     {
-        restart({QStringLiteral("/nowhere/at/all"), QStringLiteral("1.0")});
-        m_clock->advance(1s);
+        QTest::addColumn<QByteArray>("check"); // empty: there is none
+        QTest::addColumn<bool>("isRequested");
+        QTest::addColumn<bool>("isLogged");
+        QTest::newRow("not there") << QByteArray() << true << true;
+        QTest::newRow("not there, by itself") << QByteArray() << false << true;
+        QTest::newRow("crashed") << QByteArray("kill -9 $$") << true << true;
+        QTest::newRow("crashed, by itself") << QByteArray("kill -9 $$") << false << true;
+        QTest::newRow("in trouble") << QByteArray("exit 1") << true << true;
+        QTest::newRow("in trouble, by itself") << QByteArray("exit 1") << false << true;
+        QTest::newRow("as it should") << QByteArray("exit 0") << true << false;
+    }
+    void saysThatACheckFailed()
+    {
+        QFETCH(QByteArray, check);
+        QFETCH(bool, isRequested);
+        QFETCH(bool, isLogged);
+        if (check.isEmpty())
+            QVERIFY(QFile::remove(program()));
+        else
+            writeProgram("#!/bin/sh\n" + check + '\n');
+        QStringList told;
+        m_manager->updaterController().updater().onFailed = [&](const QString &text) {
+            told.append(text);
+        };
         LogCapture log;
-        m_manager->checkForUpdates();
+        m_manager->setAutomaticallyChecksForUpdates(!isRequested);
+        m_clock->advance(1s);
+        if (isRequested)
+            m_manager->checkForUpdates();
+        else
+            m_clock->advance(0ms);
         QTRY_VERIFY(m_manager->canCheckForUpdates());
-        QCOMPARE(log.lines().size(), 1);
-        QVERIFY(log.lines().first().startsWith(QStringLiteral("Failed to check for updates: ")));
+        QCOMPARE(log.lines().size(), isLogged ? 1 : 0);
+        QCOMPARE(told, isRequested ? log.lines() : QStringList());
+        for (const QString &line : told)
+            QVERIFY(line.startsWith(QStringLiteral("Failed to check for updates: ")));
     }
 
     void doesNothingInABuildWithoutUpdates()
