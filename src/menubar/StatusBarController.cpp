@@ -185,9 +185,9 @@ void StatusBarController::setVisible(bool isVisible)
 
 void StatusBarController::showPreview(const Image &image, std::chrono::milliseconds duration)
 {
-    m_revertTimer.reset();
     if (image.isEmpty())
         return;
+    m_revertTimer.reset();
     m_currentPreviewImage = image;
     m_isInPreviewMode = true;
     m_png = {};

@@ -296,6 +296,19 @@ private Q_SLOTS:
         QVERIFY(!s.controller.isInPreviewMode());
     }
 
+    void endsInTimeAlthoughTheNextPictureIsEmpty()
+    {
+        Setup s;
+        s.start();
+        s.preview();
+        s.clock.advance(15s);
+        s.controller.showPreview({}, 20s);
+        QVERIFY((s.tray.picture.size == Size{72, 18}));
+        s.clock.advance(5s);
+        QVERIFY(!s.controller.isInPreviewMode());
+        QVERIFY(s.showsIcon());
+    }
+
     void opensTheMenuOnReleaseInPreviewMode()
     {
         Setup s;
