@@ -47,13 +47,19 @@ SettingsTabs::SettingsTabs(Platform &platform, UserDefaults &defaults,
     , m_defaults(defaults)
     , m_updaterManager(updaterManager)
 {
-    const auto addItem = [this](const QString &title, const QKeySequence &keys) {
+    const auto addItem = [this](const QString &title, const QKeySequence &keys,
+                                std::function<void()> SettingsTabs::*chosen) {
         auto *item = new QAction(title, &m_menuItems);
         item->setShortcut(keys);
+        QObject::connect(item, &QAction::triggered, &m_menuItems, [this, chosen] {
+            if (this->*chosen)
+                (this->*chosen)();
+        });
         m_mainMenu.append(item);
     };
-    addItem(QStringLiteral("Preferences..."), QKeySequence(Qt::CTRL | Qt::Key_Comma));
-    addItem(QStringLiteral("Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q));
+    addItem(QStringLiteral("Preferences..."), QKeySequence(Qt::CTRL | Qt::Key_Comma),
+            &SettingsTabs::openPreferences);
+    addItem(QStringLiteral("Quit"), QKeySequence(Qt::CTRL | Qt::Key_Q), &SettingsTabs::quit);
 }
 
 QWidget *SettingsTabs::make(SettingsTab tab, QWidget *parent)

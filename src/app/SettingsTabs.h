@@ -28,7 +28,11 @@ public:
     QWidget *make(SettingsTab tab, QWidget *parent);
     QIcon icon(SettingsTab tab, const QWidget &window) const;
 
+    /// The menu's items that answer to keys of their own, for the window to obey. They stay ours.
+    const QList<QAction *> &mainMenu() const { return m_mainMenu; }
+
     std::function<void(bool isVisible)> setStatusItemVisible;
+    std::function<void()> openPreferences, quit;
 
 private:
     QWidget *makeGeneral(QWidget *parent);
@@ -37,8 +41,7 @@ private:
     Platform &m_platform;
     UserDefaults &m_defaults;
     UpdaterManager &m_updaterManager;
-    /// The menu's items that answer to keys of their own; the menu itself exists only while it
-    /// is open.
+    /// In their place while the menu itself, which exists only when it is open, does not.
     QObject m_menuItems;
     QList<QAction *> m_mainMenu;
 };

@@ -40,6 +40,10 @@ TovekApp::TovekApp(Platform &platform, UserDefaults &defaults, UpdateConfigurati
     m_settingsTabs.setStatusItemVisible = [this](bool isVisible) {
         m_appDelegate.setStatusItemVisible(isVisible);
     };
+    m_settingsTabs.openPreferences = [this] {
+        m_appDelegate.performAction(QStringLiteral("preferences"));
+    };
+    m_settingsTabs.quit = [] { QCoreApplication::quit(); };
     connect(&m_appState, &AppState::shouldOpenSettingsChanged, this, [this](bool should) {
         if (should)
             openSettings();
@@ -62,6 +66,7 @@ void TovekApp::openSettings()
              [this](SettingsTab tab, const QWidget &window) {
                  return m_settingsTabs.icon(tab, window);
              }});
+        m_settingsWindow->addActions(m_settingsTabs.mainMenu());
         connect(m_settingsWindow, &SettingsWindow::willClose, this, [this] {
             m_platform.frontmostApp->setActivationPolicy(ActivationPolicy::accessory);
         });

@@ -109,6 +109,18 @@ private Q_SLOTS:
         QCOMPARE(l.program->waitForExit(), std::optional(0));
     }
 
+    void obeyTheKeysOfTheMenu()
+    {
+        Launched l;
+        QVERIFY(l.start());
+        QVERIFY(l.activateAction("about"));
+        QVERIFY(l.isInFront("About"));
+        QVERIFY(l.hand->tap("Control_L+comma"));
+        QVERIFY(l.isInFront("General"));
+        QVERIFY(l.hand->tap("Control_L+q"));
+        QCOMPARE(l.program->waitForExit(), std::optional(0));
+    }
+
     void setABrokenStoreAside()
     {
         Launched l;
