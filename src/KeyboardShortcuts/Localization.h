@@ -7,9 +7,8 @@
 
 namespace KeyboardShortcuts {
 
-/// The module's own texts by key, in the language of the default locale; English where the
-/// language is unknown. A key that is not in the table reads as itself. "%1" in a text stands for
-/// its argument.
+/// The module's own texts by key, in English, as all of the program speaks. A key that is not in
+/// the table reads as itself. "%1" in a text stands for its argument.
 QString localized(const QString &key);
 
 } // namespace KeyboardShortcuts

@@ -106,30 +106,27 @@ private Q_SLOTS:
         QVERIFY(!specialKey(52));
     }
 
-    void speaksTheLanguageOfTheUser()
+    void speaksOneLanguageWithTheRestOfTheProgram()
     {
-        QCOMPARE(text(SpecialKey::space), QStringLiteral("Space"));
-        QLocale::setDefault(QLocale(QLocale::German));
-        QCOMPARE(text(SpecialKey::space), QStringLiteral("Leertaste"));
-        QCOMPARE(text(SpecialKey::f1), QStringLiteral("F1"));
-        QLocale::setDefault(QLocale(QLocale::Japanese));
-        QCOMPARE(text(SpecialKey::space), QStringLiteral("Space"));
+        for (const QLocale::Language language : {QLocale::English, QLocale::German}) {
+            QLocale::setDefault(QLocale(language));
+            QCOMPARE(text(SpecialKey::space), QStringLiteral("Space"));
+            QCOMPARE(localized(QStringLiteral("record_shortcut")),
+                     QStringLiteral("Record Shortcut"));
+        }
         QCOMPARE(localized(QStringLiteral("no_such_key")), QStringLiteral("no_such_key"));
     }
 
     void hasATextForEveryKeyOfTheRecorder()
     {
-        for (const QLocale::Language language : {QLocale::English, QLocale::German}) {
-            QLocale::setDefault(QLocale(language));
-            for (const char *key :
-                 {"record_shortcut", "press_shortcut", "keyboard_shortcut_used_by_menu_item",
-                  "keyboard_shortcut_disallowed", "keyboard_shortcut_used_by_system",
-                  "keyboard_shortcuts_can_be_changed", "ok", "force_use_shortcut"}) {
-                const QString name = QString::fromLatin1(key);
-                QVERIFY2(localized(name) != name, key);
-                QCOMPARE(localized(name).contains(QStringLiteral("%1")),
-                         name == QStringLiteral("keyboard_shortcut_used_by_menu_item"));
-            }
+        for (const char *key :
+             {"record_shortcut", "press_shortcut", "keyboard_shortcut_used_by_menu_item",
+              "keyboard_shortcut_disallowed", "keyboard_shortcut_used_by_system",
+              "keyboard_shortcuts_can_be_changed", "ok", "force_use_shortcut"}) {
+            const QString name = QString::fromLatin1(key);
+            QVERIFY2(localized(name) != name, key);
+            QCOMPARE(localized(name).contains(QStringLiteral("%1")),
+                     name == QStringLiteral("keyboard_shortcut_used_by_menu_item"));
         }
     }
 
