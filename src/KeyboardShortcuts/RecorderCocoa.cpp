@@ -9,6 +9,7 @@
 #include "KeyboardShortcuts/LocalEventMonitor.h"
 #include "KeyboardShortcuts/Localization.h"
 #include "KeyboardShortcuts/MenuItems.h"
+#include "KeyboardShortcuts/ShortcutDescription.h"
 #include "KeyboardShortcuts/ShortcutService.h"
 #include "platform/SystemShortcuts.h"
 
@@ -164,14 +165,20 @@ void RecorderCocoa::mouseDoubleClickEvent(QMouseEvent *event)
 
 void RecorderCocoa::refreshText()
 {
-    const auto shortcut = m_service.shortcut(m_shortcutName);
-    showText(shortcut ? m_service.description(*shortcut) : QString());
+    showShortcut(m_service.shortcut(m_shortcutName));
 }
 
-void RecorderCocoa::showText(const QString &text)
+void RecorderCocoa::showShortcut(const std::optional<Shortcut> &shortcut)
 {
+    const QString text = shortcut ? m_service.description(*shortcut) : QString();
     setText(text);
     deselect();
+    // The same keys as menus write them, for whom the symbols say little.
+    const QString words = shortcut
+        ? keySequence(*shortcut, m_service.layout()).toString(QKeySequence::NativeText)
+        : QString();
+    setToolTip(words);
+    setAccessibleDescription(words);
     m_cancelButton->setVisible(!text.isEmpty());
     // On both sides, so that the text stays in the middle.
     const int room = text.isEmpty() ? 0 : buttonSide + buttonInset;
@@ -180,7 +187,7 @@ void RecorderCocoa::showText(const QString &text)
 
 void RecorderCocoa::clearShortcut()
 {
-    showText({});
+    showShortcut(std::nullopt);
     m_service.setShortcut(m_shortcutName, std::nullopt);
 }
 
@@ -330,7 +337,7 @@ bool RecorderCocoa::carryOut(const RecorderDecision &decision)
 
 void RecorderCocoa::store(const Shortcut &shortcut)
 {
-    showText(m_service.description(shortcut));
+    showShortcut(shortcut);
     m_service.setShortcut(m_shortcutName, shortcut);
     if (onChange)
         onChange(shortcut);

@@ -78,7 +78,7 @@ protected:
 
 private:
     void refreshText();
-    void showText(const QString &text);
+    void showShortcut(const std::optional<Shortcut> &shortcut);
     void clearShortcut();
     void startRecording();
     void endRecording();

@@ -123,6 +123,20 @@ private Q_SLOTS:
         QCOMPARE(m_beeps, 0);
     }
 
+    void tellsItsKeysInTheWordsOfMenus()
+    {
+        QCOMPARE(m_recorder->toolTip(), QString());
+        m_service->setShortcut(m_name, Shortcut{0, 0x300});
+        QCOMPARE(m_recorder->toolTip(), QStringLiteral("Meta+Shift+A"));
+        QCOMPARE(m_recorder->accessibleDescription(), m_recorder->toolTip());
+        m_recorder->setFocus();
+        press(Qt::Key_A, scanA, Qt::ControlModifier);
+        QCOMPARE(m_recorder->toolTip(), QStringLiteral("Ctrl+A"));
+        QTest::mouseClick(m_recorder->cancelButton(), Qt::LeftButton);
+        QCOMPARE(m_recorder->toolTip(), QString());
+        QCOMPARE(m_recorder->accessibleDescription(), QString());
+    }
+
     void showsPrintScreenAsF13()
     {
         m_recorder->setFocus();
