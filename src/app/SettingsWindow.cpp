@@ -13,6 +13,7 @@ namespace tovek {
 
 SettingsWindow::SettingsWindow(AppState &state, const Content &content)
     : m_state(state)
+    , m_content(content)
     , m_tabs(new QTabWidget(this))
 {
     setObjectName(QStringLiteral("settings"));
@@ -32,6 +33,15 @@ SettingsWindow::SettingsWindow(AppState &state, const Content &content)
     });
     connect(&m_state, &AppState::selectedSettingsTabChanged, this, &SettingsWindow::showTab);
     showTab(m_state.selectedSettingsTab());
+}
+
+void SettingsWindow::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::PaletteChange)
+        return;
+    for (int tab = 0; tab < m_tabs->count(); ++tab)
+        m_tabs->setTabIcon(tab, m_content.icon(SettingsTab(tab), *this));
 }
 
 void SettingsWindow::closeEvent(QCloseEvent *event)

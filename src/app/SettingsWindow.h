@@ -35,6 +35,7 @@ Q_SIGNALS:
     void willClose();
 
 protected:
+    void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
@@ -42,6 +43,7 @@ private:
     void showTab(SettingsTab tab);
 
     AppState &m_state;
+    Content m_content;
     QTabWidget *m_tabs;
 };
 

@@ -55,6 +55,26 @@ private Q_SLOTS:
         QCOMPARE(window.windowTitle(), QStringLiteral("About"));
     }
 
+    void colorsItsSymbolsAsTheDesktopDoes()
+    {
+        AppState state;
+        SettingsWindow::Content content = emptyTabs();
+        content.icon = [](SettingsTab, const QWidget &window) {
+            QPixmap pixmap(16, 16);
+            pixmap.fill(window.palette().color(QPalette::WindowText));
+            return QIcon(pixmap);
+        };
+        SettingsWindow window(state, content);
+        const auto *tabs = window.findChild<QTabWidget *>();
+        for (const QColor color : {QColor(Qt::white), QColor(Qt::black)}) {
+            QPalette palette;
+            palette.setColor(QPalette::WindowText, color);
+            window.setPalette(palette);
+            for (int tab = 0; tab < 3; ++tab)
+                QCOMPARE(tabs->tabIcon(tab).pixmap(16).toImage().pixelColor(8, 8), color);
+        }
+    }
+
     void closesOnEscape()
     {
         AppState state;
