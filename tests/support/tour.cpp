@@ -1,9 +1,9 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-// One whole capture on a virtual desktop, as a person makes it: tour PROGRAM FOLDER. What the
-// person sees and gets lies in the folder afterwards. Ends with 1 at the first step that did not
-// happen.
+// A copy, a file, a drawing and a text on a virtual desktop, as a person makes them: tour PROGRAM
+// FOLDER. What the person sees and gets lies in the folder afterwards. Ends with 1 at the first
+// step that did not happen.
 
 #include "support/ClipboardReader.h"
 #include "support/RunningTovek.h"
@@ -188,7 +188,7 @@ int main(int argc, char **argv)
         return 1;
     }
     // What an earlier tour left must not pass for this one's.
-    for (const char *name : {"overlay.png", "clipboard.png", "saved.png"})
+    for (const char *name : {"overlay.png", "clipboard.png", "saved.png", "drawn.png"})
         QFile::remove(QDir(arguments[2]).filePath(QLatin1String(name)));
     Tour tour(arguments[1], arguments[2]);
     const bool isWhole = tour.run();
