@@ -18,7 +18,8 @@ public:
     FormRow(const QString &symbol, const QString &label, QWidget *parent);
 
     /// Adds a control on the right, after those before it. The first one takes the row's label as
-    /// its accessible name, and a click on the label acts on it.
+    /// its accessible name and the note as its description; if it can be checked, a click anywhere
+    /// on the row is one on it.
     void addControl(QWidget *control);
     /// Empty: no note.
     void setNote(const QString &note);
