@@ -17,6 +17,8 @@ desktop_packages=(
     dbus dbus-bin dbus-x11 libglib2.0-bin desktop-file-utils openbox openssl picom pulseaudio
     pulseaudio-utils thunar trayer x11-xkb-utils x11-xserver-utils xauth xclip xvfb
 )
+# For bench/run, which installs nothing: a notification server is not for everybody's desktop.
+bench_packages=(dunst)
 # For continuous integration alone.
 ci_packages=(clang clang-format clang-tidy git)
 

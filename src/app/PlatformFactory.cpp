@@ -38,9 +38,9 @@ namespace tovek {
 
 namespace {
 
-bool isForced(const char *name)
+bool isWithoutDesktop()
 {
-    return qEnvironmentVariable("TOVEK_PLATFORM") == QLatin1String(name);
+    return qEnvironmentVariable("TOVEK_PLATFORM") == QLatin1String("null");
 }
 
 #ifdef TOVEK_WITH_X11
@@ -136,7 +136,7 @@ EarlyPlatform makeEarlyPlatform()
 
 void openKeyboard(EarlyPlatform &early)
 {
-    if (!isForced("null") && openX11Keyboard(early))
+    if (!isWithoutDesktop() && openX11Keyboard(early))
         return;
     early.hotKeys = std::make_unique<NullHotKeys>();
     early.keyboardLayout = std::make_unique<NullKeyboardLayout>();
@@ -155,9 +155,9 @@ Platform makePlatform(EarlyPlatform &early)
     platform.notifications = std::make_unique<DBusNotifications>();
     platform.fileRevealer = std::make_unique<DBusFileRevealer>();
     platform.textRecognizer = std::make_unique<TesseractRecognizer>();
-    if (!isForced("null") && addX11Desktop(platform))
+    if (!isWithoutDesktop() && addX11Desktop(platform))
         return platform;
-    if (!isForced("null"))
+    if (!isWithoutDesktop())
         logLine(QStringLiteral("No X server to work with: shortcuts, screens and the clipboard "
                                "cannot be used"));
     addNullDesktop(platform);

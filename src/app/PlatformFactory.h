@@ -23,9 +23,9 @@ struct EarlyPlatform
     std::unique_ptr<KeyboardLayout> keyboardLayout;
 };
 
-/// Every member but the keyboard, for which see `openKeyboard`. TOVEK_PLATFORM=x11 or null forces
-/// a choice of platform, here and in `makePlatform`.
+/// Every member but the keyboard, for which see `openKeyboard`.
 EarlyPlatform makeEarlyPlatform();
+/// TOVEK_PLATFORM=null in the environment does without the X server, here and in `makePlatform`.
 void openKeyboard(EarlyPlatform &early);
 
 /// The services of the session that the application runs in, chosen once. Needs a
