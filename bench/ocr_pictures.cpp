@@ -6,107 +6,14 @@
 //
 // ocr_pictures FOLDER
 
-#include <QDir>
-#include <QFile>
-#include <QFontInfo>
-#include <QGuiApplication>
-#include <QImage>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QPainter>
+#include "OcrSheet.h"
 
-#include <cstdio>
+#include <QDir>
+#include <QGuiApplication>
+
 #include <functional>
 
 namespace {
-
-struct Theme
-{
-    QColor paper, panel, ink, faint, accent, onAccent;
-};
-
-// clang-format off
-const Theme light{0xffffff, 0xf1f1f4, 0x22252a, 0x6a707a, 0x2f6fde, 0xffffff};
-const Theme dark {0x1f2126, 0x2b2e35, 0xe3e5e9, 0x9aa1ad, 0x3c6fd1, 0xf4f6fa};
-// clang-format on
-
-/// A picture being drawn, in units of its scale, and the words on it.
-class Sheet
-{
-public:
-    Sheet(QSize size, int scale, const Theme &theme, const QString &family)
-        : m_image(size * scale, QImage::Format_RGB32)
-        , m_scale(scale)
-        , m_theme(theme)
-        , m_family(family)
-    {
-        m_image.fill(theme.paper);
-        m_painter.begin(&m_image);
-        m_painter.scale(scale, scale);
-        m_painter.setRenderHint(QPainter::Antialiasing);
-        if (!QFontInfo(font(12)).family().startsWith(family))
-            std::fprintf(stderr, "The font %s is not installed.\n", qPrintable(family));
-    }
-
-    const Theme &theme() const { return m_theme; }
-    void fill(const QRectF &rect, QColor color, double radius = 0)
-    {
-        m_painter.setPen(Qt::NoPen);
-        m_painter.setBrush(color);
-        m_painter.drawRoundedRect(rect, radius, radius);
-    }
-    /// Where the line ends.
-    double text(QPointF baseline, const QString &line, int pixels, QColor color,
-                int weight = QFont::Normal)
-    {
-        const QFont used = font(pixels, weight);
-        const QFontMetricsF metrics(used, &m_image);
-        m_painter.setFont(used);
-        m_painter.setPen(color);
-        m_painter.drawText(baseline, line);
-        qsizetype from = 0;
-        for (const QString &word : line.split(' ')) {
-            const double left = baseline.x() + metrics.horizontalAdvance(line.left(from));
-            const QRectF cell(left, baseline.y() - metrics.ascent(),
-                              metrics.horizontalAdvance(word), metrics.height());
-            const QRectF ink = metrics.tightBoundingRect(word).translated(left, baseline.y());
-            if (!word.isEmpty())
-                m_words.append(
-                    QJsonObject{{"text", word}, {"box", pixelsOf(ink)}, {"cell", pixelsOf(cell)}});
-            from += word.size() + 1;
-        }
-        return baseline.x() + metrics.horizontalAdvance(line);
-    }
-    [[nodiscard]] bool save(const QString &path)
-    {
-        m_painter.end();
-        QFile file(path + ".json");
-        return m_image.save(path + ".png") && file.open(QIODevice::WriteOnly)
-            && file.write(QJsonDocument(QJsonObject{{"words", m_words}}).toJson()) > 0;
-    }
-
-private:
-    QFont font(int pixels, int weight = QFont::Normal) const
-    {
-        QFont font(m_family);
-        font.setPixelSize(pixels);
-        font.setWeight(QFont::Weight(weight));
-        return font;
-    }
-    QJsonArray pixelsOf(const QRectF &rect) const
-    {
-        return {rect.x() * m_scale, rect.y() * m_scale, rect.width() * m_scale,
-                rect.height() * m_scale};
-    }
-
-    QImage m_image;
-    QPainter m_painter;
-    int m_scale;
-    Theme m_theme;
-    QString m_family;
-    QJsonArray m_words;
-};
 
 void drawSettings(Sheet &sheet)
 {
@@ -298,6 +205,17 @@ int main(int argc, char **argv)
         {"code-dark",       {560, 320}, 1, dark,  "Nimbus Mono PS",    drawCode},
         {"code-light-2",    {560, 320}, 2, light, "Liberation Mono",   drawCode},
         {"article-light",   {700, 280}, 1, light, "P052",              drawArticle},
+        {"terminal-dark",   {760, 400}, 1, dark,  "Liberation Mono",   drawTerminal},
+        {"terminal-light",  {760, 400}, 1, light, "DejaVu Sans Mono",  drawTerminal},
+        {"source-light",    {620, 360}, 1, light, "DejaVu Sans Mono",  drawSource},
+        {"source-dark",     {620, 360}, 1, dark,  "Noto Sans Mono",    drawSource},
+        {"source-dark-2",   {620, 360}, 2, dark,  "Nimbus Mono PS",    drawSource},
+        {"chips-light",     {640, 200}, 1, light, "Noto Sans",         drawChips},
+        {"chips-dark",      {640, 200}, 1, dark,  "Liberation Sans",   drawChips},
+        {"toolbar-light",   {700, 330}, 1, light, "Nimbus Sans",       drawToolbar},
+        {"toolbar-dark-2",  {700, 330}, 2, dark,  "DejaVu Sans",       drawToolbar},
+        {"numbers-light",   {640, 250}, 1, light, "Noto Sans",         drawNumbers},
+        {"numbers-dark",    {640, 250}, 1, dark,  "Liberation Sans Narrow", drawNumbers},
     };
     // clang-format on
     for (const Plan &plan : plans) {

@@ -60,8 +60,10 @@ bool beginsWord(const std::vector<InkSymbol> &symbols, std::size_t i, double cap
     if (i + 1 >= symbols.size())
         return false;
     const QRect &dash = symbols[i].unit;
-    const bool isAtStart = i == 0 || dash.left() - symbols[i - 1].unit.right() > cap * 0.3;
-    return isAtStart && symbols[i + 1].unit.left() - dash.right() - 1 < cap * 0.25;
+    const double after = symbols[i + 1].unit.left() - dash.right() - 1;
+    const bool isAtStart =
+        i == 0 || dash.left() - symbols[i - 1].unit.right() - 1 > std::max(cap * 0.25, after * 1.3);
+    return isAtStart && after < cap * 0.4;
 }
 
 /// What one run's dashes are compared with.
@@ -94,6 +96,26 @@ void split(std::vector<InkSymbol> &symbols, std::size_t i)
     second.shared = 2;
     symbols[i].box = sliceOf(second.unit, 0, 2);
     symbols[i].shared = 2;
+    symbols.insert(symbols.begin() + std::ptrdiff_t(i) + 1, std::move(second));
+}
+
+/// What is read as an em dash and runs into the word that it begins: no such dash begins a word.
+bool isPairInWord(const std::vector<InkSymbol> &symbols, std::size_t i)
+{
+    return symbols[i].text == QStringLiteral("\u2014") && symbols[i].shared > 1
+        && (i == 0 || symbols[i].startsWord) && i + 1 < symbols.size()
+        && symbols[i + 1].unit == symbols[i].unit && symbols[i + 1].text.at(0).isLetterOrNumber();
+}
+
+/// The characters of the unit keep their common ink.
+void splitInWord(std::vector<InkSymbol> &symbols, std::size_t i)
+{
+    symbols[i].text = QStringLiteral("-");
+    InkSymbol second = symbols[i];
+    second.startsWord = false;
+    second.glyph.clear();
+    second.box.setLeft(symbols[i].box.center().x() + 1);
+    symbols[i].box.setRight(symbols[i].box.center().x());
     symbols.insert(symbols.begin() + std::ptrdiff_t(i) + 1, std::move(second));
 }
 
@@ -133,6 +155,11 @@ void countHyphens(std::vector<std::vector<InkSymbol>> &readings,
         const double cap = metrics[run].capHeight;
         const Measure measure{cap, usualWidth(cap), pitches[run] ? pitches[run]->width : 0};
         for (std::size_t i = 0; i < symbols.size(); ++i) {
+            if (isPairInWord(symbols, i)) {
+                splitInWord(symbols, i);
+                ++i;
+                continue;
+            }
             const int count = hyphensAt(symbols, i);
             if (count == 0)
                 continue;

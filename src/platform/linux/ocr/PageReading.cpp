@@ -66,7 +66,7 @@ Page pageOf(const QImage &image)
     page.ink = inkMapOf(image);
     for (TextRun &run : textRuns(inkPatches(page.ink, faintestInk)))
         add(page, std::move(run));
-    settleMetrics(page.metrics);
+    settleMetrics(page.runs, page.metrics);
     page.widestFirst.resize(page.runs.size());
     std::iota(page.widestFirst.begin(), page.widestFirst.end(), std::size_t(0));
     std::sort(page.widestFirst.begin(), page.widestFirst.end(), [&](std::size_t a, std::size_t b) {
@@ -97,7 +97,7 @@ std::vector<std::vector<ReadWord>> linesOf(const Page &page,
         settleLookAlikes(readings[i], page.metrics[i]);
         std::vector<ReadWord> words = readWords(readings[i]);
         dropPictures(words, page.metrics[i]);
-        if (words.empty() || isPictureRun(page.runs[i], words, cap))
+        if (words.empty() || isPictureRun(page.runs[i], words, page.metrics[i], cap))
             continue;
         makeLineHigh(words, page.metrics[i], page.ink.size);
         lines.push_back(std::move(words));

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "platform/linux/ocr/RunReading.h"
+#include "platform/linux/ocr/ReadWords.h"
 
 class QImage;
 

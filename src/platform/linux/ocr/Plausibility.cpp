@@ -16,6 +16,7 @@ constexpr double leastConfidence = 25;
 
 /// In pixels; no letter can be read that is lower.
 constexpr int leastHeight = 6;
+constexpr int leastMark = 3;
 
 /// Higher and lower than the line's letters, and about as wide as high.
 bool isIcon(const ReadWord &word, const LetterMetrics &metrics)
@@ -39,6 +40,16 @@ bool floats(const ReadWord &word, const LetterMetrics &metrics)
         || word.box.width() > cap * 1.5;
 }
 
+/// An asterisk by itself, and its like; specks are read as dots, dashes and commas.
+bool isMarkOnLine(const QRect &box, const std::vector<ReadWord> &words,
+                  const LetterMetrics &metrics)
+{
+    static const QString marks = QStringLiteral("*\"^~+=");
+    return metrics.isCertain && metrics.capHeight >= leastHeight
+        && std::min(box.width(), box.height()) >= leastMark && words.size() == 1
+        && marks.contains(words.front().text);
+}
+
 } // namespace
 
 void dropPictures(std::vector<ReadWord> &words, const LetterMetrics &metrics)
@@ -50,11 +61,12 @@ void dropPictures(std::vector<ReadWord> &words, const LetterMetrics &metrics)
     });
 }
 
-bool isPictureRun(const TextRun &run, const std::vector<ReadWord> &words, double usualCap)
+bool isPictureRun(const TextRun &run, const std::vector<ReadWord> &words,
+                  const LetterMetrics &metrics, double usualCap)
 {
     const QRect &box = run.box;
     const bool isDash = box.height() <= 3 && box.width() >= 4;
-    if (box.height() < leastHeight && !isDash)
+    if (box.height() < leastHeight && !isDash && !isMarkOnLine(box, words, metrics))
         return true;
     if (run.patches.size() == 1 && box.height() > box.width() * 6 && box.width() <= 3)
         return true;

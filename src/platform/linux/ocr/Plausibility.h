@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "platform/linux/ocr/RunReading.h"
+#include "platform/linux/ocr/ReadWords.h"
 
 namespace tovek {
 
@@ -15,6 +15,7 @@ void dropPictures(std::vector<ReadWord> &words, const LetterMetrics &metrics);
 /// True for a run that stands alone and is no text: a speck such as a frame's corner, a thin
 /// upright line, or a few characters read into something much higher than the picture's other
 /// letters. `usualCap` is the cap height of most of the picture's text, 0 when it has none.
-bool isPictureRun(const TextRun &run, const std::vector<ReadWord> &words, double usualCap);
+bool isPictureRun(const TextRun &run, const std::vector<ReadWord> &words,
+                  const LetterMetrics &metrics, double usualCap);
 
 } // namespace tovek

@@ -38,10 +38,6 @@ constexpr double gapWeight = 0.5;
 constexpr double wordGap = 0.25;
 constexpr double widestGap = 0.7;
 
-/// What a line takes above and below its baseline, in cap heights.
-constexpr double lineAscent = 1.2;
-constexpr double lineDescent = 0.35;
-
 /// How wide the ink of a character usually is, in cap heights.
 double usualWidth(const QString &character)
 {
@@ -73,7 +69,8 @@ Mark markOf(const QRect &box, const LetterMetrics &metrics, bool isReadAsDash = 
     const double width = box.width() / cap;
     const double above = (metrics.baseline - box.bottom() - 1) / cap;
     const bool isThin = height <= 0.24 || (isReadAsDash && box.height() <= 2);
-    const bool isFlat = isThin && box.width() >= box.height() * 1.4 && width >= 0.22;
+    const bool isFlat =
+        isThin && box.width() >= box.height() * 1.4 && width >= (isReadAsDash ? 0.15 : 0.22);
     if (isFlat && above >= 0.14 && above <= 0.6 && width <= 1.2)
         return Mark::dash;
     if (isFlat && above <= 0.02 && width >= 0.4)
@@ -355,37 +352,6 @@ std::vector<InkSymbol> alignedSymbols(const std::vector<EngineSymbol> &symbols,
         j += step.segments;
     }
     return result;
-}
-
-std::vector<ReadWord> readWords(const std::vector<InkSymbol> &symbols)
-{
-    std::vector<ReadWord> words;
-    int count = 0;
-    for (const InkSymbol &symbol : symbols) {
-        if (words.empty() || symbol.startsWord) {
-            words.emplace_back();
-            count = 0;
-        }
-        ReadWord &word = words.back();
-        word.text += symbol.text;
-        word.box |= symbol.box;
-        word.confidence = (word.confidence * count + symbol.confidence) / (count + 1);
-        ++count;
-    }
-    std::erase_if(words, [](const ReadWord &word) { return word.box.isEmpty(); });
-    return words;
-}
-
-void makeLineHigh(std::vector<ReadWord> &words, const LetterMetrics &metrics, const QSize &picture)
-{
-    QRect line(0, int(std::lround(metrics.baseline - metrics.capHeight * lineAscent)), 1, 1);
-    line.setBottom(int(std::lround(metrics.baseline + metrics.capHeight * lineDescent)) - 1);
-    for (const ReadWord &word : words)
-        line |= word.box;
-    for (ReadWord &word : words) {
-        word.box.setTop(std::max(0, line.top()));
-        word.box.setBottom(std::min(picture.height() - 1, line.bottom()));
-    }
 }
 
 } // namespace tovek

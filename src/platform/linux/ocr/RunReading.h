@@ -20,15 +20,6 @@ struct InkSymbol
     std::vector<std::uint8_t> glyph{}; ///< of the unit, row by row; only at its first character
 };
 
-struct ReadWord
-{
-    QString text;
-    QRect box;
-    double confidence = 0; ///< the mean of its characters
-
-    bool operator==(const ReadWord &) const = default;
-};
-
 /// Gives each character the segments that it names: touching letters share one, a character may
 /// take several. Ink that was passed over is named where its shape is plain (dots, dashes,
 /// underscores), and those are counted as the ink has them; other ink that was passed over stands
@@ -39,12 +30,5 @@ std::vector<InkSymbol> alignedSymbols(const std::vector<EngineSymbol> &symbols,
 
 /// One of the parts of equal width that a box is divided into.
 QRect sliceOf(const QRect &box, int part, int parts);
-
-/// The words of a run, in order.
-std::vector<ReadWord> readWords(const std::vector<InkSymbol> &symbols);
-
-/// Gives the words of one line one top and one bottom, so that they are found on one line again
-/// whatever ascenders and descenders they have.
-void makeLineHigh(std::vector<ReadWord> &words, const LetterMetrics &metrics, const QSize &picture);
 
 } // namespace tovek

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <map>
 
 namespace tovek {
@@ -17,6 +18,8 @@ using Patches = std::vector<InkPatch>;
 constexpr int tallestLetter = 110;
 /// In letter heights: a wider gap separates columns. A blank between words is about half as wide.
 constexpr double columnGap = 1.7;
+/// A run of so few patches shows too little of its line.
+constexpr std::size_t mostMarks = 4;
 /// Small letters are about this much lower than capitals.
 constexpr double capToXHeight = 1.37;
 
@@ -200,6 +203,46 @@ int weightiest(const std::map<int, double> &weights)
     return value;
 }
 
+/// Marks stand off the baseline or are no letter's height; what has a letter's place and another
+/// height is text in another size.
+bool canStandOn(const TextRun &run, const LetterMetrics &line)
+{
+    const double cap = line.capHeight;
+    const double slack = 0.6 + cap * 0.1;
+    const auto isLetterHigh = [&](double height) {
+        return height >= cap - slack || std::abs(height - line.xHeight) <= slack;
+    };
+    if (line.baseline - run.box.top() > cap * 1.3 + 1
+        || run.box.bottom() + 1 - line.baseline > cap * 0.4 + 1)
+        return false;
+    return std::all_of(run.patches.begin(), run.patches.end(), [&](const InkPatch &patch) {
+        const double bottom = patch.box.bottom() + 1 - line.baseline;
+        const bool isSmall = patch.box.height() < cap * 0.4;
+        return isSmall || std::abs(bottom) > 1 + cap * 0.05 || isLetterHigh(patch.box.height());
+    });
+}
+
+/// The metrics of the nearest run beside this one whose line it stands on.
+const LetterMetrics *lineBeside(std::size_t at, const std::vector<TextRun> &runs,
+                                const std::vector<LetterMetrics> &metrics)
+{
+    const LetterMetrics *found = nullptr;
+    int nearest = std::numeric_limits<int>::max();
+    const QRect &box = runs[at].box;
+    for (std::size_t i = 0; i < runs.size(); ++i) {
+        const QRect &other = runs[i].box;
+        if (i == at || !metrics[i].isCertain || other.top() > box.bottom()
+            || other.bottom() < box.top())
+            continue;
+        const int distance = std::max({0, other.left() - box.right(), box.left() - other.right()});
+        if (distance < nearest && canStandOn(runs[at], metrics[i])) {
+            nearest = distance;
+            found = &metrics[i];
+        }
+    }
+    return found;
+}
+
 } // namespace
 
 std::vector<TextRun> textRuns(const std::vector<InkPatch> &patches)
@@ -268,12 +311,19 @@ LetterMetrics letterMetrics(const TextRun &run)
     return metrics;
 }
 
-void settleMetrics(std::vector<LetterMetrics> &metrics)
+void settleMetrics(const std::vector<TextRun> &runs, std::vector<LetterMetrics> &metrics)
 {
     const std::vector<LetterMetrics> seen = metrics;
-    for (LetterMetrics &one : metrics) {
+    for (std::size_t i = 0; i < metrics.size(); ++i) {
+        LetterMetrics &one = metrics[i];
         if (one.isCertain)
             continue;
+        if (runs[i].patches.size() <= mostMarks) {
+            if (const LetterMetrics *line = lineBeside(i, runs, seen)) {
+                one = *line;
+                continue;
+            }
+        }
         int asCapitals = 0;
         int asSmall = 0;
         for (const LetterMetrics &other : seen) {

@@ -33,7 +33,8 @@ struct LetterMetrics
 LetterMetrics letterMetrics(const TextRun &run);
 
 /// Settles the runs with letters of one height only after the other runs of the picture: the same
-/// font usually stands elsewhere in it.
-void settleMetrics(std::vector<LetterMetrics> &metrics);
+/// font usually stands elsewhere in it, and a few marks by themselves ("*/", "||") stand on the
+/// line of the run beside them. One entry a run in both.
+void settleMetrics(const std::vector<TextRun> &runs, std::vector<LetterMetrics> &metrics);
 
 } // namespace tovek

@@ -73,6 +73,25 @@ private Q_SLOTS:
         QTEST(textOf(readings[1]), "expected");
     }
 
+    void takesAnEmDashInTheInkOfAWordForTwoHyphens_data()
+    {
+        QTest::addColumn<bool>("isAtStart");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("at its start") << true << "--a";
+        QTest::newRow("in it") << false << "\u2014a";
+    }
+    void takesAnEmDashInTheInkOfAWordForTwoHyphens()
+    {
+        QFETCH(bool, isAtStart);
+        QFETCH(QString, expected);
+        const QRect ink(20, 3, 14, 7);
+        std::vector<std::vector<InkSymbol>> readings{
+            {{"x", QRect(0, 3, 6, 7), 90, true, 1, QRect(0, 3, 6, 7), {}},
+             {QStringLiteral("\u2014"), QRect(20, 3, 7, 7), 90, isAtStart, 2, ink, {}},
+             {"a", QRect(27, 3, 7, 7), 90, false, 2, ink, {}}}};
+        countHyphens(readings, {metrics});
+        QCOMPARE(textOf(readings[0]), "x" + expected);
+    }
     void comparesWithTheSameFontOnly()
     {
         std::vector<std::vector<InkSymbol>> readings{line("a-b", 4), line("a - b", 8)};

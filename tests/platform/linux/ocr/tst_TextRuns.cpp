@@ -102,10 +102,33 @@ private Q_SLOTS:
     {
         std::vector<LetterMetrics> metrics{
             {10, 14, 10, true}, {30, 14, 10, true}, {50, 10, 7.3, false}, {70, 14, 10.2, false}};
-        settleMetrics(metrics);
+        settleMetrics(std::vector<TextRun>(4), metrics);
         QCOMPARE(metrics[2].xHeight, 10.0);
         QVERIFY(metrics[2].capHeight > 13);
         QCOMPARE(metrics[3].capHeight, 14.0);
+    }
+    void putsMarksOnTheLineBesideThem_data()
+    {
+        QTest::addColumn<QRect>("box");
+        QTest::addColumn<bool>("isOnLine");
+        QTest::newRow("asterisk") << QRect(300, 20, 5, 5) << true;
+        QTest::newRow("hyphen") << QRect(300, 25, 4, 1) << true;
+        QTest::newRow("slash") << QRect(300, 19, 6, 13) << true;
+        QTest::newRow("capital") << QRect(300, 20, 8, 10) << true;
+        QTest::newRow("digit of a smaller text") << QRect(300, 25, 4, 5) << false;
+        QTest::newRow("capital of a larger text") << QRect(300, 12, 12, 18) << false;
+        QTest::newRow("mark on the line below") << QRect(300, 34, 5, 5) << false;
+    }
+    void putsMarksOnTheLineBesideThem()
+    {
+        QFETCH(QRect, box);
+        QFETCH(bool, isOnLine);
+        const std::vector<TextRun> runs{{QRect(0, 20, 200, 13), word(0, 20, 9)},
+                                        {box, {{box, box.width() * box.height(), 255}}}};
+        const LetterMetrics line{30, 10, 7, true};
+        std::vector<LetterMetrics> metrics{line, letterMetrics(runs[1])};
+        settleMetrics(runs, metrics);
+        QCOMPARE(metrics[1] == line, isOnLine);
     }
 };
 
