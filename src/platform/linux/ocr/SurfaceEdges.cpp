@@ -21,8 +21,9 @@ constexpr int mixTolerance = 8;
 constexpr double leastShare = 0.15;
 /// A piece of a frame has one surface on one side and another on the other.
 constexpr double leastShareOfFrame = 0.3;
+/// In pixels. A large letter may have a surface in it too, but has thicker strokes.
 constexpr int thickestFrame = 3;
-/// No surface fits into a patch smaller than this, as one does into a large letter.
+/// No surface fits into a patch smaller than this.
 constexpr int leastAround = 48;
 
 using Channels = std::array<int, 3>;
@@ -45,6 +46,7 @@ struct Surroundings
 {
     std::array<Contact, 4> contacts;
     QRect box;
+    int pixels = 0;
     int neighbours = 0;
     int rules = 0;
     Channels darkest{255, 255, 255};
@@ -53,6 +55,7 @@ struct Surroundings
     void add(QPoint at, QRgb color)
     {
         box |= QRect(at, QSize(1, 1));
+        ++pixels;
         const Channels channels = channelsOf(color);
         for (std::size_t i = 0; i < channels.size(); ++i) {
             darkest[i] = std::min(darkest[i], channels[i]);
@@ -72,6 +75,7 @@ struct Surroundings
     void merge(const Surroundings &other)
     {
         box |= other.box;
+        pixels += other.pixels;
         rules += other.rules;
         for (const Contact &contact : other.contacts) {
             if (contact.area != none)
@@ -96,7 +100,7 @@ struct Surroundings
         if (second.count < std::max(1.0, neighbours * leastShare))
             return false;
         const bool isBetween = std::max(box.width(), box.height()) < leastAround
-            || std::min(box.width(), box.height()) <= thickestFrame;
+            || pixels * 2 <= neighbours * thickestFrame;
         if (isBetween && second.count >= neighbours * leastShareOfFrame)
             return true;
         return rules > 0 || isMixtureOf(first.color, second.color);

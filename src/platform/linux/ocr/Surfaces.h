@@ -13,7 +13,8 @@ namespace tovek {
 enum class Surface : std::uint8_t { other, background, rule };
 
 /// A picture divided into flat areas: backgrounds and rules are told from the rest, which may be
-/// ink.
+/// ink. A background is wider than any stroke, or a plate: a small flat area such as a badge or a
+/// button that has something written in its middle.
 class Surfaces
 {
 public:
@@ -30,6 +31,7 @@ public:
 private:
     std::uint32_t label();
     void measure(std::uint32_t areas);
+    bool isPlate(std::uint32_t number, QRgb color, const QRect &box) const;
 
     const QImage &m_image;
     std::vector<std::uint32_t> m_areaNumbers;

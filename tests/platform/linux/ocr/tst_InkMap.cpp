@@ -102,6 +102,67 @@ private Q_SLOTS:
         QCOMPARE(patches.front().box, QRect(60, 30, 2, 9));
     }
 
+    void seesTheWritingOnSmallPlates_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<double>("radius");
+        QTest::addColumn<QColor>("fill");
+        QTest::addColumn<QColor>("frame");
+        const QColor blue(47, 111, 222);
+        QTest::newRow("button") << QSize(40, 24) << 4.0 << blue << QColor(Qt::transparent);
+        QTest::newRow("pill") << QSize(44, 24) << 12.0 << blue << QColor(Qt::transparent);
+        QTest::newRow("round badge") << QSize(22, 22) << 11.0 << blue << QColor(Qt::transparent);
+        QTest::newRow("outlined") << QSize(40, 24) << 6.0 << QColor(Qt::white)
+                                  << QColor(90, 96, 110);
+        QTest::newRow("outlined and long")
+            << QSize(60, 24) << 6.0 << QColor(Qt::white) << QColor(90, 96, 110);
+    }
+    void seesTheWritingOnSmallPlates()
+    {
+        QFETCH(QSize, size);
+        QFETCH(double, radius);
+        QFETCH(QColor, fill);
+        QFETCH(QColor, frame);
+        QImage image(160, 60, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(frame == QColor(Qt::transparent) ? QPen(Qt::NoPen) : QPen(frame));
+        painter.setBrush(fill);
+        painter.drawRoundedRect(QRectF(QPointF(50.5, 15.5), size), radius, radius);
+        // An H in the middle, in white on the coloured plates.
+        const QRect letter(50 + size.width() / 2 - 3, 15 + size.height() / 2 - 4, 7, 9);
+        const QColor ink = fill == QColor(Qt::white) ? Qt::black : Qt::white;
+        painter.fillRect(letter.left(), letter.top(), 2, 9, ink);
+        painter.fillRect(letter.left() + 5, letter.top(), 2, 9, ink);
+        painter.fillRect(letter.left(), letter.top() + 4, 7, 1, ink);
+        painter.end();
+        const auto patches = inkPatches(inkMapOf(image), faintestInk);
+        QCOMPARE(patches.size(), std::size_t(1));
+        QCOMPARE(patches.front().box, letter);
+    }
+
+    void takesNoLetterForAPlate_data()
+    {
+        QTest::addColumn<int>("stroke");
+        for (int stroke : {3, 6, 9})
+            QTest::addRow("O with a stroke of %d", stroke) << stroke;
+    }
+    void takesNoLetterForAPlate()
+    {
+        QFETCH(int, stroke);
+        QImage image(120, 60, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(Qt::black, stroke));
+        painter.drawEllipse(QRectF(30, 14, 26, 30));
+        painter.end();
+        const auto patches = inkPatches(inkMapOf(image), faintestInk);
+        QCOMPARE(patches.size(), std::size_t(1));
+        QVERIFY(patches.front().box.width() >= 26 + stroke - 1);
+    }
+
     void keepsLettersOnUnderlines()
     {
         QImage image(200, 40, QImage::Format_RGB32);
