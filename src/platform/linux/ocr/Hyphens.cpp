@@ -3,6 +3,7 @@
 
 #include "platform/linux/ocr/Hyphens.h"
 
+#include "platform/linux/ocr/InkSegments.h"
 #include "platform/linux/ocr/WordBreaks.h"
 
 #include <algorithm>
@@ -171,6 +172,29 @@ void countHyphens(std::vector<std::vector<InkSymbol>> &readings,
             if (symbols[i].shared == 2)
                 ++i;
         }
+    }
+}
+
+void nameTildes(std::vector<InkSymbol> &symbols, const InkMap &ink, const TextRun &run,
+                const LetterMetrics &metrics)
+{
+    static const QString dashes = QStringLiteral("-~_=\u2014\u2013");
+    for (std::size_t i = 0; i < symbols.size(); ++i) {
+        const QRect unit = symbols[i].unit;
+        std::size_t end = i;
+        while (end < symbols.size() && symbols[end].unit == unit && !symbols[end].text.isEmpty()
+               && dashes.contains(symbols[end].text))
+            ++end;
+        const bool isWhole = end > i && (end == symbols.size() || symbols[end].unit != unit);
+        const bool isFlat = unit.width() >= unit.height() * 3 / 2
+            && unit.bottom() + 1 < metrics.baseline - metrics.capHeight * 0.1;
+        if (!isWhole || !isFlat || !isWave(ink, unit.translated(-run.box.topLeft())))
+            continue;
+        symbols.erase(symbols.begin() + std::ptrdiff_t(i) + 1,
+                      symbols.begin() + std::ptrdiff_t(end));
+        symbols[i].text = QStringLiteral("~");
+        symbols[i].box = unit;
+        symbols[i].shared = 1;
     }
 }
 

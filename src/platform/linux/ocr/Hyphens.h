@@ -13,4 +13,8 @@ namespace tovek {
 void countHyphens(std::vector<std::vector<InkSymbol>> &readings,
                   const std::vector<LetterMetrics> &metrics);
 
+/// What is read as dashes, but is a wave in the ink, is one tilde. `ink` as from evenInk.
+void nameTildes(std::vector<InkSymbol> &symbols, const InkMap &ink, const TextRun &run,
+                const LetterMetrics &metrics);
+
 } // namespace tovek

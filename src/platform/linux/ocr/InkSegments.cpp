@@ -9,9 +9,30 @@ namespace tovek {
 
 namespace {
 
+/// In pixels and in box heights: level dashes differ by the soft edge of a neighbour at most.
+constexpr double leastWave = 0.3;
+constexpr double leastWaveShare = 0.1;
+constexpr int narrowestWave = 5;
+
+/// How far down the ink of some columns lies on average, from the box's top.
+double centerOfInk(const InkMap &ink, const QRect &box)
+{
+    double sum = 0;
+    double weighted = 0;
+    for (int y = box.top(); y <= box.bottom(); ++y) {
+        for (int x = box.left(); x <= box.right(); ++x) {
+            sum += ink.at(x, y);
+            weighted += double(ink.at(x, y)) * (y - box.top());
+        }
+    }
+    return sum > 0 ? weighted / sum : 0;
+}
+
 /// Dashes that stand so close that their soft edges meet: cut where the ink thins out.
 std::vector<QRect> separateDashes(const InkMap &ink, const QRect &box)
 {
+    if (isWave(ink, box))
+        return {box};
     std::vector<int> columns;
     for (int x = box.left(); x <= box.right(); ++x) {
         int strongest = 0;
@@ -35,6 +56,17 @@ std::vector<QRect> separateDashes(const InkMap &ink, const QRect &box)
 }
 
 } // namespace
+
+bool isWave(const InkMap &ink, const QRect &box)
+{
+    QRect left = box;
+    left.setWidth(box.width() / 2);
+    QRect right = box;
+    right.setLeft(box.right() + 1 - left.width());
+    return box.height() >= 2 && box.width() >= narrowestWave
+        && centerOfInk(ink, right) - centerOfInk(ink, left)
+        > std::max(leastWave, box.height() * leastWaveShare);
+}
 
 std::vector<QRect> inkSegments(const InkMap &ink, const TextRun &run)
 {

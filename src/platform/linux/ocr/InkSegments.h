@@ -14,4 +14,8 @@ inline constexpr int strokeInk = 100;
 /// from evenInk. Soft edges do not count, so that letters which only their edges join are apart.
 std::vector<QRect> inkSegments(const InkMap &ink, const TextRun &run);
 
+/// True for the ink of a tilde, which rises on its left and falls on its right where dashes lie
+/// level. `box` in the map's own pixels.
+bool isWave(const InkMap &ink, const QRect &box);
+
 } // namespace tovek

@@ -80,6 +80,7 @@ std::vector<InkSymbol> symbolsOf(const Page &page, std::size_t run, const InkMap
 {
     std::vector<InkSymbol> symbols =
         alignedSymbols(read, strip, inkSegments(ink, page.runs[run]), page.metrics[run]);
+    nameTildes(symbols, ink, page.runs[run], page.metrics[run]);
     takeGlyphs(symbols, ink, page.runs[run]);
     return symbols;
 }

@@ -92,6 +92,50 @@ private Q_SLOTS:
         countHyphens(readings, {metrics});
         QCOMPARE(textOf(readings[0]), "x" + expected);
     }
+    void namesATildeByItsWave_data()
+    {
+        QTest::addColumn<QStringList>("rows");
+        QTest::addColumn<QString>("read");
+        QTest::addColumn<QString>("expected");
+        const QStringList tilde{" ###    ", "##  ## #", "     ###"};
+        QTest::newRow("read as two hyphens") << tilde << "--"
+                                             << "~";
+        QTest::newRow("read as both") << tilde << "-~"
+                                      << "~";
+        QTest::newRow("read as itself") << tilde << "~"
+                                        << "~";
+        QTest::newRow("read as a letter") << tilde << "w"
+                                          << "w";
+        QTest::newRow("level dash") << QStringList{"########", "########"} << "-"
+                                    << "-";
+        QTest::newRow("soft edge of a neighbour") << QStringList{"########", "       #"} << "-"
+                                                  << "-";
+        QTest::newRow("too small") << QStringList{"##  ", "  ##"} << "-"
+                                   << "-";
+    }
+    void namesATildeByItsWave()
+    {
+        QFETCH(QStringList, rows);
+        QFETCH(QString, read);
+        QFETCH(QString, expected);
+        const QRect unit(40, 4, int(rows.front().size()), int(rows.size()));
+        InkMap ink{unit.size(), {}};
+        for (const QString &row : rows) {
+            for (QChar c : row)
+                ink.contrast.push_back(c == '#' ? 255 : 0);
+        }
+        std::vector<InkSymbol> symbols;
+        for (int i = 0; i < int(read.size()); ++i)
+            symbols.push_back({read.mid(i, 1),
+                               sliceOf(unit, i, int(read.size())),
+                               90,
+                               i == 0,
+                               int(read.size()),
+                               unit,
+                               {}});
+        nameTildes(symbols, ink, {unit, {}}, metrics);
+        QCOMPARE(textOf(symbols), expected);
+    }
     void comparesWithTheSameFontOnly()
     {
         std::vector<std::vector<InkSymbol>> readings{line("a-b", 4), line("a - b", 8)};
