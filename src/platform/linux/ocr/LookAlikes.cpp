@@ -17,6 +17,11 @@ constexpr double widestBar = 0.24;
 /// In cap heights: how far an edge may lie off the line that it should be on.
 constexpr double edgeTolerance = 0.12;
 
+/// Of the letter's width: where the stem of an l with a foot is, right of any L's.
+constexpr double leftmostStem = 0.4;
+/// Of the ring's ink: what the mark in a zero has at least.
+constexpr double leastMarkOfZero = 0.5;
+
 /// A word as indices into the symbols.
 struct Span
 {
@@ -93,6 +98,59 @@ void settleBar(InkSymbol &symbol, const LetterMetrics &metrics)
     const double height = heightOnLine(symbol, metrics);
     if (height > metrics.capHeight * (1 - edgeTolerance)
         && height < metrics.capHeight * (1 + edgeTolerance) + 1)
+        symbol.text = QStringLiteral("l");
+}
+
+/// The mean ink of a part of the unit, given in shares of its width and height.
+double inkIn(const InkSymbol &symbol, double left, double top, double right, double bottom)
+{
+    const int width = symbol.unit.width();
+    const int height = symbol.unit.height();
+    double sum = 0;
+    int count = 0;
+    for (int y = int(top * height); y < std::max(int(top * height) + 1, int(bottom * height));
+         ++y) {
+        for (int x = int(left * width); x < std::max(int(left * width) + 1, int(right * width));
+             ++x, ++count)
+            sum += symbol.glyph[std::size_t(y) * width + x];
+    }
+    return sum / count;
+}
+
+/// Fonts for code mark the zero with a dot or a stroke in its middle, where no letter has ink that
+/// the engine takes it for.
+void settleZero(InkSymbol &symbol, const LetterMetrics &metrics)
+{
+    static const QString taken = QStringLiteral("OoDQ");
+    if (symbol.text.size() != 1 || symbol.shared != 1 || !taken.contains(symbol.text)
+        || symbol.glyph.empty() || symbol.unit.width() < 4 || symbol.unit.height() < 7
+        || heightOnLine(symbol, metrics) < metrics.capHeight * (1 - edgeTolerance))
+        return;
+    const double middle = inkIn(symbol, 0.4, 0.4, 0.6, 0.6);
+    const double ring = std::max(inkIn(symbol, 0.4, 0, 0.6, 0.15), inkIn(symbol, 0, 0.4, 0.2, 0.6));
+    const double above = inkIn(symbol, 0.4, 0.2, 0.6, 0.35);
+    if (middle > ring * leastMarkOfZero && middle > strokeInk && above < middle * 0.8)
+        symbol.text = QStringLiteral("0");
+}
+
+/// An l with a foot, as fonts for code have it, has its stem in the middle; an L has it on the
+/// left.
+void settleFoot(InkSymbol &symbol)
+{
+    if (symbol.text != QLatin1String("L") || symbol.shared != 1 || symbol.glyph.empty()
+        || symbol.unit.width() < 3)
+        return;
+    const int width = symbol.unit.width();
+    double sum = 0;
+    double weighted = 0;
+    for (int y = symbol.unit.height() * 3 / 10; y < symbol.unit.height() * 7 / 10; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const int ink = symbol.glyph[std::size_t(y) * width + x];
+            sum += ink;
+            weighted += ink * (x + 0.5);
+        }
+    }
+    if (weighted > sum * width * leftmostStem)
         symbol.text = QStringLiteral("l");
 }
 
@@ -188,6 +246,8 @@ void settleLookAlikes(std::vector<InkSymbol> &symbols, const LetterMetrics &metr
 {
     for (InkSymbol &symbol : symbols) {
         settleBar(symbol, metrics);
+        settleZero(symbol, metrics);
+        settleFoot(symbol);
         if (symbol.text == QLatin1String("l") && symbol.shared == 1
             && symbol.unit.width() <= metrics.capHeight * widestBar && hasEmptyRow(symbol))
             symbol.text = QStringLiteral("i");

@@ -120,6 +120,51 @@ private Q_SLOTS:
         QTEST(textOf(symbols), "expected");
     }
 
+    void tellsByTheInkInTheMiddle_data()
+    {
+        QTest::addColumn<QStringList>("rows");
+        QTest::addColumn<QString>("read");
+        QTest::addColumn<QString>("expected");
+        const QStringList dotted{" #### ", "##  ##", "#    #", "#    #", "# ## #",
+                                 "# ## #", "#    #", "#    #", "##  ##", " #### "};
+        const QStringList open{" #### ", "##  ##", "#    #", "#    #", "#    #",
+                               "#    #", "#    #", "#    #", "##  ##", " #### "};
+        const QStringList footed{"####  ", "  ##  ", "  ##  ", "  ##  ", "  ##  ",
+                                 "  ##  ", "  ##  ", "  ##  ", "  ##  ", "######"};
+        const QStringList ell{"##    ", "##    ", "##    ", "##    ", "##    ",
+                              "##    ", "##    ", "##    ", "##    ", "######"};
+        const QStringList serifs{"####   ", " ##    ", " ##    ", " ##    ", " ##    ",
+                                 " ##    ", " ##    ", " ##   #", " ##   #", "#######"};
+        QTest::newRow("dotted zero") << dotted << "O"
+                                     << "0";
+        QTest::newRow("dotted zero as a small letter") << dotted << "o"
+                                                       << "0";
+        QTest::newRow("capital O") << open << "O"
+                                   << "O";
+        QTest::newRow("l with a foot") << footed << "L"
+                                       << "l";
+        QTest::newRow("capital L") << ell << "L"
+                                   << "L";
+        QTest::newRow("capital L with serifs") << serifs << "L"
+                                               << "L";
+    }
+    void tellsByTheInkInTheMiddle()
+    {
+        QFETCH(QStringList, rows);
+        QFETCH(QString, read);
+        QFETCH(QString, expected);
+        InkSymbol one = symbol(read, QRect(18, 0, int(rows.front().size()), int(rows.size())), 0);
+        for (std::size_t i = 0; i < one.glyph.size(); ++i) {
+            const QString &row = rows[qsizetype(i) / rows.front().size()];
+            one.glyph[i] = row[qsizetype(i) % row.size()] == '#' ? 255 : 0;
+        }
+        // Behind a digit no rule about the neighbours speaks.
+        std::vector<InkSymbol> symbols = word("7");
+        symbols.push_back(one);
+        settleLookAlikes(symbols, metrics);
+        QCOMPARE(textOf(symbols), "7" + expected);
+    }
+
     void knowsABarByItsShape_data()
     {
         QTest::addColumn<QString>("read");
