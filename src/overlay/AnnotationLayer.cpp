@@ -19,6 +19,8 @@ namespace {
 constexpr qint64 onePiece = 64 * 1024;
 /// The length of a stroke's pieces in native pixels.
 constexpr double pieceLength = 192;
+/// No piece is longer: a pasted line can be longer than any picture may be.
+constexpr int longestSide = 2048;
 /// Anti-aliasing reaches into the pixels around.
 constexpr int softEdge = 1;
 
@@ -93,6 +95,14 @@ struct BoxCollector
     }
 };
 
+void addTiles(std::vector<QRect> &tiles, const QRect &piece)
+{
+    for (int y = piece.top(); y <= piece.bottom(); y += longestSide) {
+        for (int x = piece.left(); x <= piece.right(); x += longestSide)
+            tiles.push_back(QRect(x, y, longestSide, longestSide) & piece);
+    }
+}
+
 DisplayList::Decal drawn(const Annotation &annotation, const ViewSpace &space, const QRect &piece)
 {
     QImage image(piece.size(), QImage::Format_ARGB32_Premultiplied);
@@ -141,14 +151,14 @@ std::vector<QRect> piecesOf(const Annotation &annotation, const ViewSpace &space
     for (const QRect &box : boxes)
         bounds |= box;
     if (qint64(bounds.width()) * bounds.height() <= onePiece)
-        return {bounds};
+        boxes = {bounds};
 
     // Disjoint, since an edge that is blended twice would turn out too dark.
     std::vector<QRect> pieces;
     QRegion covered;
     for (const QRect &box : boxes) {
         for (const QRect &fresh : QRegion(box) - covered)
-            pieces.push_back(fresh);
+            addTiles(pieces, fresh);
         covered += box;
     }
     return pieces;
@@ -165,13 +175,15 @@ AnnotationLayer::Rendered AnnotationLayer::rendered(const Annotation &annotation
             break;
         Rendered moved = cached;
         moved.annotation = annotation;
-        for (DisplayList::Decal &decal : moved.decals)
-            decal.at += *shift;
+        for (Piece &piece : moved.pieces) {
+            piece.place.translate(*shift);
+            piece.decal.at += *shift;
+        }
         return moved;
     }
     Rendered fresh{annotation, space, {}};
-    for (const QRect &piece : piecesOf(annotation, space))
-        fresh.decals.push_back(drawn(annotation, space, piece));
+    for (const QRect &place : piecesOf(annotation, space))
+        fresh.pieces.push_back({place, {}});
     return fresh;
 }
 
@@ -185,10 +197,15 @@ std::vector<DisplayList::Item> AnnotationLayer::items(const std::vector<Annotati
     std::vector<DisplayList::Item> items;
     for (const Annotation &annotation : annotations) {
         used.push_back(rendered(annotation, space));
-        for (DisplayList::Decal decal : used.back().decals) {
-            decal.clip = clipPixels;
-            if (!boundsOf(decal).isEmpty())
-                items.push_back(std::move(decal));
+        for (Piece &piece : used.back().pieces) {
+            if (!piece.place.intersects(clipPixels)) {
+                piece.decal = {};
+                continue;
+            }
+            if (piece.decal.image.isNull())
+                piece.decal = drawn(annotation, space, piece.place);
+            items.push_back(piece.decal);
+            std::get<DisplayList::Decal>(items.back()).clip = clipPixels;
         }
     }
     m_cache = std::move(used);

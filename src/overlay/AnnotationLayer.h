@@ -11,7 +11,7 @@ namespace tovek {
 /// Turns annotations into small pictures for the overlay's display list. What has not changed
 /// since the last call keeps its pictures, and what only moved by whole native pixels keeps them
 /// too. Large shapes are cut into pieces along their strokes, so that an outline around a whole
-/// screen stays small. Text needs a QGuiApplication.
+/// screen stays small, and what is out of sight costs nothing. Text needs a QGuiApplication.
 class AnnotationLayer
 {
 public:
@@ -21,11 +21,16 @@ public:
                                          const ViewSpace &space, const Rect &clip);
 
 private:
+    struct Piece
+    {
+        QRect place;
+        DisplayList::Decal decal; ///< without an image while it is out of sight
+    };
     struct Rendered
     {
         Annotation annotation;
         ViewSpace space;
-        std::vector<DisplayList::Decal> decals; ///< unclipped
+        std::vector<Piece> pieces;
     };
     Rendered rendered(const Annotation &annotation, const ViewSpace &space);
 
@@ -33,7 +38,7 @@ private:
 };
 
 /// Disjoint native pixel rectangles that together hold everything that drawing the annotation
-/// touches; close around the strokes of large shapes.
+/// touches; close around the strokes of large shapes, and none longer than 2048 pixels.
 std::vector<QRect> piecesOf(const Annotation &annotation, const ViewSpace &space);
 
 } // namespace tovek

@@ -164,6 +164,53 @@ private Q_SLOTS:
                 < 3 * 1024 * 1024);
     }
 
+    void showsALineThatIsLongerThanAnyPicture_data()
+    {
+        QTest::addColumn<double>("scale");
+        QTest::addColumn<double>("left");
+        for (double scale : {1.0, 2.0}) {
+            for (double left : {100.0, -20000.0, -70000.0})
+                QTest::addRow("from %.0f @%.0f", left, scale) << scale << left;
+        }
+    }
+    void showsALineThatIsLongerThanAnyPicture()
+    {
+        QFETCH(double, scale);
+        QFETCH(double, left);
+        const ViewSpace space{view, scale};
+        TextAnnotation line = shape<TextAnnotation>({left, 400}, {left, 400});
+        line.text = QStringLiteral("mw").repeated(4000);
+        const Annotation annotation = selected(line);
+        AnnotationLayer layer;
+        const Items items = layer.items({annotation}, space, everywhere);
+        QImage expected = paper(space);
+        QPainter painter(&expected);
+        DrawingContext context(painter, space);
+        draw(annotation, context);
+        QVERIFY(expected != paper(space));
+        QVERIFY(largestDifference(composed(items, space), expected) <= 3);
+        QVERIFY(bytesOf(items) < 3 * 1024 * 1024);
+        for (const QRect &piece : piecesOf(annotation, space))
+            QVERIFY(piece.width() <= 2048 && piece.height() <= 2048);
+    }
+
+    void rendersWhatComesIntoSight()
+    {
+        const ViewSpace space{view, 1};
+        TextAnnotation line = shape<TextAnnotation>({100, 400}, {100, 400});
+        line.text = QStringLiteral("mw").repeated(4000);
+        Annotation annotation = line;
+        AnnotationLayer layer;
+        for (int i = 0; i < 6; ++i) {
+            const Items items = layer.items({annotation}, space, everywhere);
+            AnnotationLayer fresh;
+            QCOMPARE(composed(items, space),
+                     composed(fresh.items({annotation}, space, everywhere), space));
+            QVERIFY(bytesOf(items) < 3 * 1024 * 1024);
+            moveBy(annotation, i < 3 ? -700 : 900, 0);
+        }
+    }
+
     void rendersOnlyWhatChanged()
     {
         const ViewSpace space{view, 1};
