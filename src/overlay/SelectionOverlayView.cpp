@@ -44,6 +44,7 @@ void SelectionOverlayView::setSurface(OverlaySurface *surface)
 
 void SelectionOverlayView::setCaptureCursor()
 {
+    m_cursorShape.reset(); // somebody else may have changed it
     showCursor(Qt::CrossCursor);
 }
 

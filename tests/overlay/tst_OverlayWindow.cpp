@@ -23,17 +23,20 @@ QImage plain(QSize size)
     return image;
 }
 
-class PaintCounter : public QObject
+class EventCounter : public QObject
 {
 public:
-    int paints = 0;
+    explicit EventCounter(QEvent::Type type) : m_type(type) { }
+    int count = 0;
 
 private:
     bool eventFilter(QObject *, QEvent *event) override
     {
-        paints += event->type() == QEvent::Paint;
+        count += event->type() == m_type;
         return false;
     }
+
+    QEvent::Type m_type;
 };
 
 /// A window over a screen of 400 by 300 points at scale 2, and what it reported.
@@ -232,6 +235,19 @@ private Q_SLOTS:
         QTEST(f.view()->cursor().shape(), "shape");
     }
 
+    void setsTheCaptureCursorEachTimeItIsTold()
+    {
+        Fixture f;
+        EventCounter counter(QEvent::CursorChange);
+        f.view()->installEventFilter(&counter);
+        f.view()->setCaptureCursor();
+        f.view()->setCaptureCursor();
+        QCOMPARE(counter.count, 2);
+        QMouseEvent event(QEvent::MouseMove, {50, 50}, {50, 50}, Qt::NoButton, Qt::NoButton, {});
+        QCoreApplication::sendEvent(f.view(), &event); // needs none
+        QCOMPARE(counter.count, 2);
+    }
+
     void drawsHandlesInNormalModeOnly()
     {
         Fixture normal;
@@ -323,7 +339,7 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(&f.window));
         f.drag({100, 50}, {200, 180});
         QCoreApplication::processEvents();
-        PaintCounter counter;
+        EventCounter counter(QEvent::Paint);
         f.view()->installEventFilter(&counter);
         f.view()->showTextRegions({{"a", {0.1, 0.5, 0.2, 0.1}}});
         QTest::mouseMove(f.view()->childAt(120, 100), QPoint(30, 60));
@@ -332,9 +348,9 @@ private Q_SLOTS:
         QTest::mousePress(f.view(), Qt::LeftButton, {}, {200, 180}); // takes them away
         QTest::qWait(50);
         QVERIFY(!words);
-        QCOMPARE(counter.paints, 0);
+        QCOMPARE(counter.count, 0);
         f.view()->update();
-        QTRY_COMPARE(counter.paints, 1);
+        QTRY_COMPARE(counter.count, 1);
     }
 
     void paintsItselfWhereThePlatformCannotDraw()
