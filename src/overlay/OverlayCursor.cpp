@@ -3,6 +3,13 @@
 
 #include "overlay/OverlayCursor.h"
 
+#include "foundation/Symbol.h"
+
+#include <QPixmap>
+
+#include <cmath>
+#include <map>
+
 namespace tovek {
 
 namespace {
@@ -26,6 +33,18 @@ Qt::CursorShape cursorOf(ResizeHandle handle)
     Q_UNREACHABLE();
 }
 
+QCursor makeCross(double scale)
+{
+    const auto symbol = Symbol::fromFile(QStringLiteral(":/cross-cursor.svg"));
+    if (!symbol)
+        return Qt::CrossCursor;
+    // In native pixels with a ratio of 1: the toolkit (Qt 6.4, xcb) neither scales a cursor nor
+    // its hot spot.
+    const double side = std::round(symbol->size().width() * scale);
+    const QImage image = symbol->image(side, 1, Qt::black);
+    return QCursor(QPixmap::fromImage(image), image.width() / 2, image.height() / 2);
+}
+
 } // namespace
 
 Qt::CursorShape overlayCursorAt(Point at, const SelectionState &state, AnnotationTool tool)
@@ -36,6 +55,17 @@ Qt::CursorShape overlayCursorAt(Point at, const SelectionState &state, Annotatio
         return cursorOf(*state.hoveredHandle);
     const bool draws = tool != AnnotationTool::none && state.selectionRect->contains(at);
     return draws ? Qt::CrossCursor : Qt::ArrowCursor;
+}
+
+QCursor overlayCursor(Qt::CursorShape shape, double scale)
+{
+    if (shape != Qt::CrossCursor)
+        return shape;
+    // Kept: an overlay that opens has no time to draw it.
+    static std::map<double, QCursor> crosses;
+    const auto known = crosses.find(scale);
+    return known != crosses.end() ? known->second
+                                  : crosses.emplace(scale, makeCross(scale)).first->second;
 }
 
 } // namespace tovek

@@ -188,7 +188,7 @@ void SelectionOverlayView::showCursor(Qt::CursorShape shape)
     if (m_cursorShape == shape)
         return;
     m_cursorShape = shape;
-    setCursor(shape);
+    setCursor(overlayCursor(shape, m_space.scale));
 }
 
 void SelectionOverlayView::startResize()

@@ -3,6 +3,7 @@
 
 #include "overlay/OverlayCursor.h"
 
+#include <QPixmap>
 #include <QRegularExpression>
 #include <QTest>
 
@@ -25,6 +26,33 @@ private Q_SLOTS:
         state.press({10, 10});
         state.moveTo({100, 100});
         QCOMPARE(overlayCursorAt({100, 100}, state, AnnotationTool::none), Qt::CrossCursor);
+    }
+
+    void drawsTheCrossInNativePixels_data()
+    {
+        QTest::addColumn<double>("scale");
+        QTest::addColumn<int>("side");
+        QTest::newRow("1") << 1.0 << 33;
+        QTest::newRow("1.5") << 1.5 << 50;
+        QTest::newRow("2") << 2.0 << 66;
+    }
+    void drawsTheCrossInNativePixels()
+    {
+        QFETCH(double, scale);
+        QFETCH(int, side);
+        const QCursor cross = overlayCursor(Qt::CrossCursor, scale);
+        QCOMPARE(cross.shape(), Qt::BitmapCursor);
+        QCOMPARE(cross.pixmap().size(), QSize(side, side));
+        QCOMPARE(cross.pixmap().devicePixelRatio(), 1.0);
+        QCOMPARE(cross.hotSpot(), QPoint(side / 2, side / 2));
+        QCOMPARE(overlayCursor(Qt::CrossCursor, scale).pixmap().cacheKey(),
+                 cross.pixmap().cacheKey());
+    }
+
+    void leavesOtherCursorsToTheDesktop()
+    {
+        QCOMPARE(overlayCursor(Qt::ArrowCursor, 2).shape(), Qt::ArrowCursor);
+        QCOMPARE(overlayCursor(Qt::SizeHorCursor, 1).shape(), Qt::SizeHorCursor);
     }
 
     void showsWhatAPressWouldDo_data()
@@ -61,5 +89,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_APPLESS_MAIN(TestOverlayCursor)
+QTEST_MAIN(TestOverlayCursor)
 #include "tst_OverlayCursor.moc"

@@ -228,7 +228,7 @@ private Q_SLOTS:
     {
         QFETCH(QPoint, at);
         Fixture f;
-        QCOMPARE(f.view()->cursor().shape(), Qt::CrossCursor);
+        QCOMPARE(f.view()->cursor().shape(), Qt::BitmapCursor); // the cross
         f.drag({100, 50}, {200, 80});
         QMouseEvent event(QEvent::MouseMove, at, at, Qt::NoButton, Qt::NoButton, {});
         QCoreApplication::sendEvent(f.view(), &event);
