@@ -39,6 +39,25 @@ struct TwoScreens : Drawing
     }
 };
 
+/// Asks the window manager for another desktop, as a panel does. True once it is there.
+bool showDesktop(const QString &displayName, uint32_t number)
+{
+    const XConnection x(displayName);
+    const xcb_atom_t current = x.atom("_NET_CURRENT_DESKTOP");
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = x.root();
+    event.type = current;
+    event.data.data32[0] = number;
+    xcb_send_event(x, 0, x.root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char *>(&event));
+    x.sync();
+    const QByteArray wanted(reinterpret_cast<const char *>(&number), sizeof number);
+    return waitUntil([&] { return x.property(x.root(), current) == wanted; });
+}
+
 } // namespace
 
 class TestOverlayFocus : public QObject
@@ -76,6 +95,17 @@ private Q_SLOTS:
         // Nothing shows when the click has been dealt with; the other screen has no use for
         // letters.
         QVERIFY(waitUntil([&] { return d.tap("m") && hasInk(caret.translated(5, 0)); }));
+    }
+
+    void staysAcrossAChangeOfDesktop()
+    {
+        TwoScreens d;
+        QVERIFY2(d.begin(), qPrintable(d.error));
+        QVERIFY(showDesktop(d.desktop.displayName(), 1));
+        QVERIFY(d.tovek->covers(d.monitors()));
+        QVERIFY(d.tap("r") && d.waitForActiveButton(Drawing::rectangleButton));
+        QVERIFY(showDesktop(d.desktop.displayName(), 0));
+        QCOMPARE(differentPixels(d.copied(), d.untouched()), 0);
     }
 };
 
