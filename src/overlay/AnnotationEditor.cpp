@@ -322,7 +322,7 @@ Effect AnnotationEditor::editText(size_t index)
         editingTextAnnotationIndex = i;
         textAnnotationPosition = text->startPoint;
         m_typedText = text->text;
-        effect.opensTextBox = TextBox{text->startPoint, text->color, text->text};
+        effect.opensTextBox = TextBox{text->startPoint, text->color, text->text, text->fontSize};
     }
     return effect;
 }

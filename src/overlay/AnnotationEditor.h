@@ -31,6 +31,7 @@ public:
         Point position;
         QColor color;
         QString text; ///< shown with all of it selected
+        double fontSize = TextAnnotation().fontSize; ///< points
     };
     /// What the view has to do, in this order.
     struct Effect

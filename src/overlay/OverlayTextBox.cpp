@@ -22,8 +22,7 @@ constexpr int caretWidth = 2;
 
 } // namespace
 
-OverlayTextBox::OverlayTextBox(const AnnotationEditor::TextBox &content, double fontSize,
-                               QWidget *parent)
+OverlayTextBox::OverlayTextBox(const AnnotationEditor::TextBox &content, QWidget *parent)
     : QPlainTextEdit(parent)
 {
     setAccessibleName(tr("Text of the annotation"));
@@ -32,7 +31,7 @@ OverlayTextBox::OverlayTextBox(const AnnotationEditor::TextBox &content, double 
     setContextMenuPolicy(Qt::NoContextMenu);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setFont(systemFont(fontSize, QFont::Medium));
+    setFont(systemFont(content.fontSize, QFont::Medium));
     document()->setDocumentMargin(0);
     viewport()->setAutoFillBackground(false);
     viewport()->setCursor(Qt::IBeamCursor);

@@ -17,7 +17,7 @@ class OverlayTextBox : public QPlainTextEdit
     Q_OBJECT
 
 public:
-    OverlayTextBox(const AnnotationEditor::TextBox &content, double fontSize, QWidget *parent);
+    OverlayTextBox(const AnnotationEditor::TextBox &content, QWidget *parent);
 
     std::function<void()> onGeometryChanged;
 

@@ -5,15 +5,9 @@
 
 namespace tovek {
 
-namespace {
-
-constexpr double fontSize = 16;
-
-} // namespace
-
 void OverlayTextInput::open(const AnnotationEditor::TextBox &content, const ViewSpace &space)
 {
-    m_textInputView = new OverlayTextBox(content, fontSize, &m_view);
+    m_textInputView = new OverlayTextBox(content, &m_view);
     m_textInputView->move(space.widgetFromPoint(content.position).toPoint());
     m_textInputView->onGeometryChanged = [this] { onCoverChanged(); };
     QObject::connect(m_textInputView, &QPlainTextEdit::textChanged, &m_view,

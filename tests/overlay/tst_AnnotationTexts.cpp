@@ -106,6 +106,23 @@ private Q_SLOTS:
         QCOMPARE(desk.at(0).id, id);
     }
 
+    void opensABoxInTheSizeOfTheText()
+    {
+        Desk desk;
+        QCOMPARE(desk.click({200, 300}).opensTextBox.has_value(), false);
+        desk.selectTool(AnnotationTool::text);
+        const auto fresh = desk.click({200, 300});
+        QVERIFY(fresh.opensTextBox);
+        QCOMPARE(fresh.opensTextBox->fontSize, TextAnnotation().fontSize);
+        desk.commit(QStringLiteral("large"));
+        std::get<TextAnnotation>(desk.annotations[0]).fontSize = 24;
+        desk.selectTool(AnnotationTool::none);
+        desk.click({210, 290});
+        const auto again = desk.press({210, 290}, 2, selection);
+        QVERIFY(again.opensTextBox);
+        QCOMPARE(again.opensTextBox->fontSize, 24.0);
+    }
+
     void showsATextOnlyInItsBoxWhileItIsEdited()
     {
         Desk desk;

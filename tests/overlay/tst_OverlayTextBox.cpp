@@ -37,7 +37,7 @@ struct Desk
 {
     explicit Desk(const QString &text = {})
     {
-        box = new OverlayTextBox({{20, 280}, ink, text}, 16, &view);
+        box = new OverlayTextBox({{20, 280}, ink, text, 16}, &view);
         box->move(20, 20);
         view.show();
         box->setFocus();
