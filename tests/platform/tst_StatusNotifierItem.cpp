@@ -119,6 +119,29 @@ private Q_SLOTS:
         QCOMPARE(bytes.mid(0, 4), QByteArray(4, '\0'));
     }
 
+    void paintsItsIconOnlyForWhoAsksForIt()
+    {
+        StatusNotifierItem item;
+        int paintings = 0;
+        TrayPicture counted = picture({18, 18});
+        counted.paint = [&, paint = counted.paint](Size room, const QColor &ink, double scale) {
+            ++paintings;
+            return paint(room, ink, scale);
+        };
+        item.setPicture(counted);
+        item.setVisible(true);
+        QTRY_COMPARE(watcher.items.size(), 1);
+        paintings = 0;
+        QCOMPARE(property(QStringLiteral("Id")).toString(), QStringLiteral("tovek"));
+        QCOMPARE(paintings, 0);
+        property(QStringLiteral("IconPixmap"));
+        QVERIFY(paintings > 0);
+        paintings = 0;
+        call(QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("GetAll"),
+             {QStringLiteral("org.kde.StatusNotifierItem")});
+        QVERIFY(paintings > 0);
+    }
+
     void tellsThatItWasChosen_data()
     {
         QTest::addColumn<QString>("method");

@@ -194,14 +194,18 @@ public:
 private:
     bool handleProperties(const QDBusMessage &message, const QDBusConnection &bus)
     {
-        const QVariantMap all = properties();
+        const QString iconName = QStringLiteral("IconPixmap");
+        QVariantMap all = plainProperties();
         if (message.member() == QStringLiteral("GetAll")) {
+            all.insert(iconName, icon());
             bus.send(message.createReply(QVariant::fromValue(all)));
             return true;
         }
         if (message.member() != QStringLiteral("Get"))
             return false;
         const QString name = message.arguments().value(1).toString();
+        if (name == iconName)
+            all.insert(iconName, icon());
         if (all.contains(name)) {
             bus.send(message.createReply(QVariant::fromValue(QDBusVariant(all.value(name)))));
         } else {
@@ -211,13 +215,20 @@ private:
         return true;
     }
 
-    QVariantMap properties() const
+    /// In all sizes, which takes too long for who asks for something else.
+    QVariant icon() const
     {
         BusPixmaps icon;
         if (m_item.m_picture.paint) {
             for (const int side : iconSizes)
                 icon << busPixmap(m_item.m_picture, side);
         }
+        return QVariant::fromValue(icon);
+    }
+
+    /// All but the icon.
+    QVariantMap plainProperties() const
+    {
         return {
             {QStringLiteral("Category"), QStringLiteral("ApplicationStatus")},
             {QStringLiteral("Id"), QStringLiteral("tovek")},
@@ -225,7 +236,6 @@ private:
             {QStringLiteral("Status"), QStringLiteral("Active")},
             {QStringLiteral("WindowId"), 0},
             {QStringLiteral("IconName"), QString()},
-            {QStringLiteral("IconPixmap"), QVariant::fromValue(icon)},
             {QStringLiteral("ToolTip"),
              QVariant::fromValue(BusToolTip{{}, {}, m_item.m_toolTip, {}})},
             {QStringLiteral("ItemIsMenu"), false},
