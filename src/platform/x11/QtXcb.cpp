@@ -3,6 +3,8 @@
 
 #include "platform/x11/QtXcb.h"
 
+#include "platform/x11/X11PixelFormat.h"
+
 #include <QGuiApplication>
 #include <QHash>
 
@@ -12,21 +14,15 @@ namespace tovek::QtXcb {
 
 namespace {
 
-/// The format of pixels as the server keeps them for a depth, on a machine of its byte order.
+/// The format of pixels as the server keeps them for a depth: of windows with alpha, of the root
+/// window, or of windows of a panel that chose something else.
 QImage::Format formatForDepth(int depth)
 {
-    switch (depth) {
-    case 32:
+    if (depth == 32)
         return QImage::Format_ARGB32_Premultiplied;
-    case 30:
-        return QImage::Format_RGB30;
-    case 24:
-        return QImage::Format_RGB32;
-    case 16:
-        return QImage::Format_RGB16;
-    default:
-        return QImage::Format_Invalid;
-    }
+    if (depth == screen()->root_depth)
+        return x11RootFormat(*xcb_get_setup(connection()), *screen()).format;
+    return depth == 24 ? QImage::Format_RGB32 : QImage::Format_Invalid;
 }
 
 } // namespace
@@ -95,9 +91,10 @@ QImage pixels(xcb_window_t window, QRect rect)
                                           uint16_t(inside.height()), ~0U),
                             nullptr));
     // The unused byte of a pixel is not alpha, whatever the depth of the window.
-    const QImage::Format format = formatForDepth(reply && reply->depth == 32 ? 24
-                                                     : reply                 ? reply->depth
-                                                                             : 0);
+    if (!reply)
+        return {};
+    const QImage::Format format =
+        reply->depth == 32 ? QImage::Format_RGB32 : formatForDepth(reply->depth);
     if (format == QImage::Format_Invalid)
         return {};
     const int bytes = QImage::toPixelFormat(format).bitsPerPixel() / 8;
