@@ -46,11 +46,6 @@ void DrawingContext::restore()
     m_painter.restore();
 }
 
-void DrawingContext::clip(const Rect &rect)
-{
-    m_painter.setClipRect(m_space.widgetFromRect(rect), Qt::IntersectClip);
-}
-
 void DrawingContext::strokeSegment(Point from, Point to, const Stroke &stroke)
 {
     const QPaintDevice &device = *m_painter.device();

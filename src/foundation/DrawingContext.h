@@ -38,8 +38,6 @@ public:
 
     void save();
     void restore();
-    /// Nothing is drawn outside the rectangle until the next restore.
-    void clip(const Rect &rect);
 
     void strokeSegment(Point from, Point to, const Stroke &stroke);
     void strokeRect(const Rect &rect, const Stroke &stroke);

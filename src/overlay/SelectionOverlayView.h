@@ -74,7 +74,6 @@ private:
     void finalise();
     void startResize();
 
-    bool handleToolKey(OverlayKeyAction action);
     void handleCommand(OverlayKeyAction action, const KeyPress &key);
     void copy();
     void save();

@@ -114,7 +114,6 @@ void SelectionToolbar::setActiveTool(AnnotationTool tool)
 
 void SelectionToolbar::setSelectedColor(const QColor &color)
 {
-    m_selectedColor = color;
     m_buttons[colorButton]->setSwatch(color);
     m_popover->setSelectedColor(color);
 }

@@ -64,7 +64,6 @@ private:
     std::vector<ToolbarButton *> m_buttons;
     QPointer<ColorPickerPopover> m_popover; ///< children of the parent, which may delete them first
     QPointer<ToolbarTooltip> m_tooltip;
-    QColor m_selectedColor;
     bool m_opensAbove = false;
 };
 
