@@ -141,7 +141,6 @@ void AppDelegate::setUpStatusBar()
     statusBar->bindShortcut = [&shortcuts](QAction &item, const QString &name) {
         KeyboardShortcuts::setShortcut(item, shortcuts.createName(name), shortcuts);
     };
-    statusBar->onMenuTracking = [&shortcuts](bool isOpen) { shortcuts.setMenuOpen(isOpen); };
     statusBar->encodePng = [](const Image &image) { return encodePng(image.bitmap); };
     statusBar->onPreviewEnded = [this] { restSoon(); };
     statusBar->setup();

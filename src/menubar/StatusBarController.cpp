@@ -245,8 +245,6 @@ void StatusBarController::openMenu()
     const QScreen *screen = QGuiApplication::screenAt(anchor.center());
     if (!screen)
         screen = QGuiApplication::primaryScreen();
-    if (onMenuTracking)
-        onMenuTracking(true);
     m_menu->popup(menuOrigin(anchor, m_menu->sizeHint(), screen->geometry()));
 }
 
@@ -302,8 +300,6 @@ void StatusBarController::menuClosed()
     // An item that was chosen is triggered after this.
     m_menu->deleteLater();
     m_menu = nullptr;
-    if (onMenuTracking)
-        onMenuTracking(false);
 }
 
 /// The toolkit's menus show key equivalents but do not obey them while they are open.

@@ -60,8 +60,6 @@ public:
     std::function<QString()> updateObstacle;
     /// Labels a capture item with the shortcut of this name, and keeps it so while it is shown.
     std::function<void(QAction &item, const QString &shortcutName)> bindShortcut;
-    /// The menu opens or has closed.
-    std::function<void(bool isOpen)> onMenuTracking;
     /// The thumbnail of the last capture is gone from the panel.
     std::function<void()> onPreviewEnded;
     /// Any thread.
