@@ -375,14 +375,14 @@ void OverlayController::stopRecognition()
     ++m_recognitionSerial;
 }
 
-QFuture<QImage> OverlayController::frozenPixels(QRect native) const
+QImage OverlayController::frozenPixels(QRect native) const
 {
     const auto &displays = m_capturedDisplays.empty() ? m_leavingDisplays : m_capturedDisplays;
     for (const CapturedDisplay &captured : displays) {
         const QRect screen = captured.screen.native;
         const QFuture<QImage> pixels = captured.screenshot->pixels();
-        if (screen.contains(native) && pixels.isFinished())
-            return readyFuture(pixels.result().copy(native.translated(-screen.topLeft())));
+        if (screen.contains(native) && pixels.isFinished() && pixels.resultCount() > 0)
+            return pixels.result().copy(native.translated(-screen.topLeft()));
     }
     return {};
 }

@@ -65,8 +65,8 @@ public:
     void startCapture(CaptureMode mode);
 
     /// The frozen pixels in a rectangle (native, y down, global) while overlays still hide the
-    /// screen; an invalid future when none does, or when they are not at hand.
-    QFuture<QImage> frozenPixels(QRect native) const;
+    /// screen; a null image when none does, or when they are not at hand.
+    QImage frozenPixels(QRect native) const;
 
     bool isCapturing() const { return m_isCapturing; }
     const std::vector<OverlayWindow *> &overlayWindows() const { return m_overlayWindows; }

@@ -53,10 +53,13 @@ public:
     }
 
     void open(ToastShell &shell, Size content, double scale, const SymbolSource &symbols,
-              const QFuture<QImage> &frozen)
+              const QImage &frozen)
     {
-        const bool isFrozen = frozen.isValid();
-        const QImage below = isFrozen ? QImage() : shell.pixelsBelow(m_native);
+        // The unused byte of captured pixels need not be 255: without the conversion it would be
+        // taken for alpha.
+        const QImage below = frozen.isNull()
+            ? shell.pixelsBelow(m_native)
+            : frozen.convertToFormat(QImage::Format_ARGB32_Premultiplied);
         m_picture = makeToastPicture(m_view, content, scale, systemAppearance(),
                                      QGuiApplication::font(), symbols, below);
         m_needsBelow = !shell.blends();
@@ -65,9 +68,6 @@ public:
         m_window = shell.create(m_native, m_view.message);
         m_window->present(render());
         m_window->orderFront();
-        if (isFrozen) {
-            QFuture<QImage>(frozen).then(this, [this](const QImage &image) { setBelow(image); });
-        }
     }
 
     void setVisible(bool isVisible)
@@ -85,20 +85,6 @@ public:
     }
 
 private:
-    void setBelow(const QImage &captured)
-    {
-        if (captured.isNull())
-            return;
-        // The unused byte of captured pixels need not be 255: without the conversion it would be
-        // taken for alpha.
-        const QImage image = captured.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-        m_picture.material =
-            toastMaterial(image, m_native.size(), m_picture.scale, systemAppearance());
-        if (m_needsBelow)
-            m_picture.below = image;
-        m_window->present(render());
-    }
-
     void step()
     {
         const double seconds = double(m_started.msecsTo(m_clock.now())) / 1000;
@@ -162,8 +148,7 @@ void Toast::show(const QString &message, const QString &icon, const std::optiona
 
     m_window = std::make_unique<Panel>(m_clock, view, native);
     Panel *panel = m_window.get();
-    panel->open(m_shell, content, scale, m_symbols,
-                frozenPixels ? frozenPixels(native) : QFuture<QImage>());
+    panel->open(m_shell, content, scale, m_symbols, frozenPixels ? frozenPixels(native) : QImage());
     // The panel is the context of all that follows: what a replaced toast had coming dies with it.
     m_clock.after(0ms, panel, [panel] { panel->setVisible(true); });
     m_clock.after(shownFor, panel, [this, panel] {

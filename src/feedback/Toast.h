@@ -6,7 +6,8 @@
 #include "foundation/SymbolSource.h"
 #include "platform/Screens.h"
 
-#include <QFuture>
+#include <functional>
+#include <memory>
 
 class QRect;
 
@@ -33,8 +34,8 @@ public:
     bool isShown() const { return m_window != nullptr; }
 
     /// While the screens are frozen: the frozen pixels in a rectangle (native, y down, global), as
-    /// what lies below a toast is not on the screen itself then. An invalid future: not frozen.
-    std::function<QFuture<QImage>(QRect native)> frozenPixels;
+    /// what lies below a toast is not on the screen itself then. A null image: not frozen.
+    std::function<QImage(QRect native)> frozenPixels;
 
 private:
     class Panel;

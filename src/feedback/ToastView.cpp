@@ -144,18 +144,8 @@ void saturate(QImage &image, double factor)
     }
 }
 
-} // namespace
-
-Size toastIntrinsicSize(const ToastView &view, const QFont &font)
-{
-    const QFontMetricsF metrics(labelFont(font));
-    return {std::ceil(2 * horizontalPadding + symbolWidth + gap
-                      + metrics.horizontalAdvance(view.message)),
-            std::ceil(2 * verticalPadding + std::max(metrics.height(), symbolWidth))};
-}
-
-QImage toastMaterial(const QImage &below, QSize panelPixels, double scale,
-                     ToastAppearance appearance)
+QImage makeMaterial(const QImage &below, QSize panelPixels, double scale,
+                    ToastAppearance appearance)
 {
     const Material &material = materialFor(appearance);
     QImage image = panelImage(panelPixels);
@@ -179,6 +169,16 @@ QImage toastMaterial(const QImage &below, QSize panelPixels, double scale,
     return image;
 }
 
+} // namespace
+
+Size toastIntrinsicSize(const ToastView &view, const QFont &font)
+{
+    const QFontMetricsF metrics(labelFont(font));
+    return {std::ceil(2 * horizontalPadding + symbolWidth + gap
+                      + metrics.horizontalAdvance(view.message)),
+            std::ceil(2 * verticalPadding + std::max(metrics.height(), symbolWidth))};
+}
+
 ToastPicture makeToastPicture(const ToastView &view, Size content, double scale,
                               ToastAppearance appearance, const QFont &font,
                               const SymbolSource &symbols, const QImage &below)
@@ -189,7 +189,7 @@ ToastPicture makeToastPicture(const ToastView &view, Size content, double scale,
     picture.content = content;
     picture.scale = scale;
     picture.label = makeLabel(view, content, scale, appearance, font, symbols);
-    picture.material = toastMaterial(below, pixels, scale, appearance);
+    picture.material = makeMaterial(below, pixels, scale, appearance);
     picture.shadow = makeShadow(picture, pixels);
     return picture;
 }

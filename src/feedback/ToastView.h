@@ -47,10 +47,6 @@ ToastPicture makeToastPicture(const ToastView &view, Size content, double scale,
                               ToastAppearance appearance, const QFont &font,
                               const SymbolSource &symbols, const QImage &below);
 
-/// The material alone, so that what lies below may become known late.
-QImage toastMaterial(const QImage &below, QSize panelPixels, double scale,
-                     ToastAppearance appearance);
-
 /// Paints one frame. The painter's units are native pixels, its origin the panel's top left.
 void paint(QPainter &painter, const ToastPicture &picture);
 
