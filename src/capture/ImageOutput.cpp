@@ -10,12 +10,12 @@
 #include "foundation/Memory.h"
 #include "foundation/Unfinished.h"
 #include "foundation/UserDefaults.h"
+#include "foundation/WhenReady.h"
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QFutureWatcher>
 #include <QStandardPaths>
 #include <QThread>
 #include <QtConcurrent>
@@ -33,25 +33,6 @@ template <typename T>
 T resultOf(const QFuture<T> &finished)
 {
     return finished.resultCount() > 0 ? finished.result() : T();
-}
-
-/// Calls back when the future has finished, also without a result (an empty value then): at once
-/// when it has already. Never when the context died before.
-template <typename T, typename Use>
-void whenFinished(const QFuture<T> &future, QObject *context, Use use)
-{
-    if (future.isFinished()) {
-        use(resultOf(future));
-        return;
-    }
-    // A watcher, not a continuation: a future has room for only one of those, and the recogniser
-    // may wait for the same pixels.
-    auto *const watcher = new QFutureWatcher<T>(context); // deletes itself at the end
-    QObject::connect(watcher, &QFutureWatcherBase::finished, context, [=] {
-        watcher->deleteLater();
-        use(resultOf(watcher->future()));
-    });
-    watcher->setFuture(future);
 }
 
 } // namespace

@@ -11,27 +11,43 @@
 
 namespace tovek {
 
-/// Calls `use` with the future's result: at once when it is there already (a posted event would
-/// cost the user a turn of the main loop), otherwise on the context's thread when it arrives, and
-/// never when the context died before or the future was cancelled.
+/// Calls `use` with the future itself once it has finished: at once when it has already (a posted
+/// event would cost the user a turn of the main loop), otherwise on the context's thread, and never
+/// when the context died before.
 template <typename T, typename Use>
-void whenReady(QFuture<T> future, QObject *context, Use use)
+void whenOver(QFuture<T> future, QObject *context, Use use)
 {
     if (future.isFinished()) {
-        if (future.resultCount() > 0)
-            use(future.result());
+        use(future);
         return;
     }
     // Not QFuture::then: a second continuation of one future would replace the first.
-    auto *watcher = new QFutureWatcher<T>(context);
+    auto *watcher = new QFutureWatcher<T>(context); // deletes itself at the end
     QObject::connect(watcher, &QFutureWatcherBase::finished, context,
                      [watcher, use = std::move(use)]() mutable {
                          watcher->deleteLater();
-                         const QFuture<T> finished = watcher->future();
-                         if (finished.resultCount() > 0)
-                             use(finished.result());
+                         use(watcher->future());
                      });
     watcher->setFuture(future);
+}
+
+/// As `whenOver`, with the result, and never for a future without one: it was cancelled.
+template <typename T, typename Use>
+void whenReady(QFuture<T> future, QObject *context, Use use)
+{
+    whenOver(future, context, [use = std::move(use)](const QFuture<T> &finished) mutable {
+        if (finished.resultCount() > 0)
+            use(finished.result());
+    });
+}
+
+/// As `whenOver`, with the result, or an empty value where there is none.
+template <typename T, typename Use>
+void whenFinished(QFuture<T> future, QObject *context, Use use)
+{
+    whenOver(future, context, [use = std::move(use)](const QFuture<T> &finished) mutable {
+        use(finished.resultCount() > 0 ? finished.result() : T());
+    });
 }
 
 /// A future that has its result.

@@ -4,11 +4,11 @@
 #include "platform/x11/X11Clipboard.h"
 
 #include "foundation/Log.h"
+#include "foundation/WhenReady.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QFileInfo>
-#include <QFutureWatcher>
 #include <QTimer>
 
 namespace tovek {
@@ -83,17 +83,8 @@ void X11Clipboard::setPng(QFuture<QByteArray> png)
     }
     m_isAwaiting = true;
     const quint64 generation = m_generation;
-    if (png.isFinished()) {
-        pngReady(generation, png.resultCount() ? png.result() : QByteArray());
-        return;
-    }
-    auto *const watcher = new QFutureWatcher<QByteArray>(this); // deletes itself at the end
-    connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, generation] {
-        watcher->deleteLater();
-        const auto future = watcher->future();
-        pngReady(generation, future.resultCount() ? future.result() : QByteArray());
-    });
-    watcher->setFuture(png);
+    whenFinished(png, this,
+                 [this, generation](const QByteArray &bytes) { pngReady(generation, bytes); });
 }
 
 void X11Clipboard::pngReady(quint64 generation, const QByteArray &png)
