@@ -4,6 +4,7 @@
 #include "platform/x11/QtXcb.h"
 
 #include "platform/x11/X11PixelFormat.h"
+#include "platform/x11/X11Reply.h"
 
 #include <QGuiApplication>
 #include <QHash>
@@ -46,7 +47,7 @@ xcb_atom_t atom(const char *name)
     if (const auto found = known.constFind(key); found != known.constEnd())
         return *found;
     xcb_connection_t *c = connection();
-    const ReplyPtr<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+    const X11Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
         c, xcb_intern_atom(c, false, uint16_t(std::strlen(name)), name), nullptr));
     return reply ? known.insert(key, reply->atom).value() : xcb_atom_t(XCB_ATOM_NONE);
 }
@@ -54,7 +55,7 @@ xcb_atom_t atom(const char *name)
 xcb_window_t selectionOwner(xcb_atom_t selection)
 {
     xcb_connection_t *c = connection();
-    const ReplyPtr<xcb_get_selection_owner_reply_t> reply(
+    const X11Reply<xcb_get_selection_owner_reply_t> reply(
         xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, selection), nullptr));
     return reply ? reply->owner : xcb_window_t(XCB_WINDOW_NONE);
 }
@@ -64,8 +65,8 @@ std::optional<QRect> geometryOnRoot(xcb_window_t window)
     xcb_connection_t *c = connection();
     const auto sizeCookie = xcb_get_geometry(c, window);
     const auto placeCookie = xcb_translate_coordinates(c, window, screen()->root, 0, 0);
-    const ReplyPtr<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(c, sizeCookie, nullptr));
-    const ReplyPtr<xcb_translate_coordinates_reply_t> place(
+    const X11Reply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(c, sizeCookie, nullptr));
+    const X11Reply<xcb_translate_coordinates_reply_t> place(
         xcb_translate_coordinates_reply(c, placeCookie, nullptr));
     if (!size || !place)
         return std::nullopt;
@@ -75,7 +76,7 @@ std::optional<QRect> geometryOnRoot(xcb_window_t window)
 QImage pixels(xcb_window_t window, QRect rect)
 {
     xcb_connection_t *c = connection();
-    const ReplyPtr<xcb_get_geometry_reply_t> whole(
+    const X11Reply<xcb_get_geometry_reply_t> whole(
         xcb_get_geometry_reply(c, xcb_get_geometry(c, window), nullptr));
     if (!whole)
         return {};
@@ -84,7 +85,7 @@ QImage pixels(xcb_window_t window, QRect rect)
     const QRect inside = rect & QRect(0, 0, whole->width, whole->height);
     if (inside.isEmpty())
         return image;
-    const ReplyPtr<xcb_get_image_reply_t> reply(
+    const X11Reply<xcb_get_image_reply_t> reply(
         xcb_get_image_reply(c,
                             xcb_get_image(c, XCB_IMAGE_FORMAT_Z_PIXMAP, window, int16_t(inside.x()),
                                           int16_t(inside.y()), uint16_t(inside.width()),
@@ -120,19 +121,6 @@ std::optional<QImage> inDepth(const QImage &image, int depth)
     if (format == QImage::Format_Invalid)
         return std::nullopt;
     return image.convertToFormat(format);
-}
-
-void putImage(xcb_drawable_t drawable, xcb_gcontext_t gc, int depth, const QImage &image)
-{
-    xcb_connection_t *c = connection();
-    const auto room = qsizetype(xcb_get_maximum_request_length(c)) * 4 - 64;
-    const int rows = std::max(1, int(room / image.bytesPerLine()));
-    for (int y = 0; y < image.height(); y += rows) {
-        const int count = std::min(rows, image.height() - y);
-        xcb_put_image(c, XCB_IMAGE_FORMAT_Z_PIXMAP, drawable, gc, uint16_t(image.width()),
-                      uint16_t(count), 0, int16_t(y), 0, uint8_t(depth),
-                      uint32_t(count * image.bytesPerLine()), image.constScanLine(y));
-    }
 }
 
 } // namespace tovek::QtXcb

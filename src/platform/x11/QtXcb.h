@@ -5,21 +5,12 @@
 
 #include <QImage>
 
-#include <cstdlib>
-#include <memory>
 #include <optional>
 #include <xcb/xcb.h>
 
 /// The toolkit's own connection to the X server, for windows that take part in its event loop.
 /// Main thread only.
 namespace tovek::QtXcb {
-
-struct FreeReply
-{
-    void operator()(void *reply) const { std::free(reply); }
-};
-template <typename Reply>
-using ReplyPtr = std::unique_ptr<Reply, FreeReply>;
 
 /// Null where the program does not run on an X server.
 xcb_connection_t *connection();
@@ -35,7 +26,5 @@ std::optional<QRect> geometryOnRoot(xcb_window_t window);
 QImage pixels(xcb_window_t window, QRect rect);
 /// A picture for a window of this depth. Absent for a depth that has no counterpart.
 std::optional<QImage> inDepth(const QImage &image, int depth);
-/// Puts a picture, already of the drawable's depth, into it.
-void putImage(xcb_drawable_t drawable, xcb_gcontext_t gc, int depth, const QImage &image);
 
 } // namespace tovek::QtXcb

@@ -4,21 +4,11 @@
 #include "platform/x11/SelectionServer.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <limits>
 
 namespace tovek {
 
 namespace {
-
-template <typename T>
-using Reply = std::unique_ptr<T, decltype(&std::free)>;
-
-template <typename T>
-Reply<T> owned(T *reply)
-{
-    return {reply, &std::free};
-}
 
 /// A reader that takes nothing for so long has hung or forgotten.
 constexpr std::chrono::seconds patience(60);
@@ -66,7 +56,8 @@ SelectionServer::SelectionServer(xcb_connection_t *connection, int screen)
     for (const std::string &name : names)
         cookies.push_back(xcb_intern_atom(connection, 0, uint16_t(name.size()), name.c_str()));
     for (size_t i = 0; i < cookies.size(); ++i) {
-        if (const auto reply = owned(xcb_intern_atom_reply(connection, cookies[i], nullptr)))
+        if (const X11Reply<xcb_intern_atom_reply_t> reply{
+                xcb_intern_atom_reply(connection, cookies[i], nullptr)})
             m_atoms[names[i]] = reply->atom;
     }
 }
@@ -140,7 +131,7 @@ void SelectionServer::processEvents()
         decltype(m_backlog) events;
         events.swap(m_backlog);
         while (auto *const event = xcb_poll_for_event(m_connection))
-            events.emplace_back(event, &std::free);
+            events.emplace_back(event);
         for (const auto &event : events)
             handle(event.get());
         xcb_flush(m_connection);
@@ -165,7 +156,7 @@ xcb_timestamp_t SelectionServer::currentTime()
                         32, 0, nullptr);
     xcb_flush(m_connection);
     while (auto *const event = xcb_wait_for_event(m_connection)) {
-        m_backlog.emplace_back(event, &std::free);
+        m_backlog.emplace_back(event);
         if ((event->response_type & eventTypeMask) != XCB_PROPERTY_NOTIFY)
             continue;
         const auto &notify = *reinterpret_cast<xcb_property_notify_event_t *>(event);
@@ -181,7 +172,8 @@ xcb_timestamp_t SelectionServer::currentTime()
 xcb_window_t SelectionServer::currentOwner()
 {
     const auto cookie = xcb_get_selection_owner(m_connection, atom("CLIPBOARD"));
-    const auto reply = owned(xcb_get_selection_owner_reply(m_connection, cookie, nullptr));
+    const X11Reply<xcb_get_selection_owner_reply_t> reply(
+        xcb_get_selection_owner_reply(m_connection, cookie, nullptr));
     return reply ? reply->owner : xcb_window_t(XCB_WINDOW_NONE);
 }
 
@@ -272,7 +264,8 @@ bool SelectionServer::serveMultiple(const xcb_selection_request_event_t &request
         return false;
     const auto cookie = xcb_get_property(m_connection, 0, request.requestor, request.property,
                                          XCB_GET_PROPERTY_TYPE_ANY, 0, mostAtoms);
-    const auto reply = owned(xcb_get_property_reply(m_connection, cookie, nullptr));
+    const X11Reply<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(m_connection, cookie, nullptr));
     if (!reply || reply->format != 32)
         return false;
     auto *const atoms = static_cast<xcb_atom_t *>(xcb_get_property_value(reply.get()));

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "platform/x11/SelectionContent.h"
+#include "platform/x11/X11Reply.h"
 
 #include <chrono>
 #include <functional>
@@ -85,7 +86,7 @@ private:
     bool m_isReady = true;
     std::vector<xcb_selection_request_event_t> m_waiting;
     std::vector<Transfer> m_transfers;
-    std::vector<std::unique_ptr<xcb_generic_event_t, decltype(&std::free)>> m_backlog;
+    std::vector<X11Reply<xcb_generic_event_t>> m_backlog;
 };
 
 } // namespace tovek

@@ -3,24 +3,17 @@
 
 #pragma once
 
+#include "platform/x11/X11Reply.h"
+
 #include <QString>
 
 #include <array>
-#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <xcb/render.h>
 #include <xcb/xcb.h>
 
 namespace tovek {
-
-struct X11Free
-{
-    void operator()(void *memory) const { std::free(memory); }
-};
-/// What the xcb_..._reply functions return; null on an error.
-template <typename T>
-using X11Reply = std::unique_ptr<T, X11Free>;
 
 enum class X11Atom {
     activeWindow,

@@ -3,6 +3,8 @@
 
 #include "platform/x11/X11DecalCache.h"
 
+#include "platform/x11/X11Requests.h"
+
 #include <algorithm>
 
 namespace tovek {
@@ -56,14 +58,7 @@ xcb_render_picture_t X11DecalCache::upload(const QImage &image)
         m_gc = xcb_generate_id(xcb);
         xcb_create_gc(xcb, m_gc, pixmap, 0, nullptr);
     }
-    const qsizetype limit = qsizetype(xcb_get_maximum_request_length(xcb)) * 4 - 64;
-    const int rows = int(std::max<qsizetype>(1, limit / image.bytesPerLine()));
-    for (int y = 0; y < image.height(); y += rows) {
-        const int count = std::min(rows, image.height() - y);
-        xcb_put_image(xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, m_gc, uint16_t(image.width()),
-                      uint16_t(count), 0, int16_t(y), 0, 32, uint32_t(image.bytesPerLine() * count),
-                      image.constScanLine(y));
-    }
+    x11PutImage(xcb, pixmap, m_gc, 32, image);
     const xcb_render_picture_t picture = xcb_generate_id(xcb);
     xcb_render_create_picture(xcb, picture, pixmap, m_connection->renderFormats()->argb32, 0,
                               nullptr);

@@ -4,6 +4,7 @@
 #include "platform/x11/X11HotKeys.h"
 
 #include "platform/linux/ScreenLock.h"
+#include "platform/x11/X11Requests.h"
 #include "platform/x11/X11ScreenLock.h"
 
 #include <algorithm>
@@ -18,14 +19,6 @@ namespace tovek {
 using namespace std::chrono_literals;
 
 namespace {
-
-template <typename Reply>
-struct Free
-{
-    void operator()(Reply *reply) const { std::free(reply); }
-};
-template <typename Reply>
-using ReplyPointer = std::unique_ptr<Reply, Free<Reply>>;
 
 /// Servers repeat a held key after 660 ms, unless the user chose otherwise.
 constexpr auto holdDelay = 350ms;
@@ -69,7 +62,7 @@ void X11HotKeys::setUpExtensions()
     xcb_connection_t *connection = m_connection.get();
     const auto xkbCookie = xcb_xkb_use_extension(connection, 1, 0);
     const auto inputCookie = xcb_input_xi_query_version(connection, 2, 2);
-    const ReplyPointer<xcb_xkb_use_extension_reply_t> xkb(
+    const X11Reply<xcb_xkb_use_extension_reply_t> xkb(
         xcb_xkb_use_extension_reply(connection, xkbCookie, nullptr));
     if (xkb && xkb->supported) {
         // A key that is held sends presses only, and one release at its end.
@@ -79,7 +72,7 @@ void X11HotKeys::setUpExtensions()
         xcb_discard_reply(connection, cookie.sequence);
     }
     // Since 2.1, raw events come whoever holds the keyboard.
-    const ReplyPointer<xcb_input_xi_query_version_reply_t> version(
+    const X11Reply<xcb_input_xi_query_version_reply_t> version(
         xcb_input_xi_query_version_reply(connection, inputCookie, nullptr));
     if (version
         && std::pair<int, int>(version->major_version, version->minor_version) >= std::pair(2, 1))
@@ -159,7 +152,7 @@ void X11HotKeys::setRawMask(quint32 mask)
 void X11HotKeys::takeEvents()
 {
     while (xcb_generic_event_t *event = xcb_poll_for_event(m_connection.get()))
-        m_events.push_back(Event(event, &std::free));
+        m_events.push_back(Event(event));
     if (m_isLost || !xcb_connection_has_error(m_connection.get()))
         return;
     m_isLost = true;
@@ -244,7 +237,7 @@ void X11HotKeys::rawPress(xcb_keycode_t keycode, xcb_timestamp_t time)
     if (!m_grabs.containsKey(keycode) || findPress(keycode))
         return;
     // Where the grab fires, its event is in the queue by the time this reply is.
-    const ReplyPointer<xcb_query_pointer_reply_t> pointer(xcb_query_pointer_reply(
+    const X11Reply<xcb_query_pointer_reply_t> pointer(xcb_query_pointer_reply(
         m_connection.get(), xcb_query_pointer(m_connection.get(), m_root), nullptr));
     takeEvents();
     const bool isCoreComing = std::any_of(m_events.begin(), m_events.end(), [&](const Event &e) {
@@ -258,7 +251,7 @@ void X11HotKeys::rawPress(xcb_keycode_t keycode, xcb_timestamp_t time)
         return;
     arm(*id, keycode, time);
     // Its release may have passed before releases were watched.
-    if (findPress(keycode) && !isKeyDown(m_connection.get(), keycode))
+    if (findPress(keycode) && !x11IsKeyDown(m_connection.get(), keycode))
         keyReleased(keycode, time, false);
 }
 
@@ -301,13 +294,13 @@ void X11HotKeys::holdKeyboard()
     // A release that got lost must not end in a grab that nothing ends.
     const std::vector<Press> presses = m_presses;
     for (const Press &press : presses) {
-        if (!isKeyDown(m_connection.get(), press.keycode))
+        if (!x11IsKeyDown(m_connection.get(), press.keycode))
             keyReleased(press.keycode, press.time, false);
     }
     dispatchLater();
     if (m_presses.empty())
         return;
-    const ReplyPointer<xcb_grab_keyboard_reply_t> reply(
+    const X11Reply<xcb_grab_keyboard_reply_t> reply(
         xcb_grab_keyboard_reply(m_connection.get(),
                                 xcb_grab_keyboard(m_connection.get(), 0, m_root, XCB_CURRENT_TIME,
                                                   XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),

@@ -6,6 +6,7 @@
 #include "platform/HotKeys.h"
 #include "platform/x11/X11KeyGrabs.h"
 #include "platform/x11/X11RawKeyFilter.h"
+#include "platform/x11/X11Reply.h"
 
 #include <QSocketNotifier>
 #include <QTimer>
@@ -54,7 +55,7 @@ private:
         xcb_timestamp_t time = 0;
         bool isGrabbed = false; ///< we hold the keyboard for it
     };
-    using Event = std::unique_ptr<xcb_generic_event_t, decltype(&std::free)>;
+    using Event = X11Reply<xcb_generic_event_t>;
 
     explicit X11HotKeys(xcb_connection_t *connection);
     void setUpExtensions();

@@ -5,10 +5,9 @@
 
 #include "foundation/Log.h"
 #include "platform/linux/KeyCodes.h"
+#include "platform/x11/X11Reply.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 
 namespace tovek {
 
@@ -131,8 +130,7 @@ int X11KeyGrabs::grabKeys(const Grab &grab)
     }
     int status = 0;
     for (const xcb_void_cookie_t cookie : cookies) {
-        const std::unique_ptr<xcb_generic_error_t, decltype(&std::free)> error(
-            xcb_request_check(m_connection, cookie), &std::free);
+        const X11Reply<xcb_generic_error_t> error(xcb_request_check(m_connection, cookie));
         if (error && status == 0)
             status = error->error_code;
     }

@@ -3,6 +3,8 @@
 
 #include "platform/x11/X11KeyboardHold.h"
 
+#include "platform/x11/X11Requests.h"
+
 #include <QCoreApplication>
 
 #include <array>
@@ -90,7 +92,8 @@ void X11KeyboardHold::release(QWindow &window)
         return;
     m_hasKeyboard = false;
     // The root window stays viewable: unmapping ours would end the grab.
-    if (m_lastKey && isDown(m_lastKey) && grab(m_connection->root()) == XCB_GRAB_STATUS_SUCCESS)
+    if (m_lastKey && x11IsKeyDown(m_connection->xcb(), m_lastKey)
+        && grab(m_connection->root()) == XCB_GRAB_STATUS_SUCCESS)
         m_lingering.start();
     else
         ungrab();
@@ -110,7 +113,8 @@ bool X11KeyboardHold::nativeEventFilter(const QByteArray &, void *message, qintp
     } else if (type == XCB_KEY_PRESS && m_hasKeyboard) {
         m_lastKey = event->detail;
     } else if (type == XCB_KEY_RELEASE && m_lingering.isActive() && event->detail == m_lastKey
-               && !isDown(m_lastKey)) { // a key that repeats comes up between two presses
+               && !x11IsKeyDown(m_connection->xcb(),
+                                m_lastKey)) { // a key that repeats comes up between two presses
         ungrab();
     }
     return false;
@@ -146,14 +150,6 @@ void X11KeyboardHold::ungrab()
     m_lastKey = 0;
     xcb_ungrab_keyboard(m_connection->xcb(), XCB_CURRENT_TIME);
     m_connection->flush();
-}
-
-bool X11KeyboardHold::isDown(uint8_t keycode) const
-{
-    xcb_connection_t *xcb = m_connection->xcb();
-    const X11Reply<xcb_query_keymap_reply_t> keys(
-        xcb_query_keymap_reply(xcb, xcb_query_keymap(xcb), nullptr));
-    return keys && (keys->keys[keycode / 8] & (1 << (keycode % 8)));
 }
 
 } // namespace tovek

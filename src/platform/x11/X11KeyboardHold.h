@@ -37,7 +37,6 @@ private:
     void attempt();
     void sendEscape();
     void ungrab();
-    bool isDown(uint8_t keycode) const;
 
     std::shared_ptr<X11Connection> m_connection;
     QPointer<QWindow> m_window;

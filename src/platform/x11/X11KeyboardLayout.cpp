@@ -4,8 +4,8 @@
 #include "platform/x11/X11KeyboardLayout.h"
 
 #include "platform/linux/KeyCodes.h"
+#include "platform/x11/X11Reply.h"
 
-#include <cstdlib>
 #include <xkbcommon/xkbcommon-x11.h>
 #define explicit explicit_
 #include <xcb/xkb.h>
@@ -138,13 +138,12 @@ void X11KeyboardLayout::readEvents()
 {
     bool isNewMap = false;
     bool isNewGroup = false;
-    while (xcb_generic_event_t *event = xcb_poll_for_event(m_connection.get())) {
+    while (const X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection.get())}) {
         if ((event->response_type & 0x7f) == m_firstEvent) {
             const bool isState = event->pad0 == XCB_XKB_STATE_NOTIFY;
             isNewMap = isNewMap || !isState;
             isNewGroup = isNewGroup || isState;
         }
-        std::free(event);
     }
     // The hot keys' connection tells of its end; this one just falls silent.
     if (xcb_connection_has_error(m_connection.get()) && m_notifier)
@@ -183,11 +182,9 @@ xkb_keymap *X11KeyboardLayout::keymap() const
 
 quint32 X11KeyboardLayout::activeGroup() const
 {
-    const std::unique_ptr<xcb_xkb_get_state_reply_t, decltype(&std::free)> state(
-        xcb_xkb_get_state_reply(m_connection.get(),
-                                xcb_xkb_get_state(m_connection.get(), XCB_XKB_ID_USE_CORE_KBD),
-                                nullptr),
-        &std::free);
+    const X11Reply<xcb_xkb_get_state_reply_t> state(xcb_xkb_get_state_reply(
+        m_connection.get(), xcb_xkb_get_state(m_connection.get(), XCB_XKB_ID_USE_CORE_KBD),
+        nullptr));
     return state ? state->group : 0;
 }
 

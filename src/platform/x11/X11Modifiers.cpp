@@ -3,23 +3,15 @@
 
 #include "platform/x11/X11Modifiers.h"
 
+#include "platform/x11/X11Reply.h"
+
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 #include <xcb/xcb.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 namespace tovek {
 
 namespace {
-
-template <typename Reply>
-struct Free
-{
-    void operator()(Reply *reply) const { std::free(reply); }
-};
-template <typename Reply>
-using ReplyPointer = std::unique_ptr<Reply, Free<Reply>>;
 
 struct ModifierKey
 {
@@ -89,9 +81,9 @@ X11Modifiers X11Modifiers::read(xcb_connection_t *connection)
     const auto mapCookie = xcb_get_modifier_mapping(connection);
     const auto symsCookie =
         xcb_get_keyboard_mapping(connection, first, uint8_t(setup->max_keycode - first + 1));
-    const ReplyPointer<xcb_get_modifier_mapping_reply_t> map(
+    const X11Reply<xcb_get_modifier_mapping_reply_t> map(
         xcb_get_modifier_mapping_reply(connection, mapCookie, nullptr));
-    const ReplyPointer<xcb_get_keyboard_mapping_reply_t> syms(
+    const X11Reply<xcb_get_keyboard_mapping_reply_t> syms(
         xcb_get_keyboard_mapping_reply(connection, symsCookie, nullptr));
     X11Modifiers modifiers;
     modifiers.locks = XCB_MOD_MASK_LOCK;

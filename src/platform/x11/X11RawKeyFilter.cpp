@@ -4,12 +4,9 @@
 #include "platform/x11/X11RawKeyFilter.h"
 
 #include "platform/linux/KeyCodes.h"
+#include "platform/x11/X11Requests.h"
 
 #include <QCoreApplication>
-
-#include <cstdlib>
-#include <memory>
-#include <xcb/xcb.h>
 
 namespace tovek {
 
@@ -82,7 +79,7 @@ bool X11RawKeyFilter::release(int keycode, quint32 time)
         return m_released.isSwallowed;
     }
     // The toolkit's connection gets a release before each repeat of a key that is held.
-    if (isKeyDown(m_connection, keycode))
+    if (x11IsKeyDown(m_connection, keycode))
         return found->second.isSwallowed;
     // With the modifiers of the press, since these may have been let go first.
     const Press press = found->second;
@@ -90,13 +87,6 @@ bool X11RawKeyFilter::release(int keycode, quint32 time)
     m_released = {keycode, time, press.isSwallowed};
     m_handler(press.combo, false);
     return press.isSwallowed;
-}
-
-bool isKeyDown(xcb_connection_t *connection, int keycode)
-{
-    const std::unique_ptr<xcb_query_keymap_reply_t, decltype(&std::free)> keymap(
-        xcb_query_keymap_reply(connection, xcb_query_keymap(connection), nullptr), &std::free);
-    return keymap && (keymap->keys[keycode / 8] >> (keycode % 8) & 1);
 }
 
 } // namespace tovek

@@ -59,7 +59,4 @@ private:
     bool m_isWatching = false;
 };
 
-/// True when the key is held down now; one round trip.
-bool isKeyDown(xcb_connection_t *connection, int keycode);
-
 } // namespace tovek

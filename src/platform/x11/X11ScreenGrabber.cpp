@@ -6,6 +6,7 @@
 #include "foundation/Log.h"
 #include "foundation/WhenReady.h"
 #include "platform/x11/X11PixelFormat.h"
+#include "platform/x11/X11Requests.h"
 
 #include <algorithm>
 #include <map>
@@ -27,22 +28,6 @@ std::vector<QSize> sizesOf(const std::vector<X11Monitor> &monitors)
     for (const X11Monitor &monitor : monitors)
         sizes.push_back(monitor.native.size());
     return sizes;
-}
-
-/// Brings an image of the root's layout into the pixmap, in pieces that fit into one request.
-void upload(X11Connection &connection, const X11Pixmap &pixmap, const QImage &image)
-{
-    xcb_connection_t *xcb = connection.xcb();
-    const qsizetype bytesPerLine = image.bytesPerLine();
-    const qsizetype limit = qsizetype(xcb_get_maximum_request_length(xcb)) * 4 - 64;
-    const int rows = int(std::max<qsizetype>(1, limit / bytesPerLine));
-    for (int y = 0; y < image.height(); y += rows) {
-        const int count = std::min(rows, image.height() - y);
-        xcb_put_image(xcb, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap.id(), connection.copyGc(),
-                      uint16_t(image.width()), uint16_t(count), 0, int16_t(y), 0,
-                      connection.screen().root_depth, uint32_t(bytesPerLine * count),
-                      image.constScanLine(y));
-    }
 }
 
 } // namespace
@@ -69,7 +54,8 @@ X11FrozenDisplay::fromImage(std::shared_ptr<X11Connection> connection, const QIm
     const xcb_setup_t *setup = xcb_get_setup(connection->xcb());
     const X11PixelFormat format = x11RootFormat(*setup, connection->screen());
     if (format.format != QImage::Format_Invalid && pixmap->error().isEmpty())
-        upload(*connection, *pixmap, image.convertToFormat(format.format));
+        x11PutImage(connection->xcb(), pixmap->id(), connection->copyGc(),
+                    connection->screen().root_depth, image.convertToFormat(format.format));
     return std::shared_ptr<X11FrozenDisplay>(new X11FrozenDisplay(pixmap, image));
 }
 

@@ -3,11 +3,11 @@
 
 #include "platform/x11/X11ScreenLock.h"
 
+#include "platform/x11/X11Reply.h"
+
 #include <QRect>
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -22,26 +22,18 @@ namespace {
 /// xsecurelock 1.5.1 leaves the outermost pixels free below what it composes.
 constexpr int missingEdge = 2;
 
-template <typename Reply>
-struct Free
-{
-    void operator()(Reply *reply) const { std::free(reply); }
-};
-template <typename Reply>
-using ReplyPointer = std::unique_ptr<Reply, Free<Reply>>;
-
 /// False for the window that a compositing manager draws on: it lies over everything, but clicks
 /// fall through it.
 bool takesInput(xcb_connection_t *connection, xcb_window_t window)
 {
-    const ReplyPointer<xcb_shape_get_rectangles_reply_t> shape(xcb_shape_get_rectangles_reply(
+    const X11Reply<xcb_shape_get_rectangles_reply_t> shape(xcb_shape_get_rectangles_reply(
         connection, xcb_shape_get_rectangles(connection, window, XCB_SHAPE_SK_INPUT), nullptr));
     return !shape || shape->rectangles_len > 0;
 }
 
 xcb_atom_t atom(xcb_connection_t *connection, std::string_view name)
 {
-    const ReplyPointer<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+    const X11Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
         connection, xcb_intern_atom(connection, true, uint16_t(name.size()), name.data()),
         nullptr));
     return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
@@ -54,7 +46,7 @@ bool isNotification(xcb_connection_t *connection, xcb_window_t window)
     const xcb_atom_t notification = atom(connection, "_NET_WM_WINDOW_TYPE_NOTIFICATION");
     if (type == XCB_ATOM_NONE || notification == XCB_ATOM_NONE)
         return false;
-    const ReplyPointer<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+    const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
         connection, xcb_get_property(connection, 0, window, type, XCB_ATOM_ATOM, 0, 16), nullptr));
     if (!reply || reply->format != 32)
         return false;
@@ -72,9 +64,9 @@ std::optional<Viewable> viewable(xcb_connection_t *connection, xcb_window_t wind
 {
     const auto attributesCookie = xcb_get_window_attributes(connection, window);
     const auto geometryCookie = xcb_get_geometry(connection, window);
-    const ReplyPointer<xcb_get_window_attributes_reply_t> attributes(
+    const X11Reply<xcb_get_window_attributes_reply_t> attributes(
         xcb_get_window_attributes_reply(connection, attributesCookie, nullptr));
-    const ReplyPointer<xcb_get_geometry_reply_t> geometry(
+    const X11Reply<xcb_get_geometry_reply_t> geometry(
         xcb_get_geometry_reply(connection, geometryCookie, nullptr));
     if (!attributes || !geometry || attributes->map_state != XCB_MAP_STATE_VIEWABLE)
         return std::nullopt;
@@ -85,7 +77,7 @@ std::optional<Viewable> viewable(xcb_connection_t *connection, xcb_window_t wind
 std::vector<QRect> monitorsOf(xcb_connection_t *connection, xcb_window_t root)
 {
     std::vector<QRect> rects;
-    const ReplyPointer<xcb_randr_get_monitors_reply_t> monitors(xcb_randr_get_monitors_reply(
+    const X11Reply<xcb_randr_get_monitors_reply_t> monitors(xcb_randr_get_monitors_reply(
         connection, xcb_randr_get_monitors(connection, root, 1), nullptr));
     if (!monitors)
         return rects;
@@ -101,7 +93,7 @@ std::vector<QRect> monitorsOf(xcb_connection_t *connection, xcb_window_t root)
 bool isTopmostWindowCovering(xcb_connection_t *connection)
 {
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
-    const ReplyPointer<xcb_query_tree_reply_t> tree(
+    const X11Reply<xcb_query_tree_reply_t> tree(
         xcb_query_tree_reply(connection, xcb_query_tree(connection, root), nullptr));
     if (!tree)
         return false;

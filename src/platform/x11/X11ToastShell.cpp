@@ -4,6 +4,8 @@
 #include "platform/x11/X11ToastShell.h"
 
 #include "platform/x11/QtXcb.h"
+#include "platform/x11/X11Reply.h"
+#include "platform/x11/X11Requests.h"
 
 #include <QDeadlineTimer>
 #include <QThread>
@@ -33,7 +35,7 @@ xcb_visualid_t visualOfDepth(int depth)
 void roundTrip()
 {
     xcb_connection_t *c = QtXcb::connection();
-    const QtXcb::ReplyPtr<xcb_get_input_focus_reply_t> reply(
+    const X11Reply<xcb_get_input_focus_reply_t> reply(
         xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr));
 }
 
@@ -103,7 +105,7 @@ private:
     void put()
     {
         if (!m_picture.isNull())
-            QtXcb::putImage(m_window, m_gc, m_depth, m_picture);
+            x11PutImage(QtXcb::connection(), m_window, m_gc, m_depth, m_picture);
         xcb_flush(m_connection);
     }
 
@@ -132,7 +134,7 @@ private:
         xcb_create_pixmap(m_connection, uint8_t(m_depth), below, root, uint16_t(m_native.width()),
                           uint16_t(m_native.height()));
         if (const auto picture = QtXcb::inDepth(empty, m_depth))
-            QtXcb::putImage(below, m_gc, m_depth, *picture);
+            x11PutImage(QtXcb::connection(), below, m_gc, m_depth, *picture);
         xcb_unmap_window(m_connection, m_window);
         xcb_copy_area(m_connection, below, root, gc, 0, 0, int16_t(m_native.x()),
                       int16_t(m_native.y()), uint16_t(m_native.width()),

@@ -4,6 +4,7 @@
 #include "platform/x11/X11TrayItem.h"
 
 #include "platform/x11/QtXcb.h"
+#include "platform/x11/X11Reply.h"
 #include "platform/x11/X11TrayWindow.h"
 
 #include <QGuiApplication>
@@ -21,7 +22,7 @@ constexpr const char *selection = "_NET_SYSTEM_TRAY_S0";
 QByteArray stringProperty(xcb_window_t window, xcb_atom_t property)
 {
     xcb_connection_t *c = QtXcb::connection();
-    const QtXcb::ReplyPtr<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+    const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
         c, xcb_get_property(c, false, window, property, XCB_GET_PROPERTY_TYPE_ANY, 0, 64),
         nullptr));
     return reply ? QByteArray(static_cast<char *>(xcb_get_property_value(reply.get())),

@@ -4,6 +4,7 @@
 #include "platform/x11/XSettings.h"
 
 #include "platform/x11/QtXcb.h"
+#include "platform/x11/X11Reply.h"
 
 #include <QtEndian>
 
@@ -101,7 +102,7 @@ bool areEventSoundsEnabled()
         return true;
     const xcb_atom_t settings = QtXcb::atom("_XSETTINGS_SETTINGS");
     constexpr uint32_t most = 1 << 16;
-    const QtXcb::ReplyPtr<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+    const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
         c, xcb_get_property(c, false, daemon, settings, settings, 0, most), nullptr));
     if (!reply)
         return true;
