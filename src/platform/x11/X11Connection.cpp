@@ -24,7 +24,6 @@ constexpr std::array<const char *, size_t(X11Atom::count)> atomNames{
     "_NET_WM_STATE",
     "_NET_WM_STATE_SKIP_PAGER",
     "_NET_WM_STATE_SKIP_TASKBAR",
-    "_NET_WM_STRUT",
     "_NET_WM_STRUT_PARTIAL",
     "_NET_WORKAREA",
 };

@@ -27,7 +27,6 @@ enum class X11Atom {
     wmState,
     wmStateSkipPager,
     wmStateSkipTaskbar,
-    wmStrut,
     wmStrutPartial,
     workArea,
     count
