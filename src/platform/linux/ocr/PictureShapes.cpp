@@ -18,6 +18,8 @@ constexpr std::size_t mostInIcon = 3;
 /// Characters from here on may be squares themselves.
 constexpr char16_t firstIdeograph = 0x2E80;
 constexpr int leastSquare = 6;
+/// Of half the width.
+constexpr double solidRadius = 0.8;
 
 /// The unit's ink as strokes.
 class Strokes
@@ -60,6 +62,21 @@ public:
             && std::min(left, right) * 10 >= m_height * 9;
     }
 
+    /// Ink in all of the middle, as in a bullet or a point that shows a state; letters have
+    /// hollows.
+    bool isSolid() const
+    {
+        for (int y = 0; y < m_height; ++y) {
+            for (int x = 0; x < m_width; ++x) {
+                const double dx = (x + 0.5) * 2 / m_width - 1;
+                const double dy = (y + 0.5) * 2 / m_height - 1;
+                if (dx * dx + dy * dy < solidRadius * solidRadius && !at(x, y))
+                    return false;
+            }
+        }
+        return true;
+    }
+
 private:
     const std::vector<std::uint8_t> &m_glyph;
     int m_width;
@@ -72,6 +89,15 @@ bool isSquare(const InkSymbol &symbol)
         return false;
     const Strokes strokes(symbol);
     return strokes.isSquare() && (strokes.filled() > 0.95 || strokes.hasAllSides());
+}
+
+/// A small letter in bold type may be as solid, but does not stand by itself.
+bool isBullet(const InkSymbol &symbol)
+{
+    if (symbol.glyph.empty())
+        return false;
+    const Strokes strokes(symbol);
+    return strokes.isSquare() && strokes.isSolid();
 }
 
 /// Where the upper and lower edge of a character may lie, in cap heights above the baseline.
@@ -133,7 +159,10 @@ void erasePictures(std::vector<InkSymbol> &symbols, const LetterMetrics &metrics
         std::size_t end = i + 1;
         while (end < symbols.size() && symbols[end].unit == symbols[i].unit)
             ++end;
-        if (isSquare(symbols[i]) && symbols[i].unit.height() > metrics.xHeight * 0.5)
+        const bool isAlone =
+            (i == 0 || symbols[i].startsWord) && (end == symbols.size() || symbols[end].startsWord);
+        const bool isPicture = isSquare(symbols[i]) || (isAlone && isBullet(symbols[i]));
+        if (isPicture && symbols[i].unit.height() > metrics.xHeight * 0.5)
             erase(symbols, i, end);
         else
             i = end;

@@ -6,6 +6,8 @@
 #include <QRegularExpression>
 #include <QTest>
 
+#include <cmath>
+
 using namespace tovek;
 
 namespace {
@@ -74,6 +76,33 @@ private Q_SLOTS:
         erasePictures(symbols, uncertain);
         QCOMPARE(textOf(symbols), isErased ? QString("a") : QString("Oa"));
         QVERIFY(symbols.front().startsWord);
+    }
+
+    void leavesOutBulletsThatStandByThemselves_data()
+    {
+        QTest::addColumn<bool>("isAlone");
+        QTest::addColumn<int>("hollow");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("bullet") << true << 0 << "ab";
+        QTest::newRow("in a word") << false << 0 << "@ab";
+        QTest::newRow("ring") << true << 2 << "@ ab";
+    }
+    void leavesOutBulletsThatStandByThemselves()
+    {
+        QFETCH(bool, isAlone);
+        QFETCH(int, hollow);
+        QFETCH(QString, expected);
+        InkSymbol disc = symbol("@", QRect(0, 1, 8, 8), true);
+        for (int y = 0; y < 8; ++y) {
+            for (int x = 0; x < 8; ++x) {
+                const double radius = std::hypot(x - 3.5, y - 3.5);
+                disc.glyph[std::size_t(y) * 8 + x] = radius < 4.2 && radius > hollow ? 255 : 0;
+            }
+        }
+        std::vector<InkSymbol> symbols{disc, symbol("a", QRect(14, 3, 6, 7), isAlone),
+                                       symbol("b", QRect(22, 0, 6, 10), false)};
+        erasePictures(symbols, metrics);
+        QCOMPARE(textOf(symbols), expected);
     }
 
     void leavesOutWhatDoesNotStandOnTheLine_data()
