@@ -49,6 +49,12 @@ struct FlatArea
     int longestRow = 0;
     int longestColumn = 0;
 
+    /// Called for the pixels on its border.
+    void meet(int x, int y, const QImage &image)
+    {
+        box |= QRect(x, y, 1, 1);
+        color = reinterpret_cast<const QRgb *>(image.constScanLine(y))[x];
+    }
     Surface kind() const
     {
         if (std::max(longestRow, longestColumn) < longStretch)
@@ -113,9 +119,10 @@ void Surfaces::measure(std::uint32_t count)
             row = left ? row + 1 : 1;
             columns[x] = up ? columns[x] + 1 : 1;
             ++area.area;
-            area.box |= QRect(x, y, 1, 1);
-            area.color = reinterpret_cast<const QRgb *>(m_image.constScanLine(y))[x];
-            area.inner += (left || x == 0) && (up || y == 0) && right && down;
+            const bool isInner = (left || x == 0) && (up || y == 0) && right && down;
+            area.inner += isInner;
+            if (!isInner || x == 0 || y == 0 || x + 1 == width || y + 1 == height)
+                area.meet(x, y, m_image);
             area.longestRow = std::max(area.longestRow, row);
             area.longestColumn = std::max(area.longestColumn, columns[x]);
         }
