@@ -10,12 +10,13 @@
 #include "capture/PngEncoder.h"
 #include "foundation/Log.h"
 #include "look/Look.h"
+#include "overlay/OverlayPicture.h"
 #include "platform/Clock.h"
 #include "platform/FrontmostApp.h"
 #include "platform/Platform.h"
 #include "update/UpdaterManager.h"
 
-#include <QCoreApplication>
+#include <QGuiApplication>
 
 namespace tovek {
 
@@ -105,7 +106,7 @@ void AppDelegate::applicationDidFinishLaunching(Launch launch, HotkeyManager &ho
         m_services.notificationManager->requestAuthorization();
     m_platform.clock->after(warmUpDelay, this, [this] {
         if (!m_overlayController.isCapturing())
-            m_overlayController.warmUp();
+            OverlayArtist::warmUp(QGuiApplication::font());
     });
     restSoon();
     if (launch == Launch::inBackground)

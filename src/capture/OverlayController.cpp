@@ -7,14 +7,12 @@
 #include "capture/ScreenshotService.h"
 #include "foundation/Log.h"
 #include "foundation/WhenReady.h"
-#include "overlay/OverlayPicture.h"
 #include "overlay/OverlayWindow.h"
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
 #include "text/TextLines.h"
 
 #include <QFileInfo>
-#include <QGuiApplication>
 
 #include <algorithm>
 
@@ -37,20 +35,16 @@ constexpr std::chrono::milliseconds cursorDelays[] = {10ms, 30ms,  50ms,  70ms,
 
 } // namespace
 
-OverlayController::OverlayController(Services services) : m_services(std::move(services)) { }
+OverlayController::OverlayController(Services services)
+    : m_services(std::move(services))
+    , m_text(m_services.recognizeText)
+{
+}
 
 OverlayController::~OverlayController()
 {
     qDeleteAll(m_overlayWindows);
     qDeleteAll(m_leavingWindows);
-}
-
-void OverlayController::warmUp()
-{
-    OverlayPicture picture;
-    picture.space = {{640, 480}, 1};
-    picture.selection = Rect{100, 100, 320, 240};
-    OverlayArtist(QGuiApplication::font()).draw(picture);
 }
 
 void OverlayController::prepare()
@@ -74,7 +68,7 @@ void OverlayController::startCapture(CaptureMode mode)
     }
     m_isCapturing = true;
     m_captureMode = mode;
-    m_leavingDisplays.clear();
+    m_captured.forgetLeaving();
     ++m_session;
     if (m_services.willFreeze)
         m_services.willFreeze();
@@ -96,22 +90,17 @@ void OverlayController::startCapture(CaptureMode mode)
 
 std::optional<Screen> OverlayController::startingScreen() const
 {
-    const auto screens = m_services.screens.all();
-    if (auto screen = screenContaining(screens, m_services.screens.mouseLocation()))
+    const Screens &screens = m_services.screens;
+    if (auto screen = screenContaining(screens.all(), screens.mouseLocation()))
         return screen;
-    if (auto screen = m_services.screens.main())
-        return screen;
-    return screens.empty() ? std::nullopt : std::optional(screens.front());
+    return mainOrFirst(screens);
 }
 
 std::optional<Screen> OverlayController::feedbackScreen() const
 {
     if (!m_overlayWindows.empty())
         return m_overlayWindows.front()->targetScreen();
-    if (auto screen = m_services.screens.main())
-        return screen;
-    const auto screens = m_services.screens.all();
-    return screens.empty() ? std::nullopt : std::optional(screens.front());
+    return mainOrFirst(m_services.screens);
 }
 
 void OverlayController::captureStartingScreen(const Screen &screen, const ShareableContent &content)
@@ -152,7 +141,7 @@ void OverlayController::captureOtherScreens(const Screen &starting, const Sharea
 
 OverlayWindow *OverlayController::openOverlay(const CapturedDisplay &captured)
 {
-    m_capturedDisplays.push_back(captured);
+    m_captured.add(captured);
     const OverlayContext context{captured.screen,  captured.screenshot, m_captureMode,
                                  m_services.clock, m_services.defaults, m_services.keyboardLayout};
     // Not a member by value: a window outlives the session by the moment of its removal.
@@ -216,8 +205,7 @@ void OverlayController::fetchPixels()
     m_services.clock.after(pixelFetchDelay, this, [this, session = m_session] {
         if (session != m_session)
             return;
-        for (const CapturedDisplay &captured : m_capturedDisplays)
-            captured.screenshot->pixels();
+        m_captured.fetchPixels();
         if (m_services.didOpen)
             m_services.didOpen();
     });
@@ -236,15 +224,12 @@ void OverlayController::selectionComplete(const Rect &rect, const Screen &screen
 
 void OverlayController::copyImage(const Rect &rect, const Screen &screen)
 {
-    const CapturedDisplay *captured = capturedDisplay(screen);
-    if (!captured) {
-        logLine(QStringLiteral("No screenshot found for this screen"));
+    const std::optional<CapturedDisplay> captured = capturedDisplay(screen);
+    if (!captured)
         return;
-    }
-    const CapturedDisplay kept = *captured;
     cleanUp();
     confirm(QStringLiteral("Image copied to clipboard"), screen);
-    m_services.output.copySelection(kept.screenshot->pixels(), rect, screen);
+    m_services.output.copySelection(captured->screenshot->pixels(), rect, screen);
 }
 
 void OverlayController::copyAnnotatedImage(const Image &image)
@@ -257,16 +242,13 @@ void OverlayController::copyAnnotatedImage(const Image &image)
 
 void OverlayController::saveImage(const Rect &rect, const Screen &screen)
 {
-    const CapturedDisplay *captured = capturedDisplay(screen);
-    if (!captured) {
-        logLine(QStringLiteral("No screenshot found for this screen"));
+    const std::optional<CapturedDisplay> captured = capturedDisplay(screen);
+    if (!captured)
         return;
-    }
-    const CapturedDisplay kept = *captured;
     const QString path = m_services.output.saveLocation();
     cleanUp();
     confirm(QStringLiteral("Saved to %1").arg(QFileInfo(path).fileName()), screen);
-    m_services.output.saveSelection(kept.screenshot->pixels(), rect, screen, path);
+    m_services.output.saveSelection(captured->screenshot->pixels(), rect, screen, path);
 }
 
 void OverlayController::saveAnnotatedImage(const Image &image)
@@ -280,34 +262,20 @@ void OverlayController::saveAnnotatedImage(const Image &image)
 
 void OverlayController::recognizeText(const Rect &rect, const Screen &screen)
 {
-    const CapturedDisplay *captured = capturedDisplay(screen);
-    if (!captured) {
-        logLine(QStringLiteral("No screenshot found for this screen"));
+    const std::optional<CapturedDisplay> captured = capturedDisplay(screen);
+    if (!captured)
         return;
-    }
     if (!overlayWindow(screen)) {
         logLine(QStringLiteral("No overlay window found for this screen"));
         return;
     }
-    stopRecognition();
-    const auto isCurrent = [this, serial = m_recognitionSerial] {
-        return serial == m_recognitionSerial;
-    };
-    whenReady(captured->screenshot->pixels(), this, [=, this](const QImage &pixels) {
-        if (!isCurrent())
-            return;
-        const auto image = m_services.output.cropSelection(pixels, rect, screen);
-        if (!image) {
-            toast(QStringLiteral("Failed to process image"), xmark, screen);
-            return;
-        }
-        if (!m_services.recognizeText)
-            return;
-        m_recognition = m_services.recognizeText(*image);
-        whenReady(m_recognition, this, [=, this](const std::vector<TextRegion> &regions) {
-            if (isCurrent())
-                useText(regions, screen);
-        });
+    m_text.start({
+        captured->screenshot->pixels(),
+        [=, this](const QImage &pixels) {
+            return m_services.output.cropSelection(pixels, rect, screen);
+        },
+        [=, this] { toast(QStringLiteral("Failed to process image"), xmark, screen); },
+        [=, this](const std::vector<TextRegion> &regions) { useText(regions, screen); },
     });
 }
 
@@ -358,8 +326,7 @@ void OverlayController::screenGone(OverlayWindow *window)
     const Screen screen = window->targetScreen();
     std::erase(m_overlayWindows, window);
     m_leavingWindows.emplace_back(window);
-    std::erase_if(m_capturedDisplays,
-                  [&](const CapturedDisplay &captured) { return captured.screen == screen; });
+    m_captured.remove(screen);
     window->deleteLater();
     if (m_overlayWindows.empty())
         cleanUp();
@@ -368,28 +335,9 @@ void OverlayController::screenGone(OverlayWindow *window)
         m_overlayWindows.front()->makeKey();
 }
 
-void OverlayController::stopRecognition()
-{
-    m_recognition.cancel();
-    m_recognition = {};
-    ++m_recognitionSerial;
-}
-
-QImage OverlayController::frozenPixels(QRect native) const
-{
-    const auto &displays = m_capturedDisplays.empty() ? m_leavingDisplays : m_capturedDisplays;
-    for (const CapturedDisplay &captured : displays) {
-        const QRect screen = captured.screen.native;
-        const QFuture<QImage> pixels = captured.screenshot->pixels();
-        if (screen.contains(native) && pixels.isFinished() && pixels.resultCount() > 0)
-            return pixels.result().copy(native.translated(-screen.topLeft()));
-    }
-    return {};
-}
-
 void OverlayController::cleanUp()
 {
-    stopRecognition();
+    m_text.stop();
     if (m_previousApp)
         m_services.frontmostApp.activate(*m_previousApp);
     m_previousApp.reset();
@@ -402,11 +350,11 @@ void OverlayController::cleanUp()
         });
     }
     m_overlayWindows.clear();
-    m_leavingDisplays = std::exchange(m_capturedDisplays, {});
+    m_captured.leave();
     m_services.clock.after(overlayRemovalDelay, this, [this, session = m_session + 1] {
         if (session != m_session)
             return;
-        m_leavingDisplays.clear();
+        m_captured.forgetLeaving();
         if (m_services.didClose)
             m_services.didClose();
     });
@@ -418,12 +366,12 @@ void OverlayController::cleanUp()
     ++m_session;
 }
 
-const CapturedDisplay *OverlayController::capturedDisplay(const Screen &screen) const
+std::optional<CapturedDisplay> OverlayController::capturedDisplay(const Screen &screen) const
 {
-    const auto found =
-        std::find_if(m_capturedDisplays.begin(), m_capturedDisplays.end(),
-                     [&](const CapturedDisplay &captured) { return captured.screen == screen; });
-    return found == m_capturedDisplays.end() ? nullptr : &*found;
+    auto captured = m_captured.find(screen);
+    if (!captured)
+        logLine(QStringLiteral("No screenshot found for this screen"));
+    return captured;
 }
 
 OverlayWindow *OverlayController::overlayWindow(const Screen &screen) const

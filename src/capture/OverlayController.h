@@ -4,12 +4,11 @@
 #pragma once
 
 #include "capture/CaptureFeedback.h"
-#include "capture/CapturedDisplay.h"
+#include "capture/CapturedDisplays.h"
+#include "capture/SelectionText.h"
 #include "overlay/CaptureMode.h"
 #include "platform/FrontmostApp.h"
-#include "text/TextRegion.h"
 
-#include <QFuture>
 #include <QObject>
 #include <QPointer>
 
@@ -49,24 +48,19 @@ public:
         std::function<void()> willFreeze = {}; ///< what must not be in the picture goes now
         std::function<void()> didOpen = {}; ///< the overlays are up; nobody waits
         std::function<void()> didClose = {}; ///< the overlays are gone; results may still be made
-        /// Cancelling the future stops the work.
-        std::function<QFuture<std::vector<TextRegion>>(const Image &)> recognizeText = {};
+        SelectionText::Recognize recognizeText = {};
     };
 
     explicit OverlayController(Services services);
     ~OverlayController() override;
 
-    /// Loads what the first picture of the process would wait for: the font's files and tables.
-    /// Takes some tens of milliseconds, for when nobody waits.
-    void warmUp();
     /// A shortcut's key went down: a capture may follow when it comes up again.
     void prepare();
     /// Does nothing while a session runs.
     void startCapture(CaptureMode mode);
 
-    /// The frozen pixels in a rectangle (native, y down, global) while overlays still hide the
-    /// screen; a null image when none does, or when they are not at hand.
-    QImage frozenPixels(QRect native) const;
+    /// See CapturedDisplays::pixelsIn.
+    QImage frozenPixels(QRect native) const { return m_captured.pixelsIn(native); }
 
     bool isCapturing() const { return m_isCapturing; }
     const std::vector<OverlayWindow *> &overlayWindows() const { return m_overlayWindows; }
@@ -93,10 +87,10 @@ private:
     void copyAllText();
     void copyText(const std::vector<TextRegion> &regions);
     void screenGone(OverlayWindow *window);
-    void stopRecognition();
     void cleanUp();
 
-    const CapturedDisplay *capturedDisplay(const Screen &screen) const;
+    /// Absent, with a line in the log, when there is none.
+    std::optional<CapturedDisplay> capturedDisplay(const Screen &screen) const;
     OverlayWindow *overlayWindow(const Screen &screen) const;
     void toast(const QString &message, const char *symbol, const std::optional<Screen> &screen);
     void confirm(const QString &message, const std::optional<Screen> &screen);
@@ -104,8 +98,7 @@ private:
     Services m_services;
     std::vector<OverlayWindow *> m_overlayWindows; ///< owned
     std::vector<QPointer<OverlayWindow>> m_leavingWindows; ///< owned; gone once ordered out
-    std::vector<CapturedDisplay> m_capturedDisplays;
-    std::vector<CapturedDisplay> m_leavingDisplays; ///< under overlays that are about to go
+    CapturedDisplays m_captured;
     std::optional<Rect> m_selectedRect;
     std::optional<Screen> m_selectedScreen;
     bool m_isCapturing = false;
@@ -113,8 +106,7 @@ private:
     CaptureMode m_captureMode = CaptureMode::normal;
     std::optional<RunningApplication> m_previousApp;
     quint64 m_session = 0; ///< grows with each; results of an earlier one are dropped
-    QFuture<std::vector<TextRegion>> m_recognition; ///< of the last selection
-    quint64 m_recognitionSerial = 0; ///< grows with each; results of an earlier one are dropped
+    SelectionText m_text;
 };
 
 } // namespace tovek

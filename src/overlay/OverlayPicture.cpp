@@ -191,6 +191,14 @@ DisplayList OverlayArtist::draw(const OverlayPicture &picture)
     return list;
 }
 
+void OverlayArtist::warmUp(const QFont &font)
+{
+    OverlayPicture picture;
+    picture.space = {{640, 480}, 1};
+    picture.selection = Rect{100, 100, 320, 240};
+    OverlayArtist(font).draw(picture);
+}
+
 template <typename Draw>
 DisplayList::Decal OverlayArtist::decal(const Key &key, QSize size, Draw draw)
 {

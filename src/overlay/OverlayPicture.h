@@ -41,6 +41,10 @@ public:
 
     DisplayList draw(const OverlayPicture &picture);
 
+    /// Loads what the first picture of a process would wait for: the font's files and tables.
+    /// Takes some tens of milliseconds, for when nobody waits.
+    static void warmUp(const QFont &font);
+
 private:
     /// What a kept decal was drawn from; the meaning of the numbers is the kind's own.
     struct Key

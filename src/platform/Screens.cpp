@@ -14,4 +14,12 @@ std::optional<Screen> screenContaining(const std::vector<Screen> &screens, Point
     return std::nullopt;
 }
 
+std::optional<Screen> mainOrFirst(const Screens &screens)
+{
+    if (auto screen = screens.main())
+        return screen;
+    const std::vector<Screen> all = screens.all();
+    return all.empty() ? std::nullopt : std::optional(all.front());
+}
+
 } // namespace tovek

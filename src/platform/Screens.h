@@ -47,4 +47,7 @@ public:
 /// The first screen that contains the point; absent when none does.
 std::optional<Screen> screenContaining(const std::vector<Screen> &screens, Point point);
 
+/// The main screen, or the first where none is; absent without any.
+std::optional<Screen> mainOrFirst(const Screens &screens);
+
 } // namespace tovek

@@ -1,0 +1,39 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "capture/SelectionText.h"
+
+#include "foundation/WhenReady.h"
+
+namespace tovek {
+
+SelectionText::SelectionText(Recognize recognize) : m_recognize(std::move(recognize)) { }
+
+void SelectionText::start(const Request &request)
+{
+    stop();
+    const auto isCurrent = [this, serial = m_serial] { return serial == m_serial; };
+    whenReady(request.pixels, this, [=, this](const QImage &pixels) {
+        if (!isCurrent())
+            return;
+        const auto image = request.crop(pixels);
+        if (!image)
+            return request.onNoImage();
+        if (!m_recognize)
+            return;
+        m_recognition = m_recognize(*image);
+        whenReady(m_recognition, this, [=](const std::vector<TextRegion> &regions) {
+            if (isCurrent())
+                request.onRead(regions);
+        });
+    });
+}
+
+void SelectionText::stop()
+{
+    m_recognition.cancel();
+    m_recognition = {};
+    ++m_serial;
+}
+
+} // namespace tovek
