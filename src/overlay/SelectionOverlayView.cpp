@@ -218,7 +218,8 @@ void SelectionOverlayView::copy()
             return;
         }
     }
-    if (!m_state.selectionRect || withAnnotatedImage(callbacks.onCopyAnnotatedImage))
+    if (!m_state.selectionRect
+        || withAnnotatedImage(callbacks.onCopyAnnotatedImage, callbacks.onCopyImage))
         return;
     if (callbacks.onCopyImage)
         callbacks.onCopyImage(*m_state.selectionRect);
@@ -226,25 +227,29 @@ void SelectionOverlayView::copy()
 
 void SelectionOverlayView::save()
 {
-    if (!m_state.selectionRect || withAnnotatedImage(callbacks.onSaveAnnotatedImage))
+    if (!m_state.selectionRect
+        || withAnnotatedImage(callbacks.onSaveAnnotatedImage, callbacks.onSaveImage))
         return;
     if (callbacks.onSaveImage)
         callbacks.onSaveImage(*m_state.selectionRect);
 }
 
-bool SelectionOverlayView::withAnnotatedImage(std::function<void(const Image &)> &use)
+bool SelectionOverlayView::withAnnotatedImage(
+    const std::function<void(const Image &)> &use,
+    const std::function<void(const Rect &)> &withoutPixels)
 {
     if (m_editor.annotations.empty())
         return false;
-    const auto annotations = m_editor.annotations;
-    const Rect selection = *m_state.selectionRect;
-    whenReady(m_context.screenshot->pixels(), this,
-              [this, annotations, selection, &use](const QImage &pixels) {
-                  const auto image =
-                      AnnotationRenderer::render(annotations, {pixels, m_space.size}, selection);
-                  if (image && use)
-                      use(*image);
-              });
+    whenReady(
+        m_context.screenshot->pixels(), this,
+        [=, annotations = m_editor.annotations, size = m_space.size,
+         selection = *m_state.selectionRect](const QImage &pixels) {
+            const auto image = AnnotationRenderer::render(annotations, {pixels, size}, selection);
+            if (pixels.isNull() && withoutPixels)
+                withoutPixels(selection);
+            else if (image && use)
+                use(*image);
+        });
     return true;
 }
 

@@ -77,8 +77,10 @@ private:
     void handleCommand(OverlayKeyAction action, const KeyPress &key);
     void copy();
     void save();
-    /// Renders what is annotated and passes it on; false when there is nothing annotated.
-    bool withAnnotatedImage(std::function<void(const Image &)> &use);
+    /// Renders what is annotated and passes it on; false when there is nothing annotated. Where the
+    /// frozen pixels are lost, the selection is passed on without: whoever gets it says so.
+    bool withAnnotatedImage(const std::function<void(const Image &)> &use,
+                            const std::function<void(const Rect &)> &withoutPixels);
 
     void follow(const AnnotationEditor::Effect &effect);
     void commitText();

@@ -42,10 +42,10 @@ private:
 /// A window over a screen of 400 by 300 points at scale 2, and what it reported.
 struct Fixture
 {
-    explicit Fixture(CaptureMode mode = CaptureMode::normal)
+    explicit Fixture(CaptureMode mode = CaptureMode::normal,
+                     const QImage &frozen = plain({800, 600}))
         : screen(FakeScreens::screen(1, {0, 0, 400, 300}, 2))
-        , window({screen, std::make_shared<FakeFrozenDisplay>(plain({800, 600})), mode, clock,
-                  defaults},
+        , window({screen, std::make_shared<FakeFrozenDisplay>(frozen), mode, clock, defaults},
                  shell)
     {
         window.callbacks.onCancel = [this] { reports << QStringLiteral("cancel"); };
@@ -57,6 +57,12 @@ struct Fixture
         };
         window.callbacks.onSaveImage = [this](const Rect &rect) {
             reports << "save " + toString(rect);
+        };
+        window.callbacks.onCopyAnnotatedImage = [this](const Image &) {
+            reports << QStringLiteral("copy drawn");
+        };
+        window.callbacks.onSaveAnnotatedImage = [this](const Image &) {
+            reports << QStringLiteral("save drawn");
         };
         window.orderFrontRegardless();
     }
@@ -181,6 +187,29 @@ private Q_SLOTS:
         f.reports.clear();
         f.key(code, modifiers);
         QCOMPARE(f.reports, report.isEmpty() ? QStringList() : QStringList{report});
+    }
+
+    void tellsOfDrawingsAndWhereTheirPixelsAreLost_data()
+    {
+        QTest::addColumn<QImage>("frozen");
+        QTest::addColumn<QStringList>("reports");
+        const QString copied = QStringLiteral("copy (100, 120, 200, 130)");
+        const QString saved = QStringLiteral("save (100, 120, 200, 130)");
+        QTest::newRow("pixels at hand")
+            << plain({800, 600}) << QStringList{"copy drawn", "save drawn"};
+        QTest::newRow("pixels lost") << QImage() << QStringList{copied, saved};
+    }
+    void tellsOfDrawingsAndWhereTheirPixelsAreLost()
+    {
+        QFETCH(QImage, frozen);
+        Fixture f(CaptureMode::normal, frozen);
+        f.drag({100, 50}, {300, 180});
+        QTest::keyClick(f.view(), Qt::Key_R);
+        f.drag({150, 80}, {250, 150});
+        f.reports.clear();
+        f.key(Qt::Key_Return);
+        f.key(Qt::Key_S, Qt::ControlModifier);
+        QTEST(f.reports, "reports");
     }
 
     void cancelsBeforeAnySelection()

@@ -61,7 +61,10 @@ X11FrozenDisplay::fromImage(std::shared_ptr<X11Connection> connection, const QIm
 
 QFuture<QImage> X11FrozenDisplay::pixels()
 {
-    if (!m_pixels)
+    // The server still has what could not be brought over the last time.
+    const bool isLost = m_pixels && m_pixels->isFinished()
+        && (m_pixels->resultCount() == 0 || m_pixels->result().isNull());
+    if (!m_pixels || (isLost && m_fetcher))
         m_pixels = m_fetcher->fetch(m_pixmap, m_barrier);
     return *m_pixels;
 }
