@@ -177,9 +177,10 @@ void OverlayController::installCallbacks(OverlayWindow &window)
     callbacks.onSaveAnnotatedImage =
         weakly([this](const Image &image) { saveAnnotatedImage(image); });
     window.onScreenGone = weakly([this, w = &window] { screenGone(w); });
-    window.onKeyboardDenied = weakly([this] {
+    window.onKeyboardDenied = weakly([this, screen] {
         logLine(QStringLiteral("Failed to get the keyboard: another program holds it"));
         cleanUp();
+        toast(QStringLiteral("Another program holds the keyboard"), xmark, screen);
     });
 }
 

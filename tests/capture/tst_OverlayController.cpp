@@ -164,10 +164,17 @@ private Q_SLOTS:
     {
         ControllerFixture f;
         f.controller->startCapture(CaptureMode::normal);
-        LogCapture log;
-        f.shell.surfaces.at(0)->onKeyboardDenied();
+        QStringList lines;
+        {
+            LogCapture log; // what a failure says would go there too
+            f.shell.surfaces.at(0)->onKeyboardDenied();
+            lines = log.lines();
+        }
         QVERIFY(!f.controller->isCapturing());
-        QCOMPARE(log.lines().size(), 1);
+        QCOMPARE(lines.size(), 1);
+        QVERIFY2(f.events.join(',').contains(
+                     "toast Another program holds the keyboard [xmark.circle.fill] on 1"),
+                 qPrintable(f.events.join(',')));
     }
 };
 
