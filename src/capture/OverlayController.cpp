@@ -98,9 +98,8 @@ std::optional<Screen> OverlayController::startingScreen() const
 
 std::optional<Screen> OverlayController::feedbackScreen() const
 {
-    if (!m_overlayWindows.empty())
-        return m_overlayWindows.front()->targetScreen();
-    return mainOrFirst(m_services.screens);
+    return m_overlayWindows.empty() ? mainOrFirst(m_services.screens)
+                                    : std::optional(m_overlayWindows.front()->targetScreen());
 }
 
 void OverlayController::captureStartingScreen(const Screen &screen, const ShareableContent &content)
@@ -115,10 +114,9 @@ void OverlayController::captureStartingScreen(const Screen &screen, const Sharea
                       m_isCapturing = false;
                       return;
                   }
-                  OverlayWindow *window = openOverlay(*captured);
+                  openOverlay(*captured, Keyboard::taken);
                   m_previousApp = m_services.frontmostApp.frontmost();
                   m_services.frontmostApp.setActivationPolicy(ActivationPolicy::accessory);
-                  window->makeKey();
                   setCaptureCursors();
                   captureOtherScreens(screen, content);
                   fetchPixels();
@@ -134,12 +132,12 @@ void OverlayController::captureOtherScreens(const Screen &starting, const Sharea
         whenReady(m_services.screenshots.captureScreen(screen, content, {}), this,
                   [this, session](const ScreenshotService::Captured &captured) {
                       if (captured && session == m_session && m_isCapturing)
-                          openOverlay(*captured);
+                          openOverlay(*captured, Keyboard::left);
                   });
     }
 }
 
-OverlayWindow *OverlayController::openOverlay(const CapturedDisplay &captured)
+void OverlayController::openOverlay(const CapturedDisplay &captured, Keyboard keyboard)
 {
     m_captured.add(captured);
     const OverlayContext context{captured.screen,  captured.screenshot, m_captureMode,
@@ -147,9 +145,11 @@ OverlayWindow *OverlayController::openOverlay(const CapturedDisplay &captured)
     // Not a member by value: a window outlives the session by the moment of its removal.
     auto *window = new OverlayWindow(context, m_services.overlayShell);
     installCallbacks(*window);
+    // With the picture: whoever sees it presses keys for it.
+    if (keyboard == Keyboard::taken)
+        window->makeKey();
     window->orderFrontRegardless();
     m_overlayWindows.push_back(window);
-    return window;
 }
 
 void OverlayController::installCallbacks(OverlayWindow &window)

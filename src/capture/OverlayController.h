@@ -72,7 +72,8 @@ private:
     std::optional<Screen> feedbackScreen() const;
     void captureStartingScreen(const Screen &screen, const ShareableContent &content);
     void captureOtherScreens(const Screen &starting, const ShareableContent &content);
-    OverlayWindow *openOverlay(const CapturedDisplay &captured);
+    enum class Keyboard { taken, left };
+    void openOverlay(const CapturedDisplay &captured, Keyboard keyboard);
     void installCallbacks(OverlayWindow &window);
     void setCaptureCursors();
     void fetchPixels();

@@ -22,7 +22,9 @@ struct SettingsHand : Launched
 
     bool openTab(const char *action, const char *title)
     {
-        if (!activateAction(action) || !isInFront(title))
+        // After the first key of a new keyboard, window managers take their shortcuts anew; the
+        // window comes after that.
+        if (!hand->tap(QStringLiteral("Shift_L")) || !activateAction(action) || !isInFront(title))
             return false;
         settings = eye->activeWindow();
         return true;

@@ -122,6 +122,8 @@ void X11OverlaySurface::orderFrontRegardless()
     xcb_map_window(connection.xcb(), id());
     connection.flush();
     m_isVisible = true;
+    if (std::exchange(m_wantsKey, false))
+        makeKey();
     // The screen is right from here on; the rest tells the toolkit.
     m_window.setVisible(true);
     forceNativeGeometry(0);
@@ -129,8 +131,6 @@ void X11OverlaySurface::orderFrontRegardless()
     if (m_canvas)
         m_canvas->setComposed(m_services->pool.take(m_screen.native.size()));
     connection.flush();
-    if (std::exchange(m_wantsKey, false))
-        makeKey();
 }
 
 void X11OverlaySurface::orderOut()
