@@ -9,6 +9,7 @@
 #include "app/HotkeyManager.h"
 #include "capture/PngEncoder.h"
 #include "foundation/Log.h"
+#include "foundation/UserDefaults.h"
 #include "look/Look.h"
 #include "overlay/OverlayPicture.h"
 #include "platform/Clock.h"
@@ -94,6 +95,9 @@ OverlayController::Services AppDelegate::overlayServices()
 
 void AppDelegate::applicationDidFinishLaunching(Launch launch, HotkeyManager &hotkeys)
 {
+    // Without a value, words are not marked.
+    if (m_defaults.isNew())
+        m_defaults.setBoolean(QStringLiteral("highlightText"), true);
     m_platform.frontmostApp->setActivationPolicy(ActivationPolicy::accessory);
     setUpStatusBar();
     hotkeys.onCapture = [this](CaptureMode mode) { m_overlayController.startCapture(mode); };

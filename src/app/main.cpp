@@ -88,7 +88,6 @@ int run(int &argc, char **argv, QString &successor)
     // The keys come first: everything after this takes longer than a user may wait.
     openKeyboard(early);
     UserDefaults defaults(UserDefaults::standardPath());
-    defaults.registerBoolean(QStringLiteral("highlightText"), true);
     KeyboardShortcuts::ShortcutService::setShared(
         std::make_unique<KeyboardShortcuts::ShortcutService>(defaults, *early.hotKeys,
                                                              *early.keyboardLayout));

@@ -26,8 +26,14 @@ std::optional<QString> UserDefaults::string(const QString &key) const
 std::optional<bool> UserDefaults::boolean(const QString &key) const
 {
     load();
-    const QJsonValue value = (m_values.contains(key) ? m_values : m_registered).value(key);
+    const QJsonValue value = m_values.value(key);
     return value.isBool() ? std::optional(value.toBool()) : std::nullopt;
+}
+
+bool UserDefaults::isNew() const
+{
+    load();
+    return !m_hadFile && m_values.isEmpty();
 }
 
 bool UserDefaults::contains(const QString &key) const
@@ -57,7 +63,8 @@ void UserDefaults::load() const
         return;
     m_isLoaded = true;
     QFile file(m_path);
-    if (!file.exists())
+    m_hadFile = file.exists();
+    if (!m_hadFile)
         return;
     if (!file.open(QIODevice::ReadOnly)) {
         logLine(QStringLiteral("Failed to read settings %1: %2").arg(m_path, file.errorString()));

@@ -23,12 +23,11 @@ public:
     /// The path of the file; nothing is read yet.
     explicit UserDefaults(QString path);
 
-    /// What a boolean is while nothing at all is stored under its key; never written.
-    void registerBoolean(const QString &key, bool value) { m_registered.insert(key, value); }
+    /// True on a fresh installation: there was no file yet, and nothing has been stored since.
+    bool isNew() const;
 
     /// Absent when the key is missing or holds another type.
     std::optional<QString> string(const QString &key) const;
-    /// Likewise, but a missing key has the registered value, if any.
     std::optional<bool> boolean(const QString &key) const;
     /// True when anything at all, of whatever type, is stored under the key.
     bool contains(const QString &key) const;
@@ -49,9 +48,9 @@ private:
     void write();
 
     QString m_path;
-    QJsonObject m_registered;
     mutable QJsonObject m_values;
     mutable bool m_isLoaded = false;
+    mutable bool m_hadFile = false;
     mutable bool m_canWrite = true; ///< false while the file on disk must not be replaced
 };
 

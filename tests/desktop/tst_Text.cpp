@@ -323,15 +323,15 @@ private Q_SLOTS:
         QTEST(session.copiedText(), "expected");
     }
 
-    void marksWordsUnlessThatIsTurnedOff_data()
+    void marksWordsIfThatIsTurnedOn_data()
     {
         QTest::addColumn<QJsonValue>("highlightText");
         QTest::addColumn<bool>("isMarked");
-        QTest::newRow("fresh installation") << QJsonValue() << true;
+        QTest::newRow("nothing said") << QJsonValue() << false;
         QTest::newRow("turned on") << QJsonValue(true) << true;
         QTest::newRow("turned off") << QJsonValue(false) << false;
     }
-    void marksWordsUnlessThatIsTurnedOff()
+    void marksWordsIfThatIsTurnedOn()
     {
         QFETCH(QJsonValue, highlightText);
         QFETCH(bool, isMarked);
