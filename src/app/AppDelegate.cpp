@@ -11,6 +11,7 @@
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
 #include "look/Look.h"
+#include "overlay/OverlayCursor.h"
 #include "overlay/OverlayPicture.h"
 #include "platform/Clock.h"
 #include "platform/FrontmostApp.h"
@@ -110,12 +111,19 @@ void AppDelegate::applicationDidFinishLaunching(Launch launch, HotkeyManager &ho
         m_services.notificationManager->requestAuthorization();
     m_platform.clock->after(warmUpDelay, this, [this] {
         if (!m_overlayController.isCapturing())
-            OverlayArtist::warmUp(QGuiApplication::font());
+            warmUp();
     });
     restSoon();
     if (launch == Launch::inBackground)
         return;
     m_platform.clock->after(settingsDelay, this, [this] { m_state.setShouldOpenSettings(true); });
+}
+
+void AppDelegate::warmUp()
+{
+    OverlayArtist::warmUp(QGuiApplication::font());
+    for (const Screen &screen : m_platform.screens->all())
+        overlayCursor(Qt::CrossCursor, screen.scale);
 }
 
 void AppDelegate::restSoon()

@@ -43,6 +43,8 @@ public:
 private:
     OverlayController::Services overlayServices();
     void setUpStatusBar();
+    /// Makes what the first capture would wait for.
+    void warmUp();
     /// Gives back the memory that only work needs, unless there is more work before.
     void restSoon();
     void openSettings(SettingsTab tab);

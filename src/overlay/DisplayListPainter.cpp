@@ -39,6 +39,8 @@ struct ItemPainter
 QImage renderDisplayList(const DisplayList &list, const QImage &frozen, const QRect &native)
 {
     QImage image(native.size(), QImage::Format_RGB32);
+    if (!frozen.rect().contains(native))
+        image.fill(Qt::black);
     QPainter painter(&image);
     painter.translate(-native.topLeft());
     painter.drawImage(native.topLeft(), frozen, native);

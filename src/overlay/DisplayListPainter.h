@@ -15,7 +15,7 @@ namespace tovek {
 void paintDisplayList(QPainter &painter, const DisplayList &list, const QImage &frozen,
                       double scale, const QRegion &region);
 
-/// The same into an image of the region's bounding rectangle, in native pixels.
+/// The same into an image of exactly `native`, in native pixels; black beside the frozen picture.
 QImage renderDisplayList(const DisplayList &list, const QImage &frozen, const QRect &native);
 
 } // namespace tovek

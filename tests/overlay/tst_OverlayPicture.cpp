@@ -176,6 +176,26 @@ private Q_SLOTS:
             QCOMPARE(renderDisplayList(list, frozen, part), whole.copy(part));
     }
 
+    void paintsBlackBesideTheFrozenPicture_data()
+    {
+        QTest::addColumn<QImage>("frozen");
+        QTest::newRow("over the edge, as rounding at scale 1.5 has it") << noise({40, 30});
+        QTest::newRow("pixels lost") << QImage();
+    }
+    void paintsBlackBesideTheFrozenPicture()
+    {
+        QFETCH(QImage, frozen);
+        const QRect native(30, 20, 20, 20);
+        QImage expected(native.size(), QImage::Format_RGB32);
+        expected.fill(Qt::black);
+        QPainter(&expected).drawImage(QPoint(), frozen.copy(frozen.rect() & native));
+        // What memory held before differs from time to time.
+        for (int time = 0; time < 20; ++time) {
+            QImage(native.size(), QImage::Format_RGB32).fill(Qt::red);
+            QCOMPARE(renderDisplayList({}, frozen, native), expected);
+        }
+    }
+
     void coversItsChangesWithDamage()
     {
         OverlayArtist artist(QGuiApplication::font());

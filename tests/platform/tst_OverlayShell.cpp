@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "X11TestDesktop.h"
+#include "TwoMonitors.h"
 #include "fakes/Contract.h"
 #include "fakes/FakeOverlayShell.h"
 #include "fakes/FakeScreenGrabber.h"
@@ -9,8 +9,6 @@
 #include "platform/x11/X11OverlaySurface.h"
 #include "platform/x11/X11Screens.h"
 
-#include <QGuiApplication>
-#include <QTest>
 #include <QWindow>
 
 #include <array>
@@ -285,17 +283,8 @@ private:
 
 int main(int argc, char **argv)
 {
-    X11TestDesktop server;
-    if (server.start(QSize(1366, 768), 24)
-        && server.setMonitor("*Left", "640/200x768/200+0+0", "screen")
-        && server.setMonitor("Right", "726/200x600/200+640+100")) {
-        desktop = &server;
-        qputenv("DISPLAY", server.displayName());
-        qputenv("QT_QPA_PLATFORM", "xcb");
-    }
-    QGuiApplication application(argc, argv);
-    TestOverlayShell test;
-    return QTest::qExec(&test, argc, argv);
+    return runOnTwoMonitors<TestOverlayShell>(argc, argv, desktop, {"*Left", "640/200x768/200+0+0"},
+                                              {"Right", "726/200x600/200+640+100"});
 }
 
 #include "tst_OverlayShell.moc"

@@ -1,13 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "X11TestDesktop.h"
+#include "TwoMonitors.h"
 #include "fakes/Contract.h"
 #include "fakes/FakeScreenGrabber.h"
 #include "platform/x11/X11ScreenGrabber.h"
-
-#include <QGuiApplication>
-#include <QTest>
 
 using namespace tovek;
 
@@ -246,17 +243,9 @@ private:
 
 int main(int argc, char **argv)
 {
-    X11TestDesktop server;
-    if (server.start(QSize(1366, 768), 24)
-        && server.setMonitor("*Left", "640/200x768/200+0+0", "screen")
-        && server.setMonitor("Right", "726/200x600/200+640+100")) {
-        desktop = &server;
-        qputenv("DISPLAY", server.displayName());
-        qputenv("QT_QPA_PLATFORM", "xcb");
-    }
-    QGuiApplication application(argc, argv);
-    TestScreenGrabber test;
-    return QTest::qExec(&test, argc, argv);
+    return runOnTwoMonitors<TestScreenGrabber>(argc, argv, desktop,
+                                               {"*Left", "640/200x768/200+0+0"},
+                                               {"Right", "726/200x600/200+640+100"});
 }
 
 #include "tst_ScreenGrabber.moc"

@@ -1,13 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "X11TestDesktop.h"
+#include "TwoMonitors.h"
 #include "fakes/Contract.h"
 #include "fakes/FakeScreens.h"
 #include "platform/x11/X11Screens.h"
-
-#include <QGuiApplication>
-#include <QTest>
 
 using namespace tovek;
 
@@ -218,18 +215,9 @@ private:
 
 int main(int argc, char **argv)
 {
-    X11TestDesktop server;
-    if (server.start(QSize(1366, 768), 24)
-        && server.setMonitor("*Right", "640/200x600/200+726+100", "screen")
-        && server.setMonitor("Left", "726/200x600/200+0+0")) {
-        desktop = &server;
-        qputenv("DISPLAY", server.displayName());
-        qputenv("QT_QPA_PLATFORM", "xcb");
-        qputenv("QT_SCREEN_SCALE_FACTORS", "Right=2;Left=1");
-    }
-    QGuiApplication application(argc, argv);
-    TestScreens test;
-    return QTest::qExec(&test, argc, argv);
+    qputenv("QT_SCREEN_SCALE_FACTORS", "Right=2;Left=1");
+    return runOnTwoMonitors<TestScreens>(argc, argv, desktop, {"*Right", "640/200x600/200+726+100"},
+                                         {"Left", "726/200x600/200+0+0"});
 }
 
 #include "tst_Screens.moc"
