@@ -7,6 +7,7 @@
 
 #include <QDeadlineTimer>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <fcntl.h>
@@ -151,11 +152,15 @@ std::optional<std::vector<EngineSymbol>> EngineProcess::read(const LineStrip &st
         || !exchange.send(strip.grey.data(), strip.grey.size())
         || !exchange.receive(&reply, sizeof(reply)))
         return std::nullopt;
+    // What came is no answer, whatever it is: memory for so much need not be there.
+    if (reply.count > widestStrip)
+        return std::nullopt;
     std::vector<Symbol> symbols(reply.count);
     if (!exchange.receive(symbols.data(), symbols.size() * sizeof(Symbol)))
         return std::nullopt;
     for (const Symbol &symbol : symbols) {
-        const QString text = QString::fromUtf8(symbol.text, symbol.length).simplified().remove(' ');
+        const auto length = std::min<qsizetype>(symbol.length, sizeof(symbol.text));
+        const QString text = QString::fromUtf8(symbol.text, length).simplified().remove(' ');
         if (!text.isEmpty())
             result.push_back(
                 {text, symbol.left, symbol.right, symbol.confidence, symbol.startsWord != 0});

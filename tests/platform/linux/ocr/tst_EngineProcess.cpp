@@ -85,6 +85,16 @@ private Q_SLOTS:
         QVERIFY(timer.elapsed() < 30000);
     }
 
+    void refusesAnAnswerThatCannotBe()
+    {
+        const auto engine = standIn("boasts", 60s);
+        QVERIFY(engine);
+        QElapsedTimer timer;
+        timer.start();
+        QVERIFY(!engine->read(strip(50)));
+        QVERIFY(timer.elapsed() < 30000); // not after waiting for all of it
+    }
+
     void endsItsProcessEvenWhenItHangs()
     {
         auto engine = standIn("hangs", 300ms);
