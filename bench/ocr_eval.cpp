@@ -9,8 +9,8 @@
 // are judged in seconds; no times are printed then, but the runs with what the engine read.
 
 #include "platform/linux/TesseractRecognizer.h"
-#include "platform/linux/ocr/PageReading.h"
 #include "platform/linux/ocr/RecognitionModels.h"
+#include "reading/PageReading.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>

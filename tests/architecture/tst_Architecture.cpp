@@ -54,8 +54,11 @@ private Q_SLOTS:
             !allowed(QStringLiteral("app/AppDelegate.cpp"), QStringLiteral("platform/linux/B.h")));
         QVERIFY(
             allowed(QStringLiteral("app/PlatformFactory.cpp"), QStringLiteral("platform/x11/B.h")));
-        QVERIFY(
-            allowed(QStringLiteral("platform/x11/A.cpp"), QStringLiteral("platform/linux/B.h")));
+        QVERIFY(!allowed(QStringLiteral("reading/A.cpp"), QStringLiteral("platform/B.h")));
+        QVERIFY(!allowed(QStringLiteral("platform/x11/overlay/A.cpp"),
+                         QStringLiteral("platform/x11/keys/B.h")));
+        QVERIFY(allowed(QStringLiteral("platform/x11/keys/A.cpp"),
+                        QStringLiteral("platform/linux/B.h")));
     }
 
 private:
@@ -69,10 +72,16 @@ private:
             {"foundation", {}},
             {"look", {"foundation"}},
             {"platform", {"foundation"}},
-            {"platform/linux", {"platform", "platform/linux/ocr", "foundation"}},
-            {"platform/linux/ocr", {"foundation"}},
-            {"platform/x11", {"platform", "platform/linux", "foundation"}},
-            {"platform/wayland", {"platform", "platform/linux", "foundation"}},
+            {"reading", {"foundation"}},
+            {"platform/linux", {"platform", "platform/linux/ocr", "reading", "foundation"}},
+            {"platform/linux/ocr", {"reading", "foundation"}},
+            {"platform/null", {"platform", "platform/linux", "foundation"}},
+            {"platform/x11", {}},
+            {"platform/x11/capture", {"platform/x11", "platform", "foundation"}},
+            {"platform/x11/overlay", {"platform/x11/capture", "platform/x11", "platform"}},
+            {"platform/x11/keys", {"platform/x11", "platform/linux", "platform", "foundation"}},
+            {"platform/x11/clipboard", {"platform/x11", "platform", "foundation"}},
+            {"platform/x11/tray", {"platform/x11", "platform"}},
             {"annotations", {"foundation"}},
             {"text", {"platform", "foundation"}},
             {"overlay", {"annotations", "text", "platform", "foundation"}},

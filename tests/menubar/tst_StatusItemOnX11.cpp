@@ -4,7 +4,7 @@
 #include "foundation/UserDefaults.h"
 #include "menubar/StatusBarController.h"
 #include "platform/linux/QtClock.h"
-#include "platform/x11/X11TrayItem.h"
+#include "platform/x11/tray/X11TrayItem.h"
 #include "support/Eye.h"
 #include "support/Hand.h"
 #include "support/TestDesktop.h"

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "fakes/FakeClipboard.h"
-#include "platform/x11/X11Clipboard.h"
+#include "platform/x11/clipboard/X11Clipboard.h"
 #include "support/SelectionReader.h"
 
 #include <QFutureWatcher>

@@ -3,7 +3,7 @@
 
 #include "fakes/Contract.h"
 #include "fakes/FakeFrontmostApp.h"
-#include "platform/x11/X11FrontmostApp.h"
+#include "platform/x11/capture/X11FrontmostApp.h"
 #include "support/Hand.h"
 #include "support/TestDesktop.h"
 #include "support/Wait.h"

@@ -3,8 +3,8 @@
 
 #include "fakes/Contract.h"
 #include "fakes/FakeHotKeys.h"
-#include "platform/TestKeyboard.h"
-#include "platform/x11/X11HotKeys.h"
+#include "platform/x11/TestKeyboard.h"
+#include "platform/x11/keys/X11HotKeys.h"
 #include "support/XServer.h"
 
 #include <QGuiApplication>

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "TwoMonitors.h"
 #include "fakes/Contract.h"
 #include "fakes/FakeScreens.h"
-#include "platform/x11/X11Screens.h"
+#include "platform/x11/TwoMonitors.h"
+#include "platform/x11/capture/X11Screens.h"
 
 using namespace tovek;
 

@@ -4,8 +4,8 @@
 #include "platform/linux/TesseractRecognizer.h"
 
 #include "foundation/Memory.h"
-#include "platform/linux/ocr/PageReader.h"
 #include "platform/linux/ocr/RecognitionModels.h"
+#include "reading/PageReader.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "platform/linux/ocr/LineEngine.h"
+#include "reading/LineEngine.h"
 
 #include <QByteArray>
 

@@ -1,0 +1,381 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/x11/clipboard/SelectionServer.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace tovek {
+
+namespace {
+
+/// A reader that takes nothing for so long has hung or forgotten.
+constexpr std::chrono::seconds patience(60);
+constexpr size_t requestHeaderBytes = 64;
+constexpr size_t incrementBytes = 1024 * 1024;
+constexpr uint8_t eventTypeMask = 0x7f; // the top bit marks events sent by clients
+
+} // namespace
+
+std::unique_ptr<SelectionServer> SelectionServer::create(const std::string &displayName)
+{
+    int screen = 0;
+    xcb_connection_t *const connection =
+        xcb_connect(displayName.empty() ? nullptr : displayName.c_str(), &screen);
+    if (xcb_connection_has_error(connection)) {
+        xcb_disconnect(connection);
+        return nullptr;
+    }
+    // Not make_unique, which cannot reach the constructor.
+    return std::unique_ptr<SelectionServer>(new SelectionServer(connection, screen));
+}
+
+SelectionServer::SelectionServer(xcb_connection_t *connection, int screen)
+    : m_connection(connection)
+    , m_window(xcb_generate_id(connection))
+    , m_largestPiece(4 * size_t(xcb_get_maximum_request_length(connection)) - requestHeaderBytes)
+{
+    auto roots = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    for (; screen > 0 && roots.rem > 1; --screen)
+        xcb_screen_next(&roots);
+    m_root = roots.data->root;
+    const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, m_window, m_root, -1, -1, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK,
+                      &events);
+    static const std::string names[] = {"CLIPBOARD",    "TARGETS",
+                                        "MULTIPLE",     "TIMESTAMP",
+                                        "SAVE_TARGETS", "INCR",
+                                        "NULL",         "TOVEK_TIME",
+                                        "image/png",    "TEXT",
+                                        "UTF8_STRING",  "STRING",
+                                        "text/plain",   "text/plain;charset=utf-8"};
+    // All asked for at once: one round trip instead of one for each.
+    std::vector<xcb_intern_atom_cookie_t> cookies;
+    for (const std::string &name : names)
+        cookies.push_back(xcb_intern_atom(connection, 0, uint16_t(name.size()), name.c_str()));
+    for (size_t i = 0; i < cookies.size(); ++i) {
+        if (const X11Reply<xcb_intern_atom_reply_t> reply{
+                xcb_intern_atom_reply(connection, cookies[i], nullptr)})
+            m_atoms[names[i]] = reply->atom;
+    }
+}
+
+SelectionServer::~SelectionServer()
+{
+    // A connection closed with events unread is reset: the display server would throw away what it
+    // has not read yet, and a reader would wait for its last piece for ever. An answer says that
+    // it has read everything.
+    currentOwner();
+    xcb_disconnect(m_connection);
+}
+
+bool SelectionServer::take(SelectionContent content, Readiness readiness, xcb_window_t onlyFrom)
+{
+    const xcb_timestamp_t time = currentTime();
+    // Between the question and the answer nobody else may take it.
+    if (onlyFrom != XCB_WINDOW_NONE)
+        xcb_grab_server(m_connection);
+    const bool isAllowed = onlyFrom == XCB_WINDOW_NONE || currentOwner() == onlyFrom;
+    if (isAllowed)
+        xcb_set_selection_owner(m_connection, m_window, atom("CLIPBOARD"), time);
+    if (onlyFrom != XCB_WINDOW_NONE)
+        xcb_ungrab_server(m_connection);
+    const bool isTaken = isAllowed && currentOwner() == m_window;
+    if (isTaken) {
+        m_isOwner = true;
+        m_ownedSince = time;
+        m_content = std::move(content);
+        m_isReady = readiness == Readiness::ready;
+        answerWaiting();
+    }
+    processEvents();
+    return isTaken;
+}
+
+void SelectionServer::provide(SelectionContent content)
+{
+    m_content = std::move(content);
+    m_isReady = true;
+    answerWaiting();
+    if (!m_isOwner)
+        m_content.clear();
+    processEvents();
+}
+
+void SelectionServer::clear()
+{
+    xcb_set_selection_owner(m_connection, XCB_WINDOW_NONE, atom("CLIPBOARD"), currentTime());
+    m_isOwner = false;
+    m_isReady = true;
+    m_content.clear();
+    answerWaiting();
+    processEvents();
+}
+
+int SelectionServer::fileDescriptor() const
+{
+    return xcb_get_file_descriptor(m_connection);
+}
+
+bool SelectionServer::isConnected() const
+{
+    return xcb_connection_has_error(m_connection) == 0;
+}
+
+void SelectionServer::processEvents()
+{
+    // Flushing a large piece reads what arrives meanwhile; nothing would tell of that later.
+    while (true) {
+        decltype(m_backlog) events;
+        events.swap(m_backlog);
+        while (auto *const event = xcb_poll_for_event(m_connection))
+            events.emplace_back(event);
+        for (const auto &event : events)
+            handle(event.get());
+        xcb_flush(m_connection);
+        if (events.empty())
+            break;
+    }
+    const auto now = std::chrono::steady_clock::now();
+    endTransfers([now](const Transfer &transfer) { return now - transfer.lastUse > patience; });
+}
+
+xcb_atom_t SelectionServer::atom(const std::string &name)
+{
+    const auto known = m_atoms.find(name);
+    return known == m_atoms.end() ? xcb_atom_t(XCB_ATOM_NONE) : known->second;
+}
+
+/// The display server's time, as owners of selections must state it: that of a change of nothing.
+xcb_timestamp_t SelectionServer::currentTime()
+{
+    const xcb_atom_t property = atom("TOVEK_TIME");
+    xcb_change_property(m_connection, XCB_PROP_MODE_APPEND, m_window, property, XCB_ATOM_INTEGER,
+                        32, 0, nullptr);
+    xcb_flush(m_connection);
+    while (auto *const event = xcb_wait_for_event(m_connection)) {
+        m_backlog.emplace_back(event);
+        if ((event->response_type & eventTypeMask) != XCB_PROPERTY_NOTIFY)
+            continue;
+        const auto &notify = *reinterpret_cast<xcb_property_notify_event_t *>(event);
+        if (notify.window == m_window && notify.atom == property) {
+            const xcb_timestamp_t time = notify.time;
+            m_backlog.pop_back();
+            return time;
+        }
+    }
+    return XCB_CURRENT_TIME;
+}
+
+xcb_window_t SelectionServer::currentOwner()
+{
+    const auto cookie = xcb_get_selection_owner(m_connection, atom("CLIPBOARD"));
+    const X11Reply<xcb_get_selection_owner_reply_t> reply(
+        xcb_get_selection_owner_reply(m_connection, cookie, nullptr));
+    return reply ? reply->owner : xcb_window_t(XCB_WINDOW_NONE);
+}
+
+void SelectionServer::handle(const xcb_generic_event_t *event)
+{
+    switch (event->response_type & eventTypeMask) {
+    case XCB_SELECTION_REQUEST:
+        selectionRequested(*reinterpret_cast<const xcb_selection_request_event_t *>(event));
+        break;
+    case XCB_SELECTION_CLEAR: {
+        const auto &clear = *reinterpret_cast<const xcb_selection_clear_event_t *>(event);
+        // One that was on its way when we took the selection again tells of the time before.
+        const bool isOld = int32_t(clear.time - m_ownedSince) < 0;
+        if (clear.selection != atom("CLIPBOARD") || !m_isOwner || isOld)
+            break;
+        m_isOwner = false;
+        if (m_waiting.empty())
+            m_content.clear();
+        if (onLost)
+            onLost();
+        break;
+    }
+    case XCB_PROPERTY_NOTIFY: {
+        const auto &notify = *reinterpret_cast<const xcb_property_notify_event_t *>(event);
+        if (notify.state == XCB_PROPERTY_DELETE)
+            propertyDeleted(notify.window, notify.atom);
+        break;
+    }
+    case XCB_DESTROY_NOTIFY: {
+        const auto gone = reinterpret_cast<const xcb_destroy_notify_event_t *>(event)->window;
+        endTransfers([gone](const Transfer &transfer) { return transfer.requestor == gone; });
+        break;
+    }
+    default:
+        break; // errors among them: a reader that vanished is no concern of ours
+    }
+}
+
+void SelectionServer::selectionRequested(const xcb_selection_request_event_t &request)
+{
+    const bool isEarly =
+        request.time != XCB_CURRENT_TIME && int32_t(request.time - m_ownedSince) < 0;
+    if (request.selection != atom("CLIPBOARD") || !m_isOwner || isEarly) {
+        answer(request, false);
+        return;
+    }
+    const bool needsContent = request.target == atom("MULTIPLE")
+        || std::any_of(m_content.begin(), m_content.end(), [&](const SelectionTarget &offered) {
+                                  return request.target == atom(offered.name);
+                              });
+    if (needsContent && !m_isReady) {
+        m_waiting.push_back(request);
+        return;
+    }
+    answer(request, serve(request));
+}
+
+void SelectionServer::answer(const xcb_selection_request_event_t &request, bool isServed)
+{
+    // Readers from before properties were mandatory leave it out.
+    const xcb_atom_t property = request.property ? request.property : request.target;
+    union {
+        xcb_selection_notify_event_t notify;
+        char bytes[32]; // what every event takes on the wire
+    } event{};
+    event.notify.response_type = XCB_SELECTION_NOTIFY;
+    event.notify.time = request.time;
+    event.notify.requestor = request.requestor;
+    event.notify.selection = request.selection;
+    event.notify.target = request.target;
+    event.notify.property = isServed ? property : xcb_atom_t(XCB_ATOM_NONE);
+    xcb_send_event(m_connection, 0, request.requestor, XCB_EVENT_MASK_NO_EVENT, event.bytes);
+}
+
+bool SelectionServer::serve(const xcb_selection_request_event_t &request)
+{
+    if (request.target == atom("MULTIPLE"))
+        return serveMultiple(request);
+    return deliver(request.requestor, request.target,
+                   request.property ? request.property : request.target);
+}
+
+/// Converts to every pair of target and property that the reader lists, and marks the failures.
+bool SelectionServer::serveMultiple(const xcb_selection_request_event_t &request)
+{
+    constexpr uint32_t mostAtoms = 512;
+    if (!request.property)
+        return false;
+    const auto cookie = xcb_get_property(m_connection, 0, request.requestor, request.property,
+                                         XCB_GET_PROPERTY_TYPE_ANY, 0, mostAtoms);
+    const X11Reply<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(m_connection, cookie, nullptr));
+    if (!reply || reply->format != 32)
+        return false;
+    auto *const atoms = static_cast<xcb_atom_t *>(xcb_get_property_value(reply.get()));
+    const uint32_t count = reply->value_len;
+    for (uint32_t i = 0; i + 1 < count; i += 2) {
+        const bool isNested = atoms[i] == atom("MULTIPLE");
+        if (isNested || !atoms[i + 1] || !deliver(request.requestor, atoms[i], atoms[i + 1]))
+            atoms[i + 1] = XCB_ATOM_NONE;
+    }
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, request.requestor, request.property,
+                        reply->type, 32, count, atoms);
+    return true;
+}
+
+bool SelectionServer::deliver(xcb_window_t requestor, xcb_atom_t target, xcb_atom_t property)
+{
+    const auto put = [&](xcb_atom_t type, uint8_t format, size_t count, const void *data) {
+        xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, requestor, property, type, format,
+                            uint32_t(count), data);
+        return true;
+    };
+    if (target == atom("TARGETS")) {
+        std::vector<xcb_atom_t> atoms{atom("TARGETS"), atom("MULTIPLE"), atom("TIMESTAMP"),
+                                      atom("SAVE_TARGETS")};
+        for (const SelectionTarget &offered : m_content)
+            atoms.push_back(atom(offered.name));
+        return put(XCB_ATOM_ATOM, 32, atoms.size(), atoms.data());
+    }
+    if (target == atom("TIMESTAMP"))
+        return put(XCB_ATOM_INTEGER, 32, 1, &m_ownedSince);
+    if (target == atom("SAVE_TARGETS"))
+        return put(atom("NULL"), 32, 0, nullptr); // has a side effect only on managers
+    for (const SelectionTarget &offered : m_content) {
+        if (target != atom(offered.name))
+            continue;
+        const SelectionBytes &bytes = offered.bytes;
+        if (bytes.size <= m_largestPiece)
+            return put(atom(offered.type), 8, bytes.size, bytes.data);
+        beginTransfer({requestor, property, atom(offered.type), bytes, 0, {}});
+        return true;
+    }
+    return false;
+}
+
+void SelectionServer::beginTransfer(Transfer transfer)
+{
+    // A reader that asks again has given up what it got so far.
+    std::erase_if(m_transfers, [&](const Transfer &other) {
+        return other.requestor == transfer.requestor && other.property == transfer.property;
+    });
+    const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_connection, transfer.requestor, XCB_CW_EVENT_MASK, &events);
+    const auto atLeast =
+        uint32_t(std::min<size_t>(transfer.bytes.size, std::numeric_limits<uint32_t>::max()));
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, transfer.requestor, transfer.property,
+                        atom("INCR"), 32, 1, &atLeast);
+    transfer.lastUse = std::chrono::steady_clock::now();
+    m_transfers.push_back(std::move(transfer));
+}
+
+void SelectionServer::propertyDeleted(xcb_window_t requestor, xcb_atom_t property)
+{
+    const auto found =
+        std::find_if(m_transfers.begin(), m_transfers.end(), [&](const Transfer &transfer) {
+            return transfer.requestor == requestor && transfer.property == property;
+        });
+    if (found == m_transfers.end())
+        return;
+    // The empty piece at the end tells the reader that it has everything.
+    const size_t size =
+        std::min({found->bytes.size - found->offset, m_largestPiece, incrementBytes});
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, requestor, property, found->type, 8,
+                        uint32_t(size), found->bytes.data + found->offset);
+    found->offset += size;
+    found->lastUse = std::chrono::steady_clock::now();
+    if (size == 0)
+        endTransfers([=](const Transfer &transfer) {
+            return transfer.requestor == requestor && transfer.property == property;
+        });
+}
+
+void SelectionServer::endTransfers(const std::function<bool(const Transfer &)> &matches)
+{
+    std::vector<xcb_window_t> requestors;
+    for (const Transfer &transfer : m_transfers) {
+        if (matches(transfer))
+            requestors.push_back(transfer.requestor);
+    }
+    if (requestors.empty())
+        return;
+    std::erase_if(m_transfers, matches);
+    for (const xcb_window_t requestor : requestors) {
+        const bool isUsed =
+            std::any_of(m_transfers.begin(), m_transfers.end(),
+                        [&](const Transfer &transfer) { return transfer.requestor == requestor; });
+        const uint32_t events = XCB_EVENT_MASK_NO_EVENT;
+        if (!isUsed)
+            xcb_change_window_attributes(m_connection, requestor, XCB_CW_EVENT_MASK, &events);
+    }
+    xcb_flush(m_connection);
+}
+
+void SelectionServer::answerWaiting()
+{
+    if (!m_isReady)
+        return;
+    const auto waiting = std::move(m_waiting);
+    m_waiting.clear();
+    for (const auto &request : waiting)
+        answer(request, serve(request));
+}
+
+} // namespace tovek

@@ -1,0 +1,336 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/x11/keys/X11HotKeys.h"
+
+#include "platform/linux/ScreenLock.h"
+#include "platform/x11/X11Requests.h"
+#include "platform/x11/keys/X11ScreenLock.h"
+
+#include <algorithm>
+#include <chrono>
+#include <xcb/xinput.h>
+#define explicit explicit_
+#include <xcb/xkb.h>
+#undef explicit
+
+namespace tovek {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// Servers repeat a held key after 660 ms, unless the user chose otherwise.
+constexpr auto holdDelay = 350ms;
+/// What toolkits need to repaint a window that has the focus again.
+constexpr auto repaintDelay = 25ms;
+/// A grab as short as this leaves a window no time to repaint as one without focus.
+constexpr xcb_timestamp_t unnoticedMs = 8;
+
+} // namespace
+
+std::unique_ptr<X11HotKeys> X11HotKeys::create()
+{
+    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
+    if (xcb_connection_has_error(connection)) {
+        xcb_disconnect(connection);
+        return nullptr;
+    }
+    // The constructor is private.
+    return std::unique_ptr<X11HotKeys>(new X11HotKeys(connection));
+}
+
+X11HotKeys::X11HotKeys(xcb_connection_t *connection)
+    : m_connection(connection, &xcb_disconnect)
+    , m_root(xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root)
+    , m_grabs(connection)
+    , m_rawKeys(connection, [this](KeyCombo combo, bool isDown) {
+        dispatchLater();
+        return onRawKey && onRawKey(combo, isDown);
+    })
+{
+    m_holdTimer.setSingleShot(true);
+    m_holdTimer.setTimerType(Qt::PreciseTimer);
+    QObject::connect(&m_holdTimer, &QTimer::timeout, &m_context, [this] { holdKeyboard(); });
+    setUpExtensions();
+}
+
+X11HotKeys::~X11HotKeys() = default;
+
+void X11HotKeys::setUpExtensions()
+{
+    xcb_connection_t *connection = m_connection.get();
+    const auto xkbCookie = xcb_xkb_use_extension(connection, 1, 0);
+    const auto inputCookie = xcb_input_xi_query_version(connection, 2, 2);
+    const X11Reply<xcb_xkb_use_extension_reply_t> xkb(
+        xcb_xkb_use_extension_reply(connection, xkbCookie, nullptr));
+    if (xkb && xkb->supported) {
+        // A key that is held sends presses only, and one release at its end.
+        constexpr quint32 flag = XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT;
+        const auto cookie =
+            xcb_xkb_per_client_flags(connection, XCB_XKB_ID_USE_CORE_KBD, flag, flag, 0, 0, 0);
+        xcb_discard_reply(connection, cookie.sequence);
+    }
+    // Since 2.1, raw events come whoever holds the keyboard.
+    const X11Reply<xcb_input_xi_query_version_reply_t> version(
+        xcb_input_xi_query_version_reply(connection, inputCookie, nullptr));
+    if (version
+        && std::pair<int, int>(version->major_version, version->minor_version) >= std::pair(2, 1))
+        m_inputOpcode = xcb_get_extension_data(connection, &xcb_input_id)->major_opcode;
+    xcb_flush(connection);
+}
+
+int X11HotKeys::grab(quint32 id, KeyCombo combo)
+{
+    // Before the grab, whose answer then is the server's for both.
+    setRawMask(m_rawMask | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS);
+    const int status = m_grabs.grab(id, combo);
+    selectRawKeys();
+    dispatchLater();
+    return status;
+}
+
+void X11HotKeys::release(quint32 id)
+{
+    if (!m_grabs.release(id))
+        return;
+    const auto isOfId = [id](const Press &press) { return press.id == id; };
+    if (std::erase_if(m_presses, isOfId) && m_presses.empty()) {
+        m_holdTimer.stop();
+        ungrabKeyboard();
+    }
+    selectRawKeys();
+}
+
+void X11HotKeys::setWatchingRawKeys(bool isOn)
+{
+    m_rawKeys.setWatching(isOn, m_grabs.modifiers());
+}
+
+bool X11HotKeys::isTaken(KeyCombo combo)
+{
+    const bool isTaken = m_grabs.isTaken(combo);
+    dispatchLater();
+    return isTaken;
+}
+
+void X11HotKeys::startDispatching()
+{
+    if (m_notifier)
+        return;
+    m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(m_connection.get()),
+                                                   QSocketNotifier::Read);
+    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, &m_context,
+                     [this] { dispatch(); });
+    dispatchLater();
+}
+
+void X11HotKeys::selectRawKeys()
+{
+    // Raw events cannot be chosen by key, and each wakes this process: presses are watched only
+    // while something is grabbed, releases only while a grabbed key is down.
+    quint32 mask = m_grabs.isEmpty() ? 0 : XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS;
+    if (!m_presses.empty())
+        mask |= XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
+    setRawMask(mask);
+}
+
+void X11HotKeys::setRawMask(quint32 mask)
+{
+    if (!m_inputOpcode || mask == m_rawMask)
+        return;
+    m_rawMask = mask;
+    const struct
+    {
+        xcb_input_event_mask_t head;
+        quint32 mask;
+    } selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, mask};
+    xcb_input_xi_select_events(m_connection.get(), m_root, 1, &selection.head);
+    xcb_flush(m_connection.get());
+}
+
+void X11HotKeys::takeEvents()
+{
+    while (xcb_generic_event_t *event = xcb_poll_for_event(m_connection.get()))
+        m_events.push_back(Event(event));
+    if (m_isLost || !xcb_connection_has_error(m_connection.get()))
+        return;
+    m_isLost = true;
+    if (m_notifier)
+        m_notifier->setEnabled(false);
+    if (onConnectionLost)
+        onConnectionLost();
+}
+
+void X11HotKeys::dispatchLater()
+{
+    // A round trip may have read events that the notifier cannot see any more.
+    if (m_notifier && !m_isLost)
+        QMetaObject::invokeMethod(
+            &m_context, [this] { dispatch(); }, Qt::QueuedConnection);
+}
+
+void X11HotKeys::dispatch()
+{
+    takeEvents();
+    while (!m_events.empty() && !m_isLost) {
+        // Taken out first, because a callback may run a main loop of its own.
+        const Event event = std::move(m_events.front());
+        m_events.pop_front();
+        handle(*event);
+        takeEvents();
+    }
+    if (!m_hasNewMapping || m_isLost)
+        return;
+    m_hasNewMapping = false;
+    m_grabs.readModifiers();
+    m_rawKeys.setWatching(m_rawKeys.isWatching(), m_grabs.modifiers());
+    dispatchLater();
+}
+
+void X11HotKeys::handle(const xcb_generic_event_t &event)
+{
+    switch (event.response_type & 0x7f) {
+    case XCB_KEY_PRESS:
+        corePress(reinterpret_cast<const xcb_key_press_event_t &>(event));
+        break;
+    case XCB_KEY_RELEASE: {
+        const auto &key = reinterpret_cast<const xcb_key_release_event_t &>(event);
+        keyReleased(key.detail, key.time, true);
+        break;
+    }
+    case XCB_MAPPING_NOTIFY:
+        m_hasNewMapping = true;
+        break;
+    case XCB_GE_GENERIC: {
+        const auto &raw = reinterpret_cast<const xcb_input_raw_key_press_event_t &>(event);
+        if (raw.extension != m_inputOpcode)
+            break;
+        if (raw.event_type == XCB_INPUT_RAW_KEY_PRESS)
+            rawPress(xcb_keycode_t(raw.detail), raw.time);
+        else if (raw.event_type == XCB_INPUT_RAW_KEY_RELEASE)
+            keyReleased(xcb_keycode_t(raw.detail), raw.time, false);
+        break;
+    }
+    default:
+        break;
+    }
+}
+
+void X11HotKeys::corePress(const xcb_key_press_event_t &event)
+{
+    if (Press *repeated = findPress(event.detail)) {
+        // The server repeats sooner than we expected, and the grab has fired again. It now lasts
+        // until the release, which keeps further repeats from the focused window.
+        repeated->isGrabbed = true;
+        return;
+    }
+    const auto id = m_grabs.find(event.detail, event.state);
+    if (id)
+        arm(*id, event.detail, event.time);
+    else if (m_presses.empty())
+        ungrabKeyboard();
+}
+
+void X11HotKeys::rawPress(xcb_keycode_t keycode, xcb_timestamp_t time)
+{
+    if (!m_grabs.containsKey(keycode) || findPress(keycode))
+        return;
+    // Where the grab fires, its event is in the queue by the time this reply is.
+    const X11Reply<xcb_query_pointer_reply_t> pointer(xcb_query_pointer_reply(
+        m_connection.get(), xcb_query_pointer(m_connection.get(), m_root), nullptr));
+    takeEvents();
+    const bool isCoreComing = std::any_of(m_events.begin(), m_events.end(), [&](const Event &e) {
+        const auto *key = reinterpret_cast<const xcb_key_press_event_t *>(e.get());
+        return (e->response_type & 0x7f) == XCB_KEY_PRESS && key->detail == keycode;
+    });
+    const auto id = pointer ? m_grabs.find(keycode, pointer->mask) : std::nullopt;
+    if (isCoreComing || !id)
+        return;
+    if (isTopmostWindowCovering(m_connection.get()) || isScreenSaverActive())
+        return;
+    arm(*id, keycode, time);
+    // Its release may have passed before releases were watched.
+    if (findPress(keycode) && !x11IsKeyDown(m_connection.get(), keycode))
+        keyReleased(keycode, time, false);
+}
+
+void X11HotKeys::arm(quint32 id, xcb_keycode_t keycode, xcb_timestamp_t time)
+{
+    m_presses.push_back({id, keycode, time, m_inputOpcode == 0});
+    if (m_inputOpcode) {
+        // In this order there is no moment in which a release could get lost.
+        selectRawKeys();
+        ungrabKeyboard();
+        m_holdTimer.start(holdDelay);
+    }
+    if (onPressed)
+        onPressed(id);
+}
+
+void X11HotKeys::keyReleased(xcb_keycode_t keycode, xcb_timestamp_t time, bool isCore)
+{
+    const Press *found = findPress(keycode);
+    if (!found)
+        return;
+    const Press press = *found;
+    std::erase_if(m_presses, [&](const Press &other) { return other.keycode == keycode; });
+    if (m_presses.empty()) {
+        m_holdTimer.stop();
+        if (press.isGrabbed)
+            ungrabKeyboard();
+    }
+    selectRawKeys();
+    const bool wasNoticed = press.isGrabbed || (isCore && time - press.time > unnoticedMs);
+    if (wasNoticed)
+        QTimer::singleShot(repaintDelay, Qt::PreciseTimer, &m_context,
+                           [this, id = press.id] { tellReleased(id); });
+    else
+        tellReleased(press.id);
+}
+
+void X11HotKeys::holdKeyboard()
+{
+    // A release that got lost must not end in a grab that nothing ends.
+    const std::vector<Press> presses = m_presses;
+    for (const Press &press : presses) {
+        if (!x11IsKeyDown(m_connection.get(), press.keycode))
+            keyReleased(press.keycode, press.time, false);
+    }
+    dispatchLater();
+    if (m_presses.empty())
+        return;
+    const X11Reply<xcb_grab_keyboard_reply_t> reply(
+        xcb_grab_keyboard_reply(m_connection.get(),
+                                xcb_grab_keyboard(m_connection.get(), 0, m_root, XCB_CURRENT_TIME,
+                                                  XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+                                nullptr));
+    if (!reply || reply->status != XCB_GRAB_STATUS_SUCCESS)
+        return;
+    for (Press &press : m_presses)
+        press.isGrabbed = true;
+    // The release may have come between the question and the grab.
+    m_holdTimer.start(holdDelay);
+}
+
+void X11HotKeys::ungrabKeyboard()
+{
+    xcb_ungrab_keyboard(m_connection.get(), XCB_CURRENT_TIME);
+    xcb_flush(m_connection.get());
+}
+
+X11HotKeys::Press *X11HotKeys::findPress(xcb_keycode_t keycode)
+{
+    const auto found =
+        std::find_if(m_presses.begin(), m_presses.end(),
+                     [keycode](const Press &press) { return press.keycode == keycode; });
+    return found == m_presses.end() ? nullptr : &*found;
+}
+
+void X11HotKeys::tellReleased(quint32 id)
+{
+    if (m_grabs.contains(id) && onReleased)
+        onReleased(id);
+}
+
+} // namespace tovek

@@ -1,0 +1,203 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/x11/keys/X11KeyboardLayout.h"
+
+#include "platform/linux/KeyCodes.h"
+#include "platform/x11/X11Reply.h"
+
+#include <xkbcommon/xkbcommon-x11.h>
+#define explicit explicit_
+#include <xcb/xkb.h>
+#undef explicit
+
+namespace tovek {
+
+namespace {
+
+constexpr int lastLetterCode = 50;
+/// Of 26. Layouts for other scripts have none without modifiers, Latin ones nearly all of them.
+constexpr int latinLetterCount = 20;
+
+std::optional<QString> characterOf(xkb_keymap *keymap, quint32 group, xkb_keycode_t keycode)
+{
+    const xkb_keysym_t *keysyms = nullptr;
+    if (xkb_keymap_key_get_syms_by_level(keymap, keycode, group, 0, &keysyms) != 1)
+        return std::nullopt;
+    const char32_t character = xkb_keysym_to_utf32(keysyms[0]);
+    if (character < U' ' || character == U'\x7f')
+        return std::nullopt;
+    return QString::fromUcs4(&character, 1);
+}
+
+bool typesLatin(xkb_keymap *keymap, quint32 group)
+{
+    int letters = 0;
+    for (int keyCode = 0; keyCode <= lastLetterCode; ++keyCode) {
+        const auto keycode = xkb_keycode_t(evdevCodes(keyCode).front() + windowSystemKeyOffset);
+        const auto character = characterOf(keymap, group, keycode);
+        letters +=
+            character && *character >= QLatin1String("a") && *character <= QLatin1String("z");
+    }
+    return letters >= latinLetterCount;
+}
+
+} // namespace
+
+void X11KeyboardLayout::Free::operator()(xkb_context *context) const
+{
+    xkb_context_unref(context);
+}
+
+void X11KeyboardLayout::Free::operator()(xkb_keymap *keymap) const
+{
+    xkb_keymap_unref(keymap);
+}
+
+void X11KeyboardLayout::Free::operator()(xcb_connection_t *connection) const
+{
+    xcb_disconnect(connection);
+}
+
+std::unique_ptr<X11KeyboardLayout> X11KeyboardLayout::create()
+{
+    std::unique_ptr<xcb_connection_t, Free> connection(xcb_connect(nullptr, nullptr));
+    if (xcb_connection_has_error(connection.get()))
+        return nullptr;
+    // The constructor is private.
+    std::unique_ptr<X11KeyboardLayout> layout(new X11KeyboardLayout(std::move(connection)));
+    return layout->setUp() ? std::move(layout) : nullptr;
+}
+
+X11KeyboardLayout::X11KeyboardLayout(std::unique_ptr<xcb_connection_t, Free> connection)
+    : m_connection(std::move(connection))
+    , m_context(xkb_context_new(XKB_CONTEXT_NO_FLAGS))
+{
+}
+
+X11KeyboardLayout::~X11KeyboardLayout() = default;
+
+bool X11KeyboardLayout::setUp()
+{
+    const int isThere = xkb_x11_setup_xkb_extension(
+        m_connection.get(), XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
+        XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, &m_firstEvent, nullptr);
+    if (!isThere || !m_context)
+        return false;
+    selectEvents();
+    return true;
+}
+
+std::optional<QString> X11KeyboardLayout::character(int carbonKeyCode) const
+{
+    const std::vector<int> evdev = evdevCodes(carbonKeyCode);
+    if (evdev.empty())
+        return std::nullopt;
+    return characterOfScanCode(quint32(evdev.front() + windowSystemKeyOffset));
+}
+
+std::optional<QString> X11KeyboardLayout::characterOfScanCode(quint32 nativeScanCode) const
+{
+    xkb_keymap *map = keymap();
+    return map ? characterOf(map, m_group, nativeScanCode) : std::nullopt;
+}
+
+int X11KeyboardLayout::keyCodeOfScanCode(quint32 nativeScanCode) const
+{
+    return carbonKeyCode(int(nativeScanCode) - windowSystemKeyOffset);
+}
+
+void X11KeyboardLayout::startDispatching()
+{
+    if (m_notifier)
+        return;
+    m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(m_connection.get()),
+                                                   QSocketNotifier::Read);
+    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
+                     [this] { readEvents(); });
+    readEvents();
+}
+
+void X11KeyboardLayout::selectEvents()
+{
+    // Of the state of the keyboard only its group, so that typing does not wake the process.
+    constexpr quint16 events = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY
+        | XCB_XKB_EVENT_TYPE_MAP_NOTIFY | XCB_XKB_EVENT_TYPE_STATE_NOTIFY;
+    xcb_xkb_select_events_details_t details{};
+    details.affectNewKeyboard = XCB_XKB_NKN_DETAIL_KEYCODES;
+    details.newKeyboardDetails = XCB_XKB_NKN_DETAIL_KEYCODES;
+    details.affectState = XCB_XKB_STATE_PART_GROUP_STATE;
+    details.stateDetails = XCB_XKB_STATE_PART_GROUP_STATE;
+    constexpr quint16 map = XCB_XKB_MAP_PART_KEY_TYPES | XCB_XKB_MAP_PART_KEY_SYMS;
+    xcb_xkb_select_events_aux(m_connection.get(), XCB_XKB_ID_USE_CORE_KBD, events, 0, 0, map, map,
+                              &details);
+    xcb_flush(m_connection.get());
+}
+
+void X11KeyboardLayout::readEvents()
+{
+    bool isNewMap = false;
+    bool isNewGroup = false;
+    while (const X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection.get())}) {
+        if ((event->response_type & 0x7f) == m_firstEvent) {
+            const bool isState = event->pad0 == XCB_XKB_STATE_NOTIFY;
+            isNewMap = isNewMap || !isState;
+            isNewGroup = isNewGroup || isState;
+        }
+    }
+    // The hot keys' connection tells of its end; this one just falls silent.
+    if (xcb_connection_has_error(m_connection.get()) && m_notifier)
+        m_notifier->setEnabled(false);
+    if (isNewMap)
+        m_keymap.reset();
+    if (isNewGroup && m_keymap)
+        isNewMap = std::exchange(m_group, latinGroup()) != m_group;
+    if (!isNewMap)
+        return;
+    if (onChanged)
+        onChanged();
+    // Reading the map may have read further events, which the notifier cannot see any more.
+    readEvents();
+}
+
+xkb_keymap *X11KeyboardLayout::keymap() const
+{
+    if (m_keymap)
+        return m_keymap.get();
+    const int32_t device = xkb_x11_get_core_keyboard_device_id(m_connection.get());
+    m_keymap.reset(xkb_x11_keymap_new_from_device(m_context.get(), m_connection.get(), device,
+                                                  XKB_KEYMAP_COMPILE_NO_FLAGS));
+    if (!m_keymap)
+        return nullptr;
+    m_group = latinGroup();
+    if (typesLatin(m_keymap.get(), m_group))
+        return m_keymap.get();
+    const xkb_rule_names american{"evdev", "pc105", "us", "", ""};
+    std::unique_ptr<xkb_keymap, Free> latin(
+        xkb_keymap_new_from_names(m_context.get(), &american, XKB_KEYMAP_COMPILE_NO_FLAGS));
+    if (latin)
+        m_keymap = std::move(latin);
+    return m_keymap.get();
+}
+
+quint32 X11KeyboardLayout::activeGroup() const
+{
+    const X11Reply<xcb_xkb_get_state_reply_t> state(xcb_xkb_get_state_reply(
+        m_connection.get(), xcb_xkb_get_state(m_connection.get(), XCB_XKB_ID_USE_CORE_KBD),
+        nullptr));
+    return state ? state->group : 0;
+}
+
+quint32 X11KeyboardLayout::latinGroup() const
+{
+    const quint32 active = activeGroup();
+    if (typesLatin(m_keymap.get(), active))
+        return active;
+    for (quint32 group = 0; group < xkb_keymap_num_layouts(m_keymap.get()); ++group) {
+        if (typesLatin(m_keymap.get(), group))
+            return group;
+    }
+    return active;
+}
+
+} // namespace tovek

@@ -1,0 +1,44 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "reading/EnginePool.h"
+#include "reading/PageReading.h"
+
+#include <atomic>
+
+namespace tovek {
+
+/// Reads the runs of one page with engines from a pool. A page is read to its end however long it
+/// is; only an engine that breaks down or hangs (see LineEngine) loses the run it had, and with
+/// too many of them the page cannot be read.
+class PageReader
+{
+public:
+    PageReader(Page page, std::shared_ptr<EnginePool> engines);
+
+    /// No more threads than this are of use.
+    std::size_t runs() const { return m_page.runs.size(); }
+    /// Takes part in the reading until no run is left or `isCancelled` answers true. Any number of
+    /// threads at once.
+    void read(const std::function<bool()> &isCancelled);
+
+    // When all threads are done:
+    bool isUnreadable() const { return m_isUnreadable; }
+    /// The lines of words; to be called once. Logs how many runs were lost, if any.
+    std::vector<std::vector<ReadWord>> takeLines();
+
+private:
+    /// False when the engine is lost.
+    bool readRun(LineEngine &engine, std::size_t run);
+
+    Page m_page;
+    std::shared_ptr<EnginePool> m_engines;
+    std::vector<std::vector<InkSymbol>> m_readings; ///< one a run
+    std::atomic<std::size_t> m_nextRun = 0;
+    std::atomic<int> m_lost = 0;
+    std::atomic<bool> m_isUnreadable = false;
+};
+
+} // namespace tovek

@@ -1,0 +1,21 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "reading/ReadWords.h"
+
+namespace tovek {
+
+/// Takes the words out of a run that are no text but what stands beside text on a screen: icons,
+/// arrows, switches, pieces of frames. The engine reads a character into each of them, but their
+/// shape or their place on the line is none that the character has.
+void dropPictures(std::vector<ReadWord> &words, const LetterMetrics &metrics);
+
+/// True for a run that stands alone and is no text: a speck such as a frame's corner, a thin
+/// upright line, or a few characters read into something much higher than the picture's other
+/// letters. `usualCap` is the cap height of most of the picture's text, 0 when it has none.
+bool isPictureRun(const TextRun &run, const std::vector<ReadWord> &words,
+                  const LetterMetrics &metrics, double usualCap);
+
+} // namespace tovek

@@ -1,0 +1,20 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "reading/RunReading.h"
+
+namespace tovek {
+
+/// Gives each unit (see InkSymbol) the ink that it covers, so that it can be compared with others.
+/// `ink` as from evenInk.
+void takeGlyphs(std::vector<InkSymbol> &symbols, const InkMap &ink, const TextRun &run);
+
+/// A screen draws the same character in the same font with the same pixels: what is read in most
+/// places is read in the others too, whether they were misread, read twice or passed over.
+/// `readings` and `metrics` have one entry a run. Afterwards no symbol is left without a text.
+void shareReadings(std::vector<std::vector<InkSymbol>> &readings,
+                   const std::vector<LetterMetrics> &metrics);
+
+} // namespace tovek

@@ -1,0 +1,131 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "fakes/LogCapture.h"
+#include "reading/PageReader.h"
+
+#include <QImage>
+#include <QPainter>
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace tovek;
+
+namespace {
+
+/// Reads one letter in every line, but for the lines that it breaks down on.
+class CountingEngine : public LineEngine
+{
+public:
+    CountingEngine(std::shared_ptr<int> linesRead, QSet<int> broken)
+        : m_linesRead(std::move(linesRead))
+        , m_broken(std::move(broken))
+    {
+    }
+    std::optional<std::vector<EngineSymbol>> read(const LineStrip &strip) override
+    {
+        if (m_broken.contains((*m_linesRead)++))
+            return std::nullopt;
+        return std::vector<EngineSymbol>{{"M", 4, strip.width - 4.0, 90, true}};
+    }
+
+private:
+    std::shared_ptr<int> m_linesRead;
+    QSet<int> m_broken;
+};
+
+/// A page with so many lines of one block each.
+Page pageOfBlocks(int lines)
+{
+    QImage image(200, lines * 40, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    for (int i = 0; i < lines; ++i) {
+        painter.fillRect(20, i * 40 + 10, 2, 14, Qt::black);
+        painter.fillRect(28, i * 40 + 10, 2, 14, Qt::black);
+        painter.fillRect(20, i * 40 + 16, 10, 2, Qt::black);
+    }
+    painter.end();
+    return pageOf(image);
+}
+
+QSet<int> firstLines(int count)
+{
+    QSet<int> lines;
+    for (int i = 0; i < count; ++i)
+        lines.insert(i);
+    return lines;
+}
+
+} // namespace
+
+class TestPageReader : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(".*")); }
+
+    void readsEveryLineButThoseThatAnEngineBreaksDownOn_data()
+    {
+        QTest::addColumn<int>("broken");
+        QTest::addColumn<bool>("isUnreadable");
+        QTest::addColumn<QStringList>("log");
+        QTest::newRow("none") << 0 << false << QStringList{};
+        QTest::newRow("one")
+            << 1 << false
+            << QStringList{
+                   "Text recognition left out 1 of 20 lines: its engine hung or broke down"};
+        QTest::newRow("three")
+            << 3 << false
+            << QStringList{
+                   "Text recognition left out 3 of 20 lines: its engine hung or broke down"};
+        QTest::newRow("four") << 4 << true << QStringList{};
+    }
+    void readsEveryLineButThoseThatAnEngineBreaksDownOn()
+    {
+        QFETCH(int, broken);
+        QFETCH(bool, isUnreadable);
+        QFETCH(QStringList, log);
+        const auto linesRead = std::make_shared<int>(0);
+        int engines = 0;
+        PageReader reader(pageOfBlocks(20), std::make_shared<EnginePool>([&] {
+                              ++engines;
+                              return std::make_unique<CountingEngine>(linesRead,
+                                                                      firstLines(broken));
+                          }));
+        QCOMPARE(reader.runs(), std::size_t(20));
+        LogCapture capture;
+        reader.read([] { return false; });
+        QCOMPARE(reader.isUnreadable(), isUnreadable);
+        if (!isUnreadable) {
+            QCOMPARE(*linesRead, 20);
+            QCOMPARE(engines, broken + 1);
+            QCOMPARE(reader.takeLines().size(), std::size_t(20 - broken));
+        }
+        QCOMPARE(capture.lines(), log);
+    }
+
+    void isUnreadableWithoutAnEngine()
+    {
+        PageReader reader(pageOfBlocks(2), std::make_shared<EnginePool>([] {
+                              return std::unique_ptr<LineEngine>();
+                          }));
+        reader.read([] { return false; });
+        QVERIFY(reader.isUnreadable());
+    }
+
+    void stopsBetweenTwoLinesWhenItIsCancelled()
+    {
+        const auto linesRead = std::make_shared<int>(0);
+        const auto engines = std::make_shared<EnginePool>(
+            [&] { return std::make_unique<CountingEngine>(linesRead, QSet<int>{}); });
+        PageReader reader(pageOfBlocks(20), engines);
+        reader.read([&] { return *linesRead == 5; });
+        QCOMPARE(*linesRead, 5);
+        QCOMPARE(engines->count(), 1);
+    }
+};
+
+QTEST_APPLESS_MAIN(TestPageReader)
+#include "tst_PageReader.moc"

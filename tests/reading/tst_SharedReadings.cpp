@@ -1,0 +1,117 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "reading/SharedReadings.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+using namespace tovek;
+
+namespace {
+
+constexpr LetterMetrics metrics{10, 10, 7, true};
+
+/// One unit; its ink is the same wherever `shape` is.
+InkSymbol symbol(const QString &text, int x, std::uint8_t shape, double confidence = 90)
+{
+    const QRect box(x, 3, 6, 7);
+    std::vector<std::uint8_t> glyph(42, 0);
+    for (std::size_t i = 0; i < glyph.size(); ++i)
+        glyph[i] = std::uint8_t((i * 37 + shape * 83) % 256);
+    return {text, box, confidence, x == 0, 1, box, glyph};
+}
+
+QString textOf(const std::vector<InkSymbol> &symbols)
+{
+    QString text;
+    for (const InkSymbol &one : symbols)
+        text += one.text;
+    return text;
+}
+
+} // namespace
+
+class TestSharedReadings : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(".*")); }
+
+    void readsTheSameInkTheSameWay_data()
+    {
+        QTest::addColumn<QString>("most");
+        QTest::addColumn<QString>("other");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("misread") << "g"
+                                 << "y"
+                                 << "gggg";
+        QTest::newRow("passed over") << "g"
+                                     << ""
+                                     << "gggg";
+        QTest::newRow("read as two") << "m"
+                                     << "rn"
+                                     << "mmmm";
+        QTest::newRow("l and I: the word tells") << "l"
+                                                 << "I"
+                                                 << "lllI";
+        QTest::newRow("0 and O: three to one is not clear") << "0"
+                                                            << "O"
+                                                            << "000O";
+        QTest::newRow("passed over in most places") << ""
+                                                    << "g"
+                                                    << "g";
+    }
+    void readsTheSameInkTheSameWay()
+    {
+        QFETCH(QString, most);
+        QFETCH(QString, other);
+        std::vector<std::vector<InkSymbol>> readings{{symbol(most, 0, 1)},
+                                                     {symbol(most, 0, 1)},
+                                                     {symbol(most, 0, 1)},
+                                                     {symbol(other, 0, 1)}};
+        shareReadings(readings, {4, metrics});
+        QTEST(textOf(readings[0]) + textOf(readings[1]) + textOf(readings[2]) + textOf(readings[3]),
+              "expected");
+    }
+
+    void needsAMajority()
+    {
+        std::vector<std::vector<InkSymbol>> readings{{symbol("g", 0, 1)}, {symbol("y", 0, 1)}};
+        shareReadings(readings, {2, metrics});
+        QCOMPARE(textOf(readings[0]) + textOf(readings[1]), QString("gy"));
+    }
+
+    void leavesOtherInkAlone()
+    {
+        std::vector<std::vector<InkSymbol>> readings{
+            {symbol("g", 0, 1)}, {symbol("g", 0, 1)}, {symbol("g", 0, 1)}, {symbol("y", 0, 2)}};
+        shareReadings(readings, {4, metrics});
+        QCOMPARE(textOf(readings[3]), QString("y"));
+    }
+
+    void leavesOtherSizesAlone()
+    {
+        LetterMetrics larger = metrics;
+        larger.capHeight = 13;
+        std::vector<std::vector<InkSymbol>> readings{
+            {symbol("o", 0, 1)}, {symbol("o", 0, 1)}, {symbol("o", 0, 1)}, {symbol("a", 0, 1)}};
+        shareReadings(readings, {metrics, metrics, metrics, larger});
+        QCOMPARE(textOf(readings[3]), QString("a"));
+    }
+
+    void keepsTheBreakOfAWordWhoseFirstInkIsNoText()
+    {
+        InkSymbol speck = symbol("", 20, 7);
+        speck.startsWord = true;
+        std::vector<std::vector<InkSymbol>> readings{
+            {symbol("a", 0, 1), speck, symbol("b", 30, 2)}};
+        shareReadings(readings, {metrics});
+        QCOMPARE(textOf(readings[0]), QString("ab"));
+        QVERIFY(readings[0][1].startsWord);
+    }
+};
+
+QTEST_APPLESS_MAIN(TestSharedReadings)
+#include "tst_SharedReadings.moc"
