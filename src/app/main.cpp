@@ -77,8 +77,12 @@ int run(int &argc, char **argv, QString &successor)
 {
     const bool inBackground = isInBackground(argc, argv);
     EarlyPlatform early = makeEarlyPlatform();
-    if (early.singleInstance->claim() == SingleInstance::Role::second)
+    if (early.singleInstance->claim() == SingleInstance::Role::second) {
+        // A session that starts what is running already has not asked for a window.
+        if (!inBackground)
+            early.singleInstance->reopenFirst();
         return 0;
+    }
     if (!hasDisplay()) {
         logLine(QStringLiteral("No display: neither DISPLAY nor WAYLAND_DISPLAY is set"));
         return 1;

@@ -16,9 +16,11 @@ public:
     enum class Role { first, second, alone };
 
     virtual ~SingleInstance() = default;
-    /// `first`: this process is the program now. `second`: another one is, and has been asked to
-    /// reopen. `alone`: the session has no bus to find out; nothing arrives from outside.
+    /// `first`: this process is the program now. `second`: another one is. `alone`: the session
+    /// has no bus to find out; nothing arrives from outside.
     virtual Role claim() = 0;
+    /// Asks the program that is there already to reopen, as `second`.
+    virtual void reopenFirst() = 0;
 
     /// The program was launched again.
     std::function<void()> onReopen;

@@ -42,6 +42,20 @@ private Q_SLOTS:
         QVERIFY(l.isOpen("About"));
     }
 
+    void stayClosedOnASecondLaunchInTheBackground()
+    {
+        Launched l;
+        QVERIFY(l.start());
+        QVERIFY(Hand(l.desktop->displayName()).tap("Escape"));
+        QVERIFY(l.isClosed());
+        Program *second = l.launch({"--background"});
+        QVERIFY(second);
+        QCOMPARE(second->waitForExit(), std::optional(0));
+        QVERIFY(!waitUntil([&] { return !windowsTitled(*l.eye, "General").isEmpty(); },
+                           std::chrono::seconds(1)));
+        QVERIFY(l.program->isRunning());
+    }
+
     void openAgainOnASecondLaunch()
     {
         Launched l;

@@ -38,14 +38,19 @@ SingleInstance::Role DBusSingleInstance::claim()
     if (reply.value() == QDBusConnectionInterface::ServiceRegistered)
         return Role::first;
     bus.unregisterObject(objectPath);
+    return Role::second;
+}
+
+void DBusSingleInstance::reopenFirst()
+{
     QDBusMessage activate = QDBusMessage::createMethodCall(busName, objectPath, interfaceName,
                                                            QStringLiteral("Activate"));
     activate << QVariantMap();
-    const QDBusMessage answer = bus.call(activate, QDBus::Block, activationTimeoutMs);
+    const QDBusMessage answer =
+        QDBusConnection::sessionBus().call(activate, QDBus::Block, activationTimeoutMs);
     if (answer.type() == QDBusMessage::ErrorMessage)
         logLine(
             QStringLiteral("Failed to reach the running instance: %1").arg(answer.errorMessage()));
-    return Role::second;
 }
 
 const QStringList &DBusSingleInstance::actions()

@@ -19,6 +19,7 @@ class DBusSingleInstance : public QObject, public SingleInstance
 
 public:
     Role claim() override;
+    void reopenFirst() override;
 
     static const QStringList &actions();
 
