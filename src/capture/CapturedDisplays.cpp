@@ -29,7 +29,7 @@ void CapturedDisplays::fetchPixels() const
 
 QImage CapturedDisplays::pixelsIn(QRect native) const
 {
-    for (const CapturedDisplay &captured : m_captured.empty() ? m_leaving : m_captured) {
+    for (const CapturedDisplay &captured : m_captured) {
         const QRect screen = captured.screen.native;
         const QFuture<QImage> pixels = captured.screenshot->pixels();
         if (screen.contains(native) && pixels.isFinished() && pixels.resultCount() > 0)

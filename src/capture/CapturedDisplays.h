@@ -6,13 +6,11 @@
 #include "capture/CapturedDisplay.h"
 
 #include <optional>
-#include <utility>
 #include <vector>
 
 namespace tovek {
 
-/// The frozen screens of a session, and for the moment in which its overlays go, still those.
-/// Main thread.
+/// The frozen screens of a session. Main thread.
 class CapturedDisplays
 {
 public:
@@ -22,17 +20,13 @@ public:
     void remove(const Screen &screen);
     /// Begins to fetch the pixels of all of them.
     void fetchPixels() const;
-    /// The overlays are about to go.
-    void leave() { m_leaving = std::exchange(m_captured, {}); }
-    void forgetLeaving() { m_leaving.clear(); }
 
-    /// The pixels in a rectangle (native, y down, global) inside of one screen, as long as an
-    /// overlay may hide it; null when none does, or when they are not at hand.
+    /// The pixels in a rectangle (native, y down, global) inside of one screen; null when none of
+    /// them has it, or when they are not at hand.
     QImage pixelsIn(QRect native) const;
 
 private:
     std::vector<CapturedDisplay> m_captured;
-    std::vector<CapturedDisplay> m_leaving;
 };
 
 } // namespace tovek

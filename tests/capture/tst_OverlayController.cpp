@@ -138,14 +138,41 @@ private Q_SLOTS:
         QVERIFY(f.shell.surfaces.empty());
     }
 
-    void canStartAgainBeforeTheOldOverlaysAreGone()
+    void waitsForTheOverlaysOfTheLastCapture()
     {
         ControllerFixture f;
         f.controller->startCapture(CaptureMode::normal);
         f.overlay().onCancel();
+        f.shell.events.clear();
+        f.controller->startCapture(CaptureMode::copyImage);
+        QVERIFY(f.controller->isCapturing());
+        f.controller->startCapture(CaptureMode::normal); // one at a time, also while it waits
+        f.clock.advance(69ms); // 20 until they are gone, 50 for what is below to paint itself
+        QCOMPARE(f.shell.events, (QStringList{"out 1", "out 2"}));
+        f.clock.advance(1ms);
+        QCOMPARE(f.shell.events, (QStringList{"out 1", "out 2", "front 1", "key 1", "front 2"}));
+        QVERIFY(f.controller->overlayWindows().front()->selectionView()->captureMode()
+                == CaptureMode::copyImage);
+    }
+
+    void startsAtOnceWhenTheOverlaysAreGone()
+    {
+        ControllerFixture f;
         f.controller->startCapture(CaptureMode::normal);
-        f.clock.advance(1s);
+        f.overlay().onCancel();
+        QVERIFY(!f.controller->isCapturing());
+        f.clock.advance(70ms);
+        f.controller->startCapture(CaptureMode::normal);
         QCOMPARE(f.controller->overlayWindows().size(), size_t(2));
+    }
+
+    void survivesTheEndOfTheControllerWithTheOverlaysOpen()
+    {
+        ControllerFixture f;
+        f.controller->startCapture(CaptureMode::normal);
+        f.controller.reset();
+        QVERIFY(f.shell.surfaces.empty());
+        f.clock.advance(1s);
     }
 
     void losesOnlyTheOverlayOfAScreenThatGoes()
