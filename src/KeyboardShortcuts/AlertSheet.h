@@ -13,6 +13,8 @@ namespace KeyboardShortcuts {
 /// carries the number of the button; the sheet then deletes itself.
 class AlertSheet : public QDialog
 {
+    Q_OBJECT
+
 public:
     enum class Style { plain, warning };
     struct Content

@@ -49,14 +49,18 @@ struct Mapping
     }
 };
 
+struct CloseFile
+{
+    void operator()(std::FILE *file) const { std::fclose(file); }
+};
+
 /// Calls `use` with each mapping that holds nothing but what is in its file. Some libraries patch
 /// their own code when they start, and the linker the tables that it protects afterwards; such
 /// pages are not the file's any more.
 template <typename Use>
 void forUnchangedFiles(Use use)
 {
-    const std::unique_ptr<FILE, decltype(&std::fclose)> maps(std::fopen("/proc/self/smaps", "re"),
-                                                             &std::fclose);
+    const std::unique_ptr<std::FILE, CloseFile> maps(std::fopen("/proc/self/smaps", "re"));
     Mapping mapping;
     for (std::array<char, 512> line; maps && std::fgets(line.data(), line.size(), maps.get());) {
         unsigned long changed = 0;

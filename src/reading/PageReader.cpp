@@ -47,7 +47,7 @@ std::vector<std::vector<ReadWord>> PageReader::takeLines()
     if (m_lost > 0)
         logLine(QStringLiteral("Text recognition left out %1 of %2 lines: its engine hung or "
                                "broke down")
-                    .arg(m_lost)
+                    .arg(m_lost.load())
                     .arg(m_page.runs.size()));
     return linesOf(m_page, std::move(m_readings));
 }

@@ -18,10 +18,10 @@ class LogCapture
 public:
     LogCapture()
     {
-        m_file.open();
         std::fflush(stdout);
         m_saved = dup(STDOUT_FILENO);
-        dup2(m_file.handle(), STDOUT_FILENO);
+        if (m_file.open())
+            dup2(m_file.handle(), STDOUT_FILENO);
     }
     ~LogCapture() { restore(); }
 

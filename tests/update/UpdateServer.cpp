@@ -10,6 +10,7 @@
 #include <QSslConfiguration>
 #include <QSslKey>
 #include <QSslSocket>
+#include <QTimeZone>
 
 namespace tovek {
 
@@ -64,7 +65,7 @@ QUrl UpdateServer::url(const QString &path) const
 
 QDateTime UpdateServer::defaultDate()
 {
-    return QDateTime(QDate(2026, 3, 7), QTime(14, 0), Qt::UTC);
+    return QDateTime(QDate(2026, 3, 7), QTime(14, 0), QTimeZone::utc());
 }
 
 QByteArray UpdateServer::signatureOf(const PublishedPackage &package) const

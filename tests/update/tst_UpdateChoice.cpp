@@ -4,6 +4,7 @@
 #include "update/UpdateChoice.h"
 
 #include <QTest>
+#include <QTimeZone>
 
 using namespace tovek;
 
@@ -110,7 +111,7 @@ private Q_SLOTS:
 private:
     static QDateTime date(int seconds)
     {
-        return QDateTime(QDate(2025, 3, 7), QTime(14, 0), Qt::UTC).addSecs(seconds);
+        return QDateTime(QDate(2025, 3, 7), QTime(14, 0), QTimeZone::utc()).addSecs(seconds);
     }
     std::optional<NoOffer> reasonFor(const UpdateFeed &feed) const
     {

@@ -4,6 +4,7 @@
 #include "update/UpdateFeed.h"
 
 #include <QTest>
+#include <QTimeZone>
 
 using namespace tovek;
 
@@ -47,7 +48,7 @@ private Q_SLOTS:
             readFeed(feed(item(enclosure() + "<minimumSystemVersion>2.36</minimumSystemVersion>")));
         const auto *read = std::get_if<UpdateFeed>(&answer);
         QVERIFY(read);
-        QCOMPARE(read->date, QDateTime(QDate(2025, 3, 7), QTime(14, 5, 9), Qt::UTC));
+        QCOMPARE(read->date, QDateTime(QDate(2025, 3, 7), QTime(14, 5, 9), QTimeZone::utc()));
         QCOMPARE(read->items.size(), 1);
         const UpdateItem &first = read->items.first();
         QCOMPARE(first.versionText, QStringLiteral("1.2"));
