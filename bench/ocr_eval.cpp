@@ -20,6 +20,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLocale>
 
 #include <cstdio>
 
@@ -74,6 +75,7 @@ public:
     std::optional<std::vector<EngineSymbol>> read(const LineStrip &strip) override
     {
         QCryptographicHash hash(QCryptographicHash::Md5);
+        hash.addData(m_languages);
         hash.addData(
             {reinterpret_cast<const char *>(strip.grey.data()), qsizetype(strip.grey.size())});
         QByteArray &known = m_known[hash.result()];
@@ -96,7 +98,7 @@ private:
         if (!m_engine)
             m_engine = EngineProcess::create(
                 {QFile::encodeName(QCoreApplication::applicationDirPath() + "/tovek-ocr"),
-                 QFile::encodeName(modelFolder()), "eng"});
+                 QFile::encodeName(modelFolder()), m_languages});
         QByteArray answer;
         QDataStream out(&answer, QIODevice::WriteOnly);
         const auto symbols = m_engine ? m_engine->read(strip) : std::nullopt;
@@ -110,6 +112,8 @@ private:
     }
 
     QString m_path;
+    QByteArray m_languages =
+        modelsFor(QLocale().uiLanguages(), modelsIn(modelFolder())).join('+').toLatin1();
     QHash<QByteArray, QByteArray> m_known;
     std::unique_ptr<LineEngine> m_engine;
 };

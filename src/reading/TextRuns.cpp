@@ -59,6 +59,13 @@ QRect boundsOf(const Patches &patches)
     return box;
 }
 
+/// How tall a band counts beside another one. One that holds several lines (a side bar beside tall
+/// icons) is told by its letters: a whole line above it is not their dots.
+int heightOf(const Patches &band)
+{
+    return std::min(boundsOf(band).height(), 2 * typicalHeight(band));
+}
+
 /// Dots and accents are cut from their letters where a line has nothing as tall: they go back to
 /// the band close below (or above) that is much taller.
 std::vector<Patches> joinedDots(std::vector<Patches> bands)
@@ -67,9 +74,9 @@ std::vector<Patches> joinedDots(std::vector<Patches> bands)
         const QRect upper = boundsOf(bands[i]);
         const QRect lower = boundsOf(bands[i + 1]);
         const int gap = lower.top() - upper.bottom() - 1;
-        const int taller = std::max(upper.height(), lower.height());
+        const int taller = std::max(heightOf(bands[i]), heightOf(bands[i + 1]));
         const int smaller = std::min(upper.height(), lower.height());
-        if (smaller * 2 <= taller && gap * 3 <= taller && taller <= tallestLetter) {
+        if (smaller * 2 < taller && gap * 3 <= taller && taller <= tallestLetter) {
             bands[i].insert(bands[i].end(), bands[i + 1].begin(), bands[i + 1].end());
             bands.erase(bands.begin() + std::ptrdiff_t(i) + 1);
             i = i > 0 ? i - 1 : 0;

@@ -66,6 +66,14 @@ private Q_SLOTS:
         const auto boxes = boxesOf({{patch(0, 0, 2, 2)}, {patch(0, 4, 2, 10)}, word(5, 4, 2)});
         QCOMPARE(boxes, (std::vector{QRect(0, 0, 21, 14)}));
     }
+    void keepsALineApartFromABandOfSeveral()
+    {
+        // The lines of two columns overlap, so that they make one tall band. The line of the page
+        // above them is no row of their dots.
+        const auto boxes = boxesOf({word(0, 0, 12), word(0, 13, 4), word(0, 27, 4), word(0, 41, 4),
+                                    word(45, 20, 4), word(45, 34, 4)});
+        QCOMPARE(boxes.front(), QRect(0, 0, 106, 10));
+    }
     void dividesLinesThatTouch()
     {
         // A descender of the first line reaches the row where the second begins.
