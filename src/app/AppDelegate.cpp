@@ -73,10 +73,7 @@ OverlayController::Services AppDelegate::overlayServices()
     services.hasPermission = [this] {
         return !m_services.permissionManager || m_services.permissionManager->hasPermission();
     };
-    services.showPermissionWindow = [this] {
-        useModernLook();
-        m_services.permissionWindowController->show();
-    };
+    services.showPermissionWindow = [this] { showPermissionWindow(); };
     services.willFreeze = [this] {
         if (m_services.toast)
             m_services.toast->hideForCapture();
@@ -116,7 +113,21 @@ void AppDelegate::applicationDidFinishLaunching(Launch launch, HotkeyManager &ho
     restSoon();
     if (launch == Launch::inBackground)
         return;
-    m_platform.clock->after(settingsDelay, this, [this] { m_state.setShouldOpenSettings(true); });
+    // Who starts it where it is of no use learns that first, not when a capture is due.
+    const bool isObstructed = m_services.permissionManager
+        && !m_services.permissionManager->hasPermission() && m_services.permissionManager->advice();
+    m_platform.clock->after(settingsDelay, this, [this, isObstructed] {
+        if (isObstructed)
+            showPermissionWindow();
+        else
+            m_state.setShouldOpenSettings(true);
+    });
+}
+
+void AppDelegate::showPermissionWindow()
+{
+    useModernLook();
+    m_services.permissionWindowController->show();
 }
 
 void AppDelegate::warmUp()

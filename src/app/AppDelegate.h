@@ -48,6 +48,7 @@ private:
     /// Gives back the memory that only work needs, unless there is more work before.
     void restSoon();
     void openSettings(SettingsTab tab);
+    void showPermissionWindow();
     void checkForUpdates();
     void tellFailure(const QString &message);
 

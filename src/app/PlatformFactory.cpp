@@ -15,6 +15,7 @@
 #include "platform/linux/QtClock.h"
 #include "platform/linux/StatusNotifierItem.h"
 #include "platform/linux/TesseractRecognizer.h"
+#include "platform/null/NullCapturePermission.h"
 #include "platform/null/NullClipboard.h"
 #include "platform/null/NullDesktop.h"
 #include "platform/null/NullKeyboard.h"
@@ -23,6 +24,7 @@
 #include "platform/x11/capture/X11FrontmostApp.h"
 #include "platform/x11/capture/X11ScreenGrabber.h"
 #include "platform/x11/capture/X11Screens.h"
+#include "platform/x11/capture/XWayland.h"
 #include "platform/x11/clipboard/X11Clipboard.h"
 #include "platform/x11/keys/X11HotKeys.h"
 #include "platform/x11/keys/X11KeyboardLayout.h"
@@ -41,6 +43,24 @@ namespace {
 bool isWithoutDesktop()
 {
     return qEnvironmentVariable("TOVEK_PLATFORM") == QLatin1String("null");
+}
+
+bool isWaylandSession()
+{
+    return qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+}
+
+/// A black picture and overlays over a desktop that nobody can see would be worse than none.
+std::unique_ptr<CapturePermission> refuseToCapture()
+{
+    logLine(QStringLiteral("This Wayland session cannot be captured: nothing will be"));
+    return std::make_unique<NullCapturePermission>(CaptureAdvice{
+        QStringLiteral("This Session Cannot Be Captured"),
+        QStringLiteral("Tovek does not know this kind of Wayland desktop yet. It would see nothing "
+                       "but black, so it takes no pictures here. On X11 everything works:"),
+        {QStringLiteral("Log out"),
+         QStringLiteral("On the login screen choose a session \"on Xorg\" or \"X11\""),
+         QStringLiteral("Log in, and start Tovek again")}});
 }
 
 #ifdef TOVEK_WITH_X11
@@ -86,7 +106,9 @@ bool addX11Desktop(Platform &platform)
     platform.overlayShell = std::make_unique<X11OverlayShell>(connection, monitors);
     platform.frontmostApp = std::make_unique<X11FrontmostApp>(connection);
     platform.clipboard = std::move(clipboard);
-    platform.capturePermission = std::make_unique<X11CapturePermission>();
+    platform.capturePermission = isXWayland(*connection, *monitors)
+        ? refuseToCapture()
+        : std::make_unique<X11CapturePermission>();
     platform.toastShell = X11ToastShell::create();
     platform.soundOutput = std::make_unique<CanberraSoundOutput>(&XSettings::areEventSoundsEnabled);
     // The area of the X server first: it alone lets a thumbnail be dragged out.
@@ -161,6 +183,8 @@ Platform makePlatform(EarlyPlatform &early)
         logLine(QStringLiteral("No X server to work with: shortcuts, screens and the clipboard "
                                "cannot be used"));
     addNullDesktop(platform);
+    if (isWaylandSession())
+        platform.capturePermission = refuseToCapture();
     return platform;
 }
 

@@ -32,11 +32,7 @@ void chooseToolkitPlatform()
 {
     if (!qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
         return;
-    const bool hasXWayland = qEnvironmentVariableIsSet("DISPLAY");
-    logLine(QStringLiteral("On Wayland, windows of other programs cannot be captured yet, and "
-                           "shortcuts act only while an X11 window has the keyboard%1")
-                .arg(hasXWayland ? QString() : QStringLiteral("; there is no XWayland either")));
-    if (hasXWayland && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+    if (qEnvironmentVariableIsSet("DISPLAY") && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "xcb");
 }
 

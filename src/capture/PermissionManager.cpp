@@ -3,8 +3,6 @@
 
 #include "capture/PermissionManager.h"
 
-#include "platform/CapturePermission.h"
-
 namespace tovek {
 
 PermissionManager::PermissionManager(CapturePermission &permission) : m_permission(permission) { }

@@ -3,9 +3,9 @@
 
 #pragma once
 
-namespace tovek {
+#include "platform/CapturePermission.h"
 
-class CapturePermission;
+namespace tovek {
 
 /// The permission to capture the screen. Main thread only.
 class PermissionManager
@@ -17,6 +17,8 @@ public:
     bool hasPermission() const;
     /// Lists the program among those that want access, then opens the page where it is granted.
     void openSystemSettings();
+    /// See CapturePermission::advice.
+    std::optional<CaptureAdvice> advice() const { return m_permission.advice(); }
 
 private:
     CapturePermission &m_permission;

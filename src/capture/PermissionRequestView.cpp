@@ -27,15 +27,20 @@ constexpr int stepGap = 3;
 constexpr int headlineSize = 13;
 constexpr int subheadlineSize = 11;
 
-const char *const title = "Screen Recording Permission Required";
-const char *const explanation =
-    "Tovek needs screen recording permission to capture screenshots. This allows the app to see "
-    "and capture the content on your screen.";
-const char *const steps[]{
-    "Click \"Open System Settings\" below",
-    "Find Tovek in the list and enable it",
-    "You may need to restart Tovek",
-};
+CaptureAdvice askForPermission()
+{
+    return {
+        QStringLiteral("Screen Recording Permission Required"),
+        QStringLiteral("Tovek needs screen recording permission to capture screenshots. This "
+                       "allows the app to see and capture the content on your screen."),
+        {
+            QStringLiteral("Click \"Open System Settings\" below"),
+            QStringLiteral("Find Tovek in the list and enable it"),
+            QStringLiteral("You may need to restart Tovek"),
+        },
+        true,
+    };
+}
 
 QColor secondaryColor(const QWidget &widget)
 {
@@ -44,9 +49,9 @@ QColor secondaryColor(const QWidget &widget)
     return color;
 }
 
-QLabel *makeLabel(const char *text, int size, QWidget *parent)
+QLabel *makeLabel(const QString &text, int size, QWidget *parent)
 {
-    auto *label = new QLabel(QString::fromLatin1(text), parent);
+    auto *label = new QLabel(text, parent);
     QFont font = label->font();
     font.setPixelSize(size);
     label->setFont(font);
@@ -64,10 +69,13 @@ void makeSecondary(QLabel &label)
 
 } // namespace
 
-PermissionRequestView::PermissionRequestView(const SymbolSource &symbols, QWidget *parent)
+PermissionRequestView::PermissionRequestView(const SymbolSource &symbols,
+                                             const std::optional<CaptureAdvice> &advice,
+                                             QWidget *parent)
     : QWidget(parent)
+    , m_advice(advice ? *advice : askForPermission())
 {
-    setAccessibleName(QString::fromLatin1(title));
+    setAccessibleName(m_advice.title);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, topPadding, 0, bottomPadding);
     column->setSpacing(blockGap);
@@ -79,21 +87,21 @@ PermissionRequestView::PermissionRequestView(const SymbolSource &symbols, QWidge
 
 void PermissionRequestView::addExplanation(QVBoxLayout &column, const SymbolSource &symbols)
 {
-    auto *symbol = makeLabel("", headlineSize, this);
+    auto *symbol = makeLabel({}, headlineSize, this);
     symbol->setPixmap(
         QPixmap::fromImage(symbols(QStringLiteral("rectangle.dashed.badge.record"),
                                    secondaryColor(*this), symbolSize, devicePixelRatioF())));
     symbol->setAlignment(Qt::AlignCenter);
     column.addWidget(symbol);
 
-    auto *headline = makeLabel(title, headlineSize, this);
+    auto *headline = makeLabel(m_advice.title, headlineSize, this);
     QFont bold = headline->font();
     bold.setWeight(QFont::DemiBold);
     headline->setFont(bold);
     headline->setAlignment(Qt::AlignCenter);
     column.addWidget(headline);
 
-    auto *text = makeLabel(explanation, subheadlineSize, this);
+    auto *text = makeLabel(m_advice.explanation, subheadlineSize, this);
     makeSecondary(*text);
     text->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     text->setWordWrap(true);
@@ -110,13 +118,14 @@ QGridLayout *PermissionRequestView::makeSteps()
     grid->setColumnMinimumWidth(0, numberWidth);
     grid->setColumnStretch(1, 1);
     int row = 0;
-    for (const char *step : steps) {
-        auto *number = makeLabel("", subheadlineSize, this);
+    for (const QString &step : std::as_const(m_advice.steps)) {
+        auto *number = makeLabel({}, subheadlineSize, this);
         number->setText(QStringLiteral("%1.").arg(row + 1));
         makeSecondary(*number);
         grid->addWidget(number, row, 0, Qt::AlignRight | Qt::AlignTop);
         auto *text = makeLabel(step, subheadlineSize, this);
-        grid->addWidget(text, row, 1, Qt::AlignLeft | Qt::AlignTop);
+        text->setWordWrap(true);
+        grid->addWidget(text, row, 1, Qt::AlignTop);
         ++row;
     }
     return grid;
@@ -127,34 +136,43 @@ void PermissionRequestView::addButtons(QVBoxLayout &column)
     auto *row = new QHBoxLayout; // the column takes it over
     row->setSpacing(buttonGap);
     row->addStretch(1);
-    auto *cancel = new QPushButton(QStringLiteral("Cancel"), this);
-    auto *open = new QPushButton(QStringLiteral("Open System Settings"), this);
-    for (QPushButton *button : {cancel, open}) {
-        button->setAccessibleName(button->text());
-        button->setMinimumWidth(button->sizeHint().width() + buttonPadding);
-        row->addWidget(button);
-    }
-    row->addStretch(1);
-    QPalette prominent = open->palette();
-    prominent.setColor(QPalette::Button, prominent.color(QPalette::Highlight));
-    prominent.setColor(QPalette::ButtonText, prominent.color(QPalette::HighlightedText));
-    open->setPalette(prominent);
-    open->setDefault(true);
-    open->setFocus();
-    column.addLayout(row);
-    connect(cancel, &QPushButton::clicked, this, [this] {
+    auto *leave =
+        addButton(*row, m_advice.hasSettings ? QStringLiteral("Cancel") : QStringLiteral("Close"));
+    connect(leave, &QPushButton::clicked, this, [this] {
         if (onDismiss)
             onDismiss();
     });
-    connect(open, &QPushButton::clicked, this, [this] {
-        if (onOpenSettings)
-            onOpenSettings();
-    });
+    QPushButton *prominent = leave;
+    if (m_advice.hasSettings) {
+        prominent = addButton(*row, QStringLiteral("Open System Settings"));
+        connect(prominent, &QPushButton::clicked, this, [this] {
+            if (onOpenSettings)
+                onOpenSettings();
+        });
+    }
+    row->addStretch(1);
+    QPalette palette = prominent->palette();
+    palette.setColor(QPalette::Button, palette.color(QPalette::Highlight));
+    palette.setColor(QPalette::ButtonText, palette.color(QPalette::HighlightedText));
+    prominent->setPalette(palette);
+    prominent->setDefault(true);
+    prominent->setFocus();
+    column.addLayout(row);
+}
+
+QPushButton *PermissionRequestView::addButton(QHBoxLayout &row, const QString &text)
+{
+    auto *button = new QPushButton(text, this);
+    button->setAccessibleName(text);
+    button->setMinimumWidth(button->sizeHint().width() + buttonPadding);
+    row.addWidget(button);
+    return button;
 }
 
 void PermissionRequestView::keyPressEvent(QKeyEvent *event)
 {
-    const auto &action = event->key() == Qt::Key_Escape ? onDismiss : onOpenSettings;
+    const bool leaves = event->key() == Qt::Key_Escape || !m_advice.hasSettings;
+    const auto &action = leaves ? onDismiss : onOpenSettings;
     switch (event->key()) {
     case Qt::Key_Escape:
     case Qt::Key_Return:

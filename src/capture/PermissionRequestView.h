@@ -4,21 +4,26 @@
 #pragma once
 
 #include "foundation/SymbolSource.h"
+#include "platform/CapturePermission.h"
 
 #include <QWidget>
 
 class QGridLayout;
+class QHBoxLayout;
 class QPushButton;
 class QVBoxLayout;
 
 namespace tovek {
 
-/// Explains how to give the program access to the screen. The window that holds it can be moved by
-/// the view's background.
+/// Explains how to give the program access to the screen, or why there is none. The window that
+/// holds it can be moved by the view's background.
 class PermissionRequestView : public QWidget
 {
 public:
-    explicit PermissionRequestView(const SymbolSource &symbols, QWidget *parent = nullptr);
+    /// Without advice it asks for the permission.
+    explicit PermissionRequestView(const SymbolSource &symbols,
+                                   const std::optional<CaptureAdvice> &advice = std::nullopt,
+                                   QWidget *parent = nullptr);
 
     std::function<void()> onOpenSettings;
     std::function<void()> onDismiss;
@@ -31,6 +36,9 @@ private:
     void addExplanation(QVBoxLayout &column, const SymbolSource &symbols);
     QGridLayout *makeSteps();
     void addButtons(QVBoxLayout &column);
+    QPushButton *addButton(QHBoxLayout &row, const QString &text);
+
+    CaptureAdvice m_advice;
 };
 
 } // namespace tovek

@@ -35,7 +35,7 @@ void PermissionWindowController::show()
         bringForward();
         return;
     }
-    auto view = std::make_unique<PermissionRequestView>(m_symbols);
+    auto view = std::make_unique<PermissionRequestView>(m_symbols, m_permission.advice());
     view->onOpenSettings = [this] {
         m_permission.openSystemSettings();
         close();

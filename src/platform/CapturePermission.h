@@ -3,7 +3,21 @@
 
 #pragma once
 
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
 namespace tovek {
+
+/// What a person is told who wants to capture where that cannot be.
+struct CaptureAdvice
+{
+    QString title;
+    QString explanation;
+    QStringList steps; ///< in which it can be had; may be empty
+    bool hasSettings = false; ///< there is a page where access is granted
+};
 
 /// Whether the desktop lets the program see the screen. Main thread only.
 class CapturePermission
@@ -17,6 +31,9 @@ public:
     /// Opens the page of the desktop's settings where access is granted. Nothing where there is
     /// none.
     virtual void openSettings() = 0;
+    /// What stands in the way; absent where it is nothing but the permission, which the user can
+    /// grant in the settings.
+    virtual std::optional<CaptureAdvice> advice() const { return std::nullopt; }
 };
 
 } // namespace tovek

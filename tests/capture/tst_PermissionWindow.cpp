@@ -86,6 +86,23 @@ private Q_SLOTS:
                               "You may need to restart Tovek"}));
     }
 
+    void saysWhyNothingCanBeCaptured()
+    {
+        Setup s;
+        s.permission.given = CaptureAdvice{"No Way", "Nobody may see it.", {"Go elsewhere"}, false};
+        s.controller.show();
+        QStringList texts;
+        for (const auto *label : s.controller.window()->findChildren<QLabel *>())
+            if (!label->text().isEmpty())
+                texts << label->text();
+        QCOMPARE(texts, QStringList({"No Way", "Nobody may see it.", "1.", "Go elsewhere"}));
+        QVERIFY(!s.button("Open System Settings"));
+        QVERIFY(s.button("Close"));
+        QTest::keyClick(s.controller.window(), Qt::Key_Return);
+        QVERIFY(!s.controller.window());
+        QVERIFY(s.permission.calls.isEmpty());
+    }
+
     void fitsItsTexts()
     {
         Setup s;

@@ -17,7 +17,10 @@ public:
     void requestAccess() override { calls << QStringLiteral("request"); }
     void openSettings() override { calls << QStringLiteral("settings"); }
 
+    std::optional<CaptureAdvice> advice() const override { return given; }
+
     bool isGranted = false;
+    std::optional<CaptureAdvice> given;
     QStringList calls;
 };
 

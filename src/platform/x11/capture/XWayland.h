@@ -1,0 +1,14 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/x11/capture/X11Monitors.h"
+
+namespace tovek {
+
+/// Whether the server is a guest on a Wayland desktop: its root window shows none of that desktop,
+/// and windows laid over it hide what no picture can be had of.
+bool isXWayland(const X11Connection &connection, const X11Monitors &monitors);
+
+} // namespace tovek
