@@ -100,6 +100,48 @@ Rect resized(const Rect &start, ResizeHandle handle, double dx, double dy)
     return result;
 }
 
+Point edgeAt(Point pointer, const ViewSpace &screen)
+{
+    const double pixel = 1 / screen.scale + 1e-6;
+    Point edge = pointer;
+    if (pointer.x >= screen.size.width - pixel && pointer.x < screen.size.width)
+        edge.x = screen.size.width;
+    if (pointer.y <= pixel && pointer.y > 0)
+        edge.y = 0;
+    return edge;
+}
+
+Rect pushedToEdges(const Rect &selection, ResizeHandle handle, Point edge, Size screen)
+{
+    const Pull pull = pullOf(handle);
+    double left = selection.minX();
+    double right = selection.maxX();
+    double bottom = selection.minY();
+    double top = selection.maxY();
+    if (pull.x < 0 && edge.x <= 0)
+        left = std::min(left, 0.0);
+    if (pull.x > 0 && edge.x >= screen.width)
+        right = std::max(right, screen.width);
+    if (pull.y < 0 && edge.y <= 0)
+        bottom = std::min(bottom, 0.0);
+    if (pull.y > 0 && edge.y >= screen.height)
+        top = std::max(top, screen.height);
+    return {left, bottom, right - left, top - bottom};
+}
+
+Rect partOnScreen(const Rect &selection, Size screen)
+{
+    const double left = std::clamp(selection.minX(), 0.0, screen.width);
+    const double right = std::clamp(selection.maxX(), 0.0, screen.width);
+    const double bottom = std::clamp(selection.minY(), 0.0, screen.height);
+    const double top = std::clamp(selection.maxY(), 0.0, screen.height);
+    // Unchanged to the last digit where all of it is there: from edges, an extent is not exact.
+    const bool isWide = left == selection.minX() && right == selection.maxX();
+    const bool isHigh = bottom == selection.minY() && top == selection.maxY();
+    return {left, bottom, isWide ? selection.width : right - left,
+            isHigh ? selection.height : top - bottom};
+}
+
 bool isCorner(ResizeHandle handle)
 {
     const Pull pull = pullOf(handle);

@@ -24,6 +24,18 @@ std::optional<ResizeHandle> handleAt(Point point, const Rect &selection);
 /// edge opposite to the dragged one fixed, and never turns inside out.
 Rect resized(const Rect &start, ResizeHandle handle, double dx, double dy);
 
+/// The pointer's place as the edge of a selection: on the last column or row of the screen's
+/// pixels, beyond which no pointer gets, the screen's own edge. `screen` is the view's, which fills
+/// it.
+Point edgeAt(Point pointer, const ViewSpace &screen);
+
+/// A resized selection whose dragged edges the pointer has pushed to those of the screen: they lie
+/// there even where the handle was taken a few points beside its edge.
+Rect pushedToEdges(const Rect &selection, ResizeHandle handle, Point edge, Size screen);
+
+/// The part of a selection on its screen; without extent, at the nearest edge, where there is none.
+Rect partOnScreen(const Rect &selection, Size screen);
+
 bool isCorner(ResizeHandle handle);
 
 } // namespace tovek

@@ -24,6 +24,7 @@ SelectionOverlayView::SelectionOverlayView(const OverlayContext &context, QWidge
     , m_toolbar(*this, m_editor, [this](QRect native) { return backdrop(native); })
     , m_textInput(*this, m_editor)
 {
+    m_state.screen = m_space;
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -89,8 +90,8 @@ void SelectionOverlayView::mouseMoveEvent(QMouseEvent *event)
 
 void SelectionOverlayView::dragTo(Point at)
 {
-    if (m_state.selectionRect) {
-        const auto effect = m_editor.moveTo(at, *m_state.selectionRect);
+    if (const auto selection = m_state.selectionOnScreen()) {
+        const auto effect = m_editor.moveTo(at, *selection);
         if (effect.isHandled)
             return follow(effect);
     }
@@ -218,20 +219,20 @@ void SelectionOverlayView::copy()
             return;
         }
     }
-    if (!m_state.selectionRect
-        || withAnnotatedImage(callbacks.onCopyAnnotatedImage, callbacks.onCopyImage))
+    const auto selection = m_state.selectionOnScreen();
+    if (!selection || withAnnotatedImage(callbacks.onCopyAnnotatedImage, callbacks.onCopyImage))
         return;
     if (callbacks.onCopyImage)
-        callbacks.onCopyImage(*m_state.selectionRect);
+        callbacks.onCopyImage(*selection);
 }
 
 void SelectionOverlayView::save()
 {
-    if (!m_state.selectionRect
-        || withAnnotatedImage(callbacks.onSaveAnnotatedImage, callbacks.onSaveImage))
+    const auto selection = m_state.selectionOnScreen();
+    if (!selection || withAnnotatedImage(callbacks.onSaveAnnotatedImage, callbacks.onSaveImage))
         return;
     if (callbacks.onSaveImage)
-        callbacks.onSaveImage(*m_state.selectionRect);
+        callbacks.onSaveImage(*selection);
 }
 
 bool SelectionOverlayView::withAnnotatedImage(
@@ -243,7 +244,7 @@ bool SelectionOverlayView::withAnnotatedImage(
     whenReady(
         m_context.screenshot->pixels(), this,
         [=, annotations = m_editor.annotations, size = m_space.size,
-         selection = *m_state.selectionRect](const QImage &pixels) {
+         selection = *m_state.selectionOnScreen()](const QImage &pixels) {
             const auto image = AnnotationRenderer::render(annotations, {pixels, size}, selection);
             if (pixels.isNull() && withoutPixels)
                 withoutPixels(selection);
@@ -369,15 +370,15 @@ OverlayPicture SelectionOverlayView::picture()
     picture.space = m_space;
     picture.captureMode = m_context.captureMode;
     picture.dimmingOpacity = m_animations.dimmingOpacity();
-    picture.selection = m_state.selectionRect;
+    picture.selection = m_state.selectionOnScreen();
     picture.handleOpacities = {m_animations.handleOpacity(ResizeHandle::bottomLeft),
                                m_animations.handleOpacity(ResizeHandle::bottomRight),
                                m_animations.handleOpacity(ResizeHandle::topLeft),
                                m_animations.handleOpacity(ResizeHandle::topRight)};
     picture.isToolbarAtTop = isToolbarAtTop();
     const auto annotations = m_editor.drawnAnnotations();
-    if (!annotations.empty() && m_state.selectionRect)
-        picture.content = m_annotationLayer.items(annotations, m_space, *m_state.selectionRect);
+    if (!annotations.empty() && picture.selection)
+        picture.content = m_annotationLayer.items(annotations, m_space, *picture.selection);
     if (m_textRegionOverlay) {
         const Rect &selection = *m_state.selectionRect;
         auto items = m_textRegionOverlay->items(m_space, {selection.x, selection.y});

@@ -5,8 +5,9 @@
 
 namespace tovek {
 
-SelectionState::Press SelectionState::press(Point at)
+SelectionState::Press SelectionState::press(Point pointer)
 {
+    const Point at = edgeOf(pointer);
     if (!isSelectionFinalized || !selectionRect) {
         selectionStart = at;
         selectionRect = Rect{at.x, at.y, 0, 0};
@@ -18,21 +19,25 @@ SelectionState::Press SelectionState::press(Point at)
         selectionStart = at;
         return Press::startedResize;
     }
-    return selectionRect->contains(at) ? Press::insideSelection : Press::outsideSelection;
+    return selectionRect->contains(pointer) ? Press::insideSelection : Press::outsideSelection;
 }
 
-bool SelectionState::moveTo(Point at)
+bool SelectionState::moveTo(Point pointer)
 {
     if (!selectionStart)
         return false;
+    const Point at = edgeOf(pointer);
     Rect moved;
-    if (isResizing())
+    if (isResizing()) {
         moved = resized(*resizeStartRect, *activeHandle, at.x - selectionStart->x,
                         at.y - selectionStart->y);
-    else if (!isSelectionFinalized)
+        if (screen)
+            moved = pushedToEdges(moved, *activeHandle, at, screen->size);
+    } else if (!isSelectionFinalized) {
         moved = Rect::spanning(*selectionStart, at);
-    else
+    } else {
         return false;
+    }
     if (moved == selectionRect)
         return false;
     selectionRect = moved;
@@ -41,8 +46,11 @@ bool SelectionState::moveTo(Point at)
 
 SelectionState::Release SelectionState::release()
 {
-    const bool isLarge = selectionRect && selectionRect->width > acceptedSelectionSide
-        && selectionRect->height > acceptedSelectionSide;
+    const std::optional<Rect> part = selectionOnScreen();
+    const bool isLarge =
+        part && part->width > acceptedSelectionSide && part->height > acceptedSelectionSide;
+    if (isLarge && (activeHandle || !isSelectionFinalized))
+        selectionRect = part;
     if (activeHandle) {
         activeHandle.reset();
         resizeStartRect.reset();
@@ -61,14 +69,25 @@ SelectionState::Release SelectionState::release()
     return hadAttempt ? Release::discarded : Release::nothing;
 }
 
-bool SelectionState::hover(Point at)
+bool SelectionState::hover(std::optional<Point> pointer)
 {
-    const auto handle =
-        isSelectionFinalized && selectionRect ? handleAt(at, *selectionRect) : std::nullopt;
+    const auto handle = pointer && isSelectionFinalized && selectionRect
+        ? handleAt(edgeOf(*pointer), *selectionRect)
+        : std::nullopt;
     if (handle == hoveredHandle)
         return false;
     hoveredHandle = handle;
     return true;
+}
+
+std::optional<Rect> SelectionState::selectionOnScreen() const
+{
+    return selectionRect && screen ? partOnScreen(*selectionRect, screen->size) : selectionRect;
+}
+
+Point SelectionState::edgeOf(Point pointer) const
+{
+    return screen ? edgeAt(pointer, *screen) : pointer;
 }
 
 } // namespace tovek

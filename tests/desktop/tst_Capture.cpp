@@ -86,12 +86,14 @@ private Q_SLOTS:
         QFETCH(double, scale);
         Session session({}, scale);
         QVERIFY2(session.start(), qPrintable(session.error));
-        const int right = session.plan.size.width() - 1;
-        const int bottom = session.plan.size.height() - 1;
+        // The pointer gets to the last pixel, and the selection to the edge behind it.
+        const QPoint edge(session.plan.size.width(), session.plan.size.height());
+        const QPoint last = edge - QPoint(1, 1);
         const struct
         {
             const char *name;
             QPoint from, to;
+            QPoint end = to;
         } drags[]{
             {"down and right", {201, 103}, {538, 407}},
             {"up and left", {538, 407}, {201, 103}},
@@ -99,15 +101,16 @@ private Q_SLOTS:
             {"down and left", {538, 103}, {201, 407}},
             {"from the left edge", {0, 300}, {157, 421}},
             {"from the top edge", {400, 0}, {517, 133}},
-            {"to the right edge", {1001, 300}, {right, 377}},
-            {"to the bottom edge", {600, 611}, {723, bottom}},
+            {"to the right edge", {1001, 300}, {last.x(), 377}, {edge.x(), 377}},
+            {"to the bottom edge", {600, 611}, {723, last.y()}, {723, edge.y()}},
+            {"the whole screen", {0, 0}, last, edge},
         };
         for (const auto &drag : drags) {
             QVERIFY2(session.openAgain(), drag.name);
             session.select(drag.from, drag.to);
             QVERIFY2(session.tap("Return"), drag.name);
             const QImage image = QImage::fromData(session.pasted());
-            const QImage expected = session.expected(drag.from, drag.to);
+            const QImage expected = session.expected(drag.from, drag.end);
             QVERIFY2(image.size() == expected.size(), drag.name);
             QVERIFY2(differentPixels(image, expected) == 0, drag.name);
         }
@@ -156,6 +159,31 @@ private Q_SLOTS:
         QCOMPARE(pixelsPerMetre(session.pasted()), qRound(dpi / 0.0254));
         ClipboardReader reader(session.desktop.displayName());
         QCOMPARE(reader.types(), QStringList{QStringLiteral("image/png")});
+    }
+
+    void endsASelectionAtItsScreensEdge()
+    {
+        Session session(twoMonitors());
+        QVERIFY2(session.start(), qPrintable(session.error));
+        const QPoint from(600, 300);
+        QVERIFY(session.open());
+        session.select(from, {1000, 500}); // on to the other monitor
+        QVERIFY(session.tap("Return"));
+        const QByteArray png = session.pasted();
+        const QImage expected = session.expected(from, {800, 500});
+        QCOMPARE(QImage::fromData(png).size(), expected.size());
+        QCOMPARE(differentPixels(QImage::fromData(png), expected), 0);
+        QCOMPARE(pixelsPerMetre(png), qRound(72 / 0.0254));
+
+        QVERIFY(session.openAgain());
+        session.select(from, {1000, 500});
+        QVERIFY(session.tap("r"));
+        session.select({620, 320}, {700, 400});
+        QVERIFY(session.tap("Return"));
+        const QImage drawn = QImage::fromData(session.pasted());
+        QCOMPARE(drawn.size(), expected.size());
+        QVERIFY(differentPixels(drawn, expected) > 0);
+        QVERIFY(!drawn.hasAlphaChannel());
     }
 
     void dimsAllButTheSelection_data() { scales(); }

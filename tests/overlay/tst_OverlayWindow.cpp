@@ -1,12 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "fakes/FakeClock.h"
-#include "fakes/FakeOverlayShell.h"
-#include "fakes/FakeScreenGrabber.h"
-#include "fakes/FakeScreens.h"
-#include "foundation/UserDefaults.h"
-#include "overlay/OverlayWindow.h"
+#include "overlay/OverlayFixture.h"
 #include "overlay/ToolbarButton.h"
 
 #include <QTest>
@@ -15,13 +10,6 @@ using namespace tovek;
 using namespace std::chrono_literals;
 
 namespace {
-
-QImage plain(QSize size)
-{
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(Qt::darkGreen);
-    return image;
-}
 
 class EventCounter : public QObject
 {
@@ -39,60 +27,7 @@ private:
     QEvent::Type m_type;
 };
 
-/// A window over a screen of 400 by 300 points at scale 2, and what it reported.
-struct Fixture
-{
-    explicit Fixture(CaptureMode mode = CaptureMode::normal,
-                     const QImage &frozen = plain({800, 600}))
-        : screen(FakeScreens::screen(1, {0, 0, 400, 300}, 2))
-        , window({screen, std::make_shared<FakeFrozenDisplay>(frozen), mode, clock, defaults},
-                 shell)
-    {
-        window.callbacks.onCancel = [this] { reports << QStringLiteral("cancel"); };
-        window.callbacks.onSelectionComplete = [this](const Rect &rect) {
-            reports << "complete " + toString(rect);
-        };
-        window.callbacks.onCopyImage = [this](const Rect &rect) {
-            reports << "copy " + toString(rect);
-        };
-        window.callbacks.onSaveImage = [this](const Rect &rect) {
-            reports << "save " + toString(rect);
-        };
-        window.callbacks.onCopyAnnotatedImage = [this](const Image &) {
-            reports << QStringLiteral("copy drawn");
-        };
-        window.callbacks.onSaveAnnotatedImage = [this](const Image &) {
-            reports << QStringLiteral("save drawn");
-        };
-        window.orderFrontRegardless();
-    }
-
-    SelectionOverlayView *view() { return window.selectionView(); }
-    FakeOverlaySurface &surface() { return *shell.surfaces.front(); }
-    /// From one point to another, in widget coordinates.
-    void drag(QPoint from, QPoint to)
-    {
-        QTest::mousePress(view(), Qt::LeftButton, {}, from);
-        move(to);
-        QTest::mouseRelease(view(), Qt::LeftButton, {}, to);
-    }
-    void move(QPoint to)
-    {
-        QMouseEvent event(QEvent::MouseMove, to, to, Qt::NoButton, Qt::LeftButton, {});
-        QCoreApplication::sendEvent(view(), &event);
-    }
-    void key(Qt::Key code, Qt::KeyboardModifiers modifiers = {})
-    {
-        QTest::keyClick(view(), code, modifiers);
-    }
-
-    UserDefaults defaults{QStringLiteral("/nonexistent/defaults.json")};
-    FakeClock clock;
-    FakeOverlayShell shell;
-    Screen screen;
-    OverlayWindow window;
-    QStringList reports;
-};
+using Fixture = OverlayFixture;
 
 } // namespace
 
@@ -228,6 +163,18 @@ private Q_SLOTS:
         QCOMPARE(f.reports, QStringList{"complete (100, 220, 140, 30)"});
     }
 
+    void reportsThePartOnItsScreen()
+    {
+        Fixture f;
+        f.drag({300, 200}, {500, 350}); // on to the next screen
+        QCOMPARE(f.surface().presented.back().clear, QRect(600, 400, 200, 200));
+        f.key(Qt::Key_Return);
+        f.key(Qt::Key_S, Qt::ControlModifier);
+        QCOMPARE(f.reports,
+                 (QStringList{"complete (300, 0, 100, 100)", "copy (300, 0, 100, 100)",
+                              "save (300, 0, 100, 100)"}));
+    }
+
     void ignoresAPressBesideAFinalisedSelection()
     {
         Fixture f;
@@ -305,8 +252,7 @@ private Q_SLOTS:
     {
         QFETCH(bool, isOnWords);
         Fixture f;
-        f.window.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&f.window));
+        QVERIFY(f.show());
         f.drag({100, 50}, {200, 180});
         f.view()->showTextRegions({{"a", {0.1, 0.5, 0.2, 0.1}}});
         const QWidget *target = f.view()->textRegionOverlay();
@@ -333,8 +279,7 @@ private Q_SLOTS:
     void dimsAHandleWhenThePointerGoesOnToTheWords()
     {
         Fixture f;
-        f.window.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&f.window));
+        QVERIFY(f.show());
         f.drag({100, 50}, {200, 180});
         f.view()->showTextRegions({{"a", {0.1, 0.5, 0.8, 0.4}}});
         const auto moveTo = [&](QPoint at) {
@@ -364,8 +309,7 @@ private Q_SLOTS:
     void showsWordsWithoutPaintingWhatLiesBelow()
     {
         Fixture f(CaptureMode::copyText); // no toolbar, which paints itself
-        f.window.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&f.window));
+        QVERIFY(f.show());
         f.drag({100, 50}, {200, 180});
         QCoreApplication::processEvents();
         EventCounter counter(QEvent::Paint);
