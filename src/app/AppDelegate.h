@@ -39,6 +39,8 @@ public:
     void setStatusItemVisible(bool isVisible);
 
     OverlayController &overlayController() { return m_overlayController; }
+    /// What is being saved; to be kept until the clipboard has been handed over.
+    std::shared_ptr<SaveQueue> saves() const { return m_imageOutput.saves(); }
 
 private:
     OverlayController::Services overlayServices();

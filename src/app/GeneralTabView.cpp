@@ -5,11 +5,12 @@
 
 #include "KeyboardShortcuts/AlertSheet.h"
 #include "app/FormCard.h"
-#include "app/SaveFolder.h"
 #include "app/SwitchControl.h"
-#include "capture/ImageOutput.h"
+#include "capture/SaveLocation.h"
+#include "foundation/AskAside.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
+#include "foundation/WhenReady.h"
 #include "look/ModernStyle.h"
 #include "platform/LoginItem.h"
 #include "update/UpdaterManager.h"
@@ -29,6 +30,8 @@ constexpr int rowHeight = 38;
 constexpr int margin = 16;
 constexpr int pathWidth = 128;
 constexpr int pathSize = 12;
+/// A folder answers in less than a millisecond; it then shows with the window.
+constexpr std::chrono::milliseconds folderPatience(50);
 const QString highlightText = QStringLiteral("highlightText");
 const QString saveFolderPath = QStringLiteral("saveFolderPath");
 const QString showInMenuBar = QStringLiteral("showInMenuBar");
@@ -142,7 +145,7 @@ void GeneralTabView::addFolderRow(FormRow *row)
     static_cast<QBoxLayout *>(row->layout())->addWidget(m_folderPath);
     row->addControl(m_folderButton);
     connect(m_folderButton, &QPushButton::clicked, this, &GeneralTabView::chooseFolder);
-    showFolder();
+    askFolder();
 }
 
 void GeneralTabView::addUpdatesRow(FormRow *row)
@@ -163,15 +166,32 @@ void GeneralTabView::addUpdatesRow(FormRow *row)
 void GeneralTabView::refresh()
 {
     m_launchAtLogin->setChecked(m_services.loginItem.isEnabled());
-    showFolder();
+    askFolder();
 }
 
-void GeneralTabView::showFolder()
+void GeneralTabView::askFolder()
 {
-    const QString folder = ImageOutput::saveFolder(m_services.defaults);
-    const QString note = noteOn(folderState(folder));
-    m_folderPath->setText(abbreviatedPath(folder, QDir::homePath()));
-    m_folderPath->setToolTip(folder);
+    const QString chosen = chosenSaveFolder(m_services.defaults);
+    if (!m_answer.isFinished() && chosen == m_askedFolder)
+        return;
+    m_askedFolder = chosen;
+    m_answer = askAside<FolderReport>([chosen] { return reportOnSaveFolder(chosen); });
+    const FolderReport silent{chosen.isEmpty() ? downloadsFolder() : chosen,
+                              FolderState::notAnswering};
+    if (!isFinishedWithin(folderPatience, m_answer))
+        showFolder(silent);
+    whenFinished(m_answer, this, [this, chosen, silent](const FolderReport &report) {
+        if (chosen == m_askedFolder)
+            showFolder(report.folder.isEmpty() ? silent : report);
+    });
+}
+
+void GeneralTabView::showFolder(const FolderReport &report)
+{
+    m_folder = report;
+    const QString note = noteOn(report.state);
+    m_folderPath->setText(abbreviatedPath(report.folder, QDir::homePath()));
+    m_folderPath->setToolTip(report.folder);
     m_folderRow->setNote(note);
     const QStringList parts{m_folderPath->accessibleName(), note};
     m_folderButton->setAccessibleDescription(parts.join(QStringLiteral(". ")));
@@ -203,17 +223,19 @@ void GeneralTabView::setShownInMenuBar(bool isOn)
 
 void GeneralTabView::chooseFolder()
 {
+    // The dialog asks the file system on this thread.
+    const bool isAnswering = m_folder.state != FolderState::notAnswering;
     auto *chooser = new QFileDialog(window(),
                                     tr("Select the folder where screenshots will be "
                                        "saved"),
-                                    ImageOutput::saveFolder(m_services.defaults));
+                                    isAnswering ? m_folder.folder : QDir::homePath());
     chooser->setAttribute(Qt::WA_DeleteOnClose);
     chooser->setFileMode(QFileDialog::Directory);
     chooser->setOption(QFileDialog::ShowDirsOnly);
     chooser->setLabelText(QFileDialog::Accept, tr("Choose"));
     connect(chooser, &QFileDialog::fileSelected, this, [this](const QString &folder) {
         m_services.defaults.setString(saveFolderPath, folder);
-        showFolder();
+        askFolder();
     });
     chooser->open();
 }

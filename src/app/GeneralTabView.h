@@ -3,6 +3,9 @@
 
 #pragma once
 
+#include "app/SaveFolder.h"
+
+#include <QFuture>
 #include <QWidget>
 
 #include <functional>
@@ -47,12 +50,16 @@ private:
     void addUpdatesRow(FormRow *row);
     /// Shows what is really there now, which others may have changed.
     void refresh();
-    void showFolder();
+    void askFolder();
+    void showFolder(const FolderReport &report);
     void setLaunchAtLogin(bool isOn);
     void setShownInMenuBar(bool isOn);
     void chooseFolder();
 
     Services m_services;
+    FolderReport m_folder;
+    QString m_askedFolder; ///< as it is stored
+    QFuture<FolderReport> m_answer;
     SwitchControl *m_launchAtLogin = nullptr;
     FormRow *m_folderRow = nullptr;
     QPushButton *m_folderButton = nullptr;

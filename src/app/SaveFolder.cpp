@@ -3,6 +3,8 @@
 
 #include "app/SaveFolder.h"
 
+#include "capture/SaveLocation.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -21,6 +23,12 @@ FolderState folderState(const QString &path)
                                                     : FolderState::notWritable;
 }
 
+FolderReport reportOnSaveFolder(const QString &chosen)
+{
+    const QString folder = usedSaveFolder(chosen);
+    return {folder, folderState(folder)};
+}
+
 QString noteOn(FolderState state)
 {
     switch (state) {
@@ -32,6 +40,8 @@ QString noteOn(FolderState state)
         return QCoreApplication::translate("SaveFolder", "This is not a folder");
     case FolderState::notWritable:
         return QCoreApplication::translate("SaveFolder", "This folder cannot be written to");
+    case FolderState::notAnswering:
+        return QCoreApplication::translate("SaveFolder", "This folder is not answering");
     }
     return {};
 }

@@ -9,8 +9,10 @@
 #include "app/Relaunch.h"
 #include "app/StartMessages.h"
 #include "app/TovekApp.h"
+#include "capture/SaveQueue.h"
 #include "foundation/Log.h"
 #include "foundation/Memory.h"
+#include "foundation/Unfinished.h"
 #include "foundation/UserDefaults.h"
 #include "platform/Clipboard.h"
 #include "platform/HotKeys.h"
@@ -21,6 +23,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <cstdlib>
 #include <cstring>
 
 namespace tovek {
@@ -109,6 +112,7 @@ int run(int &argc, char **argv, QString &successor)
         if (!isQuitting) // it would end the waiting for what is not to be lost
             QCoreApplication::exit();
     });
+    std::shared_ptr<SaveQueue> saves;
     {
         TovekApp app(platform, defaults, updateConfiguration());
         AppDelegate &delegate = app.appDelegate();
@@ -122,12 +126,15 @@ int run(int &argc, char **argv, QString &successor)
         QApplication::exec();
         isQuitting = true;
         successor = app.successor();
+        saves = delegate.saves();
         early.singleInstance->onReopen = nullptr;
         early.singleInstance->onAction = nullptr;
     }
     // Events are handled in there, and nobody is left whom a key could start.
     KeyboardShortcuts::ShortcutService::setShared(nullptr);
     platform.clipboard->handOver();
+    // After the clipboard, which does not depend on a disk.
+    saves.reset();
     return 0;
 }
 
@@ -142,5 +149,8 @@ int main(int argc, char **argv)
     const int status = tovek::run(argc, argv, successor);
     if (!successor.isEmpty())
         tovek::becomeProgram(successor);
+    // A save that was given up must not meet the end of what is global.
+    if (!tovek::Unfinished::waitForAll(std::chrono::milliseconds(0)))
+        std::_Exit(status);
     return status;
 }

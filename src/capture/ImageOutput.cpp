@@ -6,26 +6,29 @@
 #include "capture/FileWriter.h"
 #include "capture/ImageCrop.h"
 #include "capture/PngEncoder.h"
+#include "capture/SaveLocation.h"
+#include "capture/SaveQueue.h"
 #include "foundation/Log.h"
 #include "foundation/Memory.h"
 #include "foundation/Unfinished.h"
-#include "foundation/UserDefaults.h"
 #include "foundation/WhenReady.h"
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QStandardPaths>
 #include <QThread>
 #include <QtConcurrent>
+
+#include <atomic>
 
 namespace tovek {
 
 namespace {
 
 constexpr std::chrono::seconds previewTime(20);
-constexpr int idleThreadMs = 2000;
+/// Writing a picture takes some milliseconds, on a slow network a second or two.
+constexpr std::chrono::seconds answerLimit(5);
 constexpr std::chrono::seconds pixelLimit(2); ///< at quitting
 
 /// An empty value when there is none.
@@ -37,16 +40,22 @@ T resultOf(const QFuture<T> &finished)
 
 } // namespace
 
-ImageOutput::ImageOutput(Clipboard &clipboard, const UserDefaults &defaults, const Clock &clock,
+/// What a save has come to; the first is set by its thread.
+struct ImageOutput::Progress
+{
+    std::atomic<bool> isEncoded = false;
+    bool isOver = false;
+    bool isPassed = false; ///< by later saves
+};
+
+ImageOutput::ImageOutput(Clipboard &clipboard, const UserDefaults &defaults, Clock &clock,
                          CaptureFeedback feedback)
     : m_clipboard(clipboard)
     , m_defaults(defaults)
     , m_clock(clock)
     , m_feedback(std::move(feedback))
+    , m_saves(std::make_shared<SaveQueue>())
 {
-    // One: saves of the same second must not overtake each other, and encoding uses all cores.
-    m_writers.setMaxThreadCount(1);
-    m_writers.setExpiryTimeout(idleThreadMs);
 }
 
 ImageOutput::~ImageOutput()
@@ -110,19 +119,12 @@ QFuture<QByteArray> ImageOutput::copyImage(const Image &image)
     return png;
 }
 
-QString ImageOutput::saveFolder(const UserDefaults &defaults)
-{
-    const QString chosen = defaults.string(QStringLiteral("saveFolderPath")).value_or(QString());
-    if (!chosen.isEmpty())
-        return chosen;
-    const QString downloads = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
-    return QFileInfo(downloads).isDir() ? downloads : QDir::homePath();
-}
-
 QString ImageOutput::saveLocation() const
 {
     const QString time = m_clock.now().toString(QStringLiteral("yyyy-MM-dd 'at' HH.mm.ss"));
-    return QDir(saveFolder(m_defaults)).filePath(QStringLiteral("Tovek %1.png").arg(time));
+    const QString name = QStringLiteral("Tovek %1.png").arg(time);
+    const QString folder = chosenSaveFolder(m_defaults);
+    return folder.isEmpty() ? name : QDir(folder).filePath(name);
 }
 
 void ImageOutput::saveSelection(const QFuture<QImage> &pixels, const Rect &rect,
@@ -142,33 +144,53 @@ void ImageOutput::saveImage(const Image &image, const std::optional<Screen> &scr
                             const QString &path)
 {
     QPromise<Written> promise;
-    whenFinished(promise.future(), this,
-                 [=, this](const Written &written) { saved(image, screen, path, written); });
+    const auto progress = std::make_shared<Progress>();
+    whenFinished(promise.future(), this, [=, this](const Written &written) {
+        progress->isOver = true;
+        if (progress->isPassed)
+            m_saves->stopLettingOthersPass();
+        saved(image, screen, written);
+    });
     promise.start();
-    m_writers.start([promise = std::make_shared<QPromise<Written>>(std::move(promise)),
-                     unfinished = std::make_shared<Unfinished>(), bitmap = image.bitmap,
-                     path]() mutable {
-        const Written written = encodeAndWrite(bitmap, path);
+    m_saves->start([promise = std::make_shared<QPromise<Written>>(std::move(promise)),
+                    unfinished = std::make_shared<Unfinished>(), progress, bitmap = image.bitmap,
+                    path]() mutable {
+        Written written;
+        const QByteArray png = encodePng(bitmap);
+        progress->isEncoded = true;
+        if (!png.isEmpty()) {
+            const QString file = fileAt(path);
+            written = {true, writeFile(file, png), file};
+        }
         unfinished.reset();
         promise->addResult(written);
         promise->finish();
         // The file is there; that it also survives a power failure need not be waited for.
         if (written.isEncoded && !written.error)
-            syncToDisk(path);
+            syncToDisk(written.path);
         releaseMemory();
+    });
+    watch(progress, screen);
+}
+
+/// The user believes that the picture is there, so that silence would be a lie.
+void ImageOutput::watch(const std::shared_ptr<Progress> &progress,
+                        const std::optional<Screen> &screen)
+{
+    m_clock.after(answerLimit, this, [=, this] {
+        if (progress->isOver)
+            return;
+        if (!progress->isEncoded)
+            return watch(progress, screen);
+        progress->isPassed = true;
+        m_saves->letOthersPass();
+        logLine(QStringLiteral("Saving has not ended: the folder does not answer"));
+        fail(QStringLiteral("Save folder is not answering"), screen);
     });
 }
 
-ImageOutput::Written ImageOutput::encodeAndWrite(const QImage &bitmap, const QString &path)
-{
-    const QByteArray png = encodePng(bitmap);
-    if (png.isEmpty())
-        return {};
-    return {true, writeFile(path, png)};
-}
-
 void ImageOutput::saved(const Image &image, const std::optional<Screen> &screen,
-                        const QString &path, const Written &written)
+                        const Written &written)
 {
     if (!written.isEncoded) {
         fail(QStringLiteral("Failed to create image"), screen);
@@ -181,7 +203,8 @@ void ImageOutput::saved(const Image &image, const std::optional<Screen> &screen,
     }
     showPreview(image);
     if (m_feedback.showSavedNotification)
-        m_feedback.showSavedNotification(QFileInfo(path).fileName(), QUrl::fromLocalFile(path));
+        m_feedback.showSavedNotification(QFileInfo(written.path).fileName(),
+                                         QUrl::fromLocalFile(written.path));
 }
 
 void ImageOutput::fail(const QString &message, const std::optional<Screen> &screen) const

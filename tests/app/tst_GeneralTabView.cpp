@@ -6,6 +6,7 @@
 #include "app/SaveFolder.h"
 #include "app/SwitchControl.h"
 #include "capture/ImageOutput.h"
+#include "capture/SaveLocation.h"
 #include "fakes/FakeClipboard.h"
 #include "fakes/FakeClock.h"
 #include "fakes/FakeLoginItem.h"
@@ -179,8 +180,8 @@ private Q_SLOTS:
             QVERIFY(QDir(m_dir->path()).rmdir(QStringLiteral("Downloads")));
         make();
         FakeClipboard clipboard;
-        const ImageOutput output(clipboard, *m_defaults, m_clock, {});
-        const QString used = QFileInfo(output.saveLocation()).path();
+        ImageOutput output(clipboard, *m_defaults, m_clock, {});
+        const QString used = QFileInfo(fileAt(output.saveLocation())).path();
         QCOMPARE(chooseButton()->accessibleDescription().section(QStringLiteral(". "), 0, 0),
                  abbreviatedPath(used, m_dir->path()));
         QVERIFY(!shows(QStringLiteral("This folder does not exist")));

@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "capture/ImageOutput.h"
+#include "capture/SaveLocation.h"
+#include "capture/SaveQueue.h"
 #include "fakes/FakeClipboard.h"
 #include "fakes/FakeClock.h"
 #include "foundation/UserDefaults.h"
@@ -85,6 +87,7 @@ private Q_SLOTS:
         const QString path = m_folder->filePath(QStringLiteral("a.png"));
         m_output->copySelection(promise.future(), Rect{0, 0, 100, 50}, screen());
         m_output->saveSelection(promise.future(), Rect{0, 0, 10, 10}, screen(), path);
+        auto saves = m_output->saves();
         std::thread server([&] {
             std::this_thread::sleep_for(std::chrono::milliseconds(50));
             promise.addResult(pattern());
@@ -92,6 +95,7 @@ private Q_SLOTS:
         });
         m_output.reset();
         server.join();
+        saves.reset();
         QCOMPARE(m_clipboard->operations, QStringList("png"));
         QCOMPARE(QImage::fromData(m_clipboard->lastPng()), pattern());
         QCOMPARE(QImage(path), pattern().copy(0, 80, 20, 20));
@@ -214,7 +218,7 @@ private Q_SLOTS:
 
     void choosesTheFolder()
     {
-        const auto folder = [this] { return QFileInfo(m_output->saveLocation()).path(); };
+        const auto folder = [this] { return QFileInfo(fileAt(m_output->saveLocation())).path(); };
         m_defaults->setString(QStringLiteral("saveFolderPath"), QStringLiteral("/gone/away"));
         QCOMPARE(folder(), QStringLiteral("/gone/away"));
         m_defaults->remove(QStringLiteral("saveFolderPath"));

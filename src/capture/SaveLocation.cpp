@@ -1,0 +1,37 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "capture/SaveLocation.h"
+
+#include "foundation/UserDefaults.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+namespace tovek {
+
+QString chosenSaveFolder(const UserDefaults &defaults)
+{
+    return defaults.string(QStringLiteral("saveFolderPath")).value_or(QString());
+}
+
+QString downloadsFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+}
+
+QString usedSaveFolder(const QString &chosen)
+{
+    if (!chosen.isEmpty())
+        return chosen;
+    const QString downloads = downloadsFolder();
+    return QFileInfo(downloads).isDir() ? downloads : QDir::homePath();
+}
+
+QString fileAt(const QString &location)
+{
+    return QDir::isAbsolutePath(location) ? location : QDir(usedSaveFolder({})).filePath(location);
+}
+
+} // namespace tovek
