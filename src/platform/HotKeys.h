@@ -20,7 +20,8 @@ struct KeyCombo
 
 /// System-wide keys. Main thread only.
 ///
-/// A combination fires whatever the lock keys are; a key held down fires once. Where the system
+/// A combination fires whatever the lock keys are; a key held down fires once, and one that was
+/// down already when the combination was grabbed fires when it is pressed again. Where the system
 /// reports no release, `onReleased` follows `onPressed` at once (see `reportsRelease`).
 class HotKeys
 {

@@ -19,6 +19,7 @@ int FakeHotKeys::grab(quint32 id, KeyCombo combo)
     if (isOurs || foreign.contains(combo))
         return refusal;
     grabbed.emplace(id, combo);
+    m_isStale = m_isStale || m_down == combo;
     return 0;
 }
 
@@ -31,7 +32,10 @@ void FakeHotKeys::release(quint32 id)
 
 bool FakeHotKeys::press(KeyCombo combo)
 {
+    m_isStale = m_isStale && m_down == combo;
     m_down = combo;
+    if (m_isStale)
+        return true;
     if (watchesRawKeys && onRawKey && onRawKey(combo, true))
         return true;
     const auto found = std::find_if(grabbed.begin(), grabbed.end(),
@@ -48,6 +52,7 @@ bool FakeHotKeys::press(KeyCombo combo)
 
 void FakeHotKeys::releaseKey()
 {
+    m_isStale = false;
     if (const auto combo = std::exchange(m_down, std::nullopt); combo && watchesRawKeys && onRawKey)
         onRawKey(*combo, false);
     if (const auto id = std::exchange(m_pressedId, std::nullopt); id && onReleased)

@@ -22,7 +22,8 @@ public:
     bool reportsRelease() const override { return canReportRelease; }
     bool isTaken(KeyCombo combo) override { return foreign.contains(combo); }
 
-    /// Puts the combination down. True when somebody took it, so that nobody else sees it.
+    /// Puts the combination down; once more, where it is down, as a key that repeats. True when
+    /// somebody took it, so that nobody else sees it.
     bool press(KeyCombo combo);
     void releaseKey();
     /// Both.
@@ -37,6 +38,7 @@ public:
 private:
     std::optional<KeyCombo> m_down;
     std::optional<quint32> m_pressedId;
+    bool m_isStale = false; ///< what is down was so before its grab
 };
 
 } // namespace tovek

@@ -25,6 +25,8 @@ public:
     virtual HotKeys &hotKeys() = 0;
     virtual void press(KeyCombo combo) = 0;
     virtual void releaseKeys() = 0;
+    /// Holds what is down until it has repeated.
+    virtual void repeat(KeyCombo combo) = 0;
     /// Control, Super and C.
     virtual void holdCopyElsewhere() = 0;
     /// Everything that the keys did has been told.
@@ -37,6 +39,7 @@ public:
     HotKeys &hotKeys() override { return m_hotKeys; }
     void press(KeyCombo combo) override { m_hotKeys.press(combo); }
     void releaseKeys() override { m_hotKeys.releaseKey(); }
+    void repeat(KeyCombo combo) override { m_hotKeys.press(combo); }
     void holdCopyElsewhere() override { m_hotKeys.foreign = {copy}; }
 
 private:
@@ -53,6 +56,7 @@ public:
     HotKeys &hotKeys() override { return *m_hotKeys; }
     void press(KeyCombo combo) override { m_keyboard.press(combo); }
     void releaseKeys() override { m_keyboard.releaseAll(); }
+    void repeat(KeyCombo) override { QTest::qWait(1000); } // the server repeats after 660 ms
     void holdCopyElsewhere() override
     {
         m_keyboard.holdElsewhere(46, XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_4);
@@ -179,6 +183,30 @@ private Q_SLOTS:
         QCOMPARE(keys().grab(1, copy), 0);
         tap(copy);
         QCOMPARE(m_log.size(), 3);
+    }
+
+    void tellsNothingOfAKeyThatWasDownBeforeItsGrab()
+    {
+        press(copy);
+        QCOMPARE(keys().grab(1, copy), 0);
+        m_desk->repeat(copy);
+        releaseKeys();
+        QCOMPARE(m_log, QStringList());
+        tap(copy);
+        QCOMPARE(m_log, QStringList({QStringLiteral("down 1"), QStringLiteral("up 1")}));
+    }
+
+    void tellsNoReleaseToTheNextGrabOfAKey()
+    {
+        QCOMPARE(keys().grab(1, copy), 0);
+        press(copy);
+        keys().release(1);
+        QCOMPARE(keys().grab(2, copy), 0);
+        m_desk->repeat(copy);
+        releaseKeys();
+        QCOMPARE(m_log, QStringList{QStringLiteral("down 1")});
+        tap(copy);
+        QCOMPARE(m_log.mid(1), QStringList({QStringLiteral("down 2"), QStringLiteral("up 2")}));
     }
 
     void letsACallbackChangeTheGrabs()

@@ -82,9 +82,13 @@ void X11HotKeys::setUpExtensions()
 
 int X11HotKeys::grab(quint32 id, KeyCombo combo)
 {
-    // Before the grab, whose answer then is the server's for both.
-    setRawMask(m_rawMask | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS);
+    // Before the grab, whose answer then is the server's for both. The release of a key that is
+    // down now must not pass before it is waited for.
+    setRawMask(m_rawMask | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS
+               | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
     const int status = m_grabs.grab(id, combo);
+    if (status == 0)
+        noteKeysDown(id);
     selectRawKeys();
     dispatchLater();
     return status;
@@ -130,7 +134,7 @@ void X11HotKeys::selectRawKeys()
     // Raw events cannot be chosen by key, and each wakes this process: presses are watched only
     // while something is grabbed, releases only while a grabbed key is down.
     quint32 mask = m_grabs.isEmpty() ? 0 : XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS;
-    if (!m_presses.empty())
+    if (!m_presses.empty() || !m_stale.empty())
         mask |= XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
     setRawMask(mask);
 }
@@ -225,6 +229,8 @@ void X11HotKeys::corePress(const xcb_key_press_event_t &event)
         repeated->isGrabbed = true;
         return;
     }
+    if (m_stale.contains(event.detail))
+        return; // the grab lasts until the release, which no window needs to see
     const auto id = m_grabs.find(event.detail, event.state);
     if (id)
         arm(*id, event.detail, event.time);
@@ -234,7 +240,7 @@ void X11HotKeys::corePress(const xcb_key_press_event_t &event)
 
 void X11HotKeys::rawPress(xcb_keycode_t keycode, xcb_timestamp_t time)
 {
-    if (!m_grabs.containsKey(keycode) || findPress(keycode))
+    if (!m_grabs.containsKey(keycode) || findPress(keycode) || m_stale.contains(keycode))
         return;
     // Where the grab fires, its event is in the queue by the time this reply is.
     const X11Reply<xcb_query_pointer_reply_t> pointer(xcb_query_pointer_reply(
@@ -270,6 +276,8 @@ void X11HotKeys::arm(quint32 id, xcb_keycode_t keycode, xcb_timestamp_t time)
 
 void X11HotKeys::keyReleased(xcb_keycode_t keycode, xcb_timestamp_t time, bool isCore)
 {
+    if (m_stale.erase(keycode))
+        selectRawKeys();
     const Press *found = findPress(keycode);
     if (!found)
         return;
@@ -287,6 +295,14 @@ void X11HotKeys::keyReleased(xcb_keycode_t keycode, xcb_timestamp_t time, bool i
                            [this, id = press.id] { tellReleased(id); });
     else
         tellReleased(press.id);
+}
+
+void X11HotKeys::noteKeysDown(quint32 id)
+{
+    for (const xcb_keycode_t keycode : m_grabs.keycodes(id)) {
+        if (!findPress(keycode) && x11IsKeyDown(m_connection.get(), keycode))
+            m_stale.insert(keycode);
+    }
 }
 
 void X11HotKeys::holdKeyboard()

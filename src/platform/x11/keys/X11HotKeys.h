@@ -13,6 +13,7 @@
 
 #include <deque>
 #include <memory>
+#include <set>
 #include <vector>
 #include <xcb/xcb.h>
 
@@ -70,6 +71,7 @@ private:
     void corePress(const xcb_key_press_event_t &event);
     void rawPress(xcb_keycode_t keycode, xcb_timestamp_t time);
     void keyReleased(xcb_keycode_t keycode, xcb_timestamp_t time, bool isCore);
+    void noteKeysDown(quint32 id);
     void arm(quint32 id, xcb_keycode_t keycode, xcb_timestamp_t time);
     void holdKeyboard();
     void ungrabKeyboard();
@@ -83,6 +85,7 @@ private:
     quint32 m_rawMask = 0;
     X11KeyGrabs m_grabs;
     std::vector<Press> m_presses;
+    std::set<xcb_keycode_t> m_stale; ///< down since before their grab; they only repeat
     std::deque<Event> m_events;
     bool m_hasNewMapping = false;
     bool m_isLost = false;

@@ -85,6 +85,12 @@ bool X11KeyGrabs::containsKey(xcb_keycode_t keycode) const
                        [keycode](const auto &entry) { return entry.second.hasKey(keycode); });
 }
 
+std::vector<xcb_keycode_t> X11KeyGrabs::keycodes(quint32 id) const
+{
+    const auto found = m_grabs.find(id);
+    return found == m_grabs.end() ? std::vector<xcb_keycode_t>() : found->second.keycodes;
+}
+
 std::optional<quint32> X11KeyGrabs::find(xcb_keycode_t keycode, quint16 state) const
 {
     const auto found = std::find_if(m_grabs.begin(), m_grabs.end(), [&](const auto &entry) {

@@ -32,6 +32,8 @@ public:
     bool isEmpty() const { return m_grabs.empty(); }
     bool contains(quint32 id) const { return m_grabs.contains(id); }
     bool containsKey(xcb_keycode_t keycode) const;
+    /// Of the keys that stand for what is grabbed under the id.
+    std::vector<xcb_keycode_t> keycodes(quint32 id) const;
     /// The id of what fires for the key in this state of the modifiers.
     std::optional<quint32> find(xcb_keycode_t keycode, quint16 state) const;
 
