@@ -6,6 +6,8 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <limits>
+
 namespace KeyboardShortcuts {
 
 using tovek::KeyFlag;
@@ -71,6 +73,13 @@ std::optional<Shortcut> Shortcut::fromJson(const QString &json)
     if (!keyCode || !modifiers)
         return std::nullopt;
     return Shortcut{*keyCode, *modifiers};
+}
+
+bool Shortcut::isRegistrable() const
+{
+    constexpr qint64 largest = std::numeric_limits<quint32>::max();
+    return carbonKeyCode >= 0 && carbonKeyCode <= largest && carbonModifiers >= 0
+        && carbonModifiers <= largest;
 }
 
 qint64 carbonModifiers(KeyFlags flags)

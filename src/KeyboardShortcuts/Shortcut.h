@@ -39,6 +39,9 @@ struct Shortcut
     /// or one of the two is missing or no whole number.
     static std::optional<Shortcut> fromJson(const QString &json);
 
+    /// Whether a hot key can be registered for it: both numbers fit in 32 bits without a sign.
+    bool isRegistrable() const;
+
     bool operator==(const Shortcut &) const = default;
 };
 

@@ -5,6 +5,7 @@
 
 #include "KeyboardShortcuts/MenuTracking.h"
 #include "KeyboardShortcuts/ShortcutDescription.h"
+#include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
 #include "platform/HotKeys.h"
 #include "platform/KeyboardLayout.h"
@@ -12,7 +13,6 @@
 #include <QCoreApplication>
 
 #include <algorithm>
-#include <limits>
 
 namespace KeyboardShortcuts {
 
@@ -60,7 +60,8 @@ Name ShortcutService::createName(const QString &rawValue, std::optional<Shortcut
 std::optional<Shortcut> ShortcutService::shortcut(const Name &name) const
 {
     const auto stored = m_defaults.string(name.key());
-    return stored ? Shortcut::fromJson(*stored) : std::nullopt;
+    const auto shortcut = stored ? Shortcut::fromJson(*stored) : std::nullopt;
+    return shortcut && shortcut->isRegistrable() ? shortcut : std::nullopt;
 }
 
 void ShortcutService::setShortcut(const Name &name, const std::optional<Shortcut> &shortcut)
@@ -81,6 +82,12 @@ void ShortcutService::onKeyUp(const Name &name, Action action)
     subscribe(m_keyUpActions, name, std::move(action));
 }
 
+void ShortcutService::setPaused(bool isPaused)
+{
+    m_isPaused = isPaused;
+    m_pressed.clear();
+}
+
 void ShortcutService::watchMenus()
 {
     if (m_menuTracking || !QCoreApplication::instance())
@@ -96,10 +103,9 @@ QString ShortcutService::description(const Shortcut &shortcut) const
 
 bool ShortcutService::isSystemShortcut(const Shortcut &shortcut) const
 {
-    const qint64 keyCode = shortcut.carbonKeyCode;
-    return keyCode >= 0 && keyCode <= std::numeric_limits<quint32>::max()
-        && m_hotKeys.isTaken(
-            {quint32(keyCode), quint32(normalizedModifiers(shortcut.carbonModifiers))});
+    return shortcut.isRegistrable()
+        && m_hotKeys.isTaken({quint32(shortcut.carbonKeyCode),
+                              quint32(normalizedModifiers(shortcut.carbonModifiers))});
 }
 
 void ShortcutService::subscribe(Subscriptions &subscriptions, const Name &name, Action action)
@@ -108,11 +114,22 @@ void ShortcutService::subscribe(Subscriptions &subscriptions, const Name &name, 
     auto found =
         std::find_if(subscriptions.begin(), subscriptions.end(),
                      [&](const Subscription &subscription) { return subscription.name == name; });
-    if (found == subscriptions.end())
+    if (found == subscriptions.end()) {
         found = subscriptions.insert(subscriptions.end(), {name, {}});
+        logIfBroken(name);
+    }
     found->actions.push_back(std::move(action));
     if (const auto stored = shortcut(name))
         registerShortcut(*stored);
+}
+
+void ShortcutService::logIfBroken(const Name &name) const
+{
+    const auto stored = m_defaults.string(name.key());
+    const auto broken = stored ? Shortcut::fromJson(*stored) : std::nullopt;
+    if (broken && !broken->isRegistrable())
+        tovek::logLine(
+            QStringLiteral("Stored shortcut %1 is none: %2").arg(name.rawValue, *stored));
 }
 
 void ShortcutService::store(const Name &name, const Shortcut &shortcut)
@@ -152,12 +169,18 @@ void ShortcutService::unregisterShortcut(const Shortcut &shortcut)
 {
     m_carbon.unregisterShortcut(shortcut);
     std::erase(m_registered, shortcut);
+    std::erase(m_pressed, shortcut);
 }
 
 void ShortcutService::dispatch(EventType type, const Shortcut &pressed)
 {
     if (m_isPaused)
         return;
+    const bool wasPressed = std::erase(m_pressed, pressed) > 0;
+    if (type == EventType::keyDown)
+        m_pressed.push_back(pressed);
+    else if (!wasPressed)
+        return; // of a press that a recorder took
     const auto isMeant = [&](const Subscription &subscription) {
         return shortcut(subscription.name) == pressed;
     };

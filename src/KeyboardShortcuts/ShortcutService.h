@@ -38,7 +38,7 @@ public:
 
     /// Stores the default when nothing at all is stored under the name, and watches menus.
     Name createName(const QString &rawValue, std::optional<Shortcut> defaultShortcut = {});
-    /// Absent also when what is stored is no shortcut.
+    /// Absent also when what is stored is no shortcut, or one that no keyboard can have.
     std::optional<Shortcut> shortcut(const Name &name) const;
     /// Stores, or removes where there is none given. The hot key is the system's when this
     /// returns, and shortcutByNameDidChange has been posted. Removing nothing does nothing.
@@ -49,9 +49,10 @@ public:
 
     bool isEnabled() const { return m_carbon.isEnabled(); }
     void setEnabled(bool isEnabled) { m_carbon.setEnabled(isEnabled); }
-    /// While paused, hot keys stay registered but run no action.
+    /// While paused, hot keys stay registered but run no action; nor does the release, later, of a
+    /// key that was pressed before or meanwhile.
     bool isPaused() const { return m_isPaused; }
-    void setPaused(bool isPaused) { m_isPaused = isPaused; }
+    void setPaused(bool isPaused);
     bool isMenuOpen() const { return m_carbon.isMenuOpen(); }
     void setMenuOpen(bool isOpen) { m_carbon.setMenuOpen(isOpen); }
     /// Follows this program's own menus with `setMenuOpen`, from when there is an application.
@@ -79,6 +80,8 @@ private:
     using Subscriptions = std::vector<Subscription>;
 
     void subscribe(Subscriptions &subscriptions, const Name &name, Action action);
+    /// A line about what only a damaged store can hold.
+    void logIfBroken(const Name &name) const;
     void store(const Name &name, const Shortcut &shortcut);
     void remove(const Name &name);
     void registerShortcut(const Shortcut &shortcut);
@@ -92,6 +95,7 @@ private:
     NotificationCenter m_notifications;
     CarbonKeyboardShortcuts m_carbon;
     std::vector<Shortcut> m_registered;
+    std::vector<Shortcut> m_pressed; ///< whose release may act
     Subscriptions m_keyDownActions;
     Subscriptions m_keyUpActions;
     bool m_isPaused = false;

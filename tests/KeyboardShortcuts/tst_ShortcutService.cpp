@@ -77,6 +77,33 @@ private Q_SLOTS:
         QCOMPARE(m_defaults->string(m_a.key()), std::optional(copyJson));
     }
 
+    void survivesAShortcutThatNoKeyboardCanHave_data()
+    {
+        QTest::addColumn<QByteArray>("keys");
+        QTest::newRow("negative key code")
+            << QByteArray(R"({"carbonKeyCode":-1,"carbonModifiers":0})");
+        QTest::newRow("key code beyond 32 bits")
+            << QByteArray(R"({"carbonKeyCode":4294967296,"carbonModifiers":0})");
+        QTest::newRow("negative modifiers")
+            << QByteArray(R"({"carbonKeyCode":8,"carbonModifiers":-256})");
+    }
+    void survivesAShortcutThatNoKeyboardCanHave()
+    {
+        QFETCH(QByteArray, keys);
+        const QByteArray value = QByteArray(keys).replace('"', "\\\"");
+        put("{\"KeyboardShortcuts_a\": \"" + value + "\"}");
+        tovek::StdoutCapture output;
+        m_service->onKeyUp(m_a, run("a"));
+        m_service->onKeyUp(m_a, run("a"));
+        QCOMPARE(output.take(), "Stored shortcut a is none: " + keys + "\n");
+        QCOMPARE(m_service->shortcut(m_a), std::nullopt);
+        m_service->onKeyUp(m_b, run("b"));
+        m_service->setShortcut(m_b, paste);
+        m_service->setShortcut(m_a, copy);
+        m_hotKeys->tap(pasteKeys);
+        QCOMPARE(m_runs, QStringList{QStringLiteral("b")});
+    }
+
     void removes()
     {
         m_service->setShortcut(m_a, copy);
@@ -227,6 +254,32 @@ private Q_SLOTS:
         QCOMPARE(
             m_runs,
             QStringList({QStringLiteral("prepare"), QStringLiteral("down"), QStringLiteral("up")}));
+    }
+
+    void runsNothingAtTheReleaseOfWhatARecorderSaw()
+    {
+        m_service->setShortcut(m_a, copy);
+        m_service->onKeyUp(m_a, run("up"));
+        m_service->setPaused(true);
+        m_hotKeys->press(copyKeys);
+        m_service->setPaused(false);
+        m_hotKeys->releaseKey();
+        QVERIFY(m_runs.isEmpty());
+
+        m_hotKeys->press(copyKeys);
+        m_service->setPaused(true);
+        m_service->setPaused(false);
+        m_hotKeys->releaseKey();
+        QVERIFY(m_runs.isEmpty());
+
+        m_service->setPaused(true);
+        m_hotKeys->press(copyKeys);
+        m_service->setShortcut(m_a, copy);
+        m_service->setPaused(false);
+        m_hotKeys->releaseKey();
+        QVERIFY(m_runs.isEmpty());
+        m_hotKeys->tap(copyKeys);
+        QCOMPARE(m_runs, QStringList{QStringLiteral("up")});
     }
 
     void runsNothingWhileItIsNotEnabled()

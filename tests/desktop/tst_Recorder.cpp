@@ -60,6 +60,30 @@ private Q_SLOTS:
         QVERIFY(m_hand->comesToStore(capture, "96 0"));
     }
 
+    void capturesNothingByTheKeysThatItRecorded_data()
+    {
+        QTest::addColumn<bool>("isRecordedAgain");
+        QTest::newRow("held past the repeat delay") << false;
+        QTest::newRow("the ones that it has already") << true;
+    }
+    void capturesNothingByTheKeysThatItRecorded()
+    {
+        QFETCH(bool, isRecordedAgain);
+        for (int round = 0; round < (isRecordedAgain ? 2 : 1); ++round) {
+            QVERIFY(m_hand->startsRecording(0));
+            QVERIFY(hand().hold("Control_L+Alt_L+k"));
+            QVERIFY(waitUntil([&] { return !m_hand->isRecording(0); }));
+            QVERIFY(m_hand->comesToStore(capture, "40 6144"));
+            QTest::qWait(1000); // repeats from 660 ms on
+            QVERIFY(hand().letGo("Control_L+Alt_L+k"));
+            QVERIFY(!waitUntil([&] { return !m_hand->eye->overlays("tovek").isEmpty(); }, 700ms));
+        }
+        QVERIFY(hand().tap("Control_L+Alt_L+k"));
+        QVERIFY(waitUntil([&] { return m_hand->eye->overlays("tovek").size() == 1; }));
+        QVERIFY(!m_hand->eye->lookWhenStill().isNull());
+        QVERIFY(hand().tap("Escape"));
+    }
+
     void clearsByItsButton()
     {
         QVERIFY(m_hand->startsRecording(0));
