@@ -16,10 +16,9 @@ SoundManager::SoundManager(SoundOutput &output, const QString &asset)
         logLine(QStringLiteral("Failed to load copy sound asset"));
         return;
     }
-    QString error;
-    m_audioPlayer = output.makePlayer(file.readAll(), error);
-    if (!m_audioPlayer)
+    m_audioPlayer = output.makePlayer(file.readAll(), [](const QString &error) {
         logLine(QStringLiteral("Failed to initialize audio player: ") + error);
+    });
 }
 
 void SoundManager::playCopySound()

@@ -13,6 +13,8 @@
 #include <QTest>
 #include <QtEndian>
 
+#include <csignal>
+
 using namespace std::chrono_literals;
 using namespace tovek;
 
@@ -280,6 +282,38 @@ private Q_SLOTS:
         const Samples recording = session.recording();
         QVERIFY(!recording.isEmpty());
         QVERIFY(heard(recording).isEmpty());
+    }
+
+    void copiesAndQuitsWhenTheSoundServerHasStopped_data()
+    {
+        QTest::addColumn<int>("copiesBefore");
+        QTest::newRow("before the sound is loaded") << 0;
+        QTest::newRow("after the first copy") << 1;
+    }
+    void copiesAndQuitsWhenTheSoundServerHasStopped()
+    {
+        QFETCH(int, copiesBefore);
+        SoundSession session;
+        QVERIFY2(session.startDesktop(), qPrintable(session.error));
+        QVERIFY(session.startServer());
+        QVERIFY(session.tovek->start());
+        for (int i = 0; i < copiesBefore; ++i)
+            QVERIFY(session.copy({150, 150}, {250, 250}));
+        QCOMPARE(kill(pid_t(session.server->pid()), SIGSTOP), 0);
+        for (int i = 0; i < 2; ++i) {
+            QVERIFY(session.open());
+            session.select({150, 150}, {301, 277});
+            QElapsedTimer timer;
+            timer.start();
+            QVERIFY(session.tap("Return"));
+            QCOMPARE(QImage::fromData(session.pasted()).size(), QSize(151, 127));
+            QVERIFY2(timer.elapsed() < 3000, qPrintable(QString::number(timer.elapsed())));
+        }
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(kill(pid_t(session.tovek->program().pid()), SIGTERM), 0);
+        QCOMPARE(session.tovek->program().waitForExit(), std::optional(0));
+        QVERIFY2(timer.elapsed() < 3000, qPrintable(QString::number(timer.elapsed())));
     }
 
     void copiesWithoutASoundServer()

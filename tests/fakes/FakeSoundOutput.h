@@ -11,11 +11,14 @@ namespace tovek {
 class FakeSoundOutput : public SoundOutput
 {
 public:
-    std::unique_ptr<SoundPlayer> makePlayer(const QByteArray &newData, QString &error) override
+    std::unique_ptr<SoundPlayer>
+    makePlayer(const QByteArray &newData,
+               std::function<void(const QString &error)> onFailed) override
     {
         data = newData;
-        error = failure;
-        return failure.isEmpty() ? std::make_unique<Player>(plays) : nullptr;
+        if (!failure.isEmpty())
+            onFailed(failure);
+        return std::make_unique<Player>(plays);
     }
 
     QString failure; ///< empty: players can be made

@@ -3,7 +3,9 @@
 
 #include "platform/linux/CanberraSoundOutput.h"
 
+#include <QDeadlineTimer>
 #include <QLibrary>
+#include <QThreadPool>
 
 #include <cstdint>
 #include <sys/mman.h>
@@ -61,16 +63,13 @@ const Canberra *canberra(QString &error)
 
 constexpr uint32_t soundId = 1;
 
-class CanberraSoundPlayer : public SoundPlayer
+/// A sound in the hands of the library. One thread at a time.
+class CanberraSound
 {
 public:
-    CanberraSoundPlayer(const Canberra &functions, std::function<bool()> areEventSoundsEnabled)
-        : m_canberra(functions)
-        , m_areEventSoundsEnabled(std::move(areEventSoundsEnabled))
-    {
-    }
+    explicit CanberraSound(const Canberra &functions) : m_canberra(functions) { }
 
-    ~CanberraSoundPlayer() override
+    ~CanberraSound()
     {
         if (m_sound)
             m_canberra.proplistDestroy(m_sound);
@@ -79,6 +78,8 @@ public:
         if (m_file >= 0)
             ::close(m_file);
     }
+    CanberraSound(const CanberraSound &) = delete;
+    CanberraSound &operator=(const CanberraSound &) = delete;
 
     bool load(const QByteArray &data, QString &error)
     {
@@ -106,10 +107,8 @@ public:
         return false;
     }
 
-    void playFromStart() override
+    void playFromStart()
     {
-        if (m_areEventSoundsEnabled && !m_areEventSoundsEnabled())
-            return;
         m_canberra.contextCancel(m_context, soundId);
         m_canberra.contextPlayFull(m_context, soundId, m_sound, nullptr, nullptr);
     }
@@ -137,10 +136,72 @@ private:
     }
 
     const Canberra &m_canberra;
-    std::function<bool()> m_areEventSoundsEnabled;
     Context *m_context = nullptr;
     Properties *m_sound = nullptr;
     int m_file = -1;
+};
+
+std::unique_ptr<CanberraSound> load(const QByteArray &data, QString &error)
+{
+    const Canberra *functions = canberra(error);
+    if (!functions)
+        return nullptr;
+    auto sound = std::make_unique<CanberraSound>(*functions);
+    return sound->load(data, error) ? std::move(sound) : nullptr;
+}
+
+constexpr int idleThreadMs = 2000;
+constexpr int endLimitMs = 200;
+/// A sound confirms what a person has just done.
+constexpr std::chrono::seconds latestPlay(2);
+
+class CanberraSoundPlayer : public SoundPlayer
+{
+public:
+    CanberraSoundPlayer(const QByteArray &data, std::function<void(const QString &)> onFailed,
+                        std::function<bool()> areEventSoundsEnabled)
+        : m_areEventSoundsEnabled(std::move(areEventSoundsEnabled))
+        , m_thread(std::make_unique<QThreadPool>())
+        , m_state(std::make_shared<State>())
+    {
+        m_thread->setMaxThreadCount(1);
+        m_thread->setExpiryTimeout(idleThreadMs);
+        m_thread->start([state = m_state, data, onFailed = std::move(onFailed)] {
+            QString error;
+            state->sound = load(data, error);
+            if (!state->sound)
+                onFailed(error);
+        });
+    }
+
+    ~CanberraSoundPlayer() override
+    {
+        m_thread->start([state = m_state] { state->sound.reset(); });
+        // Left behind with a sound server that has stopped: its own end would wait for it.
+        if (!m_thread->waitForDone(endLimitMs))
+            static_cast<void>(m_thread.release());
+    }
+
+    void playFromStart() override
+    {
+        if (m_areEventSoundsEnabled && !m_areEventSoundsEnabled())
+            return;
+        m_thread->start([state = m_state, limit = QDeadlineTimer(latestPlay)] {
+            if (state->sound && !limit.hasExpired())
+                state->sound->playFromStart();
+        });
+    }
+
+private:
+    /// The thread's.
+    struct State
+    {
+        std::unique_ptr<CanberraSound> sound;
+    };
+
+    const std::function<bool()> m_areEventSoundsEnabled;
+    std::unique_ptr<QThreadPool> m_thread;
+    std::shared_ptr<State> m_state;
 };
 
 } // namespace
@@ -150,13 +211,12 @@ CanberraSoundOutput::CanberraSoundOutput(std::function<bool()> areEventSoundsEna
 {
 }
 
-std::unique_ptr<SoundPlayer> CanberraSoundOutput::makePlayer(const QByteArray &data, QString &error)
+std::unique_ptr<SoundPlayer>
+CanberraSoundOutput::makePlayer(const QByteArray &data,
+                                std::function<void(const QString &error)> onFailed)
 {
-    const Canberra *functions = canberra(error);
-    if (!functions)
-        return nullptr;
-    auto player = std::make_unique<CanberraSoundPlayer>(*functions, m_areEventSoundsEnabled);
-    return player->load(data, error) ? std::move(player) : nullptr;
+    return std::make_unique<CanberraSoundPlayer>(data, std::move(onFailed),
+                                                 m_areEventSoundsEnabled);
 }
 
 } // namespace tovek
