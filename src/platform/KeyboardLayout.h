@@ -20,6 +20,8 @@ public:
     /// does, or else in the American one.
     /// Absent for a dead key, for a key without a character, and for one that does not exist.
     virtual std::optional<QString> character(int carbonKeyCode) const = 0;
+    /// What it types with Shift, in the same layout.
+    virtual std::optional<QString> shiftedCharacter(int carbonKeyCode) const = 0;
 
     /// The same for a key as key events of our own windows name it.
     virtual std::optional<QString> characterOfScanCode(quint32 nativeScanCode) const = 0;

@@ -20,6 +20,14 @@ public:
         const auto found = characters.constFind(keyCode);
         return found == characters.cend() ? std::nullopt : std::optional(*found);
     }
+    std::optional<QString> shiftedCharacter(int keyCode) const override
+    {
+        const auto found = shifted.constFind(keyCode);
+        if (found != shifted.cend())
+            return *found;
+        const auto plain = characters.constFind(keyCode);
+        return plain == characters.cend() ? std::nullopt : std::optional(plain->toUpper());
+    }
     std::optional<QString> characterOfScanCode(quint32 nativeScanCode) const override
     {
         return character(keyCodeOfScanCode(nativeScanCode));
@@ -38,6 +46,7 @@ public:
     }
 
     QHash<int, QString> characters;
+    QHash<int, QString> shifted; ///< where it is not the capital letter
     mutable QList<int> asked;
 };
 

@@ -3,14 +3,17 @@
 
 #include "platform/linux/DesktopShortcuts.h"
 
-#include "platform/KeyboardLayout.h"
 #include "platform/linux/Accelerator.h"
+#include "platform/linux/KGlobalAccel.h"
+#include "platform/linux/QtKeys.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingReply>
 #include <QDBusReply>
 #include <QRegularExpression>
+
+#include <algorithm>
 
 namespace tovek {
 
@@ -21,44 +24,6 @@ const QString gnomeSchemas = QStringLiteral(
     "^org\\.gnome\\.(desktop\\.wm\\.keybindings|mutter\\.keybindings|mutter\\.wayland\\."
     "keybindings|"
     "shell\\.keybindings|settings-daemon\\.plugins\\.media-keys(\\.custom-keybinding.*)?)\\b");
-
-struct QtKey
-{
-    quint32 carbon;
-    Qt::Key key;
-};
-
-// What the layout does not tell.
-constexpr QtKey qtKeys[] = {
-    {105, Qt::Key_Print},    {36, Qt::Key_Return}, {48, Qt::Key_Tab},     {49, Qt::Key_Space},
-    {51, Qt::Key_Backspace}, {53, Qt::Key_Escape}, {117, Qt::Key_Delete}, {114, Qt::Key_Insert},
-    {115, Qt::Key_Home},     {119, Qt::Key_End},   {116, Qt::Key_PageUp}, {121, Qt::Key_PageDown},
-    {123, Qt::Key_Left},     {124, Qt::Key_Right}, {125, Qt::Key_Down},   {126, Qt::Key_Up},
-    {122, Qt::Key_F1},       {120, Qt::Key_F2},    {99, Qt::Key_F3},      {118, Qt::Key_F4},
-    {96, Qt::Key_F5},        {97, Qt::Key_F6},     {98, Qt::Key_F7},      {100, Qt::Key_F8},
-    {101, Qt::Key_F9},       {109, Qt::Key_F10},   {103, Qt::Key_F11},    {111, Qt::Key_F12},
-};
-
-/// 0 when the toolkit has no name for the key.
-int qtKeyOf(KeyCombo combo, const KeyboardLayout &layout)
-{
-    int key = 0;
-    for (const QtKey &row : qtKeys) {
-        if (row.carbon == combo.carbonKeyCode)
-            key = row.key;
-    }
-    if (key == 0) {
-        const auto typed = layout.character(int(combo.carbonKeyCode));
-        key = typed ? int(typed->toUpper().toUcs4().value(0)) : 0;
-    }
-    if (key == 0)
-        return 0;
-    const quint32 modifiers = combo.carbonModifiers;
-    return key | (modifiers & 0x1000 ? int(Qt::ControlModifier) : 0)
-        | (modifiers & 0x800 ? int(Qt::AltModifier) : 0)
-        | (modifiers & 0x200 ? int(Qt::ShiftModifier) : 0)
-        | (modifiers & 0x100 ? int(Qt::MetaModifier) : 0);
-}
 
 } // namespace
 
@@ -166,16 +131,15 @@ void DesktopShortcuts::waitForTables()
 
 bool DesktopShortcuts::isKnownToKde(KeyCombo combo) const
 {
-    const int key = qtKeyOf(combo, m_layout);
-    if (key == 0)
-        return false;
-    QDBusMessage ask = QDBusMessage::createMethodCall(
-        QStringLiteral("org.kde.kglobalaccel"), QStringLiteral("/kglobalaccel"),
-        QStringLiteral("org.kde.KGlobalAccel"), QStringLiteral("action"));
-    ask << key;
-    const QDBusReply<QStringList> owner =
-        QDBusConnection::sessionBus().call(ask, QDBus::Block, patienceMs);
-    return owner.isValid() && !owner.value().isEmpty();
+    const QList<int> keys = qtKeysOf(combo, m_layout);
+    return std::any_of(keys.begin(), keys.end(), [](int key) {
+        QDBusMessage ask = KGlobalAccel::call(QStringLiteral("action"));
+        ask << key;
+        const QDBusReply<QStringList> owner =
+            QDBusConnection::sessionBus().call(ask, QDBus::Block, patienceMs);
+        return owner.isValid() && !owner.value().isEmpty()
+            && owner.value().first() != KGlobalAccel::ownComponent;
+    });
 }
 
 } // namespace tovek

@@ -58,6 +58,13 @@ std::vector<int> evdevCodes(int carbonKeyCode)
     return codes;
 }
 
+std::optional<quint32> keycodeOf(int carbonKeyCode)
+{
+    const std::vector<int> codes = evdevCodes(carbonKeyCode);
+    return codes.empty() ? std::nullopt
+                         : std::optional(quint32(codes.front() + windowSystemKeyOffset));
+}
+
 int carbonKeyCode(int evdevCode)
 {
     const auto found = std::find_if(

@@ -5,6 +5,7 @@
 
 #include "foundation/Keys.h"
 
+#include <optional>
 #include <vector>
 
 namespace tovek {
@@ -17,6 +18,9 @@ inline constexpr int windowSystemKeyOffset = 8;
 /// first; empty when there is none. More than one where a PC keyboard has a key of its own in the
 /// place of another (Print Screen is F13, Scroll Lock F14, Pause F15, Insert is Help).
 std::vector<int> evdevCodes(int carbonKeyCode);
+
+/// What key events call the first of these keys; absent when there is none.
+std::optional<quint32> keycodeOf(int carbonKeyCode);
 
 /// The hardware code of an evdev code; KeyCode::none when there is none.
 int carbonKeyCode(int evdevCode);

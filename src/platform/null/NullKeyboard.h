@@ -25,6 +25,7 @@ class NullKeyboardLayout : public KeyboardLayout
 {
 public:
     std::optional<QString> character(int) const override { return std::nullopt; }
+    std::optional<QString> shiftedCharacter(int) const override { return std::nullopt; }
     std::optional<QString> characterOfScanCode(quint32) const override { return std::nullopt; }
     int keyCodeOfScanCode(quint32 nativeScanCode) const override
     {

@@ -13,47 +13,6 @@
 
 namespace tovek {
 
-namespace {
-
-constexpr int lastLetterCode = 50;
-/// Of 26. Layouts for other scripts have none without modifiers, Latin ones nearly all of them.
-constexpr int latinLetterCount = 20;
-
-std::optional<QString> characterOf(xkb_keymap *keymap, quint32 group, xkb_keycode_t keycode)
-{
-    const xkb_keysym_t *keysyms = nullptr;
-    if (xkb_keymap_key_get_syms_by_level(keymap, keycode, group, 0, &keysyms) != 1)
-        return std::nullopt;
-    const char32_t character = xkb_keysym_to_utf32(keysyms[0]);
-    if (character < U' ' || character == U'\x7f')
-        return std::nullopt;
-    return QString::fromUcs4(&character, 1);
-}
-
-bool typesLatin(xkb_keymap *keymap, quint32 group)
-{
-    int letters = 0;
-    for (int keyCode = 0; keyCode <= lastLetterCode; ++keyCode) {
-        const auto keycode = xkb_keycode_t(evdevCodes(keyCode).front() + windowSystemKeyOffset);
-        const auto character = characterOf(keymap, group, keycode);
-        letters +=
-            character && *character >= QLatin1String("a") && *character <= QLatin1String("z");
-    }
-    return letters >= latinLetterCount;
-}
-
-} // namespace
-
-void X11KeyboardLayout::Free::operator()(xkb_context *context) const
-{
-    xkb_context_unref(context);
-}
-
-void X11KeyboardLayout::Free::operator()(xkb_keymap *keymap) const
-{
-    xkb_keymap_unref(keymap);
-}
-
 void X11KeyboardLayout::Free::operator()(xcb_connection_t *connection) const
 {
     xcb_disconnect(connection);
@@ -71,7 +30,6 @@ std::unique_ptr<X11KeyboardLayout> X11KeyboardLayout::create()
 
 X11KeyboardLayout::X11KeyboardLayout(std::unique_ptr<xcb_connection_t, Free> connection)
     : m_connection(std::move(connection))
-    , m_context(xkb_context_new(XKB_CONTEXT_NO_FLAGS))
 {
 }
 
@@ -82,7 +40,7 @@ bool X11KeyboardLayout::setUp()
     const int isThere = xkb_x11_setup_xkb_extension(
         m_connection.get(), XKB_X11_MIN_MAJOR_XKB_VERSION, XKB_X11_MIN_MINOR_XKB_VERSION,
         XKB_X11_SETUP_XKB_EXTENSION_NO_FLAGS, nullptr, nullptr, &m_firstEvent, nullptr);
-    if (!isThere || !m_context)
+    if (!isThere || !m_keymap.context())
         return false;
     selectEvents();
     return true;
@@ -90,16 +48,19 @@ bool X11KeyboardLayout::setUp()
 
 std::optional<QString> X11KeyboardLayout::character(int carbonKeyCode) const
 {
-    const std::vector<int> evdev = evdevCodes(carbonKeyCode);
-    if (evdev.empty())
-        return std::nullopt;
-    return characterOfScanCode(quint32(evdev.front() + windowSystemKeyOffset));
+    const auto keycode = keycodeOf(carbonKeyCode);
+    return keycode ? keymap().character(*keycode) : std::nullopt;
+}
+
+std::optional<QString> X11KeyboardLayout::shiftedCharacter(int carbonKeyCode) const
+{
+    const auto keycode = keycodeOf(carbonKeyCode);
+    return keycode ? keymap().character(*keycode, XkbKeymap::Level::shifted) : std::nullopt;
 }
 
 std::optional<QString> X11KeyboardLayout::characterOfScanCode(quint32 nativeScanCode) const
 {
-    xkb_keymap *map = keymap();
-    return map ? characterOf(map, m_group, nativeScanCode) : std::nullopt;
+    return keymap().character(nativeScanCode);
 }
 
 int X11KeyboardLayout::keyCodeOfScanCode(quint32 nativeScanCode) const
@@ -149,9 +110,9 @@ void X11KeyboardLayout::readEvents()
     if (xcb_connection_has_error(m_connection.get()) && m_notifier)
         m_notifier->setEnabled(false);
     if (isNewMap)
-        m_keymap.reset();
-    if (isNewGroup && m_keymap)
-        isNewMap = std::exchange(m_group, latinGroup()) != m_group;
+        m_keymap.clear();
+    if (isNewGroup && !m_keymap.isEmpty())
+        isNewMap = m_keymap.activate(activeGroup());
     if (!isNewMap)
         return;
     if (onChanged)
@@ -160,24 +121,15 @@ void X11KeyboardLayout::readEvents()
     readEvents();
 }
 
-xkb_keymap *X11KeyboardLayout::keymap() const
+const XkbKeymap &X11KeyboardLayout::keymap() const
 {
-    if (m_keymap)
-        return m_keymap.get();
+    if (!m_keymap.isEmpty())
+        return m_keymap;
     const int32_t device = xkb_x11_get_core_keyboard_device_id(m_connection.get());
-    m_keymap.reset(xkb_x11_keymap_new_from_device(m_context.get(), m_connection.get(), device,
-                                                  XKB_KEYMAP_COMPILE_NO_FLAGS));
-    if (!m_keymap)
-        return nullptr;
-    m_group = latinGroup();
-    if (typesLatin(m_keymap.get(), m_group))
-        return m_keymap.get();
-    const xkb_rule_names american{"evdev", "pc105", "us", "", ""};
-    std::unique_ptr<xkb_keymap, Free> latin(
-        xkb_keymap_new_from_names(m_context.get(), &american, XKB_KEYMAP_COMPILE_NO_FLAGS));
-    if (latin)
-        m_keymap = std::move(latin);
-    return m_keymap.get();
+    m_keymap.set(xkb_x11_keymap_new_from_device(m_keymap.context(), m_connection.get(), device,
+                                                XKB_KEYMAP_COMPILE_NO_FLAGS),
+                 activeGroup());
+    return m_keymap;
 }
 
 quint32 X11KeyboardLayout::activeGroup() const
@@ -186,18 +138,6 @@ quint32 X11KeyboardLayout::activeGroup() const
         m_connection.get(), xcb_xkb_get_state(m_connection.get(), XCB_XKB_ID_USE_CORE_KBD),
         nullptr));
     return state ? state->group : 0;
-}
-
-quint32 X11KeyboardLayout::latinGroup() const
-{
-    const quint32 active = activeGroup();
-    if (typesLatin(m_keymap.get(), active))
-        return active;
-    for (quint32 group = 0; group < xkb_keymap_num_layouts(m_keymap.get()); ++group) {
-        if (typesLatin(m_keymap.get(), group))
-            return group;
-    }
-    return active;
 }
 
 } // namespace tovek

@@ -4,14 +4,12 @@
 #pragma once
 
 #include "platform/KeyboardLayout.h"
+#include "platform/linux/XkbKeymap.h"
 
 #include <QSocketNotifier>
 
 #include <memory>
 #include <xcb/xcb.h>
-
-struct xkb_context;
-struct xkb_keymap;
 
 namespace tovek {
 
@@ -24,6 +22,7 @@ public:
     ~X11KeyboardLayout() override;
 
     std::optional<QString> character(int carbonKeyCode) const override;
+    std::optional<QString> shiftedCharacter(int carbonKeyCode) const override;
     std::optional<QString> characterOfScanCode(quint32 nativeScanCode) const override;
     int keyCodeOfScanCode(quint32 nativeScanCode) const override;
 
@@ -33,8 +32,6 @@ public:
 private:
     struct Free
     {
-        void operator()(xkb_context *context) const;
-        void operator()(xkb_keymap *keymap) const;
         void operator()(xcb_connection_t *connection) const;
     };
 
@@ -42,16 +39,13 @@ private:
     bool setUp();
     void selectEvents();
     void readEvents();
-    /// Null when the server does not give it.
-    xkb_keymap *keymap() const;
+    /// Empty when the server does not give it.
+    const XkbKeymap &keymap() const;
     quint32 activeGroup() const;
-    quint32 latinGroup() const;
 
     std::unique_ptr<xcb_connection_t, Free> m_connection;
-    std::unique_ptr<xkb_context, Free> m_context;
     quint8 m_firstEvent = 0;
-    mutable std::unique_ptr<xkb_keymap, Free> m_keymap; ///< null while it is to be read
-    mutable quint32 m_group = 0; ///< whose characters we give
+    mutable XkbKeymap m_keymap; ///< empty while it is to be read
     std::unique_ptr<QSocketNotifier> m_notifier;
 };
 
