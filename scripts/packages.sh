@@ -10,11 +10,13 @@ build_packages=(
     libxcb1-dev libxcb-icccm4-dev libxcb-image0-dev libxcb-keysyms1-dev libxcb-randr0-dev
     libxcb-render0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-xfixes0-dev libxcb-xinput-dev
     libxcb-xkb-dev libxcb-xtest0-dev
+    libwayland-dev libwayland-bin qt6-wayland
     fonts-dejavu-core tesseract-ocr-eng libcanberra-pulse
 )
 # For the virtual desktops of the tests and of the tour.
 desktop_packages=(
     dbus dbus-bin dbus-x11 libglib2.0-bin desktop-file-utils openbox openssl picom pulseaudio
+    grim sway swaybg wl-clipboard xwayland
     pulseaudio-utils thunar trayer x11-xkb-utils x11-xserver-utils xauth xclip xvfb
 )
 # For bench/run, which installs nothing: a notification server is not for everybody's desktop.

@@ -88,7 +88,9 @@ private:
         QStringList targets;
         while (matches.hasNext()) {
             const QString target = matches.next().captured(1);
-            if (!target.endsWith(QStringLiteral(".moc")))
+            // Generated headers stand in no room.
+            if (!target.endsWith(QStringLiteral(".moc"))
+                && !target.endsWith(QStringLiteral("-client.h")))
                 targets << target;
         }
         return targets;
@@ -112,7 +114,7 @@ private:
             {"platform/x11/keys", {"platform/x11", "platform/linux", "platform", "foundation"}},
             {"platform/x11/clipboard", {"platform/x11", "platform", "foundation"}},
             {"platform/x11/tray", {"platform/x11", "platform"}},
-            {"platform/wayland/keys", {"platform/linux", "platform", "foundation"}},
+            {"platform/wayland", {"foundation"}},
             {"annotations", {"foundation"}},
             {"text", {"platform", "foundation"}},
             {"overlay", {"annotations", "text", "platform", "foundation"}},
