@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "support/Pixels.h"
 #include "support/XConnection.h"
 
 #include <QImage>
@@ -56,8 +57,5 @@ private:
 
     XConnection m_connection;
 };
-
-/// How many pixels differ; all of them when the sizes do. The alpha channel is not looked at.
-int differentPixels(const QImage &one, const QImage &other);
 
 } // namespace tovek

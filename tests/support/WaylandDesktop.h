@@ -1,0 +1,90 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "support/Program.h"
+
+#include <QImage>
+#include <QJsonDocument>
+#include <QTemporaryDir>
+
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace tovek {
+
+/// An output of a Wayland test desktop. They lie side by side from the left.
+struct WaylandMonitor
+{
+    QSize native{1280, 800}; ///< of the panel, before it is turned
+    double scale = 1;
+    QString transform = QStringLiteral("normal"); ///< as sway writes it
+};
+
+struct WaylandPlan
+{
+    std::vector<WaylandMonitor> monitors{{}};
+    bool hasXWayland = false;
+};
+
+/// A Wayland desktop of a test's own: sway without a screen, a session bus, and a home that nobody
+/// else uses. Everything in it ends with it. Since sway refuses to run as root, a test that does
+/// runs all of the desktop as a user without rights.
+class WaylandDesktop
+{
+public:
+    explicit WaylandDesktop(WaylandPlan plan = {});
+    ~WaylandDesktop();
+
+    /// The reason why this desktop cannot run on this machine; empty when it can.
+    static QString missing(const WaylandPlan &plan = {});
+
+    [[nodiscard]] bool start();
+    QString error() const { return m_error; }
+
+    /// The compositor's socket, for a connection of the test itself.
+    QString socket() const;
+    const QProcessEnvironment &environment() const { return m_environment; }
+    QString home() const { return m_folder.filePath(QStringLiteral("home")); }
+    QString configFolder() const { return home() + QStringLiteral("/.config"); }
+    QString downloads() const { return home() + QStringLiteral("/Downloads"); }
+
+    /// A program on this desktop; null when it cannot be started. It ends with the desktop at the
+    /// latest, the last one first.
+    Program *run(const QString &path, const QStringList &arguments = {},
+                 const std::map<QString, QString> &variables = {});
+    /// What a program on this desktop prints until it ends; null when it fails.
+    QByteArray output(const QString &path, const QStringList &arguments);
+    /// A message to sway, such as `{"output HEADLESS-2 scale 1.5"}` or `{"-t", "get_tree"}`; null
+    /// when it refuses.
+    QJsonDocument tell(const QStringList &message);
+    /// A file of the home, owned by the desktop's user.
+    bool writeFile(const QString &path, const QByteArray &bytes) const;
+
+    /// Of its XWayland; empty until that is there.
+    QString xDisplay();
+    static QString monitorName(int index);
+    /// The pixels of an output as Format_RGB32, without the pointer where sway can leave it out.
+    QImage look(int monitor = 0);
+    /// Waits until two looks are alike, and gives that picture; null at the deadline.
+    QImage lookWhenStill(int monitor = 0);
+    /// The titles of the windows, from anywhere in the tree.
+    QStringList windowTitles();
+
+private:
+    bool fail(const QString &error);
+    bool makeFolders();
+    bool startBus();
+    bool startSway();
+    QStringList asUser(const QString &path, const QStringList &arguments) const;
+
+    WaylandPlan m_plan;
+    QTemporaryDir m_folder;
+    QProcessEnvironment m_environment;
+    QString m_error;
+    std::vector<std::unique_ptr<Program>> m_programs;
+};
+
+} // namespace tovek
