@@ -115,6 +115,7 @@ private:
             {"platform/x11/clipboard", {"platform/x11", "platform", "foundation"}},
             {"platform/x11/tray", {"platform/x11", "platform"}},
             {"platform/wayland", {"foundation"}},
+            {"platform/wayland/keys", {"platform/linux", "platform", "foundation"}},
             {"annotations", {"foundation"}},
             {"text", {"platform", "foundation"}},
             {"overlay", {"annotations", "text", "platform", "foundation"}},
