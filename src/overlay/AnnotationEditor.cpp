@@ -104,7 +104,6 @@ Effect AnnotationEditor::press(Point at, int clickCount, const Rect &selection)
         if (isNew)
             select(hit);
         startDrag(*hit, at);
-        doesTextLetMouseThrough = true;
         return {.isHandled = true, .needsRedraw = isNew};
     }
     if (!selection.contains(at))
@@ -205,7 +204,6 @@ Effect AnnotationEditor::selectTool(AnnotationTool tool)
 {
     currentTool = tool;
     select(std::nullopt);
-    doesTextLetMouseThrough = tool != AnnotationTool::none;
     Effect effect;
     if (tool != AnnotationTool::text)
         effect = commitText();
@@ -227,6 +225,13 @@ Effect AnnotationEditor::chooseColor(const QColor &color, ColorTarget target)
     }
     selectedAnnotationColor = color;
     return {.isHandled = true};
+}
+
+Effect AnnotationEditor::deselect()
+{
+    const bool hadOne = selectedAnnotationIndex.has_value();
+    select(std::nullopt);
+    return {.isHandled = hadOne, .needsRedraw = hadOne};
 }
 
 Effect AnnotationEditor::deleteSelected()

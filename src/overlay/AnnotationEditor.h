@@ -53,6 +53,8 @@ public:
     /// A tool button: pressing that of the active tool goes back to the pointer.
     Effect toggleTool(AnnotationTool tool);
     Effect chooseColor(const QColor &color, ColorTarget target);
+    /// Something else is pointed at.
+    Effect deselect();
     Effect deleteSelected();
     Effect nudgeSelected(ArrowKey key, Step step);
     /// Handled only when there was something to undo; not during a drag or in an open text box,
@@ -64,6 +66,8 @@ public:
     /// what was typed.
     void setTypedText(const QString &text) { m_typedText = text; }
     Effect commitText();
+    /// One that a press there would select or drag.
+    bool hasAnnotationAt(Point at) const { return annotationAt(at).has_value(); }
     bool isTextBoxOpen() const { return textAnnotationPosition.has_value(); }
 
     /// All annotations in drawing order, the one being drawn last; without the text that is being
@@ -80,8 +84,6 @@ public:
     QColor selectedAnnotationColor;
     std::optional<Point> textAnnotationPosition; ///< of the open text box
     std::optional<size_t> editingTextAnnotationIndex;
-    /// Recognised text under the pointer leaves the mouse to the annotations.
-    bool doesTextLetMouseThrough = false;
 
     AnnotationEditor();
 

@@ -15,8 +15,10 @@ constexpr double negligible = 0.01;
 
 bool FrameFade::start(double target)
 {
-    if (std::abs(m_value - target) < negligible)
+    if (std::abs(m_value - target) < negligible) {
+        m_frame = frameCount; // a fade away from it that has only just begun
         return false;
+    }
     m_target = target;
     m_step = (target - m_value) / frameCount;
     m_frame = 0;

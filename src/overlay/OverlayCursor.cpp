@@ -47,8 +47,11 @@ QCursor makeCross(double scale)
 
 } // namespace
 
-Qt::CursorShape overlayCursorAt(Point at, const SelectionState &state, AnnotationTool tool)
+Qt::CursorShape overlayCursorAt(Point at, PointerOwner owner, const SelectionState &state,
+                                AnnotationTool tool)
 {
+    if (owner == PointerOwner::words)
+        return Qt::IBeamCursor;
     if (!state.isSelectionFinalized || !state.selectionRect)
         return Qt::CrossCursor;
     if (state.hoveredHandle)

@@ -3,12 +3,11 @@
 
 #include "overlay/SelectionOverlayView.h"
 
-#include "annotations/AnnotationRenderer.h"
-#include "foundation/WhenReady.h"
 #include "overlay/AnnotationKeys.h"
 #include "overlay/DisplayListPainter.h"
 #include "overlay/KeyPressFromQt.h"
 #include "overlay/OverlayCursor.h"
+#include "overlay/SelectionResult.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -63,6 +62,7 @@ void SelectionOverlayView::mouseDoubleClickEvent(QMouseEvent *event)
 
 void SelectionOverlayView::press(Point at, int clickCount)
 {
+    m_pointer.reset(); // until the button is released
     if (m_textInput.isOpen())
         return commitText();
     switch (m_state.press(at)) {
@@ -75,9 +75,22 @@ void SelectionOverlayView::press(Point at, int clickCount)
         break;
     case SelectionState::Press::insideSelection:
     case SelectionState::Press::outsideSelection:
-        follow(m_editor.press(at, clickCount, *m_state.selectionRect));
+        pressInside(at, clickCount);
         break;
     }
+}
+
+void SelectionOverlayView::pressInside(Point at, int clickCount)
+{
+    const bool isOnWord = pointerOwner(at) == PointerOwner::words;
+    if (isOnWord) {
+        m_textRegionOverlay->press(at);
+        return follow(m_editor.deselect());
+    }
+    const bool isPointing = m_editor.currentTool == AnnotationTool::none;
+    if (m_textRegionOverlay && isPointing && m_state.selectionRect->contains(at))
+        m_textRegionOverlay->pressElsewhere();
+    follow(m_editor.press(at, clickCount, *m_state.selectionRect));
 }
 
 void SelectionOverlayView::mouseMoveEvent(QMouseEvent *event)
@@ -85,11 +98,13 @@ void SelectionOverlayView::mouseMoveEvent(QMouseEvent *event)
     if (event->buttons() & Qt::LeftButton)
         dragTo(pointOf(*event));
     else
-        updateCursor(pointOf(*event));
+        pointAt(pointOf(*event));
 }
 
 void SelectionOverlayView::dragTo(Point at)
 {
+    if (m_textRegionOverlay && m_textRegionOverlay->isDragging())
+        return m_textRegionOverlay->drag(at);
     if (const auto selection = m_state.selectionOnScreen()) {
         const auto effect = m_editor.moveTo(at, *selection);
         if (effect.isHandled)
@@ -103,6 +118,8 @@ void SelectionOverlayView::mouseReleaseEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
         return;
+    if (m_textRegionOverlay && m_textRegionOverlay->isDragging())
+        return m_textRegionOverlay->release();
     const auto effect = m_editor.release();
     if (effect.isHandled)
         return follow(effect);
@@ -116,7 +133,27 @@ void SelectionOverlayView::mouseReleaseEvent(QMouseEvent *event)
     case SelectionState::Release::nothing:
         break;
     }
-    updateCursor(pointOf(*event));
+    pointAt(pointOf(*event));
+}
+
+void SelectionOverlayView::leaveEvent(QEvent *)
+{
+    pointAt(std::nullopt);
+}
+
+void SelectionOverlayView::childEvent(QChildEvent *event)
+{
+    if (event->added())
+        event->child()->installEventFilter(this);
+    QWidget::childEvent(event);
+}
+
+bool SelectionOverlayView::eventFilter(QObject *watched, QEvent *event)
+{
+    // Going on to a child, the pointer does not leave the parent.
+    if (event->type() == QEvent::Enter)
+        pointAt(std::nullopt);
+    return QWidget::eventFilter(watched, event);
 }
 
 void SelectionOverlayView::keyPressEvent(QKeyEvent *event)
@@ -173,14 +210,25 @@ Point SelectionOverlayView::pointOf(const QMouseEvent &event) const
     return m_space.pointFromWidget(event.scenePosition());
 }
 
-void SelectionOverlayView::updateCursor(Point at)
+PointerOwner SelectionOverlayView::pointerOwner(Point at) const
 {
+    return pointerOwnerAt(at, m_state, m_editor,
+                          m_textRegionOverlay ? &m_textRegionOverlay->selection() : nullptr);
+}
+
+void SelectionOverlayView::pointAt(std::optional<Point> at)
+{
+    m_pointer = at;
     const auto previous = m_state.hoveredHandle;
     if (m_state.hover(at)) {
         m_animations.setHovered(previous, false);
         m_animations.setHovered(m_state.hoveredHandle, true);
     }
-    showCursor(overlayCursorAt(at, m_state, m_editor.currentTool));
+    const bool isOnWord = at && pointerOwner(*at) == PointerOwner::words;
+    if (m_textRegionOverlay)
+        m_textRegionOverlay->hover(isOnWord ? at : std::nullopt);
+    if (at)
+        showCursor(overlayCursorAt(*at, pointerOwner(*at), m_state, m_editor.currentTool));
 }
 
 void SelectionOverlayView::showCursor(Qt::CursorShape shape)
@@ -219,51 +267,33 @@ void SelectionOverlayView::copy()
             return;
         }
     }
-    const auto selection = m_state.selectionOnScreen();
-    if (!selection || withAnnotatedImage(callbacks.onCopyAnnotatedImage, callbacks.onCopyImage))
-        return;
-    if (callbacks.onCopyImage)
-        callbacks.onCopyImage(*selection);
+    deliver(callbacks.onCopyImage, callbacks.onCopyAnnotatedImage);
 }
 
 void SelectionOverlayView::save()
 {
-    const auto selection = m_state.selectionOnScreen();
-    if (!selection || withAnnotatedImage(callbacks.onSaveAnnotatedImage, callbacks.onSaveImage))
-        return;
-    if (callbacks.onSaveImage)
-        callbacks.onSaveImage(*selection);
+    deliver(callbacks.onSaveImage, callbacks.onSaveAnnotatedImage);
 }
 
-bool SelectionOverlayView::withAnnotatedImage(
-    const std::function<void(const Image &)> &use,
-    const std::function<void(const Rect &)> &withoutPixels)
+void SelectionOverlayView::deliver(const std::function<void(const Rect &)> &plain,
+                                   const std::function<void(const Image &)> &drawn)
 {
-    if (m_editor.annotations.empty())
-        return false;
-    whenReady(
-        m_context.screenshot->pixels(), this,
-        [=, annotations = m_editor.annotations, size = m_space.size,
-         selection = *m_state.selectionOnScreen()](const QImage &pixels) {
-            const auto image = AnnotationRenderer::render(annotations, {pixels, size}, selection);
-            if (pixels.isNull() && withoutPixels)
-                withoutPixels(selection);
-            else if (image && use)
-                use(*image);
-        });
-    return true;
+    if (const auto selection = m_state.selectionOnScreen())
+        tovek::deliver(
+            {m_context.screenshot->pixels(), m_space.size, *selection, m_editor.annotations}, this,
+            plain, drawn);
 }
 
 void SelectionOverlayView::follow(const AnnotationEditor::Effect &effect)
 {
     if (effect.closesTextBox)
         m_textInput.close();
-    if (m_textRegionOverlay)
-        m_textRegionOverlay->setPassMouseEventsThrough(m_editor.doesTextLetMouseThrough);
     if (toolbar())
         toolbar()->setActiveTool(m_editor.currentTool);
     if (effect.needsRedraw)
         redraw();
+    if (m_pointer)
+        pointAt(m_pointer); // another tool, another cursor
     if (effect.opensTextBox) {
         m_textInput.open(*effect.opensTextBox, m_space);
         m_toolbar.raise();
@@ -310,19 +340,12 @@ void SelectionOverlayView::showTextRegions(const std::vector<TextRegion> &region
 {
     if (!m_state.selectionRect || m_state.isResizing())
         return;
-    removeTextRegions();
     m_isTextSelectionMode = true;
-    const Rect &selection = *m_state.selectionRect;
-    m_textRegionOverlay = new TextRegionOverlayView(m_context.defaults, this);
-    m_textRegionOverlay->setGeometry(m_space.widgetFromRect(selection).toAlignedRect());
-    m_textRegionOverlay->setTextRegions(regions);
-    m_textRegionOverlay->setSelectionBounds({0, 0, selection.width, selection.height});
-    m_textRegionOverlay->setPassMouseEventsThrough(m_editor.doesTextLetMouseThrough);
+    m_textRegionOverlay = std::make_unique<TextRegionOverlayView>(m_context.defaults, regions,
+                                                                  *m_state.selectionRect);
     m_textRegionOverlay->onNeedsDisplay = [this] { redraw(); };
-    m_textRegionOverlay->show();
-    m_textInput.raise();
-    m_toolbar.raise();
     redraw();
+    pointAt(m_pointer); // which may rest where a word is now
 }
 
 void SelectionOverlayView::removeTextRegions()
@@ -330,10 +353,7 @@ void SelectionOverlayView::removeTextRegions()
     m_isTextSelectionMode = false;
     if (!m_textRegionOverlay)
         return;
-    // The toolkit would paint all that lay below it.
-    setAttribute(Qt::WA_UpdatesDisabled);
-    delete m_textRegionOverlay;
-    setAttribute(Qt::WA_UpdatesDisabled, false);
+    m_textRegionOverlay.reset();
     redraw();
 }
 
@@ -380,8 +400,7 @@ OverlayPicture SelectionOverlayView::picture()
     if (!annotations.empty() && picture.selection)
         picture.content = m_annotationLayer.items(annotations, m_space, *picture.selection);
     if (m_textRegionOverlay) {
-        const Rect &selection = *m_state.selectionRect;
-        auto items = m_textRegionOverlay->items(m_space, {selection.x, selection.y});
+        auto items = m_textRegionOverlay->items(m_space);
         picture.content.insert(picture.content.end(), std::make_move_iterator(items.begin()),
                                std::make_move_iterator(items.end()));
     }

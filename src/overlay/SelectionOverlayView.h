@@ -12,10 +12,9 @@
 #include "overlay/OverlayPicture.h"
 #include "overlay/OverlayTextInput.h"
 #include "overlay/OverlayToolbar.h"
-#include "overlay/SelectionState.h"
+#include "overlay/PointerOwner.h"
 #include "text/TextRegionOverlayView.h"
 
-#include <QPointer>
 #include <QWidget>
 
 namespace tovek {
@@ -43,7 +42,7 @@ public:
     CaptureMode captureMode() const { return m_context.captureMode; }
     SelectionToolbar *toolbar() const { return m_toolbar.widget(); }
     bool isToolbarAtTop() const { return m_toolbar.isAtTop(); }
-    TextRegionOverlayView *textRegionOverlay() const { return m_textRegionOverlay; }
+    TextRegionOverlayView *textRegionOverlay() const { return m_textRegionOverlay.get(); }
     OverlayTextBox *textInputView() const { return m_textInput.box(); }
     const AnnotationEditor &editor() const { return m_editor; }
 
@@ -60,6 +59,9 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+    void childEvent(QChildEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     // Focus changes nothing in the picture; the base class would repaint all of it.
@@ -69,7 +71,10 @@ protected:
 private:
     Point pointOf(const QMouseEvent &event) const;
     void press(Point at, int clickCount);
-    void updateCursor(Point at);
+    void pressInside(Point at, int clickCount);
+    PointerOwner pointerOwner(Point at) const;
+    /// The pointer is there now, with no button held, or elsewhere.
+    void pointAt(std::optional<Point> at);
     void showCursor(Qt::CursorShape shape);
     void finalise();
     void startResize();
@@ -77,10 +82,9 @@ private:
     void handleCommand(OverlayKeyAction action, const KeyPress &key);
     void copy();
     void save();
-    /// Renders what is annotated and passes it on; false when there is nothing annotated. Where the
-    /// frozen pixels are lost, the selection is passed on without: whoever gets it says so.
-    bool withAnnotatedImage(const std::function<void(const Image &)> &use,
-                            const std::function<void(const Rect &)> &withoutPixels);
+    /// The selection, with what is drawn on it.
+    void deliver(const std::function<void(const Rect &)> &plain,
+                 const std::function<void(const Image &)> &drawn);
 
     void follow(const AnnotationEditor::Effect &effect);
     void commitText();
@@ -110,7 +114,8 @@ private:
     std::optional<Qt::CursorShape> m_cursorShape;
     OverlayToolbar m_toolbar;
     OverlayTextInput m_textInput;
-    QPointer<TextRegionOverlayView> m_textRegionOverlay;
+    std::unique_ptr<TextRegionOverlayView> m_textRegionOverlay; ///< null without words
+    std::optional<Point> m_pointer; ///< while it is over this and none of the children
 };
 
 } // namespace tovek

@@ -13,7 +13,7 @@ SelectionState::Press SelectionState::press(Point pointer)
         selectionRect = Rect{at.x, at.y, 0, 0};
         return Press::startedSelection;
     }
-    if (const auto handle = handleAt(at, *selectionRect)) {
+    if (const auto handle = handleUnder(pointer)) {
         activeHandle = handle;
         resizeStartRect = selectionRect;
         selectionStart = at;
@@ -71,13 +71,17 @@ SelectionState::Release SelectionState::release()
 
 bool SelectionState::hover(std::optional<Point> pointer)
 {
-    const auto handle = pointer && isSelectionFinalized && selectionRect
-        ? handleAt(edgeOf(*pointer), *selectionRect)
-        : std::nullopt;
+    const auto handle = pointer ? handleUnder(*pointer) : std::nullopt;
     if (handle == hoveredHandle)
         return false;
     hoveredHandle = handle;
     return true;
+}
+
+std::optional<ResizeHandle> SelectionState::handleUnder(Point pointer) const
+{
+    return isSelectionFinalized && selectionRect ? handleAt(edgeOf(pointer), *selectionRect)
+                                                 : std::nullopt;
 }
 
 std::optional<Rect> SelectionState::selectionOnScreen() const

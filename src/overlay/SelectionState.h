@@ -32,6 +32,8 @@ public:
     /// True when the handle under the pointer changed; only a finalised selection has handles, and
     /// none is under a pointer that is elsewhere.
     bool hover(std::optional<Point> pointer);
+    /// What a press there would grab.
+    std::optional<ResizeHandle> handleUnder(Point pointer) const;
     bool isResizing() const { return activeHandle && resizeStartRect && selectionStart; }
 
     /// What there is of the selection for everybody else: labelled, copied, saved and read.

@@ -5,106 +5,51 @@
 
 #include "foundation/UserDefaults.h"
 
-#include <QMouseEvent>
-
 namespace tovek {
 
-TextRegionOverlayView::TextRegionOverlayView(const UserDefaults &defaults, QWidget *parent)
-    : QWidget(parent)
-    , m_defaults(defaults)
-{
-    // Nothing of it shows. The toolkit would paint the whole selection below it anew all the same.
-    setAttribute(Qt::WA_NoSystemBackground);
-    setAttribute(Qt::WA_UpdatesDisabled);
-    setMouseTracking(true);
-    m_selection.onSelectionChanged = [this](const std::vector<TextRegion> &regions) {
-        if (onSelectionChanged)
-            onSelectionChanged(regions);
-    };
-}
-
-void TextRegionOverlayView::setTextRegions(std::vector<TextRegion> regions)
+TextRegionOverlayView::TextRegionOverlayView(const UserDefaults &defaults,
+                                             std::vector<TextRegion> regions, const Rect &frame)
+    : m_defaults(defaults)
+    , m_frame(frame)
 {
     m_selection.textRegions = std::move(regions);
-    redraw();
+    m_selection.selectionBounds = {0, 0, frame.width, frame.height};
 }
 
-void TextRegionOverlayView::setSelectionBounds(const Rect &bounds)
+void TextRegionOverlayView::press(Point at)
 {
-    m_selection.selectionBounds = bounds;
-    redraw();
+    redrawIf(m_selection.mouseDown(inside(at)));
 }
 
-void TextRegionOverlayView::setPassMouseEventsThrough(bool passThrough)
+void TextRegionOverlayView::pressElsewhere()
 {
-    m_selection.passMouseEventsThrough = passThrough;
-    if (passThrough)
-        unsetCursor();
+    redrawIf(m_selection.selectNone());
 }
 
-std::vector<DisplayList::Item> TextRegionOverlayView::items(const ViewSpace &space,
-                                                            Point origin) const
+void TextRegionOverlayView::drag(Point at)
 {
-    return textRegionItems(m_selection, highlightsText(), space, origin);
+    redrawIf(m_selection.mouseDragged(inside(at)));
 }
 
-void TextRegionOverlayView::mousePressEvent(QMouseEvent *event)
+void TextRegionOverlayView::release()
 {
-    if (event->button() != Qt::LeftButton)
-        return event->ignore();
-    follow(m_selection.mouseDown(pointOf(event->position())), event);
+    m_selection.mouseUp();
 }
 
-void TextRegionOverlayView::mouseMoveEvent(QMouseEvent *event)
+void TextRegionOverlayView::hover(std::optional<Point> at)
 {
-    const Point at = pointOf(event->position());
-    const bool isDrag = event->buttons() & Qt::LeftButton;
-    follow(isDrag ? m_selection.mouseDragged(at) : m_selection.mouseMoved(at), event);
-    // The parent is not told when the pointer comes here from one of its handles.
-    if (!isDrag)
-        event->ignore();
+    redrawIf(at ? m_selection.mouseMoved(inside(*at)) : m_selection.mouseExited());
 }
 
-void TextRegionOverlayView::mouseReleaseEvent(QMouseEvent *event)
+std::vector<DisplayList::Item> TextRegionOverlayView::items(const ViewSpace &space) const
 {
-    if (event->button() != Qt::LeftButton)
-        return event->ignore();
-    follow(m_selection.mouseUp(), event);
+    const bool highlightsText = m_defaults.boolean(QStringLiteral("highlightText")).value_or(false);
+    return textRegionItems(m_selection, highlightsText, space, {m_frame.x, m_frame.y});
 }
 
-void TextRegionOverlayView::enterEvent(QEnterEvent *event)
+void TextRegionOverlayView::redrawIf(bool isChanged) const
 {
-    follow(m_selection.cursorUpdate(pointOf(event->position())), event);
-}
-
-void TextRegionOverlayView::leaveEvent(QEvent *event)
-{
-    follow(m_selection.mouseExited(), event);
-}
-
-bool TextRegionOverlayView::highlightsText() const
-{
-    return m_defaults.boolean(QStringLiteral("highlightText")).value_or(false);
-}
-
-Point TextRegionOverlayView::pointOf(QPointF at) const
-{
-    return ViewSpace{{double(width()), double(height())}, 1}.pointFromWidget(at);
-}
-
-void TextRegionOverlayView::follow(const TextSelectionResponse &response, QEvent *event)
-{
-    event->setAccepted(!response.isPassedOn);
-    if (response.cursor)
-        setCursor(*response.cursor == TextSelectionResponse::Cursor::iBeam ? Qt::IBeamCursor
-                                                                           : Qt::ArrowCursor);
-    if (response.needsDisplay)
-        redraw();
-}
-
-void TextRegionOverlayView::redraw()
-{
-    if (onNeedsDisplay)
+    if (isChanged && onNeedsDisplay)
         onNeedsDisplay();
 }
 

@@ -5,51 +5,45 @@
 
 #include "text/TextRegionPicture.h"
 
-#include <QWidget>
-
 namespace tovek {
 
 class UserDefaults;
 
-/// The transparent layer of recognised words over a selection, a child of the view whose selection
-/// it covers. Its frame is the selection's. It paints nothing: the parent puts `items` into its own
-/// picture. Mouse events beside the words, moves without a button, and all events while they are
-/// passed through go on to the parent.
-class TextRegionOverlayView : public QWidget
+/// The transparent layer of recognised words over a selection. No widget: the overlay's view, which
+/// knows everything else that the pointer can mean, tells it what is its own, and puts `items` into
+/// its picture. Points are that view's, with y up.
+class TextRegionOverlayView
 {
-    Q_OBJECT
-
 public:
-    TextRegionOverlayView(const UserDefaults &defaults, QWidget *parent);
+    /// `frame`: the selection. The settings must outlive the layer.
+    TextRegionOverlayView(const UserDefaults &defaults, std::vector<TextRegion> regions,
+                          const Rect &frame);
 
-    void setTextRegions(std::vector<TextRegion> regions);
-    /// In this view's own points.
-    void setSelectionBounds(const Rect &bounds);
-    void setPassMouseEventsThrough(bool passThrough);
+    void press(Point at);
+    void pressElsewhere();
+    /// Between a press on a word and the release.
+    bool isDragging() const { return m_selection.isDragging; }
+    void drag(Point at);
+    void release();
+    /// The pointer is over the words, or somewhere else.
+    void hover(std::optional<Point> at);
+
     /// The selected words in reading order.
     std::vector<TextRegion> selectedRegions() { return m_selection.selectedRegions(); }
+    /// In points of the selection.
     const TextSelection &selection() const { return m_selection; }
     /// See textRegionItems.
-    std::vector<DisplayList::Item> items(const ViewSpace &space, Point origin) const;
+    std::vector<DisplayList::Item> items(const ViewSpace &space) const;
 
-    std::function<void(const std::vector<TextRegion> &)> onSelectionChanged;
     /// `items` have changed.
     std::function<void()> onNeedsDisplay;
 
-protected:
-    void mousePressEvent(QMouseEvent *event) override;
-    void mouseMoveEvent(QMouseEvent *event) override;
-    void mouseReleaseEvent(QMouseEvent *event) override;
-    void enterEvent(QEnterEvent *event) override;
-    void leaveEvent(QEvent *event) override;
-
 private:
-    bool highlightsText() const;
-    Point pointOf(QPointF at) const;
-    void follow(const TextSelectionResponse &response, QEvent *event);
-    void redraw();
+    Point inside(Point at) const { return {at.x - m_frame.x, at.y - m_frame.y}; }
+    void redrawIf(bool isChanged) const;
 
     const UserDefaults &m_defaults;
+    const Rect m_frame;
     TextSelection m_selection;
 };
 

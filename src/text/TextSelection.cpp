@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace tovek {
 
@@ -64,74 +65,58 @@ std::vector<TextRegion> TextSelection::selectedRegions()
     return regions;
 }
 
-TextSelection::Response TextSelection::mouseDown(Point at)
+bool TextSelection::mouseDown(Point at)
 {
-    if (passMouseEventsThrough)
-        return {true, false, {}};
     computeReadingOrder();
     if (const auto index = regionAt(at)) {
         selectionStartIndex = index;
         dragStart = at;
         isDragging = true;
         selectedIndices = {*index};
-        return {false, true, {}};
+        return true;
     }
+    return selectNone();
+}
+
+bool TextSelection::selectNone()
+{
     selectionStartIndex.reset();
     const bool hadSelection = !selectedIndices.empty();
     selectedIndices.clear();
     if (hadSelection)
         reportSelection();
-    return {true, hadSelection, {}};
+    return hadSelection;
 }
 
-TextSelection::Response TextSelection::mouseDragged(Point at)
+bool TextSelection::mouseDragged(Point at)
 {
-    if (passMouseEventsThrough)
-        return {true, false, {}};
     if (!isDragging || !selectionStartIndex)
-        return {};
+        return false;
     const auto target = regionNearest(at);
     if (!target)
-        return {};
+        return false;
     const std::set<int> before = selectedIndices;
     selectRange(*selectionStartIndex, *target);
-    return {false, selectedIndices != before, {}};
+    return selectedIndices != before;
 }
 
-TextSelection::Response TextSelection::mouseUp()
+void TextSelection::mouseUp()
 {
-    if (passMouseEventsThrough)
-        return {true, false, {}};
     isDragging = false;
     dragStart.reset();
     selectionStartIndex.reset();
     reportSelection();
-    return {};
 }
 
-TextSelection::Response TextSelection::mouseMoved(Point at)
+bool TextSelection::mouseMoved(Point at)
 {
-    const std::optional<int> before = hoveredIndex;
-    if (passMouseEventsThrough) {
-        hoveredIndex.reset();
-        return {true, before.has_value(), {}};
-    }
-    hoveredIndex = regionAt(at);
-    return {false, hoveredIndex != before,
-            hoveredIndex ? Response::Cursor::iBeam : Response::Cursor::arrow};
+    const std::optional<int> before = std::exchange(hoveredIndex, regionAt(at));
+    return hoveredIndex != before;
 }
 
-TextSelection::Response TextSelection::mouseExited()
+bool TextSelection::mouseExited()
 {
-    hoveredIndex.reset();
-    return {false, true, Response::Cursor::arrow};
-}
-
-TextSelection::Response TextSelection::cursorUpdate(Point at) const
-{
-    if (passMouseEventsThrough)
-        return {true, false, {}};
-    return {false, false, regionAt(at) ? Response::Cursor::iBeam : Response::Cursor::arrow};
+    return std::exchange(hoveredIndex, std::nullopt).has_value();
 }
 
 void TextSelection::computeReadingOrder()

@@ -12,30 +12,16 @@
 
 namespace tovek {
 
-/// What a mouse event led to.
-struct TextSelectionResponse
-{
-    enum class Cursor { arrow, iBeam };
-
-    bool isPassedOn = false; ///< the view behind gets the event too
-    bool needsDisplay = false;
-    std::optional<Cursor> cursor; ///< set when it must be shown now
-
-    bool operator==(const TextSelectionResponse &) const = default;
-};
-
 /// The words laid over a selection: which one is under the pointer, which are selected. Knows no
-/// widget; the view forwards points (y up, its own coordinates) and redraws.
+/// widget; the view forwards points (y up, the selection's own coordinates), and redraws when what
+/// shows has changed.
 struct TextSelection
 {
-    using Response = TextSelectionResponse;
-
     std::vector<TextRegion> textRegions;
     Rect selectionBounds;
     std::set<int> selectedIndices;
     std::optional<int> hoveredIndex;
     std::function<void(const std::vector<TextRegion> &)> onSelectionChanged;
-    bool passMouseEventsThrough = false;
     bool isDragging = false;
     std::optional<Point> dragStart;
     std::optional<int> selectionStartIndex;
@@ -52,12 +38,14 @@ struct TextSelection
     /// In reading order.
     std::vector<TextRegion> selectedRegions();
 
-    [[nodiscard]] Response mouseDown(Point at);
-    [[nodiscard]] Response mouseDragged(Point at);
-    [[nodiscard]] Response mouseUp();
-    [[nodiscard]] Response mouseMoved(Point at);
-    [[nodiscard]] Response mouseExited();
-    [[nodiscard]] Response cursorUpdate(Point at) const;
+    /// True when what shows has changed, as for those that follow.
+    [[nodiscard]] bool mouseDown(Point at);
+    [[nodiscard]] bool mouseDragged(Point at);
+    void mouseUp();
+    /// A press on something else.
+    [[nodiscard]] bool selectNone();
+    [[nodiscard]] bool mouseMoved(Point at);
+    [[nodiscard]] bool mouseExited();
 
 private:
     void computeReadingOrder();

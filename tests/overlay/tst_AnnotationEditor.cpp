@@ -182,7 +182,6 @@ private Q_SLOTS:
         QVERIFY(desk.isDraggingAnnotation);
         QVERIFY(desk.draggingHandle == expected);
         QVERIFY(desk.annotationDragStartPoint == at);
-        QVERIFY(desk.doesTextLetMouseThrough);
         desk.release();
         QVERIFY(!desk.isDraggingAnnotation && !desk.draggingHandle
                 && !desk.annotationDragStartPoint);
@@ -283,14 +282,12 @@ private Q_SLOTS:
         Desk desk;
         desk.toggleTool(AnnotationTool::arrow);
         QCOMPARE(desk.currentTool, AnnotationTool::arrow);
-        QVERIFY(desk.doesTextLetMouseThrough);
         desk.toggleTool(AnnotationTool::line);
         QCOMPARE(desk.currentTool, AnnotationTool::line);
         desk.selectTool(AnnotationTool::line);
         QCOMPARE(desk.currentTool, AnnotationTool::line);
         desk.toggleTool(AnnotationTool::line);
         QCOMPARE(desk.currentTool, AnnotationTool::none);
-        QVERIFY(!desk.doesTextLetMouseThrough);
         desk.toggleTool(AnnotationTool::none);
         QCOMPARE(desk.currentTool, AnnotationTool::none);
     }

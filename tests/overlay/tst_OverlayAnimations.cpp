@@ -87,6 +87,17 @@ private Q_SLOTS:
         QCOMPARE(animations.handleOpacity(ResizeHandle::topLeft), 1.0);
     }
 
+    void leavesAHandleDimThatThePointerOnlyPassed()
+    {
+        FakeClock clock;
+        OverlayAnimations animations(clock);
+        animations.setHovered(ResizeHandle::topLeft, true);
+        animations.setHovered(ResizeHandle::topLeft, false); // before its first frame
+        clock.advance(1s);
+        QCOMPARE(animations.handleOpacity(ResizeHandle::topLeft), 0.2);
+        QCOMPARE(clock.pendingCalls(), size_t(0));
+    }
+
     void stopsWithItsOwner()
     {
         FakeClock clock;

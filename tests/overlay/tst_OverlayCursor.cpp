@@ -22,10 +22,12 @@ private Q_SLOTS:
     void isACrossWhileNothingIsSelected()
     {
         SelectionState state;
-        QCOMPARE(overlayCursorAt({10, 10}, state, AnnotationTool::none), Qt::CrossCursor);
+        QCOMPARE(overlayCursorAt({10, 10}, PointerOwner::selection, state, AnnotationTool::none),
+                 Qt::CrossCursor);
         state.press({10, 10});
         state.moveTo({100, 100});
-        QCOMPARE(overlayCursorAt({100, 100}, state, AnnotationTool::none), Qt::CrossCursor);
+        QCOMPARE(overlayCursorAt({100, 100}, PointerOwner::selection, state, AnnotationTool::none),
+                 Qt::CrossCursor);
     }
 
     void drawsTheCrossInNativePixels_data()
@@ -85,7 +87,11 @@ private Q_SLOTS:
         state.moveTo({300, 200});
         state.release();
         state.hover(at);
-        QCOMPARE(overlayCursorAt(at, state, tool), cursor);
+        AnnotationEditor editor;
+        editor.currentTool = tool;
+        const PointerOwner owner = pointerOwnerAt(at, state, editor, nullptr);
+        QCOMPARE(overlayCursorAt(at, owner, state, tool), cursor);
+        QCOMPARE(overlayCursorAt(at, PointerOwner::words, state, tool), Qt::IBeamCursor);
     }
 };
 

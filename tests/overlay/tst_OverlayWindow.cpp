@@ -242,26 +242,13 @@ private Q_SLOTS:
         QVERIFY(f.window.isKey());
     }
 
-    void takesTheKeyboardWithAPressOnWhatLiesOverTheView_data()
+    void takesTheKeyboardWithAPressOnTheToolbar()
     {
-        QTest::addColumn<bool>("isOnWords");
-        QTest::newRow("toolbar") << false;
-        QTest::newRow("words") << true;
-    }
-    void takesTheKeyboardWithAPressOnWhatLiesOverTheView()
-    {
-        QFETCH(bool, isOnWords);
         Fixture f;
         QVERIFY(f.show());
         f.drag({100, 50}, {200, 180});
-        f.view()->showTextRegions({{"a", {0.1, 0.5, 0.2, 0.1}}});
-        const QWidget *target = f.view()->textRegionOverlay();
-        if (!isOnWords)
-            target = f.view()->toolbar()->button(0);
         f.shell.keySurface = nullptr; // another screen's overlay was clicked
-        // On what is on top there, as a hand does.
-        QTest::mousePress(f.window.windowHandle(), Qt::LeftButton, {},
-                          target->mapTo(&f.window, isOnWords ? QPoint(20, 58) : QPoint(5, 5)));
+        f.press(f.view()->toolbar()->button(0)->mapTo(&f.window, QPoint(5, 5)));
         QVERIFY(f.window.isKey());
     }
 
@@ -274,56 +261,6 @@ private Q_SLOTS:
         f.shell.keySurface = nullptr;
         f.window.activeSpaceDidChange();
         QVERIFY(!f.window.isKey());
-    }
-
-    void dimsAHandleWhenThePointerGoesOnToTheWords()
-    {
-        Fixture f;
-        QVERIFY(f.show());
-        f.drag({100, 50}, {200, 180});
-        f.view()->showTextRegions({{"a", {0.1, 0.5, 0.8, 0.4}}});
-        const auto moveTo = [&](QPoint at) {
-            QTest::mouseMove(f.window.windowHandle(), at);
-            QCoreApplication::processEvents();
-        };
-        const auto seen = [&] {
-            f.clock.advance(2s);
-            std::vector<QImage> images;
-            for (const auto &item : f.surface().presented.back().items) {
-                if (const auto *decal = std::get_if<DisplayList::Decal>(&item))
-                    images.push_back(decal->image);
-            }
-            return images;
-        };
-        moveTo({300, 250});
-        const auto allDim = seen();
-        moveTo({95, 45});
-        QVERIFY(seen() != allDim);
-        moveTo({110, 175}); // inside, beside the word
-        QCOMPARE(f.view()->childAt(110, 175), f.view()->textRegionOverlay());
-        QVERIFY(seen() == allDim);
-        moveTo({150, 90});
-        QCOMPARE(f.view()->textRegionOverlay()->cursor().shape(), Qt::IBeamCursor);
-    }
-
-    void showsWordsWithoutPaintingWhatLiesBelow()
-    {
-        Fixture f(CaptureMode::copyText); // no toolbar, which paints itself
-        QVERIFY(f.show());
-        f.drag({100, 50}, {200, 180});
-        QCoreApplication::processEvents();
-        EventCounter counter(QEvent::Paint);
-        f.view()->installEventFilter(&counter);
-        f.view()->showTextRegions({{"a", {0.1, 0.5, 0.2, 0.1}}});
-        QTest::mouseMove(f.view()->childAt(120, 100), QPoint(30, 60));
-        QCoreApplication::processEvents();
-        const QPointer<QWidget> words = f.view()->childAt(120, 100);
-        QTest::mousePress(f.view(), Qt::LeftButton, {}, {200, 180}); // takes them away
-        QTest::qWait(50);
-        QVERIFY(!words);
-        QCOMPARE(counter.count, 0);
-        f.view()->update();
-        QTRY_COMPARE(counter.count, 1);
     }
 
     void paintsItselfWhereThePlatformCannotDraw()

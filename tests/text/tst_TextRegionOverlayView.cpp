@@ -7,7 +7,6 @@
 #include "foundation/UserDefaults.h"
 #include "text/TextRegionOverlayView.h"
 
-#include <QMouseEvent>
 #include <QPainter>
 #include <QRegularExpression>
 #include <QTemporaryDir>
@@ -16,18 +15,6 @@
 using namespace tovek;
 
 namespace {
-
-/// Counts what its children pass on.
-class Behind : public QWidget
-{
-public:
-    int presses = 0;
-    int moves = 0;
-
-protected:
-    void mousePressEvent(QMouseEvent *) override { ++presses; }
-    void mouseMoveEvent(QMouseEvent *) override { ++moves; }
-};
 
 /// With a pen, which the program has no time for.
 void paintOutlines(QImage &image, const TextSelection &selection, const ViewSpace &space)
@@ -72,75 +59,38 @@ private Q_SLOTS:
         QTest::failOnWarning(QRegularExpression(".*"));
         m_folder = std::make_unique<QTemporaryDir>();
         m_defaults = std::make_unique<UserDefaults>(m_folder->filePath("defaults.json"));
-        m_behind = std::make_unique<Behind>();
-        m_behind->resize(300, 200);
-        m_behind->setMouseTracking(true);
-        m_view = new TextRegionOverlayView(*m_defaults, m_behind.get());
-        m_view->setGeometry(100, 60, 100, 40);
-        m_view->setTextRegions({{"a", {0, 0.5, 0.1, 0.25}}, {"b", {0.2, 0.5, 0.1, 0.25}}});
-        m_view->setSelectionBounds({0, 0, 100, 40});
-        m_behind->show();
-        QVERIFY(QTest::qWaitForWindowExposed(m_behind.get()));
+        show({{"a", {0, 0.5, 0.1, 0.25}}, {"b", {0.2, 0.5, 0.1, 0.25}}}, {100, 100, 100, 40});
     }
-    void cleanup() { m_behind.reset(); }
 
     void selectsTheWordThatIsClicked()
     {
-        QStringList reported;
-        m_view->onSelectionChanged = [&](const std::vector<TextRegion> &regions) {
-            reported += regions.empty() ? QString() : regions.front().text;
-        };
-        QTest::mouseClick(m_view, Qt::LeftButton, {}, QPoint(25, 15));
-        QCOMPARE(reported, QStringList{"b"});
+        int changes = 0;
+        m_view->onNeedsDisplay = [&] { ++changes; };
+        m_view->press({125, 125});
+        QVERIFY(m_view->isDragging());
+        m_view->release();
+        QVERIFY(!m_view->isDragging());
+        QCOMPARE(changes, 1);
         QCOMPARE(m_view->selectedRegions().size(), std::size_t(1));
-        QCOMPARE(m_behind->presses, 0);
+        QCOMPARE(m_view->selectedRegions().front().text, QStringLiteral("b"));
+        m_view->pressElsewhere();
+        m_view->pressElsewhere();
+        QCOMPARE(changes, 2);
+        QVERIFY(m_view->selectedRegions().empty());
     }
     void dragsOverWords()
     {
-        QTest::mousePress(m_view, Qt::LeftButton, {}, QPoint(5, 15));
-        QMouseEvent move(QEvent::MouseMove, QPointF(60, 15), QPointF(160, 75), Qt::NoButton,
-                         Qt::LeftButton, {});
-        QCoreApplication::sendEvent(m_view, &move);
-        QTest::mouseRelease(m_view, Qt::LeftButton, {}, QPoint(60, 15));
+        m_view->press({105, 125});
+        m_view->drag({160, 125});
+        m_view->release();
         QCOMPARE(m_view->selectedRegions().size(), std::size_t(2));
     }
-    void passesAClickBesideTheWordsOn()
+    void emphasizesTheWordUnderThePointer()
     {
-        QTest::mouseClick(m_view, Qt::LeftButton, {}, QPoint(70, 35));
-        QCOMPARE(m_behind->presses, 1);
-    }
-    void passesEverythingOnWhileToldTo()
-    {
-        m_view->setPassMouseEventsThrough(true);
-        QTest::mouseClick(m_view, Qt::LeftButton, {}, QPoint(25, 15));
-        QCOMPARE(m_behind->presses, 1);
-        QVERIFY(m_view->selectedRegions().empty());
-    }
-    void showsTheBeamOverWordsOnly()
-    {
-        QTest::mouseMove(m_view, QPoint(25, 15));
-        QCOMPARE(m_view->cursor().shape(), Qt::IBeamCursor);
+        m_view->hover(Point{125, 125});
         QCOMPARE(m_view->selection().hoveredIndex, std::optional(1));
-        QTest::mouseMove(m_view, QPoint(70, 35));
-        QCOMPARE(m_view->cursor().shape(), Qt::ArrowCursor);
-    }
-
-    void tellsTheParentWhereThePointerIs()
-    {
-        QTest::mouseMove(m_view, QPoint(25, 15));
-        const int moves = m_behind->moves;
-        QVERIFY(moves > 0);
-        QTest::mouseMove(m_view, QPoint(70, 35));
-        QVERIFY(m_behind->moves > moves);
-    }
-    void keepsADragToItself()
-    {
-        QTest::mousePress(m_view, Qt::LeftButton, {}, QPoint(5, 15));
-        const int moves = m_behind->moves;
-        QMouseEvent move(QEvent::MouseMove, QPointF(60, 15), QPointF(160, 75), Qt::NoButton,
-                         Qt::LeftButton, {});
-        QCoreApplication::sendEvent(m_view, &move);
-        QCOMPARE(m_behind->moves, moves);
+        m_view->hover(std::nullopt);
+        QVERIFY(!m_view->selection().hoveredIndex);
     }
 
     void looksByStateAndSetting_data()
@@ -178,11 +128,11 @@ private Q_SLOTS:
     void readsTheSettingAtEachDrawing()
     {
         const ViewSpace space{{300, 200}, 1};
-        QVERIFY(m_view->items(space, {}).empty());
+        QVERIFY(m_view->items(space).empty());
         m_defaults->setBoolean("highlightText", true);
-        QVERIFY(!m_view->items(space, {}).empty());
+        QVERIFY(!m_view->items(space).empty());
         m_defaults->setBoolean("highlightText", false);
-        QVERIFY(m_view->items(space, {}).empty());
+        QVERIFY(m_view->items(space).empty());
     }
 
     void drawsBoxesWithOutlines_data()
@@ -198,14 +148,15 @@ private Q_SLOTS:
         QFETCH(double, x);
         QFETCH(double, width);
         m_defaults->setBoolean("highlightText", true);
-        m_view->setTextRegions({{"a", {x, 0.5, width, 0.25}}, {"b", {0.5, 0.21, 0.3, 0.3}}});
-        QTest::mouseClick(m_view, Qt::LeftButton, {}, QPoint(60, 25));
+        show({{"a", {x, 0.5, width, 0.25}}, {"b", {0.5, 0.21, 0.3, 0.3}}}, {0, 0, 100, 40});
+        m_view->press({60, 15});
+        m_view->release();
         const ViewSpace space{{100, 40}, 1};
-        QImage blank(m_view->size(), QImage::Format_RGB32);
+        QImage blank(100, 40, QImage::Format_RGB32);
         blank.fill(Qt::white);
         QImage own = blank;
         paintOutlines(own, m_view->selection(), space);
-        const QImage items = painted(blank, {0, {}, m_view->items(space, {})});
+        const QImage items = painted(blank, {0, {}, m_view->items(space)});
         QVERIFY(differingPixels(items, blank) > 200);
         // The painter leaves the soft corners of an outline out; there are four to a box.
         QVERIFY2(differingPixels(own, items) <= 2 * 4 * 3,
@@ -215,7 +166,7 @@ private Q_SLOTS:
     void itemsStandInTheOverlaysPixels()
     {
         m_defaults->setBoolean("highlightText", true);
-        const auto items = m_view->items({{300, 200}, 2}, {100, 100});
+        const auto items = m_view->items({{300, 200}, 2});
         QRect all;
         for (const auto &item : items)
             all |= boundsOf(item);
@@ -224,11 +175,15 @@ private Q_SLOTS:
     }
 
 private:
+    void show(std::vector<TextRegion> regions, const Rect &frame)
+    {
+        m_view = std::make_unique<TextRegionOverlayView>(*m_defaults, std::move(regions), frame);
+    }
+
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<UserDefaults> m_defaults;
-    std::unique_ptr<Behind> m_behind;
-    TextRegionOverlayView *m_view = nullptr;
+    std::unique_ptr<TextRegionOverlayView> m_view;
 };
 
-QTEST_MAIN(TestTextRegionOverlayView)
+QTEST_APPLESS_MAIN(TestTextRegionOverlayView)
 #include "tst_TextRegionOverlayView.moc"
