@@ -20,10 +20,12 @@ void deliver(const SelectionResult &result, QObject *context,
     whenReady(result.pixels, context, [=](const QImage &pixels) {
         const auto image = AnnotationRenderer::render(result.annotations, {pixels, result.screen},
                                                       result.selection);
-        if (pixels.isNull() && plain)
+        if (!pixels.isNull() && image) {
+            if (drawn)
+                drawn(*image);
+        } else if (plain) {
             plain(result.selection);
-        else if (image && drawn)
-            drawn(*image);
+        }
     });
 }
 

@@ -24,8 +24,9 @@ struct SelectionResult
 };
 
 /// Passes the selection with its drawings on to `drawn` once it is rendered. Without drawings, at
-/// once, or where the frozen pixels are lost, the selection goes to `plain`: whoever gets it tells
-/// so. The functions may be unset. Nothing comes after the context's end.
+/// once, or where no picture can be made of them, the selection goes to `plain`: a picture without
+/// drawings is more than none, and whoever gets lost pixels tells so. The functions may be unset.
+/// Nothing comes after the context's end.
 void deliver(const SelectionResult &result, QObject *context,
              const std::function<void(const Rect &)> &plain,
              const std::function<void(const Image &)> &drawn);
