@@ -14,7 +14,7 @@ namespace {
 
 const QRect middle(200, 150, 500, 350);
 /// As far as the pointer reaches.
-const QRect wholeScreen(0, 0, 1279, 799);
+const QRect wholeScreen(0, 0, 1280, 800);
 constexpr double padding = 12; ///< points around the buttons
 
 } // namespace
@@ -44,7 +44,7 @@ private Q_SLOTS:
         QTest::newRow("inside") << 1.0 << QRect(200, 67, 500, 700)
                                 << QPoint(below.x(), 767 - 8 - 52);
         QTest::newRow("inside the whole screen")
-            << 1.0 << wholeScreen << QPoint(640 - 138, 799 - 8 - 52);
+            << 1.0 << wholeScreen << QPoint(640 - 138, 800 - 8 - 52);
         QTest::newRow("at the left edge") << 1.0 << QRect(10, 200, 60, 100) << QPoint(8, 308);
         QTest::newRow("at the right edge")
             << 1.0 << QRect(1200, 200, 60, 100) << QPoint(1280 - 8 - 276, 308);
