@@ -169,6 +169,10 @@ bool SelectionOverlayView::handleKey(const KeyPress &key)
         overlayActionFor(key, m_state.isSelectionFinalized && !isTyping);
     if (action == OverlayKeyAction::none)
         return false;
+    if (action == OverlayKeyAction::cancel && toolbar() && toolbar()->isColorPickerOpen()) {
+        toolbar()->closeColorPicker();
+        return true;
+    }
     if (isTyping) {
         // What was typed is not thrown away: Escape only leaves the box, saving takes it along.
         commitText();

@@ -147,6 +147,21 @@ private Q_SLOTS:
         QTEST(f.reports, "reports");
     }
 
+    void closesTheOpenColoursFirst()
+    {
+        Fixture f;
+        QVERIFY(f.show());
+        f.drag({100, 50}, {300, 180});
+        f.reports.clear();
+        f.view()->toolbar()->button(5)->click();
+        QVERIFY(f.view()->toolbar()->isColorPickerOpen());
+        f.key(Qt::Key_Escape); // the keyboard is the view's, as after a click
+        QVERIFY(!f.view()->toolbar()->isColorPickerOpen());
+        QVERIFY(f.reports.isEmpty());
+        f.key(Qt::Key_Escape);
+        QCOMPARE(f.reports, QStringList{"cancel"});
+    }
+
     void cancelsBeforeAnySelection()
     {
         Fixture f;
