@@ -51,8 +51,15 @@ OverlayTextBox::OverlayTextBox(const AnnotationEditor::TextBox &content, QWidget
 void OverlayTextBox::keyPressEvent(QKeyEvent *event)
 {
     const bool isCommand = event->modifiers() & (Qt::ControlModifier | Qt::MetaModifier);
+    const bool isShifted = event->modifiers() & Qt::ShiftModifier;
     if (event->key() == Qt::Key_Escape || (isCommand && event->key() == Qt::Key_S))
         event->ignore();
+    // As over the annotations, whatever the desktop's own keys are. Where there is nothing to undo
+    // they do not go on to the view, which would end the typing and undo something else.
+    else if (isCommand && (event->key() == Qt::Key_Y || (isShifted && event->key() == Qt::Key_Z)))
+        redo();
+    else if (isCommand && event->key() == Qt::Key_Z)
+        undo();
     else
         QPlainTextEdit::keyPressEvent(event);
 }

@@ -28,7 +28,8 @@ protected:
     void keyPressEvent(QKeyEvent *event) override
     {
         // Modifiers alone do nothing anywhere.
-        if (event->key() != Qt::Key_Control && event->key() != Qt::Key_Meta)
+        if (event->key() != Qt::Key_Control && event->key() != Qt::Key_Meta
+            && event->key() != Qt::Key_Shift)
             keys << event->key();
     }
 };
@@ -169,6 +170,30 @@ private Q_SLOTS:
         QCOMPARE(desk.box->toPlainText(), QStringLiteral("\n\n\t"));
         QVERIFY(desk.view.keys.isEmpty());
         QVERIFY(desk.box->hasFocus());
+    }
+
+    void undoesAndRedoesAllOfItself_data()
+    {
+        QTest::addColumn<Qt::Key>("key");
+        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+        QTest::newRow("Ctrl Y") << Qt::Key_Y << Qt::KeyboardModifiers(Qt::ControlModifier);
+        QTest::newRow("Super Y") << Qt::Key_Y << Qt::KeyboardModifiers(Qt::MetaModifier);
+        QTest::newRow("Ctrl Shift Z")
+            << Qt::Key_Z << Qt::KeyboardModifiers(Qt::ControlModifier | Qt::ShiftModifier);
+    }
+    void undoesAndRedoesAllOfItself()
+    {
+        QFETCH(Qt::Key, key);
+        QFETCH(Qt::KeyboardModifiers, modifiers);
+        Desk desk;
+        QTest::keyClicks(desk.box, QStringLiteral("typed"));
+        for (int i = 0; i < 3; ++i)
+            QTest::keyClick(desk.box, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(desk.box->toPlainText(), QString());
+        for (int i = 0; i < 3; ++i)
+            QTest::keyClick(desk.box, key, modifiers);
+        QCOMPARE(desk.box->toPlainText(), QStringLiteral("typed"));
+        QVERIFY(desk.view.keys.isEmpty());
     }
 
     void leavesEscapeAndSavingToTheView()
