@@ -49,12 +49,18 @@ AppDelegate::AppDelegate(Platform &platform, UserDefaults &defaults, AppState &s
         m_services.toast->frozenPixels = [this](QRect native) {
             return m_overlayController.frozenPixels(native);
         };
+    m_platform.overlayShell->onLocker = [this] { m_overlayController.giveWayToLocker(); };
+    m_platform.overlayShell->onMouseHeld = [this] { m_overlayController.tellHeldMouse(); };
     m_updaterManager.updaterController().updater().onFailed = [this](const QString &text) {
         tellFailure(text);
     };
 }
 
-AppDelegate::~AppDelegate() = default;
+AppDelegate::~AppDelegate()
+{
+    m_platform.overlayShell->onLocker = nullptr;
+    m_platform.overlayShell->onMouseHeld = nullptr;
+}
 
 OverlayController::Services AppDelegate::overlayServices()
 {

@@ -64,6 +64,23 @@ void OverlayController::startCapture(CaptureMode mode)
         beginSession(mode);
 }
 
+void OverlayController::giveWayToLocker()
+{
+    m_waiting.reset();
+    if (m_session) {
+        logLine(QStringLiteral("The capture ends: the screen is being locked"));
+        cleanUp();
+    }
+}
+
+void OverlayController::tellHeldMouse()
+{
+    if (!m_session)
+        return;
+    logLine(QStringLiteral("Another program holds the mouse"));
+    toast(QStringLiteral("Another program holds the mouse"), xmark, feedbackScreen());
+}
+
 void OverlayController::beginSession(CaptureMode mode)
 {
     m_session = std::make_unique<CaptureSession>(m_services, mode);

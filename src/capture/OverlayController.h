@@ -23,6 +23,10 @@ public:
     /// Does nothing while a session runs. While the overlays of the last one go, it waits until
     /// they are gone, so that they are not in the picture.
     void startCapture(CaptureMode mode);
+    /// Ends what runs or waits to start, as Escape does: the screen is about to be locked.
+    void giveWayToLocker();
+    /// Another program holds the mouse: tells who wants to drag.
+    void tellHeldMouse();
 
     /// The frozen pixels in a rectangle (native, y down, global) inside of one screen, as long as
     /// an overlay may hide it; null when none does, or when they are not at hand.

@@ -123,6 +123,11 @@ public:
     /// The window must not have been shown; its geometry and flags are set here.
     virtual std::unique_ptr<OverlaySurface> create(QWindow &window, const Screen &screen,
                                                    std::shared_ptr<FrozenDisplay> frozen) = 0;
+
+    /// A screen locker came over the overlays, or waits for the keyboard that they hold.
+    std::function<void()> onLocker;
+    /// Another program holds the mouse: no press reaches the overlays, only keys do.
+    std::function<void()> onMouseHeld;
 };
 
 } // namespace tovek

@@ -3,6 +3,7 @@
 
 #include "platform/x11/overlay/X11KeyboardHold.h"
 
+#include "platform/x11/X11ForeignWindows.h"
 #include "platform/x11/X11Requests.h"
 
 #include <QCoreApplication>
@@ -22,6 +23,8 @@ constexpr xcb_keysym_t escapeSymbol = 0xff1b;
 /// Menus let go within 25 ms; the later tries are for a desktop that is busy. 400 ms in all.
 constexpr std::array retryDelays{10ms, 20ms, 40ms, 70ms, 110ms, 150ms};
 constexpr auto longestLinger = 500ms;
+/// After the overlays are on the screen; then as long as a menu may take to let go.
+constexpr std::array mouseDelays{60ms, 150ms, 250ms};
 
 struct FreeSymbols
 {
@@ -36,6 +39,8 @@ X11KeyboardHold::X11KeyboardHold(std::shared_ptr<X11Connection> connection)
     m_retry.setSingleShot(true);
     m_retry.setTimerType(Qt::PreciseTimer);
     m_retry.callOnTimeout([this] { attempt(); });
+    m_mouseCheck.setSingleShot(true);
+    m_mouseCheck.callOnTimeout([this] { checkMouse(); });
     m_lingering.setSingleShot(true);
     m_lingering.setInterval(longestLinger);
     m_lingering.callOnTimeout([this] { ungrab(); });
@@ -69,9 +74,13 @@ void X11KeyboardHold::attempt()
         return;
     const uint8_t status = grab(xcb_window_t(m_window->winId()));
     m_hasKeyboard = status == XCB_GRAB_STATUS_SUCCESS;
-    if (m_hasKeyboard)
+    if (m_hasKeyboard) {
+        m_mouseChecks = 0;
+        m_mouseCheck.start(mouseDelays.front());
         return;
-    if (status == XCB_GRAB_STATUS_ALREADY_GRABBED && m_attempts == 0)
+    }
+    if (status == XCB_GRAB_STATUS_ALREADY_GRABBED && m_attempts == 0
+        && X11ForeignWindows(m_connection->xcb()).isAMenuOpen())
         sendEscape();
     if (m_attempts < retryDelays.size()) {
         m_retry.start(retryDelays[m_attempts++]);
@@ -87,6 +96,7 @@ void X11KeyboardHold::release(QWindow &window)
     if (m_window != &window)
         return;
     m_retry.stop();
+    m_mouseCheck.stop();
     m_window.clear();
     if (!m_hasKeyboard || !m_connection->xcb())
         return;
@@ -141,6 +151,33 @@ void X11KeyboardHold::sendEscape()
     for (const uint8_t type : {XCB_KEY_PRESS, XCB_KEY_RELEASE})
         xcb_test_fake_input(xcb, type, codes.get()[0], XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
     m_connection->flush();
+}
+
+void X11KeyboardHold::checkMouse()
+{
+    if (!m_hasKeyboard || !m_window || !m_connection->xcb() || !isMouseHeld())
+        return;
+    if (++m_mouseChecks < mouseDelays.size())
+        m_mouseCheck.start(mouseDelays[m_mouseChecks]);
+    else if (onMouseHeld)
+        onMouseHeld();
+}
+
+/// Only a try tells. It would end a drag of ours, for which a button is down.
+bool X11KeyboardHold::isMouseHeld() const
+{
+    constexpr uint16_t anyButton = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
+    xcb_connection_t *xcb = m_connection->xcb();
+    const X11Reply<xcb_query_pointer_reply_t> pointer(
+        xcb_query_pointer_reply(xcb, xcb_query_pointer(xcb, m_connection->root()), nullptr));
+    if (!pointer || (pointer->mask & anyButton))
+        return false;
+    const auto cookie =
+        xcb_grab_pointer(xcb, 1, xcb_window_t(m_window->winId()), 0, XCB_GRAB_MODE_ASYNC,
+                         XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
+    xcb_ungrab_pointer(xcb, XCB_CURRENT_TIME);
+    const X11Reply<xcb_grab_pointer_reply_t> reply(xcb_grab_pointer_reply(xcb, cookie, nullptr));
+    return reply && reply->status == XCB_GRAB_STATUS_ALREADY_GRABBED;
 }
 
 void X11KeyboardHold::ungrab()

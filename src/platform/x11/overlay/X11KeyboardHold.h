@@ -23,12 +23,15 @@ public:
     ~X11KeyboardHold() override;
 
     /// Brings the keys to the window, from another one of ours too. Where another program holds
-    /// the keyboard, its menu gets one Escape and some time; `onDenied` tells when that was not
-    /// enough. The window must be mapped.
+    /// the keyboard, it gets some time, and what looks like its menu one Escape; `onDenied` tells
+    /// when that was not enough. The window must be mapped.
     void take(QWindow &window, std::function<void()> onDenied);
     /// To be called before the window is unmapped. A key that is still down keeps the keyboard
     /// until it comes up, for half a second at most: its release belongs to nobody else.
     void release(QWindow &window);
+    /// While we have the keyboard, another program has held the mouse for a while.
+    std::function<void()> onMouseHeld;
+
     bool holds(const QWindow &window) const { return m_hasKeyboard && m_window == &window; }
 
 private:
@@ -36,6 +39,8 @@ private:
     uint8_t grab(xcb_window_t window);
     void attempt();
     void sendEscape();
+    void checkMouse();
+    bool isMouseHeld() const;
     void ungrab();
 
     std::shared_ptr<X11Connection> m_connection;
@@ -44,6 +49,8 @@ private:
     bool m_hasKeyboard = false;
     size_t m_attempts = 0;
     QTimer m_retry;
+    size_t m_mouseChecks = 0;
+    QTimer m_mouseCheck;
     QTimer m_lingering; ///< runs while the last key is waited for
     uint8_t m_lastKey = 0; ///< the key that went down last; 0: none
 };

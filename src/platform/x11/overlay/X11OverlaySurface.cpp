@@ -293,6 +293,21 @@ X11OverlayShell::X11OverlayShell(std::shared_ptr<X11Connection> connection,
                                         X11KeyboardHold(connection), X11Stacking(connection),
                                         X11PixmapPool(connection)})
 {
+    m_services->stacking.onLocker = [this] {
+        if (onLocker)
+            onLocker();
+    };
+    m_services->keyboard.onMouseHeld = [this] {
+        if (onMouseHeld)
+            onMouseHeld();
+    };
+}
+
+X11OverlayShell::~X11OverlayShell()
+{
+    // Surfaces may outlive it.
+    m_services->stacking.onLocker = nullptr;
+    m_services->keyboard.onMouseHeld = nullptr;
 }
 
 void X11OverlayShell::prepareDrawing()

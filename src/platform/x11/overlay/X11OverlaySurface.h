@@ -82,6 +82,7 @@ class X11OverlayShell : public OverlayShell
 public:
     X11OverlayShell(std::shared_ptr<X11Connection> connection,
                     std::shared_ptr<X11Monitors> monitors);
+    ~X11OverlayShell() override;
     void prepare() override;
     std::unique_ptr<OverlaySurface> create(QWindow &window, const Screen &screen,
                                            std::shared_ptr<FrozenDisplay> frozen) override;

@@ -3,13 +3,28 @@
 
 #include "platform/x11/overlay/X11Stacking.h"
 
+#include "platform/x11/X11ForeignWindows.h"
+
 #include <QCoreApplication>
 
 namespace tovek {
 
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr uint32_t watched = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_FOCUS_CHANGE;
+/// No sooner: opening waits for no answer.
+constexpr auto lookDelay = 50ms;
+
+} // namespace
+
 X11Stacking::X11Stacking(std::shared_ptr<X11Connection> connection)
     : m_connection(std::move(connection))
 {
+    m_look.setSingleShot(true);
+    m_look.setInterval(lookDelay);
+    m_look.callOnTimeout([this] { m_focus = focus(); });
 }
 
 X11Stacking::~X11Stacking()
@@ -22,6 +37,7 @@ void X11Stacking::add(xcb_window_t overlay)
 {
     if (m_overlays.empty())
         setWatching(true);
+    m_look.start();
     m_overlays.insert(overlay);
 }
 
@@ -29,6 +45,8 @@ void X11Stacking::remove(xcb_window_t overlay)
 {
     if (m_overlays.erase(overlay) && m_overlays.empty()) {
         m_answered.clear();
+        m_look.stop();
+        m_focus = XCB_NONE;
         setWatching(false);
     }
 }
@@ -41,8 +59,7 @@ void X11Stacking::setWatching(bool isOn)
         xcb, xcb_get_window_attributes(xcb, m_connection->root()), nullptr));
     if (!now)
         return;
-    const uint32_t mask = isOn ? now->your_event_mask | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY
-                               : now->your_event_mask & ~XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    const uint32_t mask = isOn ? now->your_event_mask | watched : now->your_event_mask & ~watched;
     xcb_change_window_attributes(xcb, m_connection->root(), XCB_CW_EVENT_MASK, &mask);
     m_connection->flush();
     if (isOn)
@@ -63,6 +80,13 @@ bool X11Stacking::nativeEventFilter(const QByteArray &, void *message, qintptr *
         if (configure->event == m_connection->root()
             && m_overlays.contains(configure->above_sibling))
             answer(configure->window);
+    } else if (type == XCB_FOCUS_IN) {
+        // xscreensaver 6.06, when four tries at the keyboard have failed, takes the focus from
+        // everybody before it tries four times more: nothing else tells of it.
+        const auto *focus = static_cast<xcb_focus_in_event_t *>(message);
+        if (focus->event == m_connection->root() && focus->detail == XCB_NOTIFY_DETAIL_NONE
+            && isFocusTaken())
+            tellLocker();
     }
     return false;
 }
@@ -71,10 +95,43 @@ void X11Stacking::answer(xcb_window_t foreign)
 {
     if (m_overlays.contains(foreign) || !m_answered.insert(foreign).second)
         return;
+    if (X11ForeignWindows(m_connection->xcb()).looksLikeALocker(foreign))
+        return tellLocker();
     const uint32_t above = XCB_STACK_MODE_ABOVE;
     for (const xcb_window_t overlay : m_overlays)
         xcb_configure_window(m_connection->xcb(), overlay, XCB_CONFIG_WINDOW_STACK_MODE, &above);
     m_connection->flush();
+}
+
+/// Later, from the main loop: it will end the overlays, and us with them.
+void X11Stacking::tellLocker()
+{
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (!m_overlays.empty() && onLocker)
+                onLocker();
+        },
+        Qt::QueuedConnection);
+}
+
+xcb_window_t X11Stacking::focus() const
+{
+    xcb_connection_t *xcb = m_connection->xcb();
+    const X11Reply<xcb_get_input_focus_reply_t> reply(
+        xcb ? xcb_get_input_focus_reply(xcb, xcb_get_input_focus(xcb), nullptr) : nullptr);
+    return reply ? reply->focus : xcb_window_t(XCB_NONE);
+}
+
+/// False where the window that had it just went away.
+bool X11Stacking::isFocusTaken() const
+{
+    if (m_focus == XCB_NONE || m_focus == XCB_INPUT_FOCUS_POINTER_ROOT)
+        return m_focus == XCB_INPUT_FOCUS_POINTER_ROOT;
+    xcb_connection_t *xcb = m_connection->xcb();
+    const X11Reply<xcb_get_window_attributes_reply_t> reply(
+        xcb_get_window_attributes_reply(xcb, xcb_get_window_attributes(xcb, m_focus), nullptr));
+    return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
 }
 
 } // namespace tovek

@@ -6,15 +6,18 @@
 #include "platform/x11/X11Connection.h"
 
 #include <QAbstractNativeEventFilter>
+#include <QTimer>
 
+#include <functional>
 #include <set>
 
 namespace tovek {
 
 /// Keeps our overlays above windows that other programs put on top later (notifications, docks).
 /// Each foreign window is answered once, so that two programs that both insist do not flicker.
-/// Watches the desktop only while an overlay shows. Main thread only.
-class X11Stacking : private QAbstractNativeEventFilter
+/// A locker is told instead of answered. Watches the desktop only while an overlay shows. Main
+/// thread only.
+class X11Stacking : public QObject, private QAbstractNativeEventFilter
 {
 public:
     explicit X11Stacking(std::shared_ptr<X11Connection> connection);
@@ -22,14 +25,21 @@ public:
     void add(xcb_window_t overlay);
     void remove(xcb_window_t overlay);
 
+    std::function<void()> onLocker;
+
 private:
     bool nativeEventFilter(const QByteArray &type, void *message, qintptr *result) override;
     void setWatching(bool isOn);
     void answer(xcb_window_t foreign);
+    void tellLocker();
+    xcb_window_t focus() const;
+    bool isFocusTaken() const;
 
     std::shared_ptr<X11Connection> m_connection;
     std::set<xcb_window_t> m_overlays;
     std::set<xcb_window_t> m_answered;
+    QTimer m_look; ///< at the focus, once the overlays are up
+    xcb_window_t m_focus = XCB_NONE; ///< since then
 };
 
 } // namespace tovek
