@@ -3,12 +3,12 @@
 
 #include "KeyboardShortcuts/AlertSheet.h"
 
+#include "KeyboardShortcuts/WarningIcon.h"
+
 #include <QApplication>
 #include <QHBoxLayout>
-#include <QIconEngine>
+#include <QIcon>
 #include <QLabel>
-#include <QPainter>
-#include <QPainterPath>
 #include <QPushButton>
 
 namespace KeyboardShortcuts {
@@ -18,41 +18,6 @@ namespace {
 constexpr int textWidth = 300;
 constexpr int iconSize = 44;
 constexpr int smallestButton = 92;
-const QColor warningColor(0xff, 0x9f, 0x0a);
-
-/// A triangle with an exclamation mark; sharp at every scale, whatever icons the desktop has.
-class WarningIcon : public QIconEngine
-{
-public:
-    void paint(QPainter *painter, const QRect &rect, QIcon::Mode, QIcon::State) override
-    {
-        painter->save();
-        painter->setRenderHint(QPainter::Antialiasing);
-        painter->translate(rect.topLeft());
-        painter->scale(rect.width() / 44.0, rect.height() / 44.0);
-        QPainterPath triangle;
-        triangle.moveTo(22, 7);
-        triangle.lineTo(39, 37);
-        triangle.lineTo(5, 37);
-        triangle.closeSubpath();
-        painter->setPen(QPen(warningColor, 6, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        painter->setBrush(warningColor);
-        painter->drawPath(triangle);
-        painter->setPen(QPen(Qt::white, 3.6, Qt::SolidLine, Qt::RoundCap));
-        painter->drawLine(QPointF(22, 17), QPointF(22, 26));
-        painter->drawPoint(QPointF(22, 33));
-        painter->restore();
-    }
-    QPixmap pixmap(const QSize &size, QIcon::Mode mode, QIcon::State state) override
-    {
-        QPixmap pixmap(size);
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        paint(&painter, QRect(QPoint(), size), mode, state);
-        return pixmap;
-    }
-    QIconEngine *clone() const override { return new WarningIcon; } // the icon owns it
-};
 
 QLabel *textLabel(const QString &text, double scale, QFont::Weight weight, QWidget *parent)
 {
@@ -88,7 +53,7 @@ AlertSheet::AlertSheet(const Content &content, QWidget &owner) : QDialog(owner.w
 
     auto *icon = new QLabel(this);
     const bool isWarning = content.style == Style::warning;
-    const QIcon picture = isWarning ? QIcon(new WarningIcon) : QApplication::windowIcon();
+    const QIcon picture = isWarning ? warningIcon() : QApplication::windowIcon();
     icon->setPixmap(picture.pixmap(QSize(iconSize, iconSize), devicePixelRatioF()));
     icon->setVisible(!picture.isNull());
     auto *top = new QHBoxLayout;

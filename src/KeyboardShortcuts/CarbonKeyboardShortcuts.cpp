@@ -48,18 +48,25 @@ CarbonKeyboardShortcuts::~CarbonKeyboardShortcuts()
 }
 
 void CarbonKeyboardShortcuts::registerShortcut(const Shortcut &shortcut, Action onKeyDown,
-                                               Action onKeyUp)
+                                               Action onKeyUp, Refusal refusal)
 {
     if (m_lastHotKeyId == std::numeric_limits<quint32>::max())
         qFatal("There are no ids left for hot keys");
     HotKey hotKey{shortcut, ++m_lastHotKeyId, false, std::move(onKeyDown), std::move(onKeyUp)};
     if (const int status = grab(hotKey); status != noError) {
-        logRefusal(shortcut, status);
+        if (refusal == Refusal::logged)
+            logRefusal(shortcut, status);
         return;
     }
     hotKey.hasHandle = true;
     m_table.insert_or_assign(hotKey.carbonHotKeyId, std::move(hotKey));
     installHandler();
+}
+
+bool CarbonKeyboardShortcuts::isRegistered(const Shortcut &shortcut) const
+{
+    return std::any_of(m_table.begin(), m_table.end(),
+                       [&](const auto &entry) { return entry.second.shortcut == shortcut; });
 }
 
 void CarbonKeyboardShortcuts::unregisterShortcut(const Shortcut &shortcut)
@@ -145,6 +152,7 @@ void CarbonKeyboardShortcuts::update()
 
 void CarbonKeyboardShortcuts::registerAll()
 {
+    const size_t before = m_table.size();
     for (auto entry = m_table.begin(); entry != m_table.end();) {
         HotKey &hotKey = entry->second;
         const int status = hotKey.hasHandle ? noError : grab(hotKey);
@@ -156,6 +164,8 @@ void CarbonKeyboardShortcuts::registerAll()
         logRefusal(hotKey.shortcut, status);
         entry = m_table.erase(entry);
     }
+    if (m_table.size() != before && onDropped)
+        onDropped();
 }
 
 void CarbonKeyboardShortcuts::unregisterAll()

@@ -52,9 +52,14 @@ public:
                             std::function<QString(const Shortcut &)> describe);
     ~CarbonKeyboardShortcuts();
 
-    /// Ids run from 1 and are never used again. One line is logged, and nothing is kept, when the
-    /// system refuses. A key code or modifiers beyond 32 bits end the program.
-    void registerShortcut(const Shortcut &shortcut, Action onKeyDown, Action onKeyUp);
+    enum class Refusal { logged, expected };
+    /// Ids run from 1 and are never used again. One line is logged, unless it was to be expected,
+    /// and nothing is kept, when the system refuses. A key code or modifiers beyond 32 bits end the
+    /// program.
+    void registerShortcut(const Shortcut &shortcut, Action onKeyDown, Action onKeyUp,
+                          Refusal refusal = Refusal::logged);
+    /// True also while the system has the hot key back for as long as a menu is open.
+    bool isRegistered(const Shortcut &shortcut) const;
     /// Does nothing for a shortcut that is not registered.
     void unregisterShortcut(const Shortcut &shortcut);
 
@@ -65,6 +70,9 @@ public:
 
     /// The one handler of all events; a status, noError when the event was taken.
     int handle(const std::optional<KeyboardEvent> &event);
+
+    /// After a menu the system gave some hot key to somebody else.
+    std::function<void()> onDropped;
 
 private:
     struct HotKey

@@ -70,6 +70,15 @@ void setShortcut(QAction &item, const Name &name, ShortcutService &service)
     new ShortcutBinding(item, name, service);
 }
 
+QString menuTitle(const QAction &item)
+{
+    // A single ampersand marks the key that chooses the item; two stand for one.
+    QString title = item.text();
+    title.replace(QStringLiteral("&&"), QStringLiteral("\x01"));
+    title.remove(QLatin1Char('&'));
+    return title.replace(QLatin1Char('\x01'), QLatin1Char('&'));
+}
+
 QAction *menuItem(const Shortcut &shortcut, const QList<QAction *> &mainMenu,
                   const tovek::KeyboardLayout &layout)
 {

@@ -27,6 +27,9 @@ void setShortcut(QAction &item, const std::optional<Shortcut> &shortcut,
 /// outlive the item.
 void setShortcut(QAction &item, const Name &name, ShortcutService &service);
 
+/// The text of the item as it reads in the menu.
+QString menuTitle(const QAction &item);
+
 /// The first item, submenus included, that answers to the shortcut; null when there is none. The
 /// shortcut is taken as it acts inside our windows, where Control and Super are both the command
 /// key. Items that only carry a shortcut as their label answer to nothing.

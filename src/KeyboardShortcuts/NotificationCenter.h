@@ -22,6 +22,10 @@ inline const QString recorderActiveStatusDidChange =
 inline const QString keyboardLayoutDidChange =
     QStringLiteral("KeyboardShortcuts_keyboardLayoutDidChange");
 
+/// The system gave a shortcut that it had refused, or kept one that it had given.
+inline const QString registrationDidChange =
+    QStringLiteral("KeyboardShortcuts_registrationDidChange");
+
 /// Tells every observer of a name what is posted under it, in the order of their subscription.
 /// Main thread only.
 class NotificationCenter

@@ -11,6 +11,7 @@
 #include "KeyboardShortcuts/MenuItems.h"
 #include "KeyboardShortcuts/ShortcutDescription.h"
 #include "KeyboardShortcuts/ShortcutService.h"
+#include "KeyboardShortcuts/WarningIcon.h"
 #include "platform/SystemShortcuts.h"
 
 #include <QAction>
@@ -27,16 +28,8 @@ namespace {
 
 constexpr int buttonSide = 16;
 constexpr int buttonInset = 5;
+constexpr int markSide = 14;
 constexpr int forceButton = 1;
-
-QString menuTitle(const QAction &item)
-{
-    // A single ampersand marks the key that chooses the item; two stand for one.
-    QString title = item.text();
-    title.replace(QStringLiteral("&&"), QStringLiteral("\x01"));
-    title.remove(QLatin1Char('&'));
-    return title.replace(QLatin1Char('\x01'), QLatin1Char('&'));
-}
 
 } // namespace
 
@@ -63,6 +56,12 @@ RecorderCocoa::RecorderCocoa(Name name, ShortcutService &service, RecorderSetup 
     m_cancelButton->setToolTip(m_cancelButton->accessibleName());
     connect(m_cancelButton, &QAbstractButton::clicked, this, &RecorderCocoa::clearShortcut);
 
+    observe();
+    refreshText();
+}
+
+void RecorderCocoa::observe()
+{
     NotificationCenter &center = m_service.notifications();
     m_shortcutsNameChangeObserver =
         center.observe(shortcutByNameDidChange, [this](const QVariantMap &userInfo) {
@@ -71,7 +70,8 @@ RecorderCocoa::RecorderCocoa(Name name, ShortcutService &service, RecorderSetup 
         });
     m_layoutChangeObserver =
         center.observe(keyboardLayoutDidChange, [this](const QVariantMap &) { refreshText(); });
-    refreshText();
+    m_registrationObserver =
+        center.observe(registrationDidChange, [this](const QVariantMap &) { refreshText(); });
 }
 
 RecorderCocoa::~RecorderCocoa()
@@ -134,6 +134,12 @@ void RecorderCocoa::hideEvent(QHideEvent *event)
 void RecorderCocoa::paintEvent(QPaintEvent *event)
 {
     QLineEdit::paintEvent(event);
+    if (m_isRefused) {
+        const QRect place((buttonInset + buttonSide - markSide) / 2 + 1, (height() - markSide) / 2,
+                          markSide, markSide);
+        QPainter painter(this);
+        warningIcon().paint(&painter, place);
+    }
     // Centred, the toolkit's field shows its placeholder only while it is without the keyboard.
     if (!isRecording() || !text().isEmpty())
         return;
@@ -146,21 +152,6 @@ void RecorderCocoa::resizeEvent(QResizeEvent *event)
 {
     QLineEdit::resizeEvent(event);
     m_cancelButton->move(width() - buttonSide - buttonInset, (height() - buttonSide) / 2);
-}
-
-void RecorderCocoa::mousePressEvent(QMouseEvent *event)
-{
-    event->accept();
-}
-
-void RecorderCocoa::mouseMoveEvent(QMouseEvent *event)
-{
-    event->accept();
-}
-
-void RecorderCocoa::mouseDoubleClickEvent(QMouseEvent *event)
-{
-    event->accept();
 }
 
 void RecorderCocoa::refreshText()
@@ -177,8 +168,11 @@ void RecorderCocoa::showShortcut(const std::optional<Shortcut> &shortcut)
     const QString words = shortcut
         ? keySequence(*shortcut, m_service.layout()).toString(QKeySequence::NativeText)
         : QString();
-    setToolTip(words);
-    setAccessibleDescription(words);
+    m_isRefused = shortcut && m_service.isRefused(*shortcut);
+    const QString refusal =
+        m_isRefused ? localized(QStringLiteral("keyboard_shortcut_refused")) : QString();
+    setToolTip(m_isRefused ? words + QLatin1Char('\n') + refusal : words);
+    setAccessibleDescription(m_isRefused ? words + QStringLiteral(". ") + refusal : words);
     m_cancelButton->setVisible(!text.isEmpty());
     // On both sides, so that the text stays in the middle.
     const int room = text.isEmpty() ? 0 : buttonSide + buttonInset;
@@ -255,6 +249,12 @@ RecorderEnvironment RecorderCocoa::environment() const
         const QAction *item = menuItem(shortcut, m_setup.mainMenu(), m_service.layout());
         return item ? std::optional(menuTitle(*item)) : std::nullopt;
     };
+    environment.otherField = [this](const Shortcut &shortcut) -> std::optional<QString> {
+        const auto other = m_service.otherName(shortcut, m_shortcutName);
+        if (!other)
+            return std::nullopt;
+        return m_setup.titleOf ? m_setup.titleOf(*other) : other->rawValue;
+    };
     environment.isSystemShortcut = [this](const Shortcut &shortcut) {
         return m_service.isSystemShortcut(shortcut)
             || (m_setup.systemShortcuts
@@ -319,11 +319,14 @@ bool RecorderCocoa::carryOut(const RecorderDecision &decision)
         m_setup.beep ? m_setup.beep() : QApplication::beep();
         break;
     case Action::refuseForMenuItem:
-        refuse(localized(QStringLiteral("keyboard_shortcut_used_by_menu_item"))
-                   .arg(decision.menuItemTitle));
+        refuse(
+            localized(QStringLiteral("keyboard_shortcut_used_by_menu_item")).arg(decision.title));
         break;
     case Action::refuseAsDisallowed:
         refuse(localized(QStringLiteral("keyboard_shortcut_disallowed")));
+        break;
+    case Action::askAboutField:
+        askAboutField(*decision.shortcut, decision.title);
         break;
     case Action::askAboutSystem:
         askAboutSystem(*decision.shortcut);
@@ -350,26 +353,42 @@ void RecorderCocoa::refuse(const QString &message)
     connect(showAlert(message), &QDialog::finished, this, &RecorderCocoa::resumeRecording);
 }
 
+void RecorderCocoa::askAboutField(const Shortcut &shortcut, const QString &title)
+{
+    ask(shortcut, localized(QStringLiteral("keyboard_shortcut_used_by_field")).arg(title),
+        localized(QStringLiteral("keyboard_shortcut_can_be_moved")),
+        localized(QStringLiteral("move_shortcut")));
+}
+
 void RecorderCocoa::askAboutSystem(const Shortcut &shortcut)
 {
+    const QString holder = m_setup.holderOf ? m_setup.holderOf(shortcut) : QString();
+    ask(shortcut, localized(QStringLiteral("keyboard_shortcut_used_by_system")),
+        holder.isEmpty() ? localized(QStringLiteral("keyboard_shortcuts_can_be_changed")) : holder,
+        localized(QStringLiteral("force_use_shortcut")));
+}
+
+void RecorderCocoa::ask(const Shortcut &shortcut, const QString &message,
+                        const QString &information, const QString &insist)
+{
     release();
-    const AlertSheet *alert = showAlert(
-        localized(QStringLiteral("keyboard_shortcut_used_by_system")),
-        localized(QStringLiteral("keyboard_shortcuts_can_be_changed")),
-        {localized(QStringLiteral("ok")), localized(QStringLiteral("force_use_shortcut"))});
+    const AlertSheet *alert = showAlert(message, information, {insist});
     connect(alert, &QDialog::finished, this, [this, shortcut](int button) {
         resumeRecording();
-        if (button == forceButton)
-            store(shortcut);
+        if (button != forceButton)
+            return;
+        while (const auto other = m_service.otherName(shortcut, m_shortcutName))
+            m_service.setShortcut(*other, std::nullopt);
+        store(shortcut);
     });
 }
 
 AlertSheet *RecorderCocoa::showAlert(const QString &message, const QString &information,
-                                     const QStringList &buttons)
+                                     const QStringList &moreButtons)
 {
-    const QStringList named =
-        buttons.isEmpty() ? QStringList{localized(QStringLiteral("ok"))} : buttons;
-    auto *alert = new AlertSheet({message, information, named, AlertSheet::Style::warning}, *this);
+    const QStringList buttons = QStringList{localized(QStringLiteral("ok"))} + moreButtons;
+    auto *alert =
+        new AlertSheet({message, information, buttons, AlertSheet::Style::warning}, *this);
     alert->open();
     return alert;
 }

@@ -11,7 +11,6 @@
 
 class QAbstractButton;
 class QAction;
-class QKeyEvent;
 
 namespace tovek {
 class SystemShortcuts;
@@ -28,6 +27,9 @@ struct RecorderSetup
 {
     std::function<QList<QAction *>()> mainMenu; ///< whose items no shortcut may repeat
     tovek::SystemShortcuts *systemShortcuts = nullptr; ///< must outlive the recorder
+    std::function<QString(const Name &)> titleOf; ///< of the fields; names stand for themselves
+    /// Tells who holds a combination and what can be done; may give nothing.
+    std::function<QString(const Shortcut &)> holderOf;
     /// Brings all keys to the recorder, those that other programs hold too, or lets them go.
     std::function<void(QWidget &recorder, bool isHeld)> holdKeyboard;
     std::function<void()> beep; ///< the desktop's own, where there is none given
@@ -54,8 +56,10 @@ public:
     const Name &shortcutName() const { return m_shortcutName; }
     void setShortcutName(const Name &name);
     bool isRecording() const { return m_eventMonitor != nullptr; }
-    /// As if the keys had been pressed while recording: with all questions and refusals.
+    /// As if the keys had been pressed while recording.
     void record(const Shortcut &shortcut);
+    /// True while the shortcut that it shows cannot act; it says why in its tooltip.
+    bool isRefused() const { return m_isRefused; }
     QAbstractButton *cancelButton() const { return m_cancelButton; }
 
     /// After a new shortcut was stored.
@@ -72,11 +76,12 @@ protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     // The text cannot be selected.
-    void mousePressEvent(QMouseEvent *event) override;
-    void mouseMoveEvent(QMouseEvent *event) override;
-    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void mousePressEvent(QMouseEvent *) override { }
+    void mouseMoveEvent(QMouseEvent *) override { }
+    void mouseDoubleClickEvent(QMouseEvent *) override { }
 
 private:
+    void observe();
     void refreshText();
     void showShortcut(const std::optional<Shortcut> &shortcut);
     void clearShortcut();
@@ -92,9 +97,13 @@ private:
     bool carryOut(const RecorderDecision &decision);
     void store(const Shortcut &shortcut);
     void refuse(const QString &message);
+    void askAboutField(const Shortcut &shortcut, const QString &title);
     void askAboutSystem(const Shortcut &shortcut);
+    /// Stores it, here alone, when the user insists.
+    void ask(const Shortcut &shortcut, const QString &message, const QString &information,
+             const QString &insist);
     AlertSheet *showAlert(const QString &message, const QString &information = {},
-                          const QStringList &buttons = {});
+                          const QStringList &moreButtons = {});
 
     Name m_shortcutName;
     ShortcutService &m_service;
@@ -102,6 +111,8 @@ private:
     std::unique_ptr<LocalEventMonitor> m_eventMonitor; ///< present only while recording
     NotificationCenter::Token m_shortcutsNameChangeObserver;
     NotificationCenter::Token m_layoutChangeObserver;
+    NotificationCenter::Token m_registrationObserver;
+    bool m_isRefused = false;
     bool m_awaitsWindow = false; ///< records again when the window is active again
     QAbstractButton *m_cancelButton;
 };

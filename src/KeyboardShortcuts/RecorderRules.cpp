@@ -91,6 +91,10 @@ RecorderDecision decide(const Shortcut &shortcut, const RecorderEnvironment &env
     }
     if (isDisallowed(shortcut, environment))
         return {Action::refuseAsDisallowed, shortcut, {}};
+    if (environment.otherField) {
+        if (const auto title = environment.otherField(shortcut))
+            return {Action::askAboutField, shortcut, *title};
+    }
     // F12 alone is listed by systems that do not use it.
     const bool isPlainF12 = shortcut == Shortcut{tovek::KeyCode::f12, 0};
     if (!isPlainF12 && environment.isSystemShortcut && environment.isSystemShortcut(shortcut))

@@ -26,6 +26,8 @@ struct RecorderEnvironment
     bool isSandboxed = false;
     /// The title of the item of the program's own menus that answers to the shortcut.
     std::function<std::optional<QString>(const Shortcut &)> menuItemTitle;
+    /// The title of another field that has the shortcut.
+    std::function<std::optional<QString>(const Shortcut &)> otherField;
     std::function<bool(const Shortcut &)> isSystemShortcut;
 };
 
@@ -41,13 +43,14 @@ struct RecorderDecision
         beep,
         refuseForMenuItem,
         refuseAsDisallowed,
+        askAboutField, ///< store, in the place of the other field, only when the user insists
         askAboutSystem, ///< store only when the user insists
         store,
     };
 
     Action action = Action::swallow;
-    std::optional<Shortcut> shortcut; ///< that the last four are about
-    QString menuItemTitle; ///< for refuseForMenuItem
+    std::optional<Shortcut> shortcut; ///< that the last five are about
+    QString title; ///< of the menu item or the other field
 
     bool operator==(const RecorderDecision &) const = default;
 };

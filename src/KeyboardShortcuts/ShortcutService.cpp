@@ -30,11 +30,18 @@ ShortcutService::ShortcutService(tovek::UserDefaults &defaults, tovek::HotKeys &
     , m_carbon(hotKeys, [this](const Shortcut &shortcut) { return description(shortcut); })
 {
     m_layout.onChanged = [this] { m_notifications.post(keyboardLayoutDidChange); };
+    m_hotKeys.onMayBeFree = [this] { retryRefused(); };
+    m_carbon.onDropped = [this] {
+        watchForFreedKeys();
+        m_notifications.post(registrationDidChange);
+    };
 }
 
 ShortcutService::~ShortcutService()
 {
     m_layout.onChanged = {};
+    m_hotKeys.onMayBeFree = {};
+    m_hotKeys.setWatchingForFreedKeys(false);
 }
 
 ShortcutService &ShortcutService::shared()
@@ -51,6 +58,7 @@ void ShortcutService::setShared(std::unique_ptr<ShortcutService> service)
 Name ShortcutService::createName(const QString &rawValue, std::optional<Shortcut> defaultShortcut)
 {
     const Name name{rawValue, defaultShortcut};
+    remember(name);
     if (defaultShortcut && !m_defaults.contains(name.key()))
         store(name, *defaultShortcut);
     watchMenus();
@@ -70,6 +78,41 @@ void ShortcutService::setShortcut(const Name &name, const std::optional<Shortcut
         store(name, *shortcut);
     else
         remove(name);
+}
+
+std::optional<Name> ShortcutService::otherName(const Shortcut &shortcut, const Name &than) const
+{
+    const auto found = std::find_if(m_names.begin(), m_names.end(), [&](const Name &name) {
+        return name != than && this->shortcut(name) == shortcut;
+    });
+    return found == m_names.end() ? std::nullopt : std::optional(*found);
+}
+
+bool ShortcutService::isRefused(const Shortcut &shortcut) const
+{
+    return std::find(m_registered.begin(), m_registered.end(), shortcut) != m_registered.end()
+        && !m_carbon.isRegistered(shortcut);
+}
+
+void ShortcutService::retryRefused()
+{
+    if (!isEnabled() || isMenuOpen())
+        return;
+    bool isAnyFree = false;
+    for (const Shortcut &shortcut : m_registered) {
+        if (!isRefused(shortcut))
+            continue;
+        requestHotKey(shortcut, CarbonKeyboardShortcuts::Refusal::expected);
+        isAnyFree = isAnyFree || m_carbon.isRegistered(shortcut);
+    }
+    watchForFreedKeys();
+    if (isAnyFree)
+        m_notifications.post(registrationDidChange);
+}
+
+QString ShortcutService::likelyHolder() const
+{
+    return m_hotKeys.likelyHolder();
 }
 
 void ShortcutService::onKeyDown(const Name &name, Action action)
@@ -111,6 +154,7 @@ bool ShortcutService::isSystemShortcut(const Shortcut &shortcut) const
 void ShortcutService::subscribe(Subscriptions &subscriptions, const Name &name, Action action)
 {
     watchMenus();
+    remember(name);
     auto found =
         std::find_if(subscriptions.begin(), subscriptions.end(),
                      [&](const Subscription &subscription) { return subscription.name == name; });
@@ -134,7 +178,7 @@ void ShortcutService::logIfBroken(const Name &name) const
 
 void ShortcutService::store(const Name &name, const Shortcut &shortcut)
 {
-    if (const auto old = this->shortcut(name))
+    if (const auto old = this->shortcut(name); old && !otherName(*old, name))
         unregisterShortcut(*old);
     registerShortcut(shortcut);
     m_defaults.setString(name.key(), shortcut.toJson());
@@ -151,18 +195,24 @@ void ShortcutService::remove(const Name &name)
         m_defaults.setBoolean(name.key(), false);
     else
         m_defaults.remove(name.key());
-    unregisterShortcut(*old);
+    if (!otherName(*old, name))
+        unregisterShortcut(*old);
     postChange(name);
+}
+
+void ShortcutService::remember(const Name &name)
+{
+    if (std::find(m_names.begin(), m_names.end(), name) == m_names.end())
+        m_names.push_back(name);
 }
 
 void ShortcutService::registerShortcut(const Shortcut &shortcut)
 {
     if (std::find(m_registered.begin(), m_registered.end(), shortcut) != m_registered.end())
         return;
-    m_carbon.registerShortcut(
-        shortcut, [this](const Shortcut &pressed) { dispatch(EventType::keyDown, pressed); },
-        [this](const Shortcut &pressed) { dispatch(EventType::keyUp, pressed); });
+    requestHotKey(shortcut, CarbonKeyboardShortcuts::Refusal::logged);
     m_registered.push_back(shortcut);
+    watchForFreedKeys();
 }
 
 void ShortcutService::unregisterShortcut(const Shortcut &shortcut)
@@ -170,6 +220,22 @@ void ShortcutService::unregisterShortcut(const Shortcut &shortcut)
     m_carbon.unregisterShortcut(shortcut);
     std::erase(m_registered, shortcut);
     std::erase(m_pressed, shortcut);
+    watchForFreedKeys();
+}
+
+void ShortcutService::requestHotKey(const Shortcut &shortcut,
+                                    CarbonKeyboardShortcuts::Refusal refusal)
+{
+    m_carbon.registerShortcut(
+        shortcut, [this](const Shortcut &pressed) { dispatch(EventType::keyDown, pressed); },
+        [this](const Shortcut &pressed) { dispatch(EventType::keyUp, pressed); }, refusal);
+}
+
+void ShortcutService::watchForFreedKeys()
+{
+    m_hotKeys.setWatchingForFreedKeys(
+        std::any_of(m_registered.begin(), m_registered.end(),
+                    [this](const Shortcut &shortcut) { return isRefused(shortcut); }));
 }
 
 void ShortcutService::dispatch(EventType type, const Shortcut &pressed)

@@ -40,9 +40,19 @@ public:
     Name createName(const QString &rawValue, std::optional<Shortcut> defaultShortcut = {});
     /// Absent also when what is stored is no shortcut, or one that no keyboard can have.
     std::optional<Shortcut> shortcut(const Name &name) const;
-    /// Stores, or removes where there is none given. The hot key is the system's when this
-    /// returns, and shortcutByNameDidChange has been posted. Removing nothing does nothing.
+    /// Stores, or removes where there is none given. The hot key is the system's, or refused, and
+    /// shortcutByNameDidChange posted, when this returns. Removing nothing does nothing.
     void setShortcut(const Name &name, const std::optional<Shortcut> &shortcut);
+
+    /// Another one of the program's names that has the shortcut now.
+    std::optional<Name> otherName(const Shortcut &shortcut, const Name &than) const;
+    /// True while the shortcut is stored but the system has given it to somebody else.
+    bool isRefused(const Shortcut &shortcut) const;
+    /// Asks the system once more for what it has refused, which also happens by itself when that
+    /// may have become free. registrationDidChange is posted when something was.
+    void retryRefused();
+    /// The program that most likely holds what was refused; mostly empty.
+    QString likelyHolder() const;
 
     void onKeyDown(const Name &name, Action action);
     void onKeyUp(const Name &name, Action action);
@@ -84,8 +94,11 @@ private:
     void logIfBroken(const Name &name) const;
     void store(const Name &name, const Shortcut &shortcut);
     void remove(const Name &name);
+    void remember(const Name &name);
     void registerShortcut(const Shortcut &shortcut);
     void unregisterShortcut(const Shortcut &shortcut);
+    void requestHotKey(const Shortcut &shortcut, CarbonKeyboardShortcuts::Refusal refusal);
+    void watchForFreedKeys();
     void dispatch(EventType type, const Shortcut &pressed);
     void postChange(const Name &name);
 
@@ -94,7 +107,8 @@ private:
     tovek::KeyboardLayout &m_layout;
     NotificationCenter m_notifications;
     CarbonKeyboardShortcuts m_carbon;
-    std::vector<Shortcut> m_registered;
+    std::vector<Name> m_names; ///< that the program has made or subscribed
+    std::vector<Shortcut> m_registered; ///< or refused
     std::vector<Shortcut> m_pressed; ///< whose release may act
     Subscriptions m_keyDownActions;
     Subscriptions m_keyUpActions;

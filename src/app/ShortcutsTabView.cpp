@@ -7,10 +7,12 @@
 #include "app/AppShortcuts.h"
 #include "app/FormCard.h"
 #include "look/ModernStyle.h"
+#include "platform/SystemShortcuts.h"
 
 #include <QEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -18,13 +20,17 @@
 namespace tovek {
 
 using KeyboardShortcuts::RecorderCocoa;
+using KeyboardShortcuts::Shortcut;
 
 namespace {
 
 constexpr int rowHeight = 46;
 constexpr int margin = 16;
 constexpr int hintSize = 11;
-constexpr KeyboardShortcuts::Shortcut printScreen{105, 0};
+constexpr int tablesDelay = 300; // ms
+constexpr Shortcut printScreen{105, 0};
+const char hint[] = QT_TRANSLATE_NOOP(
+    "ShortcutsTabView", "Click to record a shortcut, then press your desired key combination");
 
 struct Row
 {
@@ -41,19 +47,30 @@ constexpr Row rows[] = {
      &AppShortcuts::captureText},
 };
 
+QString titleOf(const KeyboardShortcuts::Name &name)
+{
+    const auto found = std::find_if(std::begin(rows), std::end(rows),
+                                    [&](const Row &row) { return row.name() == name; });
+    return found == std::end(rows) ? name.rawValue : ShortcutsTabView::tr(found->label);
+}
+
 } // namespace
 
 ShortcutsTabView::ShortcutsTabView(KeyboardShortcuts::ShortcutService &service,
                                    const KeyboardShortcuts::RecorderSetup &setup, QWidget *parent)
     : QWidget(parent)
     , m_service(service)
-    , m_hint(new QLabel(tr("Click to record a shortcut, then press your desired key combination"),
-                        this))
+    , m_systemShortcuts(setup.systemShortcuts)
+    , m_hint(new QLabel(this))
 {
+    KeyboardShortcuts::RecorderSetup ours = setup;
+    ours.titleOf = &titleOf;
+    ours.holderOf = [this](const Shortcut &shortcut) { return explanation(shortcut); };
     auto *card = new FormCard(rowHeight, this);
     for (const Row &row : rows) {
         FormRow *place = card->addRow(QLatin1String(row.symbol), tr(row.label));
-        auto *recorder = new RecorderCocoa(row.name(), service, setup, place);
+        auto *recorder = new RecorderCocoa(row.name(), service, ours, place);
+        m_rows.push_back(place);
         if (!m_usePrint)
             addUsePrint(recorder, place);
         place->addControl(recorder);
@@ -62,6 +79,8 @@ ShortcutsTabView::ShortcutsTabView(KeyboardShortcuts::ShortcutService &service,
     small.setPixelSize(hintSize);
     m_hint->setFont(small);
     m_hint->setAlignment(Qt::AlignCenter);
+    m_hint->setTextFormat(Qt::PlainText);
+    m_hint->setWordWrap(true);
     colorHint();
 
     auto *layout = new QVBoxLayout(this);
@@ -72,10 +91,16 @@ ShortcutsTabView::ShortcutsTabView(KeyboardShortcuts::ShortcutService &service,
     layout->addWidget(m_hint);
     layout->addStretch();
 
-    m_shortcutToken =
-        service.notifications().observe(KeyboardShortcuts::shortcutByNameDidChange,
-                                        [this](const QVariantMap &) { showUsePrint(); });
+    m_shortcutToken = service.notifications().observe(KeyboardShortcuts::shortcutByNameDidChange,
+                                                      [this](const QVariantMap &) {
+                                                          m_wantsPrint = false;
+                                                          showUsePrint();
+                                                          showRefusals();
+                                                      });
+    m_registrationToken = service.notifications().observe(
+        KeyboardShortcuts::registrationDidChange, [this](const QVariantMap &) { showRefusals(); });
     showUsePrint();
+    m_hint->setText(tr(hint));
 }
 
 void ShortcutsTabView::changeEvent(QEvent *event)
@@ -83,6 +108,16 @@ void ShortcutsTabView::changeEvent(QEvent *event)
     if (event->type() == QEvent::PaletteChange)
         colorHint();
     QWidget::changeEvent(event);
+}
+
+void ShortcutsTabView::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    m_service.retryRefused();
+    if (m_systemShortcuts)
+        m_systemShortcuts->refresh();
+    // Time for the desktop's tables, for which the window shall not wait.
+    QTimer::singleShot(tablesDelay, this, [this] { showRefusals(); });
 }
 
 void ShortcutsTabView::addUsePrint(RecorderCocoa *recorder, QWidget *row)
@@ -93,8 +128,14 @@ void ShortcutsTabView::addUsePrint(RecorderCocoa *recorder, QWidget *row)
     static_cast<QBoxLayout *>(row->layout())->addWidget(m_usePrint);
     // It stands on the left of the recorder.
     setTabOrder(m_usePrint, recorder);
-    connect(m_usePrint, &QPushButton::clicked, recorder,
-            [recorder] { recorder->record(printScreen); });
+    connect(m_usePrint, &QPushButton::clicked, recorder, [this, recorder] { usePrint(*recorder); });
+}
+
+void ShortcutsTabView::usePrint(RecorderCocoa &recorder)
+{
+    recorder.record(printScreen);
+    m_wantsPrint = !m_service.shortcut(recorder.shortcutName());
+    showRefusals();
 }
 
 void ShortcutsTabView::showUsePrint()
@@ -103,6 +144,39 @@ void ShortcutsTabView::showUsePrint()
         return m_service.shortcut(row.name()).has_value();
     });
     m_usePrint->setVisible(!hasAny);
+}
+
+void ShortcutsTabView::showRefusals()
+{
+    QString text = m_wantsPrint ? explanation(printScreen) : QString();
+    for (size_t index = 0; index < m_rows.size(); ++index) {
+        const auto shortcut = m_service.shortcut(rows[index].name());
+        const bool isRefused = shortcut && m_service.isRefused(*shortcut);
+        m_rows[index]->setNote(isRefused ? tr("Held by another program") : QString());
+        if (isRefused && text.isEmpty())
+            text = explanation(*shortcut);
+    }
+    m_hint->setText(text.isEmpty() ? tr(hint) : text);
+}
+
+QString ShortcutsTabView::explanation(const Shortcut &shortcut) const
+{
+    QString keys = m_service.description(shortcut);
+    if (shortcut == printScreen)
+        keys = tr("Print (%1)").arg(keys);
+    const auto use = m_systemShortcuts ? m_systemShortcuts->use(
+                         {quint32(shortcut.carbonKeyCode), quint32(shortcut.carbonModifiers)})
+                                       : std::nullopt;
+    if (use)
+        return tr("%1 is used by %2. Take it away in %3, or record other keys here.")
+            .arg(keys, use->user, use->place);
+    const QString holder = m_service.likelyHolder();
+    if (holder.isEmpty())
+        return tr("%1 is held by another program. Take it away there, or record other keys here.")
+            .arg(keys);
+    return tr("%1 is held by another program, probably the window manager %2. Take it away in its "
+              "settings, or record other keys here.")
+        .arg(keys, holder);
 }
 
 void ShortcutsTabView::colorHint()

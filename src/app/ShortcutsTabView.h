@@ -12,6 +12,8 @@ class QPushButton;
 
 namespace tovek {
 
+class FormRow;
+
 /// The tab in which the program's shortcuts are recorded.
 class ShortcutsTabView : public QWidget
 {
@@ -24,16 +26,26 @@ public:
 
 protected:
     void changeEvent(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
     void addUsePrint(KeyboardShortcuts::RecorderCocoa *recorder, QWidget *row);
+    void usePrint(KeyboardShortcuts::RecorderCocoa &recorder);
     void showUsePrint();
+    /// Marks the rows whose keys somebody else holds, and tells who and what can be done.
+    void showRefusals();
+    /// Of a combination that cannot be had, or not without a question.
+    QString explanation(const KeyboardShortcuts::Shortcut &shortcut) const;
     void colorHint();
 
     KeyboardShortcuts::ShortcutService &m_service;
+    tovek::SystemShortcuts *m_systemShortcuts;
+    std::vector<FormRow *> m_rows;
+    bool m_wantsPrint = false; ///< and may not have it
     QPushButton *m_usePrint = nullptr; ///< offered while the program has no shortcut at all
     QLabel *m_hint;
     KeyboardShortcuts::NotificationCenter::Token m_shortcutToken;
+    KeyboardShortcuts::NotificationCenter::Token m_registrationToken;
 };
 
 } // namespace tovek

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include <QtGlobal>
+#include <QString>
 
 #include <functional>
 
@@ -38,6 +38,13 @@ public:
     /// True when another program or the desktop itself holds the combination now.
     virtual bool isTaken(KeyCombo combo) = 0;
 
+    /// While on, `onMayBeFree` is called when what was refused may be had: a program has left, or
+    /// the keyboard has another map. Watching costs something.
+    virtual void setWatchingForFreedKeys(bool) { }
+    /// The name of the program that holds most of what is taken, the window manager; mostly empty.
+    virtual QString likelyHolder() const { return {}; }
+
+    std::function<void()> onMayBeFree;
     std::function<void(quint32 id)> onPressed;
     std::function<void(quint32 id)> onReleased;
     /// True swallows the key: the menu does not see it.

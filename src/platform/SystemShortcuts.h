@@ -5,7 +5,16 @@
 
 #include "platform/HotKeys.h"
 
+#include <optional>
+
 namespace tovek {
+
+/// Who uses a combination, in the words of the desktop's settings.
+struct ShortcutUse
+{
+    QString user; ///< a program, or what of the desktop
+    QString place; ///< where in its settings the user takes the combination away; may be empty
+};
 
 /// The combinations that the desktop's own settings list as used, which another program need not
 /// hold at this moment. Main thread only.
@@ -17,7 +26,8 @@ public:
     virtual void refresh() = 0;
     /// Waits for what is still being read, half a second at most; what has not come by then
     /// lists nothing.
-    virtual bool contains(KeyCombo combo) = 0;
+    virtual std::optional<ShortcutUse> use(KeyCombo combo) = 0;
+    bool contains(KeyCombo combo) { return use(combo).has_value(); }
 };
 
 } // namespace tovek

@@ -270,6 +270,56 @@ private Q_SLOTS:
         QTRY_COMPARE(m_recorder->isRecording(), !isStored);
     }
 
+    void asksBeforeItTakesTheKeysOfAnotherField_data()
+    {
+        QTest::addColumn<int>("button");
+        QTest::addColumn<bool>("isMoved");
+        QTest::newRow("left alone") << 0 << false;
+        QTest::newRow("moved") << 1 << true;
+    }
+    void asksBeforeItTakesTheKeysOfAnotherField()
+    {
+        QFETCH(int, button);
+        QFETCH(bool, isMoved);
+        const Name other = m_service->createName(QStringLiteral("other"));
+        m_service->setShortcut(other, controlA);
+        m_recorder->setFocus();
+        press(Qt::Key_A, scanA, Qt::ControlModifier);
+        AlertSheet *alert = sheet();
+        QVERIFY(alert);
+        QVERIFY(alert->accessibleName().contains(QStringLiteral("“Other Field”")));
+        QVERIFY(!m_service->shortcut(m_name));
+        alert->buttons().value(button)->click();
+        QCOMPARE(m_service->shortcut(m_name).has_value(), isMoved);
+        QCOMPARE(m_service->shortcut(other).has_value(), !isMoved);
+        QCOMPARE(m_hotKeys->grabbed.size(), size_t(1));
+    }
+
+    void recordsItsOwnKeysAgainWithoutAQuestion()
+    {
+        m_service->setShortcut(m_name, controlA);
+        m_recorder->setFocus();
+        press(Qt::Key_A, scanA, Qt::ControlModifier);
+        QVERIFY(!sheet());
+        QCOMPARE(m_service->shortcut(m_name), std::optional(controlA));
+    }
+
+    void marksWhatTheSystemRefused()
+    {
+        m_hotKeys->foreign = {KeyCombo{0, 0x1000}};
+        tovek::LogCapture ignored;
+        m_service->setShortcut(m_name, controlA);
+        QVERIFY(m_recorder->isRefused());
+        QVERIFY(m_recorder->toolTip().startsWith(QStringLiteral("Ctrl+A\n")));
+        QVERIFY(m_recorder->toolTip().contains(QStringLiteral("another program")));
+        QVERIFY(m_recorder->accessibleDescription().contains(QStringLiteral("another program")));
+        const QImage marked = m_recorder->grab().toImage();
+        m_hotKeys->freeAll();
+        QVERIFY(!m_recorder->isRefused());
+        QCOMPARE(m_recorder->toolTip(), QStringLiteral("Ctrl+A"));
+        QVERIFY(m_recorder->grab().toImage() != marked);
+    }
+
     void leavesASheetByEscape()
     {
         m_hotKeys->foreign = {KeyCombo{0, 0x1000}};
@@ -340,6 +390,10 @@ private:
         layout->setContentsMargins(30, 30, 30, 30);
         m_setup.beep = [this] { ++m_beeps; };
         m_setup.systemShortcuts = &m_system;
+        m_setup.titleOf = [](const Name &name) {
+            return name.rawValue == QStringLiteral("other") ? QStringLiteral("Other Field")
+                                                            : name.rawValue;
+        };
         m_setup.mainMenu = [this] { return QList<QAction *>{&m_quit}; };
         m_quit.setText(QStringLiteral("&Quit"));
         m_quit.setShortcut(QKeySequence(QStringLiteral("Ctrl+Q")));

@@ -342,6 +342,79 @@ private Q_SLOTS:
         QCOMPARE(m_runs, QStringList{QStringLiteral("b")});
     }
 
+    void asksAgainForARefusedShortcutWhenItMayBeFree()
+    {
+        m_hotKeys->foreign = {copyKeys};
+        tovek::StdoutCapture output;
+        m_service->setShortcut(m_a, copy);
+        m_service->onKeyUp(m_a, run("a"));
+        m_service->setShortcut(m_b, paste);
+        QVERIFY(m_service->isRefused(copy));
+        QVERIFY(!m_service->isRefused(paste));
+        QVERIFY(m_hotKeys->watchesForFreedKeys);
+        int changes = 0;
+        const auto token =
+            m_service->notifications().observe(registrationDidChange, [&](auto &) { ++changes; });
+        m_service->retryRefused();
+        QVERIFY(m_service->isRefused(copy));
+        QCOMPARE(changes, 0);
+        m_hotKeys->freeAll();
+        QVERIFY(!m_service->isRefused(copy));
+        QCOMPARE(changes, 1);
+        QVERIFY(!m_hotKeys->watchesForFreedKeys);
+        m_hotKeys->tap(copyKeys);
+        QCOMPARE(m_runs, QStringList{QStringLiteral("a")});
+        QCOMPARE(output.take().count('\n'), 1); // nobody needs to read of every try
+    }
+
+    void asksAgainForWhatItCouldNotTakeBackAfterAMenu()
+    {
+        m_service->setShortcut(m_a, copy);
+        m_service->onKeyUp(m_a, run("a"));
+        m_service->setMenuOpen(true);
+        QVERIFY(!m_service->isRefused(copy));
+        m_hotKeys->foreign = {copyKeys};
+        tovek::StdoutCapture output;
+        m_service->setMenuOpen(false);
+        QVERIFY(m_service->isRefused(copy));
+        m_hotKeys->freeAll();
+        m_hotKeys->tap(copyKeys);
+        QCOMPARE(m_runs, QStringList{QStringLiteral("a")});
+    }
+
+    void forgetsARefusedShortcutThatIsRemoved()
+    {
+        m_hotKeys->foreign = {copyKeys};
+        tovek::StdoutCapture output;
+        m_service->setShortcut(m_a, copy);
+        m_service->setShortcut(m_a, std::nullopt);
+        QVERIFY(!m_service->isRefused(copy));
+        QVERIFY(!m_hotKeys->watchesForFreedKeys);
+        m_hotKeys->freeAll();
+        QVERIFY(m_hotKeys->grabbed.empty());
+    }
+
+    void keepsTheKeysThatAnotherNameStillUses_data()
+    {
+        QTest::addColumn<std::optional<Shortcut>>("next");
+        QTest::newRow("removed") << std::optional<Shortcut>();
+        QTest::newRow("replaced") << std::optional(paste);
+    }
+    void keepsTheKeysThatAnotherNameStillUses()
+    {
+        QFETCH(std::optional<Shortcut>, next);
+        m_service->setShortcut(m_a, copy);
+        m_service->setShortcut(m_b, copy);
+        m_service->onKeyUp(m_b, run("b"));
+        QCOMPARE(m_service->otherName(copy, m_a), std::optional(m_b));
+        m_service->setShortcut(m_a, next);
+        QCOMPARE(m_service->otherName(copy, m_b), std::nullopt);
+        m_hotKeys->tap(copyKeys);
+        QCOMPARE(m_runs, QStringList{QStringLiteral("b")});
+        m_service->setShortcut(m_b, std::nullopt);
+        QVERIFY(!m_hotKeys->tap(copyKeys));
+    }
+
     void knowsWhatTheSystemUses()
     {
         m_hotKeys->foreign = {copyKeys};

@@ -1,11 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
+#include "KeyboardShortcuts/AlertSheet.h"
 #include "KeyboardShortcuts/ShortcutService.h"
 #include "app/AppShortcuts.h"
 #include "app/ShortcutsTabView.h"
 #include "fakes/FakeHotKeys.h"
 #include "fakes/FakeKeyboardLayout.h"
+#include "fakes/FakeSystemShortcuts.h"
+#include "fakes/LogCapture.h"
 #include "foundation/UserDefaults.h"
 
 #include <QLabel>
@@ -29,7 +32,11 @@ private Q_SLOTS:
         // The names are the process's own, so the service must be, too.
         ShortcutService::setShared(
             std::make_unique<ShortcutService>(*m_defaults, m_hotKeys, m_layout));
-        m_view = std::make_unique<ShortcutsTabView>(service(), RecorderSetup{});
+        m_hotKeys.foreign.clear();
+        m_system = {};
+        RecorderSetup setup;
+        setup.systemShortcuts = &m_system;
+        m_view = std::make_unique<ShortcutsTabView>(service(), setup);
         m_view->show();
     }
     void cleanup()
@@ -69,6 +76,46 @@ private Q_SLOTS:
         QCOMPARE(m_view->findChild<RecorderCocoa *>()->text(), QStringLiteral("F13"));
     }
 
+    void tellsWhoHoldsPrintAndWhatToDo_data()
+    {
+        QTest::addColumn<bool>("isListed");
+        QTest::addColumn<QString>("holder");
+        QTest::addColumn<QStringList>("words");
+        QTest::newRow("the desktop's settings know")
+            << true << QString() << QStringList{"Print (F13)", "shooter", "Settings → Keyboard"};
+        QTest::newRow("a window manager") << false << QStringLiteral("Openbox")
+                                          << QStringList{"Print (F13)", "Openbox", "settings"};
+        QTest::newRow("nobody knows")
+            << false << QString() << QStringList{"Print (F13)", "another program"};
+    }
+    void tellsWhoHoldsPrintAndWhatToDo()
+    {
+        QFETCH(bool, isListed);
+        QFETCH(QString, holder);
+        QFETCH(QStringList, words);
+        m_hotKeys.foreign = {KeyCombo{105, 0}};
+        m_hotKeys.holder = holder;
+        m_system.entry = {QStringLiteral("shooter"), QStringLiteral("Settings → Keyboard")};
+        if (isListed)
+            m_system.listed = {KeyCombo{105, 0}};
+        m_view->findChild<QPushButton *>()->click();
+        auto *alert = m_view->findChild<AlertSheet *>();
+        QVERIFY(alert);
+        for (const QString &word : words) {
+            QVERIFY2(alert->accessibleDescription().contains(word), qPrintable(word));
+            QVERIFY2(hint().contains(word), qPrintable(hint()));
+        }
+        LogCapture ignored; // the refusal is reported
+        alert->buttons().last()->click();
+        QVERIFY(service().isRefused({105, 0}));
+        for (const QString &word : words)
+            QVERIFY2(hint().contains(word), qPrintable(hint()));
+        QVERIFY(hasLabel(QStringLiteral("Held by another program")));
+        m_hotKeys.freeAll();
+        QVERIFY(hint().startsWith(QStringLiteral("Click to record")));
+        QVERIFY(!hasLabel(QStringLiteral("Held by another program")));
+    }
+
     void offersPrintOnlyWhileThereIsNoShortcutAtAll()
     {
         auto *usePrint = m_view->findChild<QPushButton *>();
@@ -79,12 +126,24 @@ private Q_SLOTS:
     }
 
 private:
+    QString hint() const
+    {
+        const auto labels = m_view->findChildren<QLabel *>(QString(), Qt::FindDirectChildrenOnly);
+        return labels.isEmpty() ? QString() : labels.last()->text();
+    }
+    bool hasLabel(const QString &text) const
+    {
+        const auto labels = m_view->findChildren<QLabel *>();
+        return std::any_of(labels.begin(), labels.end(),
+                           [&](const QLabel *label) { return label->text() == text; });
+    }
     static ShortcutService &service() { return ShortcutService::shared(); }
 
     std::unique_ptr<QTemporaryDir> m_dir;
     std::unique_ptr<UserDefaults> m_defaults;
     FakeHotKeys m_hotKeys;
     FakeKeyboardLayout m_layout;
+    FakeSystemShortcuts m_system;
     std::unique_ptr<ShortcutsTabView> m_view;
 };
 

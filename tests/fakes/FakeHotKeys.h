@@ -20,6 +20,8 @@ public:
     void release(quint32 id) override;
     void setWatchingRawKeys(bool isOn) override { watchesRawKeys = isOn; }
     bool reportsRelease() const override { return canReportRelease; }
+    void setWatchingForFreedKeys(bool isOn) override { watchesForFreedKeys = isOn; }
+    QString likelyHolder() const override { return holder; }
     bool isTaken(KeyCombo combo) override { return foreign.contains(combo); }
 
     /// Puts the combination down; once more, where it is down, as a key that repeats. True when
@@ -29,10 +31,20 @@ public:
     /// Both.
     bool tap(KeyCombo combo);
 
+    /// The other programs that held keys are gone.
+    void freeAll()
+    {
+        foreign.clear();
+        if (watchesForFreedKeys && onMayBeFree)
+            onMayBeFree();
+    }
+
     QList<KeyCombo> foreign; ///< held by other programs
+    QString holder;
     int refusal = 10; ///< the status that they are refused with
     bool canReportRelease = true;
     bool watchesRawKeys = false;
+    bool watchesForFreedKeys = false;
     std::map<quint32, KeyCombo> grabbed;
 
 private:

@@ -14,9 +14,13 @@ class FakeSystemShortcuts : public SystemShortcuts
 {
 public:
     void refresh() override { ++refreshes; }
-    bool contains(KeyCombo combo) override { return listed.contains(combo); }
+    std::optional<ShortcutUse> use(KeyCombo combo) override
+    {
+        return listed.contains(combo) ? std::optional(entry) : std::nullopt;
+    }
 
     QList<KeyCombo> listed;
+    ShortcutUse entry; ///< what the settings say of each
     int refreshes = 0;
 };
 

@@ -68,7 +68,7 @@ private Q_SLOTS:
             "org.gnome.shell.keybindings screenshot ['<Shift>Print', '<Super>p']\n"
             "org.gnome.settings-daemon.plugins.media-keys.custom-keybinding binding '<Super>t'\n"
             "org.gnome.desktop.interface font-name 'Print'\n");
-        QCOMPARE(DesktopShortcuts::fromGSettings(output),
+        QCOMPARE(accelerators(DesktopShortcuts::fromGSettings(output)),
                  (QStringList{QStringLiteral("<Alt>F4"), QStringLiteral("<Shift>Print"),
                               QStringLiteral("<Super>p"), QStringLiteral("<Super>t")}));
     }
@@ -80,13 +80,28 @@ private Q_SLOTS:
                                {"/commands/custom/<Super>r/startup-notify", true},
                                {"/commands/custom/<Super>x", ""},
                                {"/xfwm4/default/<Alt>F4", "close_window_key"}};
-        QCOMPARE(DesktopShortcuts::fromXfconf(properties),
+        QCOMPARE(accelerators(DesktopShortcuts::fromXfconf(properties)),
                  (QStringList{QStringLiteral("<Alt>F2"), QStringLiteral("<Alt>F4")}));
         properties.insert(QStringLiteral("/commands/custom/override"), true);
-        const QStringList found = DesktopShortcuts::fromXfconf(properties);
+        const QStringList found = accelerators(DesktopShortcuts::fromXfconf(properties));
         QVERIFY(found.contains(QStringLiteral("<Super>r")));
         QVERIFY(!found.contains(QStringLiteral("<Alt>F2")));
         QVERIFY(!found.contains(QStringLiteral("<Super>x")));
+    }
+
+    void saysWhoUsesACombination()
+    {
+        const auto gnome = DesktopShortcuts::fromGSettings(
+            QStringLiteral("org.gnome.shell.keybindings show-screenshot-ui ['Print']\n"));
+        QCOMPARE(gnome.value(0).use.user, QStringLiteral("the desktop (“show screenshot ui”)"));
+        QVERIFY(gnome.value(0).use.place.startsWith(QStringLiteral("Settings → Keyboard")));
+        const auto xfce = DesktopShortcuts::fromXfconf(
+            {{"/commands/default/Print", "/usr/bin/xfce4-screenshooter -f"},
+             {"/xfwm4/default/<Alt>F4", "close_window_key"}});
+        QCOMPARE(xfce.value(0).use.user, QStringLiteral("xfce4-screenshooter"));
+        QCOMPARE(xfce.value(0).use.place,
+                 QStringLiteral("Settings → Keyboard → Application Shortcuts"));
+        QCOMPARE(xfce.value(1).use.user, QStringLiteral("the window manager"));
     }
 
     void asksGnomeOnGnomeOnly()
@@ -131,6 +146,14 @@ private Q_SLOTS:
     }
 
 private:
+    static QStringList accelerators(const QList<DesktopShortcuts::Entry> &entries)
+    {
+        QStringList found;
+        for (const auto &entry : entries)
+            found << entry.accelerator;
+        return found;
+    }
+
     FakeKeyboardLayout m_layout;
 };
 

@@ -11,9 +11,8 @@
 #include <QDBusMessage>
 #include <QDBusPendingReply>
 #include <QDBusReply>
+#include <QFileInfo>
 #include <QRegularExpression>
-
-#include <algorithm>
 
 namespace tovek {
 
@@ -24,6 +23,20 @@ const QString gnomeSchemas = QStringLiteral(
     "^org\\.gnome\\.(desktop\\.wm\\.keybindings|mutter\\.keybindings|mutter\\.wayland\\."
     "keybindings|"
     "shell\\.keybindings|settings-daemon\\.plugins\\.media-keys(\\.custom-keybinding.*)?)\\b");
+
+const QString gnomePlace = QStringLiteral("Settings → Keyboard → View and Customize Shortcuts");
+
+struct XfceTable
+{
+    const char *name;
+    bool isOfPrograms;
+    const char *place;
+};
+
+constexpr XfceTable xfceTables[] = {
+    {"commands", true, "Settings → Keyboard → Application Shortcuts"},
+    {"xfwm4", false, "Settings → Window Manager → Keyboard"},
+};
 
 } // namespace
 
@@ -39,7 +52,7 @@ void DesktopShortcuts::refresh()
 {
     if (m_gsettings || m_xfconf)
         return;
-    m_accelerators.clear();
+    m_entries.clear();
     if (m_desktops.contains(QStringLiteral("GNOME"))
         || m_desktops.contains(QStringLiteral("UNITY")))
         readGSettings();
@@ -47,45 +60,54 @@ void DesktopShortcuts::refresh()
         readXfconf();
 }
 
-bool DesktopShortcuts::contains(KeyCombo combo)
+std::optional<ShortcutUse> DesktopShortcuts::use(KeyCombo combo)
 {
     waitForTables();
-    for (const QString &accelerator : std::as_const(m_accelerators)) {
-        if (isAccelerator(accelerator, combo, m_layout))
-            return true;
+    for (const Entry &entry : std::as_const(m_entries)) {
+        if (isAccelerator(entry.accelerator, combo, m_layout))
+            return entry.use;
     }
-    return m_desktops.contains(QStringLiteral("KDE")) && isKnownToKde(combo);
+    return m_desktops.contains(QStringLiteral("KDE")) ? useInKde(combo) : std::nullopt;
 }
 
-QStringList DesktopShortcuts::fromGSettings(const QString &output)
+QList<DesktopShortcuts::Entry> DesktopShortcuts::fromGSettings(const QString &output)
 {
     static const QRegularExpression schema(gnomeSchemas);
     static const QRegularExpression quoted(QStringLiteral("'([^']+)'"));
-    QStringList found;
+    QList<Entry> found;
     for (const QString &line : output.split(QLatin1Char('\n'))) {
         if (!line.contains(schema))
             continue;
         // Schema, key, value.
+        QString purpose = line.section(QLatin1Char(' '), 1, 1);
+        purpose.replace(QLatin1Char('-'), QLatin1Char(' '));
         auto values = quoted.globalMatch(line.section(QLatin1Char(' '), 2));
         while (values.hasNext())
-            found.append(values.next().captured(1));
+            found.append({values.next().captured(1),
+                          {QStringLiteral("the desktop (“%1”)").arg(purpose), gnomePlace}});
     }
     return found;
 }
 
-QStringList DesktopShortcuts::fromXfconf(const QVariantMap &properties)
+QList<DesktopShortcuts::Entry> DesktopShortcuts::fromXfconf(const QVariantMap &properties)
 {
-    QStringList found;
-    for (const char *table : {"commands", "xfwm4"}) {
-        const QString custom = QStringLiteral("/%1/custom/").arg(QLatin1String(table));
+    QList<Entry> found;
+    for (const XfceTable &table : xfceTables) {
+        const QString custom = QStringLiteral("/%1/custom/").arg(QLatin1String(table.name));
         const bool isOverridden = properties.value(custom + QStringLiteral("override")).toBool();
         const QString used =
-            isOverridden ? custom : QStringLiteral("/%1/default/").arg(QLatin1String(table));
+            isOverridden ? custom : QStringLiteral("/%1/default/").arg(QLatin1String(table.name));
         for (auto property = properties.begin(); property != properties.end(); ++property) {
             const QString key = property.key();
-            if (key.startsWith(used) && !key.endsWith(QStringLiteral("/override"))
-                && !property.value().toString().isEmpty())
-                found.append(key.mid(used.size()).section(QLatin1Char('/'), 0, 0));
+            const QString value = property.value().toString();
+            if (!key.startsWith(used) || key.endsWith(QStringLiteral("/override"))
+                || value.isEmpty())
+                continue;
+            QString user = QFileInfo(value.section(QLatin1Char(' '), 0, 0)).fileName();
+            if (!table.isOfPrograms)
+                user = QStringLiteral("the window manager");
+            found.append({key.mid(used.size()).section(QLatin1Char('/'), 0, 0),
+                          {user, QString::fromUtf8(table.place)}});
         }
     }
     return found;
@@ -113,8 +135,7 @@ void DesktopShortcuts::waitForTables()
     if (m_gsettings) {
         if (m_gsettings->state() == QProcess::NotRunning
             || m_gsettings->waitForFinished(patienceMs))
-            m_accelerators +=
-                fromGSettings(QString::fromUtf8(m_gsettings->readAllStandardOutput()));
+            m_entries += fromGSettings(QString::fromUtf8(m_gsettings->readAllStandardOutput()));
         else
             m_gsettings->kill();
         m_gsettings->waitForFinished(patienceMs);
@@ -124,22 +145,25 @@ void DesktopShortcuts::waitForTables()
         m_xfconf->waitForFinished();
         const QDBusPendingReply<QVariantMap> reply = *m_xfconf;
         if (reply.isValid())
-            m_accelerators += fromXfconf(reply.value());
+            m_entries += fromXfconf(reply.value());
         m_xfconf.reset();
     }
 }
 
-bool DesktopShortcuts::isKnownToKde(KeyCombo combo) const
+std::optional<ShortcutUse> DesktopShortcuts::useInKde(KeyCombo combo) const
 {
-    const QList<int> keys = qtKeysOf(combo, m_layout);
-    return std::any_of(keys.begin(), keys.end(), [](int key) {
+    for (const int key : qtKeysOf(combo, m_layout)) {
         QDBusMessage ask = KGlobalAccel::call(QStringLiteral("action"));
         ask << key;
         const QDBusReply<QStringList> owner =
             QDBusConnection::sessionBus().call(ask, QDBus::Block, patienceMs);
-        return owner.isValid() && !owner.value().isEmpty()
-            && owner.value().first() != KGlobalAccel::ownComponent;
-    });
+        // Component and action by their identifiers, then both by their names.
+        const QStringList names = owner.isValid() ? owner.value() : QStringList();
+        if (!names.isEmpty() && names.first() != KGlobalAccel::ownComponent)
+            return ShortcutUse{names.value(2, names.first()),
+                               QStringLiteral("System Settings → Shortcuts")};
+    }
+    return std::nullopt;
 }
 
 } // namespace tovek

@@ -26,22 +26,27 @@ public:
     ~DesktopShortcuts() override;
 
     void refresh() override;
-    bool contains(KeyCombo combo) override;
+    std::optional<ShortcutUse> use(KeyCombo combo) override;
 
+    struct Entry
+    {
+        QString accelerator;
+        ShortcutUse use;
+    };
     /// The combinations in what `gsettings list-recursively` prints.
-    static QStringList fromGSettings(const QString &output);
+    static QList<Entry> fromGSettings(const QString &output);
     /// Those in Xfce's properties, which are the user's own where the user made any.
-    static QStringList fromXfconf(const QVariantMap &properties);
+    static QList<Entry> fromXfconf(const QVariantMap &properties);
 
 private:
     void readGSettings();
     void readXfconf();
     void waitForTables();
-    bool isKnownToKde(KeyCombo combo) const;
+    std::optional<ShortcutUse> useInKde(KeyCombo combo) const;
 
     const QStringList m_desktops;
     const KeyboardLayout &m_layout;
-    QStringList m_accelerators;
+    QList<Entry> m_entries;
     std::unique_ptr<QProcess> m_gsettings; ///< present only while it reads
     std::unique_ptr<QDBusPendingCallWatcher> m_xfconf; ///< likewise
 };

@@ -6,6 +6,7 @@
 #include "platform/linux/ScreenLock.h"
 #include "platform/x11/X11Requests.h"
 #include "platform/x11/keys/X11ScreenLock.h"
+#include "platform/x11/keys/X11WindowManager.h"
 
 #include <algorithm>
 #include <chrono>
@@ -24,6 +25,10 @@ namespace {
 constexpr auto holdDelay = 350ms;
 /// What toolkits need to repaint a window that has the focus again.
 constexpr auto repaintDelay = 25ms;
+/// Programs close several windows as they end.
+constexpr auto freedDelay = 300ms;
+/// Few programs that hold keys have no window; those are noticed later.
+constexpr auto freedPatience = 30s;
 /// A grab as short as this leaves a window no time to repaint as one without focus.
 constexpr xcb_timestamp_t unnoticedMs = 8;
 
@@ -52,6 +57,8 @@ X11HotKeys::X11HotKeys(xcb_connection_t *connection)
     m_holdTimer.setSingleShot(true);
     m_holdTimer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&m_holdTimer, &QTimer::timeout, &m_context, [this] { holdKeyboard(); });
+    m_freedTimer.setSingleShot(true);
+    QObject::connect(&m_freedTimer, &QTimer::timeout, &m_context, [this] { tellMayBeFree(); });
     setUpExtensions();
 }
 
@@ -118,10 +125,32 @@ bool X11HotKeys::isTaken(KeyCombo combo)
     return isTaken;
 }
 
+void X11HotKeys::setWatchingForFreedKeys(bool isOn)
+{
+    if (m_isWatchingForFreedKeys == isOn)
+        return;
+    m_isWatchingForFreedKeys = isOn;
+    // Each window that comes, moves or goes wakes this process meanwhile.
+    const quint32 mask = isOn ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY : XCB_EVENT_MASK_NO_EVENT;
+    xcb_change_window_attributes(m_connection.get(), m_root, XCB_CW_EVENT_MASK, &mask);
+    xcb_flush(m_connection.get());
+    if (!isOn)
+        m_freedTimer.stop();
+    else if (m_notifier)
+        m_freedTimer.start(freedPatience);
+}
+
+QString X11HotKeys::likelyHolder() const
+{
+    return x11WindowManagerName(m_connection.get(), m_root);
+}
+
 void X11HotKeys::startDispatching()
 {
     if (m_notifier)
         return;
+    if (m_isWatchingForFreedKeys)
+        m_freedTimer.start(freedPatience);
     m_notifier = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(m_connection.get()),
                                                    QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, &m_context,
@@ -189,6 +218,8 @@ void X11HotKeys::dispatch()
     m_hasNewMapping = false;
     m_grabs.readModifiers();
     m_rawKeys.setWatching(m_rawKeys.isWatching(), m_grabs.modifiers());
+    if (m_isWatchingForFreedKeys)
+        m_freedTimer.start(0ms);
     dispatchLater();
 }
 
@@ -205,6 +236,10 @@ void X11HotKeys::handle(const xcb_generic_event_t &event)
     }
     case XCB_MAPPING_NOTIFY:
         m_hasNewMapping = true;
+        break;
+    case XCB_DESTROY_NOTIFY:
+        if (m_isWatchingForFreedKeys)
+            m_freedTimer.start(freedDelay);
         break;
     case XCB_GE_GENERIC: {
         const auto &raw = reinterpret_cast<const xcb_input_raw_key_press_event_t &>(event);
@@ -327,6 +362,14 @@ void X11HotKeys::holdKeyboard()
         press.isGrabbed = true;
     // The release may have come between the question and the grab.
     m_holdTimer.start(holdDelay);
+}
+
+void X11HotKeys::tellMayBeFree()
+{
+    if (onMayBeFree)
+        onMayBeFree();
+    if (m_isWatchingForFreedKeys && !m_freedTimer.isActive())
+        m_freedTimer.start(freedPatience);
 }
 
 void X11HotKeys::ungrabKeyboard()

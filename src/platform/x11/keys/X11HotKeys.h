@@ -40,6 +40,8 @@ public:
     void setWatchingRawKeys(bool isOn) override;
     bool reportsRelease() const override { return true; }
     bool isTaken(KeyCombo combo) override;
+    void setWatchingForFreedKeys(bool isOn) override;
+    QString likelyHolder() const override;
 
     /// Keys are told from the main loop from now on, those pressed since the grabs first. Needs
     /// the application.
@@ -74,6 +76,7 @@ private:
     void noteKeysDown(quint32 id);
     void arm(quint32 id, xcb_keycode_t keycode, xcb_timestamp_t time);
     void holdKeyboard();
+    void tellMayBeFree();
     void ungrabKeyboard();
 
     Press *findPress(xcb_keycode_t keycode);
@@ -91,6 +94,8 @@ private:
     bool m_isLost = false;
     X11RawKeyFilter m_rawKeys;
     QTimer m_holdTimer;
+    QTimer m_freedTimer;
+    bool m_isWatchingForFreedKeys = false;
     QObject m_context; ///< of delayed calls
     std::unique_ptr<QSocketNotifier> m_notifier;
 };

@@ -196,6 +196,42 @@ private Q_SLOTS:
         QVERIFY(m_log.contains(QStringLiteral("down 2")));
     }
 
+    void tellsWhenWhatWasTakenMayBeFree_data()
+    {
+        QTest::addColumn<bool>("leaves");
+        QTest::newRow("a program with a window leaves") << true;
+        QTest::newRow("the modifiers have another map") << false;
+    }
+    void tellsWhenWhatWasTakenMayBeFree()
+    {
+        QFETCH(bool, leaves);
+        int calls = 0;
+        m_hotKeys->onMayBeFree = [&] { ++calls; };
+        auto other = std::make_unique<TestKeyboard>(qEnvironmentVariable("DISPLAY"));
+        other->holdElsewhere(30, XCB_MOD_MASK_CONTROL);
+        other->openWindow({50, 50}, false);
+        QVERIFY(m_hotKeys->grab(2, {0, 0x1000}) != 0);
+        m_hotKeys->setWatchingForFreedKeys(true);
+        QTest::qWait(500);
+        QCOMPARE(calls, 0);
+        if (leaves) {
+            other.reset();
+        } else {
+            run("setxkbmap", {"-layout", "us", "-option", "altwin:swap_alt_win"});
+            m_keyboard->tap(TestKeyboard::shift); // the server tells of the map with the next key
+        }
+        const bool isTold = waitUntil([&] { return calls > 0; });
+        run("setxkbmap", {"-option", ""});
+        QVERIFY(isTold);
+        other.reset();
+        QVERIFY(waitUntil([&] { return m_hotKeys->grab(2, {0, 0x1000}) == 0; }));
+        m_hotKeys->setWatchingForFreedKeys(false);
+        const int before = calls;
+        TestKeyboard(qEnvironmentVariable("DISPLAY")).openWindow({50, 50}, false);
+        QTest::qWait(600);
+        QCOMPARE(calls, before);
+    }
+
     void tellsThatTheServerWentAway()
     {
         XServer other;
