@@ -77,6 +77,7 @@ void X11HotKeys::setUpExtensions()
         const auto cookie =
             xcb_xkb_per_client_flags(connection, XCB_XKB_ID_USE_CORE_KBD, flag, flag, 0, 0, 0);
         xcb_discard_reply(connection, cookie.sequence);
+        selectKeyMap();
     }
     // Since 2.1, raw events come whoever holds the keyboard.
     const X11Reply<xcb_input_xi_query_version_reply_t> version(
@@ -85,6 +86,21 @@ void X11HotKeys::setUpExtensions()
         && std::pair<int, int>(version->major_version, version->minor_version) >= std::pair(2, 1))
         m_inputOpcode = xcb_get_extension_data(connection, &xcb_input_id)->major_opcode;
     xcb_flush(connection);
+}
+
+void X11HotKeys::selectKeyMap()
+{
+    // A client that has made itself known to this extension gets no core event for a new map.
+    xcb_connection_t *connection = m_connection.get();
+    m_mapEvent = xcb_get_extension_data(connection, &xcb_xkb_id)->first_event;
+    xcb_xkb_select_events_details_t details{};
+    details.affectNewKeyboard = XCB_XKB_NKN_DETAIL_KEYCODES;
+    details.newKeyboardDetails = XCB_XKB_NKN_DETAIL_KEYCODES;
+    constexpr quint16 map = XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
+    xcb_xkb_select_events_aux(connection, XCB_XKB_ID_USE_CORE_KBD,
+                              XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY
+                                  | XCB_XKB_EVENT_TYPE_MAP_NOTIFY,
+                              0, 0, map, map, &details);
 }
 
 int X11HotKeys::grab(quint32 id, KeyCombo combo)
@@ -252,6 +268,8 @@ void X11HotKeys::handle(const xcb_generic_event_t &event)
         break;
     }
     default:
+        if (m_mapEvent && (event.response_type & 0x7f) == m_mapEvent)
+            m_hasNewMapping = true;
         break;
     }
 }

@@ -62,6 +62,7 @@ private:
 
     explicit X11HotKeys(xcb_connection_t *connection);
     void setUpExtensions();
+    void selectKeyMap();
 
     void selectRawKeys();
     void setRawMask(quint32 mask);
@@ -85,6 +86,7 @@ private:
     std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> m_connection;
     xcb_window_t m_root = XCB_WINDOW_NONE;
     quint8 m_inputOpcode = 0; ///< 0 without raw events
+    quint8 m_mapEvent = 0; ///< 0 where only core events tell of a new map
     quint32 m_rawMask = 0;
     X11KeyGrabs m_grabs;
     std::vector<Press> m_presses;
