@@ -112,7 +112,7 @@ private:
             {"platform/x11/capture", {"platform/x11", "platform", "foundation"}},
             {"platform/x11/overlay", {"platform/x11/capture", "platform/x11", "platform"}},
             {"platform/x11/keys", {"platform/x11", "platform/linux", "platform", "foundation"}},
-            {"platform/x11/clipboard", {"platform/x11", "platform", "foundation"}},
+            {"platform/x11/clipboard", {"platform/x11", "platform/linux/clipboard"}},
             {"platform/x11/tray", {"platform/x11", "platform"}},
             {"platform/wayland", {"foundation"}},
             {"platform/wayland/keys", {"platform/linux", "platform", "foundation"}},

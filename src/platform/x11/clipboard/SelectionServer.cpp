@@ -71,7 +71,7 @@ SelectionServer::~SelectionServer()
     xcb_disconnect(m_connection);
 }
 
-bool SelectionServer::take(SelectionContent content, Readiness readiness, xcb_window_t onlyFrom)
+bool SelectionServer::takeFrom(xcb_window_t onlyFrom, SelectionContent content, Readiness readiness)
 {
     const xcb_timestamp_t time = currentTime();
     // Between the question and the answer nobody else may take it.

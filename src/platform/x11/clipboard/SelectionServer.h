@@ -3,8 +3,8 @@
 
 #pragma once
 
+#include "platform/linux/clipboard/Selection.h"
 #include "platform/x11/X11Reply.h"
-#include "platform/x11/clipboard/SelectionContent.h"
 
 #include <chrono>
 #include <functional>
@@ -18,34 +18,31 @@ namespace tovek {
 /// Owns the CLIPBOARD selection on a connection of its own and answers its readers, large contents
 /// piece by piece to any number of them at once. Knows no event loop: call `processEvents` when
 /// the file descriptor is readable. No call waits for a reader; some wait for the display server.
-class SelectionServer
+class SelectionServer : public Selection
 {
 public:
     /// Null when there is no display. An empty name is the display of the environment.
     static std::unique_ptr<SelectionServer> create(const std::string &displayName);
-    ~SelectionServer();
+    ~SelectionServer() override;
     SelectionServer(const SelectionServer &) = delete;
     SelectionServer &operator=(const SelectionServer &) = delete;
 
-    /// Takes the selection with content that is ready, or of which only the names are known yet:
-    /// requests then wait for `provide`. With `onlyFrom`, only when that window owns it now.
-    enum class Readiness { ready, awaited };
-    bool take(SelectionContent content, Readiness readiness,
-              xcb_window_t onlyFrom = XCB_WINDOW_NONE);
-    void provide(SelectionContent content);
-    /// Leaves the selection without an owner, whoever that is; requests that wait are refused.
-    void clear();
+    bool take(SelectionContent content, Readiness readiness) override
+    {
+        return takeFrom(XCB_WINDOW_NONE, std::move(content), readiness);
+    }
+    /// The same, but only when that window owns the selection now.
+    bool takeFrom(xcb_window_t owner, SelectionContent content, Readiness readiness);
+    void provide(SelectionContent content) override;
+    void clear() override;
 
-    bool isOwner() const { return m_isOwner; }
-    bool isTransferring() const { return !m_transfers.empty(); }
+    bool isOwner() const override { return m_isOwner; }
+    bool isTransferring() const override { return !m_transfers.empty(); }
     /// The owner of the selection in the eyes of the display server.
     xcb_window_t window() const { return m_window; }
     int fileDescriptor() const;
     bool isConnected() const;
     void processEvents();
-
-    /// Another program took the selection.
-    std::function<void()> onLost;
 
 private:
     /// A content on its way to one reader that takes the next piece when it has deleted the last.

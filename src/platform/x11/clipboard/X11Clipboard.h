@@ -3,17 +3,15 @@
 
 #pragma once
 
-#include "platform/Clipboard.h"
-#include "platform/x11/clipboard/ClipboardHolder.h"
+#include "platform/linux/clipboard/SelectionClipboard.h"
 #include "platform/x11/clipboard/SelectionServer.h"
 
 #include <QSocketNotifier>
 
 namespace tovek {
 
-/// The CLIPBOARD selection, owned by ourselves: the toolkit would offer a dozen forms of a picture
-/// beside PNG, and at its end wait seconds for a clipboard manager that may lose the picture.
-class X11Clipboard : public QObject, public Clipboard
+/// The CLIPBOARD selection.
+class X11Clipboard : public SelectionClipboard
 {
 public:
     /// Null without a display. `holder` is the program that keeps the clipboard after us. An empty
@@ -22,31 +20,20 @@ public:
                                                 const QString &display = {});
     ~X11Clipboard() override;
 
-    void clear() override;
-    void setText(const QString &text) override;
-    void setPng(QFuture<QByteArray> png) override;
-    /// Bytes that are still being made are waited for, for ten seconds at most, and so are readers
-    /// that are in the middle, for two.
-    void handOver() override;
-
     /// tovek-clipboard beside the program, or in its libexec folder.
     static QString standardHolder();
 
+protected:
+    QList<QByteArray> holderArguments() const override;
+    void processEvents() override { m_server.processEvents(); }
+    bool isConnected() const override { return m_server.isConnected(); }
+
 private:
-    X11Clipboard(std::unique_ptr<SelectionServer> server, QString holder, QString display);
+    X11Clipboard(std::unique_ptr<SelectionServer> server, const QString &holder, QString display);
 
-    void pngReady(quint64 generation, const QByteArray &png);
-    void forget();
-    void waitUntil(const std::function<bool()> &condition, std::chrono::milliseconds limit);
-
-    std::unique_ptr<SelectionServer> m_server;
+    SelectionServer &m_server; ///< the base class owns it
     QSocketNotifier m_notifier;
-    QString m_holder;
     QString m_display;
-    SelectionBytes m_bytes; ///< what `handOver` passes on; empty while a PNG is being made
-    HeldKind m_kind = HeldKind::text;
-    quint64 m_generation = 0; ///< counts contents, so that an old PNG does not replace a new one
-    bool m_isAwaiting = false;
 };
 
 } // namespace tovek

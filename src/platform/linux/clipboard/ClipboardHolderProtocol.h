@@ -4,8 +4,8 @@
 #pragma once
 
 /// What the program and the process that holds the clipboard after it agree on. The arguments are
-/// the display (empty: that of the environment), the window that owns the clipboard until now, and
-/// the kind of the bytes.
+/// the display (empty: that of the environment), on X11 the window that owns the clipboard until
+/// now, and the kind of the bytes.
 namespace tovek::HolderProtocol {
 
 inline constexpr int bytesDescriptor = 3; ///< a file whose whole content are the bytes

@@ -1,10 +1,10 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "platform/x11/clipboard/ClipboardHolder.h"
+#include "platform/linux/clipboard/ClipboardHolder.h"
 
 #include "foundation/Log.h"
-#include "platform/x11/clipboard/ClipboardHolderProtocol.h"
+#include "platform/linux/clipboard/ClipboardHolderProtocol.h"
 
 #include <QFile>
 
@@ -14,6 +14,7 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <vector>
 
 namespace tovek {
 
@@ -51,8 +52,7 @@ bool writeAll(int descriptor, const SelectionBytes &bytes)
 }
 
 /// The process, or an error number below zero.
-pid_t spawn(const QByteArray &program, const QByteArray &display, const QByteArray &owner,
-            HeldKind kind, int bytes)
+pid_t spawn(const QByteArray &program, const QList<QByteArray> &arguments, HeldKind kind, int bytes)
 {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
@@ -60,11 +60,14 @@ pid_t spawn(const QByteArray &program, const QByteArray &display, const QByteArr
     posix_spawn_file_actions_adddup2(&actions, bytes, HolderProtocol::bytesDescriptor);
     const char *const kindName =
         kind == HeldKind::png ? HolderProtocol::pngKind : HolderProtocol::textKind;
-    const char *const arguments[] = {program.constData(), display.constData(), owner.constData(),
-                                     kindName, nullptr};
+    std::vector<const char *> words{program.constData()};
+    for (const QByteArray &argument : arguments)
+        words.push_back(argument.constData());
+    words.push_back(kindName);
+    words.push_back(nullptr);
     pid_t process = -1;
     const int error = posix_spawn(&process, program.constData(), &actions, nullptr,
-                                  const_cast<char *const *>(arguments), environ);
+                                  const_cast<char *const *>(words.data()), environ);
     posix_spawn_file_actions_destroy(&actions);
     return error ? -error : process;
 }
@@ -95,15 +98,13 @@ bool failed(const QString &reason)
 
 } // namespace
 
-bool startClipboardHolder(const QString &program, const QString &display, xcb_window_t owner,
-                          HeldKind kind, const SelectionBytes &bytes,
-                          const std::function<void()> &meanwhile)
+bool startClipboardHolder(const QString &program, const QList<QByteArray> &arguments, HeldKind kind,
+                          const SelectionBytes &bytes, const std::function<void()> &meanwhile)
 {
     const FileDescriptor memory(memfd_create("clipboard", MFD_CLOEXEC));
     if (memory.get() < 0 || !writeAll(memory.get(), bytes))
         return failed(qt_error_string(errno));
-    const pid_t process = spawn(QFile::encodeName(program), display.toLocal8Bit(),
-                                QByteArray::number(owner), kind, memory.get());
+    const pid_t process = spawn(QFile::encodeName(program), arguments, kind, memory.get());
     if (process < 0)
         return failed(qt_error_string(-process));
     const std::optional<int> status = waitFor(process, meanwhile);

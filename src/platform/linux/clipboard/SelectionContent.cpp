@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "platform/x11/clipboard/SelectionContent.h"
+#include "platform/linux/clipboard/SelectionContent.h"
 
 namespace tovek {
 
