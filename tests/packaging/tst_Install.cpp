@@ -22,6 +22,7 @@ private Q_SLOTS:
         QTest::addColumn<bool>("isProgram");
         QTest::newRow("bin/tovek") << true;
         QTest::newRow("libexec/tovek/tovek-clipboard") << true;
+        QTest::newRow("libexec/tovek/tovek-clipboard-wayland") << true;
         QTest::newRow("libexec/tovek/tovek-ocr") << true;
         QTest::newRow("share/applications/org.tovek.Tovek.desktop") << false;
         QTest::newRow("share/dbus-1/services/org.tovek.Tovek.service") << false;

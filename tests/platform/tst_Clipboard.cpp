@@ -2,14 +2,20 @@
 // SPDX-License-Identifier: MIT
 
 #include "fakes/FakeClipboard.h"
+#ifdef TOVEK_WITH_X11
 #include "platform/x11/clipboard/X11Clipboard.h"
 #include "support/SelectionReader.h"
+#include "support/XServer.h"
+#endif
+#ifdef TOVEK_WITH_WAYLAND
+#include "platform/wayland/WaylandConnection.h"
+#include "platform/wayland/clipboard/DataControlClipboard.h"
+#include "support/WaylandClipboardReader.h"
+#include "support/WaylandDesktop.h"
+#endif
 
-#include <QFutureWatcher>
-#include <QProcess>
 #include <QPromise>
 #include <QRegularExpression>
-#include <QStandardPaths>
 #include <QTest>
 
 using namespace tovek;
@@ -39,6 +45,7 @@ private:
     FakeClipboard m_fake;
 };
 
+#ifdef TOVEK_WITH_X11
 class SeenX11 : public Seen
 {
 public:
@@ -69,6 +76,27 @@ private:
     QByteArray m_display;
     std::unique_ptr<X11Clipboard> m_clipboard;
 };
+#endif
+
+#ifdef TOVEK_WITH_WAYLAND
+class SeenWayland : public Seen
+{
+public:
+    explicit SeenWayland(WaylandDesktop &desktop)
+        : m_reader(desktop)
+        , m_clipboard(DataControlClipboard::create(WaylandConnection::open(), {}))
+    {
+    }
+    Clipboard &clipboard() override { return *m_clipboard; }
+    QStringList targets() override { return m_reader.targets(); }
+    QByteArray png() override { return m_reader.read("image/png"); }
+    QString text() override { return QString::fromUtf8(m_reader.read("UTF8_STRING")); }
+
+private:
+    WaylandClipboardReader m_reader;
+    std::unique_ptr<DataControlClipboard> m_clipboard;
+};
+#endif
 
 } // namespace
 
@@ -80,41 +108,44 @@ class TestClipboard : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        const QString program = QStandardPaths::findExecutable(QStringLiteral("Xvfb"));
-        if (program.isEmpty())
-            return;
-        m_server.setProgram(program);
-        m_server.setArguments(
-            {"-displayfd", "1", "-screen", "0", "640x480x24", "-noreset", "-nolisten", "tcp"});
-        m_server.start();
-        if (m_server.waitForReadyRead(10000))
-            m_display = ":" + m_server.readAllStandardOutput().trimmed();
+#ifdef TOVEK_WITH_X11
+        if (XServer::missing().isEmpty() && m_server.start())
+            m_display = m_server.displayName().toLatin1();
+#endif
+#ifdef TOVEK_WITH_WAYLAND
+        if (WaylandDesktop::missing().isEmpty() && m_desktop.start())
+            qputenv("WAYLAND_DISPLAY", m_desktop.socket().toLocal8Bit());
+#endif
     }
-    void cleanupTestCase()
+    void init()
     {
-        m_server.terminate();
-        m_server.waitForFinished(5000);
+        QTest::failOnWarning(QRegularExpression(".*"));
     }
-    void init() { QTest::failOnWarning(QRegularExpression(".*")); }
 
-    void isEmptyAfterClearing_data() { implementations(); }
+    void isEmptyAfterClearing_data()
+    {
+        implementations();
+    }
     void isEmptyAfterClearing()
     {
         const auto seen = make();
         if (!seen)
-            QSKIP("Xvfb is missing");
+            QSKIP("the window system is missing");
         seen->clipboard().setText(QStringLiteral("x"));
         seen->clipboard().clear();
         QCOMPARE(seen->targets(), QStringList());
         QCOMPARE(seen->text(), QString());
     }
 
-    void offersTextUnderItsNames_data() { implementations(); }
+    void offersTextUnderItsNames_data()
+    {
+        implementations();
+    }
     void offersTextUnderItsNames()
     {
         const auto seen = make();
         if (!seen)
-            QSKIP("Xvfb is missing");
+            QSKIP("the window system is missing");
         const QString text = QStringLiteral("naïve ☃ line one\nline two");
         seen->clipboard().setText(text);
         QCOMPARE(seen->targets(),
@@ -124,12 +155,15 @@ private Q_SLOTS:
         QCOMPARE(seen->png(), QByteArray());
     }
 
-    void offersAPngAndNothingElse_data() { implementations(); }
+    void offersAPngAndNothingElse_data()
+    {
+        implementations();
+    }
     void offersAPngAndNothingElse()
     {
         const auto seen = make();
         if (!seen)
-            QSKIP("Xvfb is missing");
+            QSKIP("the window system is missing");
         seen->clipboard().setText(QStringLiteral("before"));
         seen->clipboard().setPng(ready("the picture"));
         QCOMPARE(seen->targets(), QStringList("image/png"));
@@ -137,12 +171,15 @@ private Q_SLOTS:
         QCOMPARE(seen->text(), QString());
     }
 
-    void isTakenBeforeTheBytesAreReady_data() { implementations(); }
+    void isTakenBeforeTheBytesAreReady_data()
+    {
+        implementations();
+    }
     void isTakenBeforeTheBytesAreReady()
     {
         const auto seen = make();
         if (!seen)
-            QSKIP("Xvfb is missing");
+            QSKIP("the window system is missing");
         QPromise<QByteArray> promise;
         promise.start();
         seen->clipboard().setText(QStringLiteral("before"));
@@ -154,24 +191,30 @@ private Q_SLOTS:
         QCOMPARE(seen->png(), QByteArray("late"));
     }
 
-    void isLeftClearedByEmptyBytes_data() { implementations(); }
+    void isLeftClearedByEmptyBytes_data()
+    {
+        implementations();
+    }
     void isLeftClearedByEmptyBytes()
     {
         const auto seen = make();
         if (!seen)
-            QSKIP("Xvfb is missing");
+            QSKIP("the window system is missing");
         seen->clipboard().setText(QStringLiteral("before"));
         seen->clipboard().setPng(ready(QByteArray()));
         QCOMPARE(seen->targets(), QStringList());
         QCOMPARE(seen->png(), QByteArray());
     }
 
-    void keepsTheNewerContentWhenAnOlderPngIsLate_data() { implementations(); }
+    void keepsTheNewerContentWhenAnOlderPngIsLate_data()
+    {
+        implementations();
+    }
     void keepsTheNewerContentWhenAnOlderPngIsLate()
     {
         const auto seen = make();
         if (!seen)
-            QSKIP("Xvfb is missing");
+            QSKIP("the window system is missing");
         QPromise<QByteArray> promise;
         promise.start();
         seen->clipboard().setPng(promise.future());
@@ -186,16 +229,25 @@ private Q_SLOTS:
 private:
     static void implementations()
     {
-        QTest::addColumn<bool>("isReal");
-        QTest::newRow("fake") << false;
-        QTest::newRow("X11") << true;
+        QTest::addColumn<QString>("kind");
+        QTest::newRow("fake") << QStringLiteral("fake");
+        QTest::newRow("X11") << QStringLiteral("X11");
+        QTest::newRow("Wayland") << QStringLiteral("Wayland");
     }
     std::unique_ptr<Seen> make()
     {
-        QFETCH(bool, isReal);
-        if (!isReal)
+        QFETCH(QString, kind);
+        if (kind == QLatin1String("fake"))
             return std::make_unique<SeenFake>();
-        return m_display.isEmpty() ? nullptr : std::make_unique<SeenX11>(m_display);
+#ifdef TOVEK_WITH_X11
+        if (kind == QLatin1String("X11") && !m_display.isEmpty())
+            return std::make_unique<SeenX11>(m_display);
+#endif
+#ifdef TOVEK_WITH_WAYLAND
+        if (kind == QLatin1String("Wayland") && !m_desktop.socket().isEmpty())
+            return std::make_unique<SeenWayland>(m_desktop);
+#endif
+        return nullptr;
     }
     static QFuture<QByteArray> ready(const QByteArray &bytes)
     {
@@ -206,8 +258,13 @@ private:
         return promise.future();
     }
 
-    QProcess m_server;
+#ifdef TOVEK_WITH_X11
+    XServer m_server;
     QByteArray m_display;
+#endif
+#ifdef TOVEK_WITH_WAYLAND
+    WaylandDesktop m_desktop;
+#endif
 };
 
 QTEST_GUILESS_MAIN(TestClipboard)

@@ -93,6 +93,7 @@ void SelectionClipboard::pngReady(quint64 generation, const QByteArray &png)
 void SelectionClipboard::handOver()
 {
     waitUntil([this] { return !m_isAwaiting; }, encodingLimit);
+    catchUp();
     if (m_selection->isOwner() && m_bytes.size > 0) {
         // The readers that are in the middle are served until the end.
         const SelectionBytes bytes = m_bytes;

@@ -40,6 +40,8 @@ protected:
     virtual QList<QByteArray> holderArguments() const = 0;
     /// Handles what has arrived, without waiting.
     virtual void processEvents() = 0;
+    /// Handles everything that the window system knows by now.
+    virtual void catchUp() { processEvents(); }
     virtual bool isConnected() const = 0;
 
 private:
