@@ -6,6 +6,7 @@
 #include <QTest>
 
 #include <memory>
+#include <vector>
 
 namespace tovek {
 
@@ -29,6 +30,27 @@ std::unique_ptr<Desk> makeDesk()
     if (isReal)
         return std::make_unique<RealDesk>();
     return std::make_unique<FakeDesk>();
+}
+
+/// An implementation beside the fake, and why it cannot be had; empty when it can.
+struct RealImplementation
+{
+    const char *name;
+    QString missing;
+};
+
+/// The same where there are several real ones, told apart by `QFETCH_GLOBAL(QString,
+/// implementation)`.
+inline void addImplementations(const std::vector<RealImplementation> &real)
+{
+    QTest::addColumn<QString>("implementation");
+    QTest::newRow("fake") << QStringLiteral("fake");
+    for (const RealImplementation &one : real) {
+        if (one.missing.isEmpty())
+            QTest::newRow(one.name) << QString::fromLatin1(one.name);
+        else
+            qInfo("%s is left out: %s", one.name, qPrintable(one.missing));
+    }
 }
 
 } // namespace tovek

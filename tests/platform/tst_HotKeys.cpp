@@ -3,9 +3,17 @@
 
 #include "fakes/Contract.h"
 #include "fakes/FakeHotKeys.h"
+#ifdef TOVEK_WITH_X11
 #include "platform/x11/TestKeyboard.h"
 #include "platform/x11/keys/X11HotKeys.h"
 #include "support/XServer.h"
+#endif
+#ifdef TOVEK_WITH_WAYLAND
+#include "platform/wayland/keys/SwayHotKeys.h"
+#include "platform/wayland/keys/WaylandKeyboardLayout.h"
+#include "support/WaylandDesktop.h"
+#include "support/WaylandHand.h"
+#endif
 
 #include <QGuiApplication>
 #include <QTest>
@@ -29,6 +37,10 @@ public:
     virtual void repeat(KeyCombo combo) = 0;
     /// Control, Super and C.
     virtual void holdCopyElsewhere() = 0;
+    /// Caps Lock is pressed and let go. False where there is none.
+    virtual bool lock() { return false; }
+    /// False where a key can be taken over from others.
+    virtual bool refusesWhatOthersHold() const { return true; }
     /// Everything that the keys did has been told.
     virtual void settle() { }
 };
@@ -46,6 +58,7 @@ private:
     FakeHotKeys m_hotKeys;
 };
 
+#ifdef TOVEK_WITH_X11
 class X11Desk : public Desk
 {
 public:
@@ -67,6 +80,71 @@ private:
     std::unique_ptr<X11HotKeys> m_hotKeys;
     TestKeyboard m_keyboard;
 };
+#endif
+
+#ifdef TOVEK_WITH_WAYLAND
+/// The keys of the test by the symbols that they type without modifiers.
+QString chordOf(KeyCombo combo)
+{
+    QStringList names;
+    if (combo.carbonModifiers & 0x1000)
+        names << QStringLiteral("Control_L");
+    if (combo.carbonModifiers & 0x800)
+        names << QStringLiteral("Alt_L");
+    if (combo.carbonModifiers & 0x200)
+        names << QStringLiteral("Shift_L");
+    if (combo.carbonModifiers & 0x100)
+        names << QStringLiteral("Super_L");
+    switch (combo.carbonKeyCode) {
+    case 8:
+        return (names << QStringLiteral("c")).join('+');
+    case 9:
+        return (names << QStringLiteral("v")).join('+');
+    case 105:
+        return (names << QStringLiteral("Print")).join('+');
+    default:
+        qFatal("The test has no name for the key %u", combo.carbonKeyCode);
+    }
+}
+
+class SwayDesk : public Desk
+{
+public:
+    explicit SwayDesk(WaylandDesktop &desktop)
+        : m_desktop(desktop)
+        , m_hand(desktop.socket(), {1280, 800})
+        , m_layout(WaylandKeyboardLayout::create())
+        , m_hotKeys(SwayHotKeys::create(desktop.environment().value(QStringLiteral("SWAYSOCK")),
+                                        *m_layout))
+    {
+        m_hotKeys->startDispatching();
+    }
+    HotKeys &hotKeys() override { return *m_hotKeys; }
+    void press(KeyCombo combo) override { m_held = chordOf(combo), (void)m_hand.hold(m_held); }
+    void releaseKeys() override { (void)m_hand.letGo(m_held); }
+    void repeat(KeyCombo) override { QTest::qWait(1000); } // sway repeats after 600 ms
+    /// In the user's configuration; and bindings of its own do not keep it from being taken.
+    void holdCopyElsewhere() override
+    {
+        const QString path = m_desktop.home() + QStringLiteral("/sway.conf");
+        QFile file(path);
+        if (file.open(QIODevice::ReadOnly))
+            m_desktop.writeFile(path, file.readAll() + "\nbindsym Ctrl+Mod4+c exec true\n");
+        m_desktop.tell({QStringLiteral("reload")});
+        QTest::qWait(200); // the bindings are made again
+    }
+    bool lock() override { return m_hand.tap(QStringLiteral("Caps_Lock")); }
+    bool refusesWhatOthersHold() const override { return false; }
+    void settle() override { QTest::qWait(60); }
+
+private:
+    WaylandDesktop &m_desktop;
+    WaylandHand m_hand;
+    std::unique_ptr<WaylandKeyboardLayout> m_layout;
+    std::unique_ptr<SwayHotKeys> m_hotKeys;
+    QString m_held;
+};
+#endif
 
 } // namespace
 
@@ -76,17 +154,31 @@ class TestHotKeys : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase_data() { addImplementations(XServer::missing()); }
+    void initTestCase_data()
+    {
+        std::vector<RealImplementation> real;
+#ifdef TOVEK_WITH_X11
+        real.push_back({"x11", XServer::missing()});
+#endif
+#ifdef TOVEK_WITH_WAYLAND
+        real.push_back({"sway", WaylandDesktop::missing()});
+#endif
+        addImplementations(real);
+    }
 
     void init()
     {
         QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-        m_desk = makeDesk<Desk, FakeDesk, X11Desk>();
+        m_desk = makeDesk();
+        QVERIFY(m_desk);
         m_log.clear();
         keys().onPressed = [this](quint32 id) { m_log << QStringLiteral("down %1").arg(id); };
         keys().onReleased = [this](quint32 id) { m_log << QStringLiteral("up %1").arg(id); };
     }
-    void cleanup() { m_desk.reset(); }
+    void cleanup()
+    {
+        m_desk.reset();
+    }
 
     void tellsOfThePressAtOnceAndOfTheRelease()
     {
@@ -142,6 +234,8 @@ private Q_SLOTS:
 
     void refusesWhatAnotherProgramHolds()
     {
+        if (!m_desk->refusesWhatOthersHold())
+            QSKIP("Keys can be taken over here");
         m_desk->holdCopyElsewhere();
         QCOMPARE(keys().grab(1, copy), 10);
         QCOMPARE(keys().grab(2, paste), 0);
@@ -158,7 +252,10 @@ private Q_SLOTS:
         QCOMPARE(m_log, QStringList({QStringLiteral("down 1"), QStringLiteral("up 1")}));
     }
 
-    void refusesAKeyThatDoesNotExist() { QCOMPARE(keys().grab(1, {52, 0x1100}), 1); }
+    void refusesAKeyThatDoesNotExist()
+    {
+        QCOMPARE(keys().grab(1, {52, 0x1100}), 1);
+    }
 
     void knowsWhatIsTaken()
     {
@@ -169,6 +266,16 @@ private Q_SLOTS:
         QVERIFY(keys().isTaken(copy));
         tap(paste); // asking does no harm
         QCOMPARE(m_log.size(), 2);
+    }
+
+    void tellsOfATapWhateverTheLocksAre()
+    {
+        QCOMPARE(keys().grab(1, copy), 0);
+        if (!m_desk->lock())
+            QSKIP("No lock keys here");
+        tap(copy);
+        QVERIFY(m_desk->lock());
+        QCOMPARE(m_log, QStringList({QStringLiteral("down 1"), QStringLiteral("up 1")}));
     }
 
     void tellsNothingAfterTheEndOfAGrab()
@@ -224,7 +331,28 @@ private Q_SLOTS:
     }
 
 private:
-    HotKeys &keys() { return m_desk->hotKeys(); }
+    std::unique_ptr<Desk> makeDesk()
+    {
+        QFETCH_GLOBAL(QString, implementation);
+#ifdef TOVEK_WITH_X11
+        if (implementation == QLatin1String("x11"))
+            return std::make_unique<X11Desk>();
+#endif
+#ifdef TOVEK_WITH_WAYLAND
+        if (implementation == QLatin1String("sway")) {
+            m_desktop = std::make_unique<WaylandDesktop>();
+            if (!m_desktop->start())
+                return nullptr;
+            qputenv("WAYLAND_DISPLAY", m_desktop->socket().toLocal8Bit());
+            return std::make_unique<SwayDesk>(*m_desktop);
+        }
+#endif
+        return std::make_unique<FakeDesk>();
+    }
+    HotKeys &keys()
+    {
+        return m_desk->hotKeys();
+    }
     void press(KeyCombo combo)
     {
         m_desk->press(combo);
@@ -241,6 +369,9 @@ private:
         releaseKeys();
     }
 
+#ifdef TOVEK_WITH_WAYLAND
+    std::unique_ptr<WaylandDesktop> m_desktop;
+#endif
     std::unique_ptr<Desk> m_desk;
     QStringList m_log;
     int m_status = -1;
@@ -248,12 +379,14 @@ private:
 
 int main(int argc, char **argv)
 {
+#ifdef TOVEK_WITH_X11
     XServer server;
     if (XServer::missing().isEmpty()) {
         if (!server.start())
             qFatal("%s", qPrintable(server.error()));
         qputenv("DISPLAY", server.displayName().toLatin1());
     }
+#endif
     QGuiApplication application(argc, argv);
     TestHotKeys test;
     return QTest::qExec(&test, argc, argv);

@@ -67,6 +67,12 @@ xkb_level_index_t shiftedLevel(xkb_keymap *keymap, quint32 group, xkb_keycode_t 
     return level == XKB_LEVEL_INVALID ? 0 : level;
 }
 
+xkb_keymap *americanKeymap(xkb_context *context)
+{
+    const xkb_rule_names american{"evdev", "pc105", "us", "", ""};
+    return xkb_keymap_new_from_names(context, &american, XKB_KEYMAP_COMPILE_NO_FLAGS);
+}
+
 } // namespace
 
 void XkbKeymap::Free::operator()(xkb_context *context) const
@@ -102,6 +108,11 @@ bool XkbKeymap::setText(const char *text, quint32 activeGroup)
     return true;
 }
 
+void XkbKeymap::setAmerican()
+{
+    set(americanKeymap(m_context.get()), 0);
+}
+
 bool XkbKeymap::activate(quint32 group)
 {
     if (!m_keymap)
@@ -109,11 +120,8 @@ bool XkbKeymap::activate(quint32 group)
     const std::optional<quint32> latin = latinGroup(m_keymap.get(), group);
     if (latin)
         return std::exchange(m_group, *latin) != *latin;
-    if (!m_american) {
-        const xkb_rule_names american{"evdev", "pc105", "us", "", ""};
-        m_american.reset(
-            xkb_keymap_new_from_names(m_context.get(), &american, XKB_KEYMAP_COMPILE_NO_FLAGS));
-    }
+    if (!m_american)
+        m_american.reset(americanKeymap(m_context.get()));
     const quint32 used = m_american ? 0 : group;
     return std::exchange(m_group, used) != used;
 }

@@ -26,6 +26,8 @@ public:
     void set(xkb_keymap *keymap, quint32 activeGroup);
     /// From its text form, as compositors pass it. False when that cannot be understood.
     bool setText(const char *text, quint32 activeGroup);
+    /// Of a common American keyboard.
+    void setAmerican();
     void clear() { set(nullptr, 0); }
     bool isEmpty() const { return !m_keymap; }
     /// True when another layout names the keys now.
