@@ -11,6 +11,7 @@
 #include "platform/linux/TesseractRecognizer.h"
 #include "platform/linux/ocr/RecognitionModels.h"
 #include "reading/PageReading.h"
+#include "reading/RunReader.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
@@ -72,15 +73,17 @@ public:
     CachingEngine(const CachingEngine &) = delete;
     CachingEngine &operator=(const CachingEngine &) = delete;
 
-    std::optional<std::vector<EngineSymbol>> read(const LineStrip &strip) override
+    std::optional<std::vector<EngineSymbol>> read(const LineStrip &strip, Models models) override
     {
         QCryptographicHash hash(QCryptographicHash::Md5);
-        hash.addData(m_languages);
+        hash.addData(models == Models::english      ? QByteArray("eng")
+                         : models == Models::native ? "native " + m_languages
+                                                    : m_languages);
         hash.addData(
             {reinterpret_cast<const char *>(strip.grey.data()), qsizetype(strip.grey.size())});
         QByteArray &known = m_known[hash.result()];
         if (known.isEmpty())
-            known = ask(strip);
+            known = ask(strip, models);
         std::vector<EngineSymbol> symbols;
         QDataStream in(known);
         for (quint32 left = 0, count = (in >> left, left); count > 0; --count) {
@@ -92,8 +95,13 @@ public:
         return symbols;
     }
 
+    bool readsByWords() const override
+    {
+        return readByWords(QString::fromLatin1(m_languages).split('+'));
+    }
+
 private:
-    QByteArray ask(const LineStrip &strip)
+    QByteArray ask(const LineStrip &strip, Models models)
     {
         if (!m_engine)
             m_engine = EngineProcess::create(
@@ -101,7 +109,7 @@ private:
                  QFile::encodeName(modelFolder()), m_languages});
         QByteArray answer;
         QDataStream out(&answer, QIODevice::WriteOnly);
-        const auto symbols = m_engine ? m_engine->read(strip) : std::nullopt;
+        const auto symbols = m_engine ? m_engine->read(strip, models) : std::nullopt;
         if (!symbols)
             qFatal("The engine cannot be used.");
         out << quint32(symbols->size());
@@ -118,32 +126,33 @@ private:
     std::unique_ptr<LineEngine> m_engine;
 };
 
-QJsonObject runOf(const Page &page, std::size_t run, const std::vector<EngineSymbol> &read)
+QJsonObject runOf(const PageRun &run, const std::vector<ReadPiece> &pieces)
 {
     QString text;
     QJsonArray confidences;
-    for (const EngineSymbol &symbol : read) {
-        text += (symbol.startsWord ? QStringLiteral(" ") : QString()) + symbol.text;
-        confidences.append(int(symbol.confidence));
+    for (const ReadPiece &piece : pieces) {
+        for (const InkSymbol &symbol : piece.symbols) {
+            text += (symbol.startsWord ? QStringLiteral(" ") : QString()) + symbol.text;
+            confidences.append(int(symbol.confidence));
+        }
+        for (const ReadWord &word : piece.words)
+            text += QStringLiteral(" <%1>").arg(word.text);
     }
-    const LetterMetrics &metrics = page.metrics[run];
-    return {{"box", boxOf(page.runs[run].box)}, {"text", text},
-            {"confidences", confidences},       {"baseline", metrics.baseline},
-            {"cap", metrics.capHeight},         {"x", metrics.xHeight},
+    const LetterMetrics &metrics = run.metrics;
+    return {{"box", boxOf(run.text.box)},  {"text", text},
+            {"confidences", confidences},  {"baseline", metrics.baseline},
+            {"cap", metrics.capHeight},    {"x", metrics.xHeight},
             {"certain", metrics.isCertain}};
 }
 
 void readWith(CachingEngine &engine, const QString &path)
 {
     const Page page = pageOf(QImage(path).convertToFormat(QImage::Format_RGB32));
-    std::vector<std::vector<InkSymbol>> readings;
+    std::vector<std::vector<ReadPiece>> readings;
     QJsonArray runs;
-    for (std::size_t i = 0; i < page.runs.size(); ++i) {
-        const InkMap ink = evenInk(page.ink, page.runs[i], page.metrics[i]);
-        const LineStrip strip = lineStrip(ink, page.runs[i], page.metrics[i]);
-        const std::vector<EngineSymbol> symbols = engine.read(strip).value();
-        runs.append(runOf(page, i, symbols));
-        readings.push_back(symbolsOf(page, i, ink, strip, symbols));
+    for (const PageRun &run : page.runs) {
+        readings.push_back(readRun(page.ink, run.text, run.metrics, engine).value());
+        runs.append(runOf(run, readings.back()));
     }
     QJsonArray words;
     for (const auto &line : linesOf(page, std::move(readings))) {

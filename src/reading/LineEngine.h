@@ -25,10 +25,16 @@ struct EngineSymbol
 class LineEngine
 {
 public:
+    /// All that the desktop's languages need, the one for English alone, or all but that one.
+    enum class Models : std::uint8_t { all, english, native };
+
     virtual ~LineEngine() = default;
     /// From left to right, empty when the strip holds no text; nothing when the engine broke down
     /// or hangs and cannot be used any more.
-    [[nodiscard]] virtual std::optional<std::vector<EngineSymbol>> read(const LineStrip &strip) = 0;
+    [[nodiscard]] virtual std::optional<std::vector<EngineSymbol>> read(const LineStrip &strip,
+                                                                        Models models) = 0;
+    /// Whether a model is among all of them whose script is no row of letters (see Script).
+    virtual bool readsByWords() const { return false; }
 };
 
 } // namespace tovek

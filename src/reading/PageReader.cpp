@@ -4,6 +4,7 @@
 #include "reading/PageReader.h"
 
 #include "foundation/Log.h"
+#include "reading/RunReader.h"
 
 namespace tovek {
 
@@ -54,13 +55,11 @@ std::vector<std::vector<ReadWord>> PageReader::takeLines()
 
 bool PageReader::readRun(LineEngine &engine, std::size_t run)
 {
-    const LetterMetrics &metrics = m_page.metrics[run];
-    const InkMap ink = evenInk(m_page.ink, m_page.runs[run], metrics);
-    const LineStrip strip = lineStrip(ink, m_page.runs[run], metrics);
-    const auto symbols = engine.read(strip);
-    if (symbols)
-        m_readings[run] = symbolsOf(m_page, run, ink, strip, *symbols);
-    return symbols.has_value();
+    auto pieces =
+        tovek::readRun(m_page.ink, m_page.runs[run].text, m_page.runs[run].metrics, engine);
+    if (pieces)
+        m_readings[run] = std::move(*pieces);
+    return pieces.has_value();
 }
 
 } // namespace tovek

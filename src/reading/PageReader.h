@@ -35,7 +35,7 @@ private:
 
     Page m_page;
     std::shared_ptr<EnginePool> m_engines;
-    std::vector<std::vector<InkSymbol>> m_readings; ///< one a run
+    std::vector<std::vector<ReadPiece>> m_readings; ///< one a run
     std::atomic<std::size_t> m_nextRun = 0;
     std::atomic<int> m_lost = 0;
     std::atomic<bool> m_isUnreadable = false;

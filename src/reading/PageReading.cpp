@@ -9,6 +9,7 @@
 #include "reading/LookAlikes.h"
 #include "reading/PictureShapes.h"
 #include "reading/Plausibility.h"
+#include "reading/Scripts.h"
 #include "reading/SharedReadings.h"
 #include "reading/WordBreaks.h"
 
@@ -21,12 +22,12 @@ namespace tovek {
 
 namespace {
 
-double usualCap(const std::vector<LetterMetrics> &metrics)
+double usualCap(const std::vector<PageRun> &runs)
 {
     std::vector<double> heights;
-    for (const LetterMetrics &one : metrics) {
-        if (one.isCertain)
-            heights.push_back(one.capHeight);
+    for (const PageRun &run : runs) {
+        if (run.metrics.isCertain)
+            heights.push_back(run.metrics.capHeight);
     }
     if (heights.empty())
         return 0;
@@ -54,8 +55,56 @@ void add(Page &page, TextRun run)
     const TextRun strokes = strokesOf(even, run);
     if (const auto label = labelAfterIcon(even, strokes))
         return add(page, dividedAt(run, *label).second);
-    page.metrics.push_back(letterMetrics(strokes));
-    page.runs.push_back(std::move(run));
+    page.runs.push_back({std::move(run), letterMetrics(strokes)});
+}
+
+/// settleMetrics over the runs.
+void settle(std::vector<PageRun> &runs)
+{
+    std::vector<TextRun> texts;
+    std::vector<LetterMetrics> metrics;
+    for (const PageRun &run : runs) {
+        texts.push_back(run.text);
+        metrics.push_back(run.metrics);
+    }
+    settleMetrics(texts, metrics);
+    for (std::size_t i = 0; i < runs.size(); ++i)
+        runs[i].metrics = metrics[i];
+}
+
+/// What all pieces of a picture that were read letter by letter tell about each other.
+void compareReadings(std::vector<std::vector<ReadPiece>> &readings)
+{
+    std::vector<std::vector<InkSymbol>> symbols;
+    std::vector<LetterMetrics> metrics;
+    for (std::vector<ReadPiece> &pieces : readings) {
+        for (ReadPiece &piece : pieces) {
+            symbols.push_back(std::move(piece.symbols));
+            metrics.push_back(piece.metrics);
+        }
+    }
+    shareReadings(symbols, metrics);
+    countHyphens(symbols, metrics);
+    breakAllWords(symbols, metrics);
+    auto next = symbols.begin();
+    for (std::vector<ReadPiece> &pieces : readings) {
+        for (ReadPiece &piece : pieces)
+            piece.symbols = std::move(*next++);
+    }
+}
+
+/// The words of a piece, without what is no text.
+std::vector<ReadWord> wordsOf(ReadPiece &piece)
+{
+    if (!piece.words.empty())
+        return std::move(piece.words);
+    erasePictures(piece.symbols, piece.metrics);
+    settleLookAlikes(piece.symbols, piece.metrics);
+    std::vector<ReadWord> words = readWords(piece.symbols);
+    dropPictures(words, piece.metrics);
+    if (piece.isInRightToLeft && words.size() == 1)
+        words.front().text = withMarksBehind(words.front().text);
+    return words;
 }
 
 } // namespace
@@ -66,42 +115,32 @@ Page pageOf(const QImage &image)
     page.ink = inkMapOf(image);
     for (TextRun &run : textRuns(inkPatches(page.ink, faintestInk)))
         add(page, std::move(run));
-    settleMetrics(page.runs, page.metrics);
+    settle(page.runs);
     page.widestFirst.resize(page.runs.size());
     std::iota(page.widestFirst.begin(), page.widestFirst.end(), std::size_t(0));
     std::sort(page.widestFirst.begin(), page.widestFirst.end(), [&](std::size_t a, std::size_t b) {
-        return page.runs[a].box.width() > page.runs[b].box.width();
+        return page.runs[a].text.box.width() > page.runs[b].text.box.width();
     });
     return page;
 }
 
-std::vector<InkSymbol> symbolsOf(const Page &page, std::size_t run, const InkMap &ink,
-                                 const LineStrip &strip, const std::vector<EngineSymbol> &read)
-{
-    std::vector<InkSymbol> symbols =
-        alignedSymbols(read, strip, inkSegments(ink, page.runs[run]), page.metrics[run]);
-    nameTildes(symbols, ink, page.runs[run], page.metrics[run]);
-    takeGlyphs(symbols, ink, page.runs[run]);
-    return symbols;
-}
-
 std::vector<std::vector<ReadWord>> linesOf(const Page &page,
-                                           std::vector<std::vector<InkSymbol>> readings)
+                                           std::vector<std::vector<ReadPiece>> readings)
 {
-    shareReadings(readings, page.metrics);
-    countHyphens(readings, page.metrics);
-    breakAllWords(readings, page.metrics);
-    const double cap = usualCap(page.metrics);
+    compareReadings(readings);
+    const double cap = usualCap(page.runs);
     std::vector<std::vector<ReadWord>> lines;
     for (std::size_t i = 0; i < readings.size(); ++i) {
-        erasePictures(readings[i], page.metrics[i]);
-        settleLookAlikes(readings[i], page.metrics[i]);
-        std::vector<ReadWord> words = readWords(readings[i]);
-        dropPictures(words, page.metrics[i]);
-        if (words.empty() || isPictureRun(page.runs[i], words, page.metrics[i], cap))
+        const auto &[text, metrics] = page.runs[i];
+        std::vector<ReadWord> line;
+        for (ReadPiece &piece : readings[i]) {
+            std::vector<ReadWord> words = wordsOf(piece);
+            line.insert(line.end(), words.begin(), words.end());
+        }
+        if (line.empty() || isPictureRun(text, line, metrics, cap))
             continue;
-        makeLineHigh(words, page.metrics[i], page.ink.size);
-        lines.push_back(std::move(words));
+        makeLineHigh(line, metrics, page.ink.size);
+        lines.push_back(std::move(line));
     }
     return lines;
 }

@@ -40,6 +40,10 @@ constexpr double leastFlat = 0.4;
 constexpr double mostInk = 0.64;
 constexpr int leastContrast = 12;
 
+/// In pixels, and of its bounding box.
+constexpr int highestWord = 110;
+constexpr double leastInkOfWord = 0.2;
+
 struct FlatArea
 {
     QRect box;
@@ -48,6 +52,8 @@ struct FlatArea
     int inner = 0; ///< pixels with all four neighbours in the same area
     int longestRow = 0;
     int longestColumn = 0;
+    int firstLongRow = -1; ///< y of the rows with a long stretch
+    int lastLongRow = -1;
 
     /// Called for the pixels on its border.
     void meet(int x, int y, const QImage &image)
@@ -55,9 +61,19 @@ struct FlatArea
         box |= QRect(x, y, 1, 1);
         color = reinterpret_cast<const QRgb *>(image.constScanLine(y))[x];
     }
+    /// The line that joins the letters of a word in Hindi: one long stroke with much hanging from
+    /// it. A frame has another one on its far side, and little ink for its size.
+    bool isHeadline() const
+    {
+        return longestColumn < longStretch && box.height() <= highestWord
+            && (lastLongRow - firstLongRow + 1) * 3 <= box.height()
+            && area >= box.width() * box.height() * leastInkOfWord;
+    }
     Surface kind() const
     {
         if (std::max(longestRow, longestColumn) < longStretch)
+            return Surface::other;
+        if (isHeadline())
             return Surface::other;
         return inner * 5 < area ? Surface::rule : Surface::background;
     }
@@ -124,6 +140,10 @@ void Surfaces::measure(std::uint32_t count)
             if (!isInner || x == 0 || y == 0 || x + 1 == width || y + 1 == height)
                 area.meet(x, y, m_image);
             area.longestRow = std::max(area.longestRow, row);
+            if (row >= longStretch) {
+                area.firstLongRow = area.firstLongRow < 0 ? y : area.firstLongRow;
+                area.lastLongRow = y;
+            }
             area.longestColumn = std::max(area.longestColumn, columns[x]);
         }
     }

@@ -70,7 +70,7 @@ private Q_SLOTS:
         painter.end();
         const Page page = pageOf(image);
         QCOMPARE(page.runs.size(), std::size_t(1));
-        const int left = page.runs.front().box.left();
+        const int left = page.runs.front().text.box.left();
         QVERIFY2(isIcon ? std::abs(left - label) <= 3 : left < label - 3,
                  qPrintable(QString::number(left)));
     }

@@ -163,6 +163,20 @@ private Q_SLOTS:
         QVERIFY(patches.front().box.width() >= 26 + stroke - 1);
     }
 
+    void keepsWordsThatHangOnALine()
+    {
+        // As in Hindi: stems below one stroke, wider than any in Latin letters.
+        QImage image(200, 60, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.fillRect(20, 20, 90, 3, Qt::black);
+        for (int x = 24; x < 110; x += 12)
+            painter.fillRect(x, 20, 4, 20, Qt::black);
+        painter.end();
+        const InkMap map = inkMapOf(image);
+        QCOMPARE(int(map.at(60, 21)), 255);
+        QCOMPARE(int(map.at(25, 30)), 255);
+    }
     void keepsLettersOnUnderlines()
     {
         QImage image(200, 40, QImage::Format_RGB32);

@@ -22,7 +22,7 @@ public:
         , m_broken(std::move(broken))
     {
     }
-    std::optional<std::vector<EngineSymbol>> read(const LineStrip &strip) override
+    std::optional<std::vector<EngineSymbol>> read(const LineStrip &strip, Models) override
     {
         if (m_broken.contains((*m_linesRead)++))
             return std::nullopt;

@@ -4,6 +4,7 @@
 #include "platform/linux/ocr/EngineProcess.h"
 
 #include "platform/linux/ocr/LineProtocol.h"
+#include "platform/linux/ocr/RecognitionModels.h"
 
 #include <QDeadlineTimer>
 
@@ -24,6 +25,8 @@ namespace {
 using namespace LineProtocol;
 
 static_assert(LineStrip::height == stripHeight);
+static_assert(int(LineEngine::Models::english) == english
+              && int(LineEngine::Models::native) == native);
 
 /// One exchange with the process, which must be over by a deadline.
 class Exchange
@@ -119,17 +122,18 @@ std::unique_ptr<LineEngine> EngineProcess::create(const EngineSetup &setup)
         ::close(sockets[0]);
         return nullptr;
     }
-    std::unique_ptr<EngineProcess> engine(new EngineProcess(sockets[0], child, setup.patience));
+    std::unique_ptr<EngineProcess> engine(new EngineProcess(sockets[0], child, setup));
     char isReady = 0;
     if (!Exchange(sockets[0], setup.patience).receive(&isReady, 1) || isReady != 1)
         return nullptr;
     return engine;
 }
 
-EngineProcess::EngineProcess(int socket, int processId, std::chrono::milliseconds patience)
+EngineProcess::EngineProcess(int socket, int processId, const EngineSetup &setup)
     : m_socket(socket)
     , m_processId(processId)
-    , m_patience(patience)
+    , m_patience(setup.patience)
+    , m_readsByWords(readByWords(QString::fromLatin1(setup.languages).split('+')))
 {
 }
 
@@ -140,12 +144,12 @@ EngineProcess::~EngineProcess()
     while (::waitpid(m_processId, nullptr, 0) < 0 && errno == EINTR) { }
 }
 
-std::optional<std::vector<EngineSymbol>> EngineProcess::read(const LineStrip &strip)
+std::optional<std::vector<EngineSymbol>> EngineProcess::read(const LineStrip &strip, Models models)
 {
     std::vector<EngineSymbol> result;
     if (strip.width <= 0 || strip.width > int(widestStrip))
         return result;
-    const LineRequest request{std::uint32_t(strip.width)};
+    const LineRequest request{std::uint32_t(strip.width), std::uint32_t(models)};
     LineReply reply;
     Exchange exchange(m_socket, m_patience);
     if (!exchange.send(&request, sizeof(request))

@@ -36,15 +36,17 @@ public:
     EngineProcess(const EngineProcess &) = delete;
     EngineProcess &operator=(const EngineProcess &) = delete;
 
-    std::optional<std::vector<EngineSymbol>> read(const LineStrip &strip) override;
+    std::optional<std::vector<EngineSymbol>> read(const LineStrip &strip, Models models) override;
+    bool readsByWords() const override { return m_readsByWords; }
     int processId() const { return m_processId; }
 
 private:
-    EngineProcess(int socket, int processId, std::chrono::milliseconds patience);
+    EngineProcess(int socket, int processId, const EngineSetup &setup);
 
     int m_socket;
     int m_processId;
     std::chrono::milliseconds m_patience;
+    bool m_readsByWords;
 };
 
 } // namespace tovek

@@ -17,9 +17,13 @@ namespace tovek::LineProtocol {
 inline constexpr std::uint32_t stripHeight = 36;
 inline constexpr std::uint32_t widestStrip = 1U << 15;
 
+/// With which of the process's models a line is read: all, the English one, all others.
+enum Models : std::uint32_t { all, english, native };
+
 struct LineRequest
 {
     std::uint32_t width = 0; ///< stripHeight rows of so many bytes follow
+    std::uint32_t models = 0; ///< one of those below
 };
 
 struct LineReply

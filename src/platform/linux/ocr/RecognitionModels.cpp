@@ -6,6 +6,8 @@
 #include <QDir>
 #include <QHash>
 
+#include <algorithm>
+
 namespace tovek {
 
 namespace {
@@ -61,6 +63,16 @@ QStringList modelsFor(const QStringList &languages, const QStringList &installed
     if (installed.contains(english) && !models.contains(english))
         models += english;
     return models;
+}
+
+bool readByWords(const QStringList &models)
+{
+    static const QStringList all = QStringLiteral("amh ara asm ben bod chi_sim chi_tra fas guj heb "
+                                                  "hin jpn kan khm kor lao mal mar mya nep ori pan "
+                                                  "san sin tam tel tha urd yid")
+                                       .split(' ');
+    return std::any_of(models.begin(), models.end(),
+                       [](const QString &model) { return all.contains(model); });
 }
 
 QString modelFolder()

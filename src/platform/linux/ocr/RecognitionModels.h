@@ -14,6 +14,9 @@ QString modelNameOf(const QString &language);
 /// desktop shows too. `languages` as from QLocale::uiLanguages.
 QStringList modelsFor(const QStringList &languages, const QStringList &installed);
 
+/// Whether one of the models is for a script that is read by words (see Script in reading/).
+bool readByWords(const QStringList &models);
+
 /// Where the engine's models lie: the folder that the engine's own environment variable names,
 /// or the distributions' folders. Empty when there is none.
 QString modelFolder();

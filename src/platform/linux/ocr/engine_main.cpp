@@ -51,6 +51,48 @@ bool open(tesseract::TessBaseAPI &api, const char *folder, const char *languages
     return true;
 }
 
+/// The engine with all models, and those with some of them, which are loaded when they are first
+/// asked for: a desktop in a Latin script never needs them.
+class Engines
+{
+public:
+    Engines(const char *folder, std::string languages, tesseract::TessBaseAPI &all)
+        : m_folder(folder)
+        , m_languages(std::move(languages))
+        , m_all(all)
+    {
+    }
+    /// The one with all models where there is no other.
+    tesseract::TessBaseAPI &with(std::uint32_t models)
+    {
+        const std::string other = "+eng";
+        const auto at = m_languages.rfind(other);
+        if (models == all || at == std::string::npos || at + other.size() != m_languages.size())
+            return m_all;
+        Loaded &loaded = models == english ? m_english : m_native;
+        if (!loaded.isTried) {
+            loaded.isTried = true;
+            auto api = std::make_unique<tesseract::TessBaseAPI>();
+            const std::string chosen = models == english ? "eng" : m_languages.substr(0, at);
+            if (open(*api, m_folder, chosen.c_str()))
+                loaded.api = std::move(api);
+        }
+        return loaded.api ? *loaded.api : m_all;
+    }
+
+private:
+    struct Loaded
+    {
+        std::unique_ptr<tesseract::TessBaseAPI> api;
+        bool isTried = false;
+    };
+    const char *m_folder;
+    std::string m_languages;
+    tesseract::TessBaseAPI &m_all;
+    Loaded m_english;
+    Loaded m_native;
+};
+
 Symbol symbolAt(const tesseract::ResultIterator &it, const char *text)
 {
     Symbol symbol;
@@ -97,12 +139,14 @@ int main(int argc, char **argv)
     const char isReady = open(api, argv[1], argv[2]) ? 1 : 0;
     if (!sendAll(&isReady, 1) || !isReady)
         return 1;
+    Engines engines(argv[1], argv[2], api);
     LineRequest request;
     while (readAll(socketFd, &request, sizeof(request)) && request.width <= widestStrip) {
         std::vector<unsigned char> grey(std::size_t(request.width) * stripHeight);
         if (!readAll(socketFd, grey.data(), grey.size()))
             break;
-        const std::vector<Symbol> symbols = read(api, grey, int(request.width));
+        const std::vector<Symbol> symbols =
+            read(engines.with(request.models), grey, int(request.width));
         const LineReply reply{std::uint32_t(symbols.size())};
         if (!sendAll(&reply, sizeof(reply))
             || !sendAll(symbols.data(), symbols.size() * sizeof(Symbol)))

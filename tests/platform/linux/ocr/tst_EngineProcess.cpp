@@ -47,7 +47,7 @@ private Q_SLOTS:
         timer.start();
         int lines = 0;
         while (timer.elapsed() < 3000) {
-            const auto symbols = engine->read(strip(50));
+            const auto symbols = engine->read(strip(50), LineEngine::Models::all);
             QVERIFY2(symbols, qPrintable(QString::number(lines)));
             QCOMPARE(symbols->size(), std::size_t(1));
             QCOMPARE(symbols->front().text, QString("a"));
@@ -69,7 +69,7 @@ private Q_SLOTS:
         QVERIFY(engine);
         QElapsedTimer timer;
         timer.start();
-        QVERIFY(!engine->read(strip(width)));
+        QVERIFY(!engine->read(strip(width), LineEngine::Models::all));
         QVERIFY(timer.elapsed() >= 499);
     }
 
@@ -81,7 +81,7 @@ private Q_SLOTS:
         QVERIFY(engine);
         QElapsedTimer timer;
         timer.start();
-        QVERIFY(!engine->read(strip(50)));
+        QVERIFY(!engine->read(strip(50), LineEngine::Models::all));
         QVERIFY(timer.elapsed() < 30000);
     }
 
@@ -91,7 +91,7 @@ private Q_SLOTS:
         QVERIFY(engine);
         QElapsedTimer timer;
         timer.start();
-        QVERIFY(!engine->read(strip(50)));
+        QVERIFY(!engine->read(strip(50), LineEngine::Models::all));
         QVERIFY(timer.elapsed() < 30000); // not after waiting for all of it
     }
 
@@ -101,7 +101,7 @@ private Q_SLOTS:
         QVERIFY(engine);
         const int process = static_cast<EngineProcess &>(*engine).processId();
         QCOMPARE(::kill(process, 0), 0);
-        QVERIFY(!engine->read(strip(50)));
+        QVERIFY(!engine->read(strip(50), LineEngine::Models::all));
         engine.reset();
         QCOMPARE(::kill(process, 0), -1);
     }

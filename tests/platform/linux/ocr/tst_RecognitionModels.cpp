@@ -44,6 +44,14 @@ private Q_SLOTS:
         QTEST(modelNameOf(language), "expected");
     }
 
+    void tellsModelsThatAreReadByWords()
+    {
+        QVERIFY(readByWords({"deu", "ara", "eng"}));
+        QVERIFY(readByWords({"chi_sim"}));
+        QVERIFY(!readByWords({"rus", "ell", "eng"}));
+        QVERIFY(!readByWords({}));
+    }
+
     void takesTheUsersInstalledLanguagesAndEnglish_data()
     {
         QTest::addColumn<QStringList>("languages");
