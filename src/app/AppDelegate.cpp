@@ -15,6 +15,7 @@
 #include "overlay/OverlayPicture.h"
 #include "platform/Clock.h"
 #include "platform/FrontmostApp.h"
+#include "platform/LockSignals.h"
 #include "platform/Platform.h"
 #include "update/UpdaterManager.h"
 
@@ -50,6 +51,8 @@ AppDelegate::AppDelegate(Platform &platform, UserDefaults &defaults, AppState &s
             return m_overlayController.frozenPixels(native);
         };
     m_platform.overlayShell->onLocker = [this] { m_overlayController.giveWayToLocker(); };
+    if (m_platform.lockSignals)
+        m_platform.lockSignals->onLocking = m_platform.overlayShell->onLocker;
     m_platform.overlayShell->onMouseHeld = [this] { m_overlayController.tellHeldMouse(); };
     m_updaterManager.updaterController().updater().onFailed = [this](const QString &text) {
         tellFailure(text);
@@ -59,6 +62,8 @@ AppDelegate::AppDelegate(Platform &platform, UserDefaults &defaults, AppState &s
 AppDelegate::~AppDelegate()
 {
     m_platform.overlayShell->onLocker = nullptr;
+    if (m_platform.lockSignals)
+        m_platform.lockSignals->onLocking = nullptr;
     m_platform.overlayShell->onMouseHeld = nullptr;
 }
 

@@ -9,10 +9,12 @@
 #include "platform/linux/AutostartLoginItem.h"
 #include "platform/linux/CanberraSoundOutput.h"
 #include "platform/linux/DBusFileRevealer.h"
+#include "platform/linux/DBusLockSignals.h"
 #include "platform/linux/DBusNotifications.h"
 #include "platform/linux/DBusSingleInstance.h"
 #include "platform/linux/DesktopShortcuts.h"
 #include "platform/linux/QtClock.h"
+#include "platform/linux/SessionBus.h"
 #include "platform/linux/StatusNotifierItem.h"
 #include "platform/linux/TesseractRecognizer.h"
 #include "platform/null/NullCapturePermission.h"
@@ -63,6 +65,15 @@ std::unique_ptr<CapturePermission> refuseToCapture()
          QStringLiteral("Log in, and start Tovek again")}});
 }
 
+/// A service that follows the bus.
+template <typename Service>
+std::unique_ptr<Service> onBus(const SessionBus &bus)
+{
+    auto service = std::make_unique<Service>(bus.connection());
+    QObject::connect(&bus, &SessionBus::changed, service.get(), &Service::setBus);
+    return service;
+}
+
 #ifdef TOVEK_WITH_X11
 constexpr std::chrono::seconds unfinishedLimit(5);
 
@@ -92,7 +103,7 @@ bool openX11Keyboard(EarlyPlatform &early)
 }
 
 /// False where the session is not one of X11.
-bool addX11Desktop(Platform &platform)
+bool addX11Desktop(Platform &platform, const SessionBus &bus)
 {
     const std::shared_ptr<X11Connection> connection = X11Connection::create();
     auto clipboard = X11Clipboard::create();
@@ -114,7 +125,7 @@ bool addX11Desktop(Platform &platform)
     // The area of the X server first: it alone lets a thumbnail be dragged out.
     std::vector<std::unique_ptr<Tray>> trays;
     trays.push_back(X11TrayItem::create());
-    trays.push_back(std::make_unique<StatusNotifierItem>());
+    trays.push_back(onBus<StatusNotifierItem>(bus));
     platform.tray = std::make_unique<FirstTray>(std::move(trays));
     // The toolkit, should it be the first to miss its server, calls exit by itself.
     std::atexit(&waitForUnfinished);
@@ -128,7 +139,7 @@ bool openX11Keyboard(EarlyPlatform &)
     return false;
 }
 
-bool addX11Desktop(Platform &)
+bool addX11Desktop(Platform &, const SessionBus &)
 {
     return false;
 }
@@ -152,7 +163,11 @@ EarlyPlatform::EarlyPlatform(EarlyPlatform &&) noexcept = default;
 EarlyPlatform makeEarlyPlatform()
 {
     EarlyPlatform early;
-    early.singleInstance = std::make_unique<DBusSingleInstance>();
+    early.bus = std::make_unique<SessionBus>();
+    auto instance = std::make_unique<DBusSingleInstance>();
+    QObject::connect(early.bus.get(), &SessionBus::changed, instance.get(),
+                     &DBusSingleInstance::setBus);
+    early.singleInstance = std::move(instance);
     return early;
 }
 
@@ -166,6 +181,7 @@ void openKeyboard(EarlyPlatform &early)
 
 Platform makePlatform(EarlyPlatform &early)
 {
+    early.bus->startWatching();
     Platform platform;
     platform.clock = std::make_unique<QtClock>();
     platform.hotKeys = std::move(early.hotKeys);
@@ -174,10 +190,11 @@ Platform makePlatform(EarlyPlatform &early)
         AutostartLoginItem::standardFolder(), AutostartLoginItem::standardProgram());
     platform.systemShortcuts = std::make_unique<DesktopShortcuts>(
         qEnvironmentVariable("XDG_CURRENT_DESKTOP"), *platform.keyboardLayout);
-    platform.notifications = std::make_unique<DBusNotifications>();
-    platform.fileRevealer = std::make_unique<DBusFileRevealer>();
+    platform.notifications = onBus<DBusNotifications>(*early.bus);
+    platform.lockSignals = onBus<DBusLockSignals>(*early.bus);
+    platform.fileRevealer = onBus<DBusFileRevealer>(*early.bus);
     platform.textRecognizer = std::make_unique<TesseractRecognizer>();
-    if (!isWithoutDesktop() && addX11Desktop(platform))
+    if (!isWithoutDesktop() && addX11Desktop(platform, *early.bus))
         return platform;
     if (!isWithoutDesktop())
         logLine(QStringLiteral("No X server to work with: shortcuts, screens and the clipboard "

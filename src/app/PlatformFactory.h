@@ -7,6 +7,7 @@
 
 namespace tovek {
 
+class SessionBus;
 class SingleInstance;
 
 /// What works before there is an application: the claim to be the only instance, and the keyboard.
@@ -18,6 +19,7 @@ struct EarlyPlatform
     ~EarlyPlatform();
     EarlyPlatform(EarlyPlatform &&) noexcept;
 
+    std::unique_ptr<SessionBus> bus;
     std::unique_ptr<SingleInstance> singleInstance;
     std::unique_ptr<HotKeys> hotKeys;
     std::unique_ptr<KeyboardLayout> keyboardLayout;

@@ -10,6 +10,7 @@
 #include "platform/FrontmostApp.h"
 #include "platform/HotKeys.h"
 #include "platform/KeyboardLayout.h"
+#include "platform/LockSignals.h"
 #include "platform/LoginItem.h"
 #include "platform/Notifications.h"
 #include "platform/OverlaySurface.h"

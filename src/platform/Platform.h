@@ -14,6 +14,7 @@ class FileRevealer;
 class FrontmostApp;
 class HotKeys;
 class KeyboardLayout;
+class LockSignals;
 class LoginItem;
 class Notifications;
 class OverlayShell;
@@ -50,6 +51,7 @@ struct Platform
     std::unique_ptr<SoundOutput> soundOutput;
     std::unique_ptr<Notifications> notifications;
     std::unique_ptr<FileRevealer> fileRevealer;
+    std::unique_ptr<LockSignals> lockSignals;
     std::unique_ptr<Tray> tray;
     std::unique_ptr<TextRecognizer> textRecognizer;
     std::unique_ptr<SystemShortcuts> systemShortcuts;

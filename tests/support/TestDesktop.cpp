@@ -142,9 +142,11 @@ bool TestDesktop::startBus()
         || !writeFile(configuration,
                       QString::fromLatin1(busConfiguration).arg(socket, services()).toUtf8()))
         return fail(QStringLiteral("cannot write ") + configuration);
-    if (!this->run(QStringLiteral("dbus-daemon"),
-                   {QStringLiteral("--config-file=") + configuration, QStringLiteral("--nofork"),
-                    QStringLiteral("--nopidfile")}))
+    QFile::remove(socket);
+    m_bus = this->run(QStringLiteral("dbus-daemon"),
+                      {QStringLiteral("--config-file=") + configuration, QStringLiteral("--nofork"),
+                       QStringLiteral("--nopidfile")});
+    if (!m_bus)
         return false;
     if (!waitUntil([&] { return QFile::exists(socket); }))
         return fail(QStringLiteral("dbus-daemon did not get ready"));

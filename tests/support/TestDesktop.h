@@ -43,6 +43,10 @@ public:
     QString error() const { return m_error; }
 
     XServer &server() { return m_server; }
+    /// The session bus; null where there is none.
+    Program *bus() const { return m_bus; }
+    /// A new one in the place of one that has died.
+    [[nodiscard]] bool startBus();
     QString displayName() const { return m_server.displayName(); }
     /// What programs on this desktop are started with; nothing of the test's own session.
     const QProcessEnvironment &environment() const { return m_environment; }
@@ -68,7 +72,6 @@ public:
 
 private:
     bool fail(const QString &error);
-    bool startBus();
     bool startWindowManager();
     bool setMonitors();
 
@@ -81,6 +84,7 @@ private:
     /// manager then took a picture for the window that it had been tried with, and kept its size.
     std::unique_ptr<XConnection> m_watcher;
     std::vector<std::unique_ptr<Program>> m_programs;
+    Program *m_bus = nullptr;
 };
 
 } // namespace tovek

@@ -21,6 +21,8 @@ void DBusFileRevealer::activateFileViewer(const QUrl &file)
 {
     if (!file.isLocalFile())
         return;
+    if (!m_bus.isConnected())
+        return openFolder(file.adjusted(QUrl::RemoveFilename));
     QDBusMessage message = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.FileManager1"),
         QStringLiteral("/org/freedesktop/FileManager1"),

@@ -17,6 +17,7 @@ class DBusFileRevealer : public QObject, public FileRevealer
 {
 public:
     explicit DBusFileRevealer(QDBusConnection bus = QDBusConnection::sessionBus());
+    void setBus(const QDBusConnection &bus) { m_bus = bus; }
 
     void activateFileViewer(const QUrl &file) override;
 

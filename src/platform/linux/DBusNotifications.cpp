@@ -32,6 +32,15 @@ DBusNotifications::DBusNotifications(QDBusConnection bus) : m_bus(std::move(bus)
 
 DBusNotifications::~DBusNotifications() = default;
 
+void DBusNotifications::setBus(const QDBusConnection &bus)
+{
+    m_open.clear();
+    m_capabilities.reset();
+    m_watcher.reset();
+    m_isListening = false;
+    m_bus = bus;
+}
+
 void DBusNotifications::requestAuthorization(Completion done)
 {
     QMetaObject::invokeMethod(
@@ -45,6 +54,12 @@ void DBusNotifications::setCategories(const std::vector<NotificationCategory> &c
 
 void DBusNotifications::add(const NotificationRequest &request, Completion done)
 {
+    if (!m_bus.isConnected()) {
+        QMetaObject::invokeMethod(
+            this, [done = std::move(done)] { done(QStringLiteral("there is no session bus")); },
+            Qt::QueuedConnection);
+        return;
+    }
     askCapabilities([this, request, done = std::move(done)] { notify(request, done); });
 }
 
@@ -134,7 +149,7 @@ void DBusNotifications::notificationClosed(uint id, uint)
 
 void DBusNotifications::setListening(bool isListening)
 {
-    if (m_isListening == isListening)
+    if (m_isListening == isListening || !m_bus.isConnected())
         return;
     m_isListening = isListening;
     const auto change = [this, isListening](const char *signal, const char *slot) {

@@ -25,6 +25,8 @@ class DBusNotifications : public QObject, public Notifications
 public:
     explicit DBusNotifications(QDBusConnection bus = QDBusConnection::sessionBus());
     ~DBusNotifications() override;
+    /// Another bus, or one that has died: nothing is known there of what was shown.
+    void setBus(const QDBusConnection &bus);
 
     /// This desktop asks nobody; answers at once, from the main loop.
     void requestAuthorization(Completion done) override;

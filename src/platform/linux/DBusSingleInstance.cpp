@@ -4,6 +4,7 @@
 #include "platform/linux/DBusSingleInstance.h"
 
 #include "foundation/Log.h"
+#include "platform/linux/SessionBus.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -22,7 +23,16 @@ constexpr int activationTimeoutMs = 5000;
 
 SingleInstance::Role DBusSingleInstance::claim()
 {
-    QDBusConnection bus = QDBusConnection::sessionBus();
+    return claimOn(SessionBus::current());
+}
+
+void DBusSingleInstance::setBus(const QDBusConnection &bus)
+{
+    claimOn(bus);
+}
+
+SingleInstance::Role DBusSingleInstance::claimOn(QDBusConnection bus)
+{
     if (!bus.isConnected())
         return Role::alone;
     // The object first: whoever finds the name must find the object behind it.
@@ -47,7 +57,7 @@ void DBusSingleInstance::reopenFirst()
                                                            QStringLiteral("Activate"));
     activate << QVariantMap();
     const QDBusMessage answer =
-        QDBusConnection::sessionBus().call(activate, QDBus::Block, activationTimeoutMs);
+        SessionBus::current().call(activate, QDBus::Block, activationTimeoutMs);
     if (answer.type() == QDBusMessage::ErrorMessage)
         logLine(
             QStringLiteral("Failed to reach the running instance: %1").arg(answer.errorMessage()));

@@ -5,6 +5,7 @@
 
 #include "platform/SingleInstance.h"
 
+#include <QDBusConnection>
 #include <QObject>
 #include <QVariantMap>
 
@@ -19,6 +20,8 @@ class DBusSingleInstance : public QObject, public SingleInstance
 
 public:
     Role claim() override;
+    /// Claims the name on another bus than that of the start. Who has it there already keeps it.
+    void setBus(const QDBusConnection &bus);
     void reopenFirst() override;
 
     static const QStringList &actions();
@@ -28,6 +31,9 @@ public Q_SLOTS:
     void Open(const QStringList &uris, const QVariantMap &platformData);
     void ActivateAction(const QString &action, const QVariantList &parameter,
                         const QVariantMap &platformData);
+
+private:
+    Role claimOn(QDBusConnection bus);
 };
 
 } // namespace tovek

@@ -6,6 +6,7 @@
 #include "platform/linux/Accelerator.h"
 #include "platform/linux/KGlobalAccel.h"
 #include "platform/linux/QtKeys.h"
+#include "platform/linux/SessionBus.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -126,8 +127,8 @@ void DesktopShortcuts::readXfconf()
         QStringLiteral("org.xfce.Xfconf"), QStringLiteral("/org/xfce/Xfconf"),
         QStringLiteral("org.xfce.Xfconf"), QStringLiteral("GetAllProperties"));
     ask << QStringLiteral("xfce4-keyboard-shortcuts") << QStringLiteral("/");
-    m_xfconf = std::make_unique<QDBusPendingCallWatcher>(
-        QDBusConnection::sessionBus().asyncCall(ask, patienceMs));
+    m_xfconf =
+        std::make_unique<QDBusPendingCallWatcher>(SessionBus::current().asyncCall(ask, patienceMs));
 }
 
 void DesktopShortcuts::waitForTables()
@@ -156,7 +157,7 @@ std::optional<ShortcutUse> DesktopShortcuts::useInKde(KeyCombo combo) const
         QDBusMessage ask = KGlobalAccel::call(QStringLiteral("action"));
         ask << key;
         const QDBusReply<QStringList> owner =
-            QDBusConnection::sessionBus().call(ask, QDBus::Block, patienceMs);
+            SessionBus::current().call(ask, QDBus::Block, patienceMs);
         // Component and action by their identifiers, then both by their names.
         const QStringList names = owner.isValid() ? owner.value() : QStringList();
         if (!names.isEmpty() && names.first() != KGlobalAccel::ownComponent)

@@ -3,6 +3,8 @@
 
 #include "platform/linux/ScreenLock.h"
 
+#include "platform/linux/SessionBus.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingReply>
@@ -32,7 +34,7 @@ constexpr int answerWithinMs = 100;
 
 bool isScreenSaverActive()
 {
-    QDBusConnection bus = QDBusConnection::sessionBus();
+    QDBusConnection bus = SessionBus::current();
     if (!bus.isConnected())
         return false;
     QList<QDBusPendingReply<bool>> replies;

@@ -259,6 +259,16 @@ StatusNotifierItem::~StatusNotifierItem()
     unregisterItem();
 }
 
+void StatusNotifierItem::setBus(const QDBusConnection &bus)
+{
+    unregisterItem();
+    m_watcher.reset();
+    m_bus = bus;
+    setHasHost(false);
+    if (m_bus.isConnected())
+        watchHosts();
+}
+
 void StatusNotifierItem::setVisible(bool isVisible)
 {
     m_isVisible = isVisible;

@@ -20,6 +20,8 @@ class StatusNotifierItem : public QObject, public Tray
 public:
     explicit StatusNotifierItem(QDBusConnection bus = QDBusConnection::sessionBus());
     ~StatusNotifierItem() override;
+    /// Another bus, or one that has died.
+    void setBus(const QDBusConnection &bus);
 
     void setVisible(bool isVisible) override;
     void setPicture(const TrayPicture &picture) override;
