@@ -4,20 +4,18 @@
 #include "KeyboardShortcuts/RecorderCocoa.h"
 
 #include "KeyboardShortcuts/AlertSheet.h"
-#include "KeyboardShortcuts/ClearButton.h"
 #include "KeyboardShortcuts/InputEventFromQt.h"
 #include "KeyboardShortcuts/LocalEventMonitor.h"
 #include "KeyboardShortcuts/Localization.h"
 #include "KeyboardShortcuts/MenuItems.h"
 #include "KeyboardShortcuts/ShortcutDescription.h"
 #include "KeyboardShortcuts/ShortcutService.h"
-#include "KeyboardShortcuts/WarningIcon.h"
 #include "platform/SystemShortcuts.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QKeyEvent>
-#include <QPainter>
 #include <QPointer>
 
 namespace KeyboardShortcuts {
@@ -26,36 +24,18 @@ using Action = RecorderDecision::Action;
 
 namespace {
 
-constexpr int buttonSide = 16;
-constexpr int buttonInset = 5;
-constexpr int markSide = 14;
 constexpr int forceButton = 1;
 
 } // namespace
 
 RecorderCocoa::RecorderCocoa(Name name, ShortcutService &service, RecorderSetup setup,
                              QWidget *parent)
-    : QLineEdit(parent)
+    : RecorderField(parent)
     , m_shortcutName(std::move(name))
     , m_service(service)
     , m_setup(std::move(setup))
-    , m_cancelButton(new ClearButton(this))
 {
-    setReadOnly(true);
-    setAttribute(Qt::WA_InputMethodEnabled, false);
-    setFocusPolicy(Qt::StrongFocus);
-    setAlignment(Qt::AlignCenter);
-    setContextMenuPolicy(Qt::NoContextMenu);
-    setAcceptDrops(false);
-    setCursor(Qt::ArrowCursor);
-    setPlaceholderText(localized(QStringLiteral("record_shortcut")));
-    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-
-    m_cancelButton->setFixedSize(buttonSide, buttonSide);
-    m_cancelButton->setAccessibleName(localized(QStringLiteral("clear_shortcut")));
-    m_cancelButton->setToolTip(m_cancelButton->accessibleName());
-    connect(m_cancelButton, &QAbstractButton::clicked, this, &RecorderCocoa::clearShortcut);
-
+    connect(cancelButton(), &QAbstractButton::clicked, this, &RecorderCocoa::clearShortcut);
     observe();
     refreshText();
 }
@@ -92,11 +72,6 @@ void RecorderCocoa::record(const Shortcut &shortcut)
     carryOut(decide(shortcut, environment()));
 }
 
-QSize RecorderCocoa::sizeHint() const
-{
-    return {int(minimumWidth), QLineEdit::sizeHint().height()};
-}
-
 bool RecorderCocoa::event(QEvent *event)
 {
     // Another window has the keyboard now; this one shall not record by itself when it returns.
@@ -104,12 +79,12 @@ bool RecorderCocoa::event(QEvent *event)
         release();
     if (event->type() == QEvent::ParentChange)
         endRecording();
-    return QLineEdit::event(event);
+    return RecorderField::event(event);
 }
 
 void RecorderCocoa::focusInEvent(QFocusEvent *event)
 {
-    QLineEdit::focusInEvent(event);
+    RecorderField::focusInEvent(event);
     deselect();
     // The user has not asked to record when a window merely becomes active or a menu closes.
     if (event->reason() == Qt::ActiveWindowFocusReason && !m_awaitsWindow)
@@ -120,38 +95,15 @@ void RecorderCocoa::focusInEvent(QFocusEvent *event)
 
 void RecorderCocoa::focusOutEvent(QFocusEvent *event)
 {
-    QLineEdit::focusOutEvent(event);
+    RecorderField::focusOutEvent(event);
     endRecording();
 }
 
 void RecorderCocoa::hideEvent(QHideEvent *event)
 {
-    QLineEdit::hideEvent(event);
+    RecorderField::hideEvent(event);
     if (isRecording())
         release();
-}
-
-void RecorderCocoa::paintEvent(QPaintEvent *event)
-{
-    QLineEdit::paintEvent(event);
-    if (m_isRefused) {
-        const QRect place((buttonInset + buttonSide - markSide) / 2 + 1, (height() - markSide) / 2,
-                          markSide, markSide);
-        QPainter painter(this);
-        warningIcon().paint(&painter, place);
-    }
-    // Centred, the toolkit's field shows its placeholder only while it is without the keyboard.
-    if (!isRecording() || !text().isEmpty())
-        return;
-    QPainter painter(this);
-    painter.setPen(palette().color(QPalette::PlaceholderText));
-    painter.drawText(rect(), Qt::AlignCenter, placeholderText());
-}
-
-void RecorderCocoa::resizeEvent(QResizeEvent *event)
-{
-    QLineEdit::resizeEvent(event);
-    m_cancelButton->move(width() - buttonSide - buttonInset, (height() - buttonSide) / 2);
 }
 
 void RecorderCocoa::refreshText()
@@ -161,22 +113,12 @@ void RecorderCocoa::refreshText()
 
 void RecorderCocoa::showShortcut(const std::optional<Shortcut> &shortcut)
 {
-    const QString text = shortcut ? m_service.description(*shortcut) : QString();
-    setText(text);
-    deselect();
-    // The same keys as menus write them, for whom the symbols say little.
-    const QString words = shortcut
-        ? keySequence(*shortcut, m_service.layout()).toString(QKeySequence::NativeText)
-        : QString();
-    m_isRefused = shortcut && m_service.isRefused(*shortcut);
-    const QString refusal =
-        m_isRefused ? localized(QStringLiteral("keyboard_shortcut_refused")) : QString();
-    setToolTip(m_isRefused ? words + QLatin1Char('\n') + refusal : words);
-    setAccessibleDescription(m_isRefused ? words + QStringLiteral(". ") + refusal : words);
-    m_cancelButton->setVisible(!text.isEmpty());
-    // On both sides, so that the text stays in the middle.
-    const int room = text.isEmpty() ? 0 : buttonSide + buttonInset;
-    setTextMargins(room, 0, room, 0);
+    if (shortcut)
+        showContent({m_service.description(*shortcut),
+                     keySequence(*shortcut, m_service.layout()).toString(QKeySequence::NativeText),
+                     m_service.isRefused(*shortcut)});
+    else
+        showContent({});
 }
 
 void RecorderCocoa::clearShortcut()
@@ -190,7 +132,7 @@ void RecorderCocoa::startRecording()
     m_awaitsWindow = false;
     if (isRecording())
         return;
-    setPlaceholderText(localized(QStringLiteral("press_shortcut")));
+    showRecording(true);
     m_service.setPaused(true);
     if (m_setup.systemShortcuts)
         m_setup.systemShortcuts->refresh();
@@ -212,7 +154,7 @@ void RecorderCocoa::endRecording()
     // It may be the one that called us.
     m_eventMonitor->stop();
     m_eventMonitor.release()->deleteLater();
-    setPlaceholderText(localized(QStringLiteral("record_shortcut")));
+    showRecording(false);
     m_service.setPaused(false);
     postActivity(false);
 }
@@ -284,7 +226,7 @@ bool RecorderCocoa::handle(QWidget &widget, QEvent &event)
         return carryOut(decide(RecorderEvent{input, {}}, rect(), environment()));
     }
     // A press on the clear button is followed to its release, as by any button.
-    if (event.type() != QEvent::MouseButtonRelease || &widget == m_cancelButton)
+    if (event.type() != QEvent::MouseButtonRelease || &widget == cancelButton())
         return false;
     const auto &mouse = static_cast<QMouseEvent &>(event);
     RecorderEvent released{{}, mapFromGlobal(mouse.globalPosition())};
@@ -313,7 +255,7 @@ bool RecorderCocoa::carryOut(const RecorderDecision &decision)
         endRecording();
         return false;
     case Action::clear:
-        m_cancelButton->click();
+        cancelButton()->click();
         break;
     case Action::beep:
         m_setup.beep ? m_setup.beep() : QApplication::beep();

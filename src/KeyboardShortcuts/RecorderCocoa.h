@@ -5,11 +5,9 @@
 
 #include "KeyboardShortcuts/Name.h"
 #include "KeyboardShortcuts/NotificationCenter.h"
+#include "KeyboardShortcuts/RecorderField.h"
 #include "KeyboardShortcuts/RecorderRules.h"
 
-#include <QLineEdit>
-
-class QAbstractButton;
 class QAction;
 
 namespace tovek {
@@ -40,14 +38,11 @@ struct RecorderSetup
 
 /// The field in which the user records, replaces or clears the shortcut of one name. While it has
 /// the keyboard it takes the next combination; meanwhile no shortcut acts.
-class RecorderCocoa : public QLineEdit
+class RecorderCocoa : public RecorderField
 {
     Q_OBJECT
 
 public:
-    /// Points; the width of the field where nothing stretches it.
-    static constexpr double minimumWidth = 130;
-
     /// The service must outlive the recorder.
     RecorderCocoa(Name name, ShortcutService &service, RecorderSetup setup = {},
                   QWidget *parent = nullptr);
@@ -58,27 +53,15 @@ public:
     bool isRecording() const { return m_eventMonitor != nullptr; }
     /// As if the keys had been pressed while recording.
     void record(const Shortcut &shortcut);
-    /// True while the shortcut that it shows cannot act; it says why in its tooltip.
-    bool isRefused() const { return m_isRefused; }
-    QAbstractButton *cancelButton() const { return m_cancelButton; }
 
     /// After a new shortcut was stored.
     std::function<void(const std::optional<Shortcut> &)> onChange;
-
-    QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:
     bool event(QEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
     void hideEvent(QHideEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
-    // The text cannot be selected.
-    void mousePressEvent(QMouseEvent *) override { }
-    void mouseMoveEvent(QMouseEvent *) override { }
-    void mouseDoubleClickEvent(QMouseEvent *) override { }
 
 private:
     void observe();
@@ -112,9 +95,7 @@ private:
     NotificationCenter::Token m_shortcutsNameChangeObserver;
     NotificationCenter::Token m_layoutChangeObserver;
     NotificationCenter::Token m_registrationObserver;
-    bool m_isRefused = false;
     bool m_awaitsWindow = false; ///< records again when the window is active again
-    QAbstractButton *m_cancelButton;
 };
 
 } // namespace KeyboardShortcuts

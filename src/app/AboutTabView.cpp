@@ -6,6 +6,7 @@
 #include "app/BundleInformation.h"
 #include "foundation/Symbol.h"
 #include "look/ModernStyle.h"
+#include "look/ScaledLabel.h"
 
 #include <QEvent>
 #include <QLabel>
@@ -18,7 +19,7 @@ namespace tovek {
 namespace {
 
 constexpr int iconSide = 84;
-constexpr int nameSize = 20;
+constexpr double nameScale = 1.5;
 
 /// The program's own drawing, sharp at every scale.
 class IconView : public QWidget
@@ -55,11 +56,7 @@ AboutTabView::AboutTabView(const QVariantMap &information,
     const QString programName =
         BundleInformation::string(information, QStringLiteral("CFBundleName"));
     icon->setAccessibleName(tr("%1 icon").arg(programName));
-    auto *name = new QLabel(programName, this);
-    QFont large = name->font();
-    large.setPixelSize(nameSize);
-    large.setWeight(QFont::DemiBold);
-    name->setFont(large);
+    auto *name = new ScaledLabel(programName, nameScale, this, QFont::DemiBold);
     m_version->setTextInteractionFlags(Qt::TextSelectableByMouse);
     colorVersion();
     auto *visit = new QPushButton(tr("Website"), this);

@@ -5,12 +5,14 @@
 
 #include "foundation/Symbol.h"
 #include "look/ModernStyle.h"
+#include "look/ScaledLabel.h"
 
 #include <QAbstractButton>
 #include <QEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QStyle>
 #include <QVBoxLayout>
 
 namespace tovek {
@@ -21,7 +23,7 @@ constexpr double cornerRadius = 10;
 constexpr int padding = 12;
 constexpr int symbolSide = 18;
 constexpr int symbolGap = 10;
-constexpr int noteSize = 11;
+constexpr double noteScale = 0.84;
 
 /// Painted anew at every scale and in every palette.
 class SymbolView : public QWidget
@@ -54,7 +56,7 @@ private:
 FormRow::FormRow(const QString &symbol, const QString &label, QWidget *parent)
     : QWidget(parent)
     , m_label(new QLabel(label, this))
-    , m_note(new QLabel(this))
+    , m_note(new ScaledLabel({}, noteScale, this))
 {
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(padding, 0, padding, 0);
@@ -68,9 +70,6 @@ FormRow::FormRow(const QString &symbol, const QString &label, QWidget *parent)
     texts->addStretch();
     layout->addLayout(texts);
     layout->addStretch();
-    QFont small = m_note->font();
-    small.setPixelSize(noteSize);
-    m_note->setFont(small);
     m_note->hide();
     colorNote();
 }
@@ -128,7 +127,7 @@ FormCard::FormCard(int rowHeight, QWidget *parent)
 FormRow *FormCard::addRow(const QString &symbol, const QString &label)
 {
     auto *row = new FormRow(symbol, label, this);
-    row->setFixedHeight(m_rowHeight);
+    row->setLeastHeight(m_rowHeight);
     m_rows->addWidget(row);
     return row;
 }
@@ -141,10 +140,12 @@ void FormCard::paintEvent(QPaintEvent *)
     painter.setPen(QPen(ModernStyle::separatorColor(palette()), 1));
     painter.setBrush(ModernStyle::cardColor(palette()));
     painter.drawRoundedRect(ground, cornerRadius, cornerRadius);
-    const int left = padding + symbolSide + symbolGap;
+    const int begin = padding + symbolSide + symbolGap;
+    const QRect line = QStyle::visualRect(layoutDirection(), rect(),
+                                          QRect(begin, 0, width() - padding - begin, 1));
     for (int row = 1; row < m_rows->count(); ++row) {
-        const double y = row * m_rowHeight + 0.5;
-        painter.drawLine(QPointF(left, y), QPointF(width() - padding, y));
+        const double y = m_rows->itemAt(row)->geometry().top() + 0.5;
+        painter.drawLine(QPointF(line.left(), y), QPointF(line.left() + line.width(), y));
     }
 }
 

@@ -23,6 +23,14 @@ public:
     void addControl(QWidget *control);
     /// Empty: no note.
     void setNote(const QString &note);
+    /// More where its texts need it.
+    void setLeastHeight(int height) { m_leastHeight = height; }
+
+    QSize sizeHint() const override { return QWidget::sizeHint().expandedTo({0, m_leastHeight}); }
+    QSize minimumSizeHint() const override
+    {
+        return QWidget::minimumSizeHint().expandedTo({0, m_leastHeight});
+    }
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -34,9 +42,11 @@ private:
     QLabel *m_label;
     QLabel *m_note;
     QWidget *m_control = nullptr;
+    int m_leastHeight = 0;
 };
 
-/// Rows on a rounded ground, with lines between them.
+/// Rows on a rounded ground, with lines between them. A row is as high as its texts need, and at
+/// least of the given height.
 class FormCard : public QWidget
 {
 public:

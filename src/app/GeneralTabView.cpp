@@ -12,6 +12,7 @@
 #include "foundation/UserDefaults.h"
 #include "foundation/WhenReady.h"
 #include "look/ModernStyle.h"
+#include "look/ScaledLabel.h"
 #include "platform/LoginItem.h"
 #include "update/UpdaterManager.h"
 
@@ -28,8 +29,8 @@ namespace {
 
 constexpr int rowHeight = 38;
 constexpr int margin = 16;
-constexpr int pathWidth = 128;
-constexpr int pathSize = 12;
+constexpr int smallestPath = 56;
+constexpr double pathScale = 0.92;
 /// A folder answers in less than a millisecond; it then shows with the window.
 constexpr std::chrono::milliseconds folderPatience(50);
 const QString highlightText = QStringLiteral("highlightText");
@@ -38,17 +39,15 @@ const QString showInMenuBar = QStringLiteral("showInMenuBar");
 
 } // namespace
 
-/// One line of secondary text, cut in the middle where it is too long.
+/// One line of secondary text that takes what room there is. Where it is too long, its end stays.
 class GeneralTabView::ElidedLabel : public QWidget
 {
 public:
     explicit ElidedLabel(QWidget *parent) : QWidget(parent)
     {
-        QFont small = font();
-        small.setPixelSize(pathSize);
-        setFont(small);
-        setFixedWidth(pathWidth);
+        setSizePolicy(QSizePolicy::MinimumExpanding, QSizePolicy::Preferred);
     }
+    QSize sizeHint() const override { return {smallestPath, fontMetrics().height()}; }
     void setText(const QString &text)
     {
         m_text = text;
@@ -60,9 +59,13 @@ protected:
     void paintEvent(QPaintEvent *) override
     {
         QPainter painter(this);
+        painter.setFont(ScaledLabel::scaled(font(), pathScale));
         painter.setPen(ModernStyle::secondaryTextColor(palette()));
-        painter.drawText(rect(), Qt::AlignRight | Qt::AlignVCenter,
-                         fontMetrics().elidedText(m_text, Qt::ElideMiddle, width()));
+        // Beside its button; a path reads from left to right in every language.
+        painter.setLayoutDirection(Qt::LeftToRight);
+        painter.drawText(rect(),
+                         Qt::AlignVCenter | (isRightToLeft() ? Qt::AlignLeft : Qt::AlignRight),
+                         painter.fontMetrics().elidedText(m_text, Qt::ElideLeft, width()));
     }
 
 private:
@@ -132,7 +135,10 @@ SwitchControl *GeneralTabView::addSwitch(FormRow *row, bool isOn)
     row->addControl(control);
     // The room for its focus ring is not seen: its edge shall stand under that of the button.
     QMargins margins = row->layout()->contentsMargins();
-    margins.setRight(margins.right() - SwitchControl::ringRoom);
+    if (isRightToLeft())
+        margins.setLeft(margins.left() - SwitchControl::ringRoom);
+    else
+        margins.setRight(margins.right() - SwitchControl::ringRoom);
     row->layout()->setContentsMargins(margins);
     return control;
 }
@@ -142,7 +148,7 @@ void GeneralTabView::addFolderRow(FormRow *row)
     m_folderRow = row;
     m_folderButton = new QPushButton(tr("Choose…"), row);
     m_folderPath = new ElidedLabel(row);
-    static_cast<QBoxLayout *>(row->layout())->addWidget(m_folderPath);
+    static_cast<QBoxLayout *>(row->layout())->addWidget(m_folderPath, 1);
     row->addControl(m_folderButton);
     connect(m_folderButton, &QPushButton::clicked, this, &GeneralTabView::chooseFolder);
     askFolder();

@@ -25,7 +25,7 @@ SettingsWindow::SettingsWindow(AppState &state, const Content &content)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 6, 0, 0);
     layout->addWidget(m_tabs);
-    setFixedSize(contentSize);
+    fitTexts();
 
     connect(m_tabs, &QTabWidget::currentChanged, this, [this](int index) {
         m_state.setSelectedSettingsTab(SettingsTab(index));
@@ -33,6 +33,19 @@ SettingsWindow::SettingsWindow(AppState &state, const Content &content)
     });
     connect(&m_state, &AppState::selectedSettingsTabChanged, this, &SettingsWindow::showTab);
     showTab(m_state.selectedSettingsTab());
+}
+
+bool SettingsWindow::event(QEvent *event)
+{
+    const bool isHandled = QWidget::event(event);
+    if (event->type() == QEvent::LayoutRequest)
+        fitTexts();
+    return isHandled;
+}
+
+void SettingsWindow::fitTexts()
+{
+    setFixedSize(contentSize.expandedTo(layout()->totalMinimumSize()));
 }
 
 void SettingsWindow::changeEvent(QEvent *event)

@@ -20,6 +20,7 @@ class SettingsWindow : public QWidget
     Q_OBJECT
 
 public:
+    /// Without a frame, where no text needs more.
     static constexpr QSize contentSize{450, 260};
 
     /// Gives the content and the symbol of a tab; its parent is given.
@@ -35,11 +36,13 @@ Q_SIGNALS:
     void willClose();
 
 protected:
+    bool event(QEvent *event) override;
     void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:
+    void fitTexts();
     void showTab(SettingsTab tab);
 
     AppState &m_state;

@@ -6,7 +6,9 @@
 #include "KeyboardShortcuts/ShortcutService.h"
 #include "app/AppShortcuts.h"
 #include "app/FormCard.h"
+#include "app/SettingsWindow.h"
 #include "look/ModernStyle.h"
+#include "look/ScaledLabel.h"
 #include "platform/SystemShortcuts.h"
 
 #include <QEvent>
@@ -26,7 +28,7 @@ namespace {
 
 constexpr int rowHeight = 46;
 constexpr int margin = 16;
-constexpr int hintSize = 11;
+constexpr double hintScale = 0.84;
 constexpr int tablesDelay = 300; // ms
 constexpr Shortcut printScreen{105, 0};
 const char hint[] = QT_TRANSLATE_NOOP(
@@ -47,7 +49,7 @@ constexpr Row rows[] = {
      &AppShortcuts::captureText},
 };
 
-QString titleOf(const KeyboardShortcuts::Name &name)
+QString rowTitle(const KeyboardShortcuts::Name &name)
 {
     const auto found = std::find_if(std::begin(rows), std::end(rows),
                                     [&](const Row &row) { return row.name() == name; });
@@ -61,10 +63,10 @@ ShortcutsTabView::ShortcutsTabView(KeyboardShortcuts::ShortcutService &service,
     : QWidget(parent)
     , m_service(service)
     , m_systemShortcuts(setup.systemShortcuts)
-    , m_hint(new QLabel(this))
+    , m_hint(new ScaledLabel({}, hintScale, this))
 {
     KeyboardShortcuts::RecorderSetup ours = setup;
-    ours.titleOf = &titleOf;
+    ours.titleOf = &rowTitle;
     ours.holderOf = [this](const Shortcut &shortcut) { return explanation(shortcut); };
     auto *card = new FormCard(rowHeight, this);
     for (const Row &row : rows) {
@@ -75,9 +77,6 @@ ShortcutsTabView::ShortcutsTabView(KeyboardShortcuts::ShortcutService &service,
             addUsePrint(recorder, place);
         place->addControl(recorder);
     }
-    QFont small = m_hint->font();
-    small.setPixelSize(hintSize);
-    m_hint->setFont(small);
     m_hint->setAlignment(Qt::AlignCenter);
     m_hint->setTextFormat(Qt::PlainText);
     m_hint->setWordWrap(true);
@@ -100,7 +99,7 @@ ShortcutsTabView::ShortcutsTabView(KeyboardShortcuts::ShortcutService &service,
     m_registrationToken = service.notifications().observe(
         KeyboardShortcuts::registrationDidChange, [this](const QVariantMap &) { showRefusals(); });
     showUsePrint();
-    m_hint->setText(tr(hint));
+    setHint(tr(hint));
 }
 
 void ShortcutsTabView::changeEvent(QEvent *event)
@@ -108,6 +107,12 @@ void ShortcutsTabView::changeEvent(QEvent *event)
     if (event->type() == QEvent::PaletteChange)
         colorHint();
     QWidget::changeEvent(event);
+}
+
+void ShortcutsTabView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    setHint(m_hint->text());
 }
 
 void ShortcutsTabView::showEvent(QShowEvent *event)
@@ -156,7 +161,15 @@ void ShortcutsTabView::showRefusals()
         if (isRefused && text.isEmpty())
             text = explanation(*shortcut);
     }
-    m_hint->setText(text.isEmpty() ? tr(hint) : text);
+    setHint(text.isEmpty() ? tr(hint) : text);
+}
+
+void ShortcutsTabView::setHint(const QString &text)
+{
+    m_hint->setText(text);
+    // The window asks for the least height, which a layout does not derive from the width.
+    const int room = std::max(width(), SettingsWindow::contentSize.width()) - 2 * margin;
+    m_hint->setFixedHeight(std::max(0, m_hint->heightForWidth(room)));
 }
 
 QString ShortcutsTabView::explanation(const Shortcut &shortcut) const

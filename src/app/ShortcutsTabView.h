@@ -26,6 +26,7 @@ public:
 
 protected:
     void changeEvent(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
 private:
@@ -36,6 +37,7 @@ private:
     void showRefusals();
     /// Of a combination that cannot be had, or not without a question.
     QString explanation(const KeyboardShortcuts::Shortcut &shortcut) const;
+    void setHint(const QString &text);
     void colorHint();
 
     KeyboardShortcuts::ShortcutService &m_service;

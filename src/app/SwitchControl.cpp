@@ -64,8 +64,8 @@ void SwitchControl::paintEvent(QPaintEvent *)
     painter.drawRoundedRect(rail, rail.height() / 2, rail.height() / 2);
 
     const double side = rail.height() - 2 * knobInset;
-    const double left =
-        rail.left() + knobInset + m_position * (rail.width() - side - 2 * knobInset);
+    const double place = isRightToLeft() ? 1 - m_position : m_position;
+    const double left = rail.left() + knobInset + place * (rail.width() - side - 2 * knobInset);
     const QRectF knob(left, rail.top() + knobInset, side, side);
     painter.setBrush(QColor(0, 0, 0, 38));
     painter.drawEllipse(knob.translated(0, 0.8));

@@ -18,6 +18,7 @@ constexpr double ringWidth = 2;
 constexpr double barHeight = 6;
 constexpr int tabHeight = 28;
 constexpr int tabIcon = 15;
+constexpr int tabPadding = 8;
 constexpr double placeholderOpacity = 0.5;
 
 QColor withAlpha(QColor color, double alpha)
@@ -106,16 +107,20 @@ void drawTabLabel(const QStyleOptionTab &tab, QPainter &painter, const QFontMetr
     const int gap = hasIcon ? 6 : 0;
     const int iconWidth = hasIcon ? tabIcon : 0;
     const int width = iconWidth + gap + metrics.horizontalAdvance(tab.text);
-    const int left = tab.rect.center().x() - width / 2;
+    const QRect middle(tab.rect.center().x() - width / 2, tab.rect.top(), width, tab.rect.height());
+    const auto visual = [&](const QRect &part) {
+        return QStyle::visualRect(tab.direction, middle, part);
+    };
     if (hasIcon) {
         painter.save();
         painter.setOpacity(isSelected ? 1 : color.alphaF());
-        tab.icon.paint(&painter, left, tab.rect.center().y() - tabIcon / 2, tabIcon, tabIcon);
+        tab.icon.paint(
+            &painter, visual({middle.left(), middle.center().y() - tabIcon / 2, tabIcon, tabIcon}));
         painter.restore();
     }
     painter.setPen(color);
-    painter.drawText(QRect(left + iconWidth + gap, tab.rect.top(), width, tab.rect.height()),
-                     Qt::AlignVCenter | Qt::AlignLeft | Qt::TextShowMnemonic, tab.text);
+    painter.drawText(visual(middle.adjusted(iconWidth + gap, 0, 0, 0)),
+                     Qt::AlignCenter | Qt::TextShowMnemonic | Qt::TextDontClip, tab.text);
 }
 
 void drawProgress(const QStyleOptionProgressBar &bar, QPainter &painter)
@@ -196,7 +201,8 @@ QSize ModernStyle::sizeFromContents(ContentsType type, const QStyleOption *optio
     if (type == CT_TabBarTab) {
         const auto *tab = qstyleoption_cast<const QStyleOptionTab *>(option);
         const int text = tab ? tab->fontMetrics.horizontalAdvance(tab->text) : size.width();
-        return {text + tabIcon + 36, tabHeight};
+        const int height = tab ? tab->fontMetrics.height() + tabPadding : 0;
+        return {text + tabIcon + 36, std::max(tabHeight, height)};
     }
     QSize result = QProxyStyle::sizeFromContents(type, option, size, widget);
     if (type == CT_PushButton)

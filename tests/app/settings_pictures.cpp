@@ -3,7 +3,7 @@
 
 // Draws the settings window's tabs, its alerts, the window that asks for permission and a toast
 // into PNG files, for people to look at: settings_pictures FOLDER light|dark. The scale comes from
-// QT_SCALE_FACTOR.
+// QT_SCALE_FACTOR; -reverse mirrors them, and TOVEK_TEST_FONT="Noto Sans 14" gives their font.
 
 #include "KeyboardShortcuts/AlertSheet.h"
 #include "KeyboardShortcuts/Localization.h"
@@ -122,7 +122,7 @@ private:
         auto *layout = new QVBoxLayout(&window);
         layout->setContentsMargins(0, 6, 0, 0);
         layout->addWidget(tabs);
-        window.setFixedSize(450, 260);
+        window.setFixedSize(QSize(450, 260).expandedTo(layout->totalMinimumSize()));
         window.show();
         for (int tab = 0; tab < tabs->count(); ++tab) {
             tabs->setCurrentIndex(tab);
@@ -179,6 +179,10 @@ int main(int argc, char **argv)
         QApplication::setPalette(darkPalette());
     if (const auto icon = Symbol::fromFile(QStringLiteral(":/org.tovek.Tovek.svg")))
         QApplication::setWindowIcon(QPixmap::fromImage(icon->image(128, 1, Qt::black)));
+    const QString font = qEnvironmentVariable("TOVEK_TEST_FONT");
+    if (!font.isEmpty())
+        QApplication::setFont(QFont(font.section(QLatin1Char(' '), 0, -2),
+                                    font.section(QLatin1Char(' '), -1).toInt()));
     Pictures(arguments[1], arguments[2]).take();
     return 0;
 }
