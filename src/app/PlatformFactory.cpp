@@ -21,6 +21,15 @@
 #include "platform/null/NullClipboard.h"
 #include "platform/null/NullDesktop.h"
 #include "platform/null/NullKeyboard.h"
+#ifdef TOVEK_WITH_WAYLAND
+#include "platform/wayland/capture/ExtScreenGrabber.h"
+#include "platform/wayland/capture/WaylandScreens.h"
+#include "platform/wayland/capture/WlrScreenGrabber.h"
+#include "platform/wayland/clipboard/DataControlClipboard.h"
+#include "platform/wayland/keys/SwayHotKeys.h"
+#include "platform/wayland/keys/WaylandKeyboardLayout.h"
+#include "platform/wayland/overlay/LayerOverlayShell.h"
+#endif
 #ifdef TOVEK_WITH_X11
 #include "platform/x11/capture/X11CapturePermission.h"
 #include "platform/x11/capture/X11FrontmostApp.h"
@@ -74,7 +83,6 @@ std::unique_ptr<Service> onBus(const SessionBus &bus)
     return service;
 }
 
-#ifdef TOVEK_WITH_X11
 constexpr std::chrono::seconds unfinishedLimit(5);
 
 void waitForUnfinished()
@@ -82,12 +90,109 @@ void waitForUnfinished()
     Unfinished::waitForAll(unfinishedLimit);
 }
 
+/// Nothing of the toolkit can be taken down in order without its server.
+[[noreturn]] void exitUnfinished()
+{
+    waitForUnfinished();
+    std::_Exit(1);
+}
+
+#ifdef TOVEK_WITH_WAYLAND
+std::unique_ptr<ScreenGrabber> makeWaylandGrabber(std::shared_ptr<WaylandConnection> connection,
+                                                  std::shared_ptr<WaylandOutputs> outputs)
+{
+    const struct
+    {
+        const char *way;
+        std::unique_ptr<ScreenGrabber> (*create)(std::shared_ptr<WaylandConnection>,
+                                                 std::shared_ptr<WaylandOutputs>);
+    } ways[] = {
+        {"ext-image-copy-capture", &ExtScreenGrabber::create},
+        {"wlr-screencopy", &WlrScreenGrabber::create},
+    };
+    for (const auto &[way, create] : ways) {
+        if (auto grabber = create(connection, outputs)) {
+            logLine(QStringLiteral("Wayland: capturing over %1").arg(QLatin1String(way)));
+            return grabber;
+        }
+    }
+    return nullptr;
+}
+
+/// False where the toolkit does not run on Wayland, or the compositor lacks what a capture takes.
+bool addWaylandDesktop(Platform &platform, const EarlyPlatform &early)
+{
+    const std::shared_ptr<WaylandConnection> &connection = early.wayland;
+    if (!connection)
+        return false;
+    const auto outputs = std::make_shared<WaylandOutputs>(connection);
+    auto screens = std::make_unique<WaylandScreens>(outputs);
+    auto grabber = makeWaylandGrabber(connection, outputs);
+    auto overlayShell =
+        LayerOverlayShell::create(outputs, [screens = screens.get()](uint32_t displayId) {
+            screens->pointerSeenOn(displayId);
+        });
+    if (!grabber || !overlayShell)
+        return false;
+    platform.screens = std::move(screens);
+    platform.grabber = std::move(grabber);
+    platform.overlayShell = std::move(overlayShell);
+    platform.frontmostApp = std::make_unique<NullFrontmostApp>();
+    platform.clipboard = DataControlClipboard::create(connection);
+    if (!platform.clipboard)
+        platform.clipboard = std::make_unique<NullClipboard>();
+    platform.soundOutput = std::make_unique<CanberraSoundOutput>([] { return true; });
+    platform.tray = onBus<StatusNotifierItem>(*early.bus);
+    std::atexit(&waitForUnfinished);
+    connection->onLost = &exitUnfinished;
+    connection->handleInMainLoop();
+    if (auto *hotKeys = dynamic_cast<SwayHotKeys *>(platform.hotKeys.get()))
+        hotKeys->startDispatching();
+    if (auto *layout = dynamic_cast<WaylandKeyboardLayout *>(platform.keyboardLayout.get()))
+        layout->startDispatching();
+    return true;
+}
+
+bool openWaylandKeyboard(EarlyPlatform &early)
+{
+    auto layout = early.wayland ? WaylandKeyboardLayout::create() : nullptr;
+    if (!layout)
+        return false;
+    early.hotKeys = SwayHotKeys::create(qEnvironmentVariable("SWAYSOCK"), *layout);
+    if (!early.hotKeys)
+        early.hotKeys = std::make_unique<NullHotKeys>();
+    early.keyboardLayout = std::move(layout);
+    return true;
+}
+
+/// Null where the compositor does not offer what an overlay takes.
+std::shared_ptr<WaylandConnection> openWayland()
+{
+    auto connection = WaylandConnection::open();
+    return connection && connection->offers("zwlr_layer_shell_v1") ? connection : nullptr;
+}
+#else
+bool addWaylandDesktop(Platform &, const EarlyPlatform &)
+{
+    return false;
+}
+
+bool openWaylandKeyboard(EarlyPlatform &)
+{
+    return false;
+}
+
+std::shared_ptr<WaylandConnection> openWayland()
+{
+    return nullptr;
+}
+#endif
+
+#ifdef TOVEK_WITH_X11
 void exitWithTheServer()
 {
     logLine(QStringLiteral("The X server went away"));
-    waitForUnfinished();
-    // Nothing of the toolkit can be taken down in order without its server.
-    std::_Exit(1);
+    exitUnfinished();
 }
 
 bool openX11Keyboard(EarlyPlatform &early)
@@ -171,9 +276,24 @@ EarlyPlatform makeEarlyPlatform()
     return early;
 }
 
+void chooseToolkit(EarlyPlatform &early)
+{
+    if (!isWaylandSession() || qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        return;
+    early.wayland = openWayland();
+    const bool hasXWayland = qEnvironmentVariableIsSet("DISPLAY");
+    if (early.wayland) {
+        // Windows above all others are ours to make; see LayerSurface.
+        qputenv("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1");
+        qputenv("QT_QPA_PLATFORM", hasXWayland ? "wayland;xcb" : "wayland");
+    } else if (hasXWayland) {
+        qputenv("QT_QPA_PLATFORM", "xcb");
+    }
+}
+
 void openKeyboard(EarlyPlatform &early)
 {
-    if (!isWithoutDesktop() && openX11Keyboard(early))
+    if (!isWithoutDesktop() && (openWaylandKeyboard(early) || openX11Keyboard(early)))
         return;
     early.hotKeys = std::make_unique<NullHotKeys>();
     early.keyboardLayout = std::make_unique<NullKeyboardLayout>();
@@ -194,7 +314,8 @@ Platform makePlatform(EarlyPlatform &early)
     platform.lockSignals = onBus<DBusLockSignals>(*early.bus);
     platform.fileRevealer = onBus<DBusFileRevealer>(*early.bus);
     platform.textRecognizer = std::make_unique<TesseractRecognizer>();
-    if (!isWithoutDesktop() && addX11Desktop(platform, *early.bus))
+    if (!isWithoutDesktop()
+        && (addWaylandDesktop(platform, early) || addX11Desktop(platform, *early.bus)))
         return platform;
     if (!isWithoutDesktop())
         logLine(QStringLiteral("No X server to work with: shortcuts, screens and the clipboard "

@@ -9,6 +9,7 @@ namespace tovek {
 
 class SessionBus;
 class SingleInstance;
+class WaylandConnection;
 
 /// What works before there is an application: the claim to be the only instance, and the keyboard.
 /// Shortcuts are taken within a few milliseconds of the start of the process by that, and keys
@@ -23,10 +24,14 @@ struct EarlyPlatform
     std::unique_ptr<SingleInstance> singleInstance;
     std::unique_ptr<HotKeys> hotKeys;
     std::unique_ptr<KeyboardLayout> keyboardLayout;
+    std::shared_ptr<WaylandConnection> wayland; ///< null where the session is not served by it
 };
 
 /// Every member but the keyboard, for which see `openKeyboard`.
 EarlyPlatform makeEarlyPlatform();
+/// Has the toolkit run on the window system that the desktop is to be served by; QT_QPA_PLATFORM in
+/// the environment chooses another. To be called before there is an application.
+void chooseToolkit(EarlyPlatform &early);
 /// TOVEK_PLATFORM=null in the environment does without the X server, here and in `makePlatform`.
 void openKeyboard(EarlyPlatform &early);
 

@@ -30,15 +30,6 @@ namespace tovek {
 
 namespace {
 
-/// XWayland serves the program on a Wayland desktop as far as that goes.
-void chooseToolkitPlatform()
-{
-    if (!qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
-        return;
-    if (qEnvironmentVariableIsSet("DISPLAY") && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "xcb");
-}
-
 /// True unless the toolkit would end the process for want of a display.
 bool hasDisplay()
 {
@@ -86,7 +77,7 @@ int run(int &argc, char **argv, QString &successor)
         logLine(QStringLiteral("No display: neither DISPLAY nor WAYLAND_DISPLAY is set"));
         return 1;
     }
-    chooseToolkitPlatform();
+    chooseToolkit(early);
 
     // The keys come first: everything after this takes longer than a user may wait.
     openKeyboard(early);

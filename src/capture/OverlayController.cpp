@@ -98,6 +98,8 @@ void OverlayController::beginSession(CaptureMode mode)
                     : QStringLiteral(
                         "Failed to get shareable content - check screen recording permission"));
     m_session.reset();
+    if (const QString reason = m_services.screenshots.failure(); !content && !reason.isEmpty())
+        toast(QStringLiteral("No picture: %1").arg(reason), xmark, mainOrFirst(m_services.screens));
 }
 
 const std::vector<OverlayWindow *> &OverlayController::overlayWindows() const

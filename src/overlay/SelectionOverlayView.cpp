@@ -202,6 +202,11 @@ void SelectionOverlayView::handleCommand(OverlayKeyAction action, const KeyPress
 void SelectionOverlayView::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
+    if (m_surface && m_surface->liesBelow()) {
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+        painter.fillRect(event->rect(), Qt::transparent);
+        return;
+    }
     // Only a platform that cannot draw the list itself gets here before the pixels are there.
     paintDisplayList(painter, m_list, m_context.screenshot->pixels().result(), m_space.scale,
                      event->region());

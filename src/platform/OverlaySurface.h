@@ -100,6 +100,9 @@ public:
     virtual bool present(const DisplayList &list) = 0;
     /// The part of the window, in native pixels, that child widgets paint themselves.
     virtual void setCovered(const QRegion &region) = 0;
+    /// True where all that is presented lies below the window: what no child widget paints must
+    /// stay transparent.
+    virtual bool liesBelow() const { return false; }
     /// While this is on, `onDragged` replaces the toolkit's mouse moves where the platform has a
     /// cheaper way for them. There are none without a button then, so this is only for times when
     /// nothing changes below the pointer. Off until the surface is visible.

@@ -68,6 +68,8 @@ public:
     /// down, global), without the windows from the first excluded one upwards. Any thread. A null
     /// image on failure.
     virtual QImage captureFallback(QRect native, const std::vector<quint32> &excludedWindows) = 0;
+    /// Why the last content was absent, for a person to read; empty where nobody knows.
+    virtual QString failure() const { return {}; }
     /// A frozen display made of an image that came by the fallback.
     virtual std::shared_ptr<FrozenDisplay> frozenFromImage(const QImage &image) = 0;
 };

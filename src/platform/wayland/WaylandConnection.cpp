@@ -69,10 +69,7 @@ std::shared_ptr<WaylandConnection> WaylandConnection::open()
     if (!display)
         return nullptr;
     std::shared_ptr<WaylandConnection> connection(new WaylandConnection(display, nullptr));
-    if (!connection->readGlobals())
-        return nullptr;
-    connection->listenInMainLoop();
-    return connection;
+    return connection->readGlobals() ? connection : nullptr;
 }
 
 std::shared_ptr<WaylandConnection> WaylandConnection::ofToolkit()
@@ -109,7 +106,7 @@ bool WaylandConnection::readGlobals()
     return roundtrip();
 }
 
-void WaylandConnection::listenInMainLoop()
+void WaylandConnection::handleInMainLoop()
 {
     m_notifier =
         std::make_unique<QSocketNotifier>(wl_display_get_fd(m_display), QSocketNotifier::Read);

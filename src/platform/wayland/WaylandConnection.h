@@ -29,8 +29,11 @@ struct WaylandGlobal
 class WaylandConnection
 {
 public:
-    /// One of our own, whose events are handled in the main loop. Null without a compositor.
+    /// One of our own. Works before there is an application; see `handleInMainLoop`. Null without
+    /// a compositor.
     static std::shared_ptr<WaylandConnection> open();
+    /// Its events are handled in the main loop from now on. Our own only; needs an application.
+    void handleInMainLoop();
     /// The toolkit's. What is bound here lives on a queue that only `waitFor` handles, so that an
     /// answer can be waited for; `adopt` hands an object over to the main loop. Null where the
     /// toolkit runs on something else.
@@ -83,7 +86,6 @@ private:
     WaylandConnection(wl_display *display, wl_event_queue *queue);
     bool readGlobals();
     void *bindFirst(const wl_interface &interface, uint32_t version) const;
-    void listenInMainLoop();
     bool dispatch(std::chrono::milliseconds limit);
     void lose();
     static void globalAdded(void *data, wl_registry *, uint32_t name, const char *interface,

@@ -1,0 +1,89 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/wayland/WaylandConnection.h"
+
+#include <QSize>
+#include <QString>
+
+#include <optional>
+
+class QScreen;
+class QWindow;
+struct zwlr_layer_shell_v1;
+struct zwlr_layer_surface_v1;
+
+namespace tovek {
+
+/// What windows above all others need of the compositor, on the toolkit's connection.
+class LayerShell
+{
+public:
+    /// Null where the compositor offers no such windows.
+    static std::shared_ptr<LayerShell> create();
+    ~LayerShell();
+
+    WaylandConnection &connection() const { return *m_connection; }
+    zwlr_layer_shell_v1 *handle() const { return m_handle; }
+
+private:
+    explicit LayerShell(std::shared_ptr<WaylandConnection> connection);
+
+    std::shared_ptr<WaylandConnection> m_connection;
+    zwlr_layer_shell_v1 *m_handle;
+};
+
+/// Makes a window of the toolkit one above all others, which no window manager moves or decorates.
+/// The window must have been created with Qt::BypassWindowManagerHint and not been shown; it is
+/// given its size, and must be shown only then, and hidden after this has gone. Main thread only.
+///
+/// It works because the toolkit (Qt 6.4 to 6.11) gives such windows a surface without a role, where
+/// QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT is in the environment from its start on.
+class LayerSurface
+{
+public:
+    struct Place
+    {
+        uint32_t anchors = 15; ///< zwlr_layer_surface_v1.anchor; all four: fills the output
+        QSize size{0, 0}; ///< in points; 0 where two anchors decide
+        int top = 0, right = 0, bottom = 0, left = 0; ///< margins, in points
+        const char *nameSpace = "tovek-overlay"; ///< under which users know it in their rules
+    };
+    /// Null, with one log line, when the compositor does not want it: without an answer for long,
+    /// or where nobody manages such windows.
+    static std::unique_ptr<LayerSurface> create(std::shared_ptr<LayerShell> shell, QWindow &window,
+                                                QScreen *screen, const Place &place);
+    ~LayerSurface();
+
+    wl_surface *surface() const { return m_surface; }
+    /// In points, as the compositor wants it.
+    QSize configuredSize() const { return m_configured; }
+    enum class Keyboard { none, exclusive };
+    void setKeyboard(Keyboard keyboard);
+
+    /// The compositor took it away.
+    std::function<void()> onClosed;
+    std::function<void(QSize)> onConfigured;
+
+private:
+    LayerSurface(std::shared_ptr<LayerShell> shell, wl_surface *surface);
+    static void configured(void *data, zwlr_layer_surface_v1 *handle, uint32_t serial,
+                           uint32_t width, uint32_t height);
+    static void closed(void *data, zwlr_layer_surface_v1 *handle);
+
+    std::shared_ptr<LayerShell> m_shell;
+    wl_surface *m_surface;
+    zwlr_layer_surface_v1 *m_handle = nullptr;
+    QSize m_configured;
+    bool m_isConfigured = false;
+    bool m_isClosed = false;
+};
+
+/// The toolkit's screen of this name; null when it knows none.
+QScreen *toolkitScreen(const QString &name);
+/// The surface of a window of the toolkit; null before it is created.
+wl_surface *surfaceOf(QWindow &window);
+
+} // namespace tovek

@@ -1,0 +1,164 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/wayland/capture/WaylandScreenGrabber.h"
+
+#include "foundation/Log.h"
+#include "foundation/WhenReady.h"
+#include "platform/wayland/capture/WaylandFrozenDisplay.h"
+#include "platform/wayland/capture/WaylandPixelFormat.h"
+
+#include <cmath>
+#include <map>
+
+namespace tovek {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto answerLimit = 3s;
+constexpr auto spareLimit = 5s;
+
+struct Snapshot
+{
+    std::map<quint32, ScreenGrabber::Result> results;
+};
+
+} // namespace
+
+QFuture<QImage> WaylandFrozenDisplay::pixels()
+{
+    if (!m_future)
+        m_future = readyFuture(SharedPixels::image(m_pixels, QImage::Format_RGB32));
+    return *m_future;
+}
+
+std::vector<QRect> nativeRects(const std::vector<WaylandOutput> &outputs)
+{
+    double largest = 1;
+    for (const WaylandOutput &output : outputs)
+        largest = std::max(largest, output.scale);
+    std::vector<QRect> rects;
+    for (const WaylandOutput &output : outputs)
+        rects.emplace_back((QPointF(output.logical.topLeft()) * std::ceil(largest)).toPoint(),
+                           output.native);
+    return rects;
+}
+
+WaylandScreenGrabber::WaylandScreenGrabber(std::shared_ptr<WaylandConnection> connection,
+                                           std::shared_ptr<WaylandOutputs> outputs)
+    : m_connection(std::move(connection))
+    , m_outputs(std::move(outputs))
+    , m_shm(m_connection->bind<wl_shm>(wl_shm_interface, 1))
+{
+    m_dropSpare.setSingleShot(true);
+    m_dropSpare.setInterval(spareLimit);
+    connect(&m_dropSpare, &QTimer::timeout, this, [this] { m_spare.clear(); });
+}
+
+WaylandScreenGrabber::~WaylandScreenGrabber()
+{
+    if (m_shm)
+        wl_shm_destroy(m_shm);
+}
+
+void WaylandScreenGrabber::prepare()
+{
+    m_dropSpare.start();
+    if (!m_spare.empty())
+        return;
+    for (const WaylandOutput &output : m_outputs->list()) {
+        const QSize size = output.transform & 1 ? output.native.transposed() : output.native;
+        if (auto pixels = SharedPixels::create(size)) {
+            pixels->populate();
+            m_spare.push_back(std::move(pixels));
+        }
+    }
+}
+
+std::shared_ptr<SharedPixels> WaylandScreenGrabber::takePixels(QSize size, qsizetype bytesPerLine)
+{
+    const auto ready = std::find_if(m_spare.begin(), m_spare.end(), [&](const auto &pixels) {
+        return pixels->size() == size && pixels->bytesPerLine() == bytesPerLine;
+    });
+    if (ready == m_spare.end())
+        return SharedPixels::create(size, bytesPerLine);
+    auto pixels = std::move(*ready);
+    m_spare.erase(ready);
+    return pixels;
+}
+
+std::optional<ShareableContent> WaylandScreenGrabber::shareableContent()
+{
+    const std::vector<WaylandOutput> outputs = m_outputs->list();
+    // All of them are asked before any answer is looked at: one instant for all.
+    std::vector<std::unique_ptr<OutputCapture>> captures;
+    for (const WaylandOutput &output : outputs)
+        captures.push_back(begin(output));
+    const bool isAnswered = m_connection->waitFor(
+        [&] {
+            return std::all_of(captures.begin(), captures.end(), [](const auto &capture) {
+                return capture->state != OutputCapture::State::waiting;
+            });
+        },
+        answerLimit);
+    m_spare.clear();
+
+    const auto snapshot = std::make_shared<Snapshot>();
+    const std::vector<QRect> rects = nativeRects(outputs);
+    ShareableContent content;
+    content.snapshot = snapshot;
+    m_failure = isAnswered ? QString() : QStringLiteral("the compositor does not answer");
+    for (size_t i = 0; i < outputs.size(); ++i) {
+        Result result = resultOf(*captures[i]);
+        if (!result.frozen && m_failure.isEmpty())
+            m_failure = result.error;
+        content.displays.push_back({outputs[i].id, rects[i]});
+        snapshot->results.emplace(outputs[i].id, std::move(result));
+    }
+    const bool hasAny = std::any_of(snapshot->results.begin(), snapshot->results.end(),
+                                    [](const auto &entry) { return bool(entry.second.frozen); });
+    if (hasAny)
+        return content;
+    if (m_failure.isEmpty())
+        m_failure = QStringLiteral("there is no screen");
+    logLine(QStringLiteral("Failed to capture: ") + m_failure);
+    return std::nullopt;
+}
+
+ScreenGrabber::Result WaylandScreenGrabber::resultOf(OutputCapture &capture)
+{
+    if (capture.state == OutputCapture::State::waiting)
+        return {nullptr, QStringLiteral("the compositor does not answer")};
+    if (capture.state == OutputCapture::State::failed)
+        return {nullptr, capture.error};
+    const QImage::Format format = imageFormat(capture.shmFormat);
+    std::shared_ptr<SharedPixels> pixels = std::move(capture.pixels);
+    if (format != QImage::Format_RGB32 || capture.transform != WL_OUTPUT_TRANSFORM_NORMAL
+        || capture.isUpsideDown)
+        pixels = SharedPixels::fromImage(
+            upright(SharedPixels::image(pixels, format), capture.transform, capture.isUpsideDown));
+    if (!pixels)
+        return {nullptr, QStringLiteral("there is no memory for the picture")};
+    return {std::make_shared<WaylandFrozenDisplay>(std::move(pixels)), {}};
+}
+
+QFuture<ScreenGrabber::Result> WaylandScreenGrabber::capture(const ShareableContent &content,
+                                                             const CaptureDisplay &display,
+                                                             const std::vector<quint32> &)
+{
+    const auto snapshot = std::static_pointer_cast<Snapshot>(content.snapshot);
+    const auto found = snapshot->results.find(display.displayId);
+    if (found == snapshot->results.end())
+        return readyFuture(Result{nullptr, QStringLiteral("the screen was not there")});
+    return readyFuture(found->second);
+}
+
+std::shared_ptr<FrozenDisplay> WaylandScreenGrabber::frozenFromImage(const QImage &image)
+{
+    auto pixels = SharedPixels::fromImage(image);
+    return pixels ? std::make_shared<WaylandFrozenDisplay>(std::move(pixels)) : nullptr;
+}
+
+} // namespace tovek

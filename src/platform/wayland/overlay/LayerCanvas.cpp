@@ -1,0 +1,253 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/wayland/overlay/LayerCanvas.h"
+
+#include "viewporter-client.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+
+#include <cmath>
+#include <cstring>
+#include <numeric>
+
+namespace tovek {
+
+namespace {
+
+constexpr size_t mostFrames = 3; // one shown, one about to be, one to paint
+constexpr int fractions = 120; // in which compositors count scales
+
+/// Paints what of the item lies inside a rectangle; the painter's clip is that rectangle.
+struct ItemPainter
+{
+    QPainter &painter;
+    const QRect &damage;
+
+    void operator()(const DisplayList::Fill &fill) const { paint(fill.rect, fill.color); }
+    void operator()(const DisplayList::Fills &fills) const
+    {
+        for (const QRect &rect : *fills.rects)
+            paint(rect, fills.color);
+    }
+    void operator()(const DisplayList::Decal &decal) const
+    {
+        const QRect part = boundsOf(decal) & damage;
+        if (!part.isEmpty())
+            painter.drawImage(part.topLeft(), decal.image, part.translated(-decal.at));
+    }
+    void paint(const QRect &rect, QRgb color) const
+    {
+        if (const QRect part = rect & damage; !part.isEmpty())
+            painter.fillRect(part, QColor::fromRgba(qUnpremultiply(color)));
+    }
+};
+
+/// The fewest points that cover so many pixels and are a whole number of pixels themselves.
+int wholePoints(int native, double scale)
+{
+    const int numerator = int(std::lround(scale * fractions));
+    const int step = fractions / std::gcd(numerator, fractions);
+    const int points = int(std::ceil(native / scale - 1e-6));
+    return (points + step - 1) / step * step;
+}
+
+} // namespace
+
+CanvasGlobals::CanvasGlobals(std::shared_ptr<WaylandConnection> toolkit)
+    : connection(std::move(toolkit))
+    , compositor(connection->bind<wl_compositor>(wl_compositor_interface, 4))
+    , subcompositor(connection->bind<wl_subcompositor>(wl_subcompositor_interface, 1))
+    , shm(connection->bind<wl_shm>(wl_shm_interface, 1))
+    , viewporter(connection->bind<wp_viewporter>(wp_viewporter_interface, 1))
+{
+    // What they make is handled in the main loop.
+    for (void *object : {static_cast<void *>(compositor), static_cast<void *>(subcompositor),
+                         static_cast<void *>(shm), static_cast<void *>(viewporter)}) {
+        if (object)
+            connection->adopt(object);
+    }
+}
+
+CanvasGlobals::~CanvasGlobals()
+{
+    if (!qApp) // the toolkit has closed the connection
+        return;
+    if (compositor)
+        wl_compositor_destroy(compositor);
+    if (subcompositor)
+        wl_subcompositor_destroy(subcompositor);
+    if (shm)
+        wl_shm_destroy(shm);
+    if (viewporter)
+        wp_viewporter_destroy(viewporter);
+}
+
+/// One of the pictures that take turns.
+struct LayerCanvas::Frame
+{
+    std::shared_ptr<SharedPixels> pixels;
+    WaylandPtr<wl_buffer, wl_buffer_destroy> buffer;
+    std::optional<DisplayList> list; ///< in it; absent: nothing is yet
+    bool isBusy = false; ///< the compositor may read it
+};
+
+LayerCanvas::LayerCanvas(std::shared_ptr<CanvasGlobals> globals, wl_surface *parent,
+                         std::shared_ptr<SharedPixels> frozen, double scale)
+    : m_globals(std::move(globals))
+    , m_native(frozen->size())
+    , m_points(wholePoints(m_native.width(), scale), wholePoints(m_native.height(), scale))
+    , m_scale(scale)
+    , m_frozen(fitted(std::move(frozen)))
+    , m_surface(wl_compositor_create_surface(m_globals->compositor))
+    , m_subsurface(wl_subcompositor_get_subsurface(m_globals->subcompositor, m_surface, parent))
+    , m_viewport(wp_viewporter_get_viewport(m_globals->viewporter, m_surface))
+    , m_frozenBuffer(m_frozen->makeBuffer(m_globals->shm, WL_SHM_FORMAT_XRGB8888))
+{
+    wl_subsurface_place_below(m_subsurface, parent);
+    // The pointer is the window's above.
+    wl_region *nothing = wl_compositor_create_region(m_globals->compositor);
+    wl_surface_set_input_region(m_surface, nothing);
+    wl_region_destroy(nothing);
+    wp_viewport_set_destination(m_viewport, m_points.width(), m_points.height());
+    wl_surface_attach(m_surface, m_frozenBuffer, 0, 0);
+    wl_surface_damage_buffer(m_surface, 0, 0, m_frozen->size().width(), m_frozen->size().height());
+    wl_surface_commit(m_surface);
+}
+
+LayerCanvas::~LayerCanvas()
+{
+    if (!qApp)
+        return;
+    if (m_callback)
+        wl_callback_destroy(m_callback);
+    wp_viewport_destroy(m_viewport);
+    wl_subsurface_destroy(m_subsurface);
+    wl_surface_destroy(m_surface);
+    wl_buffer_destroy(m_frozenBuffer);
+}
+
+std::shared_ptr<SharedPixels> LayerCanvas::fitted(std::shared_ptr<SharedPixels> frozen)
+{
+    // A surface has whole points. Where the screen's last one would be cut by its edge, the
+    // picture goes on beyond the edge: stretched, it would not be the same any more.
+    const QSize whole(int(std::lround(m_points.width() * m_scale)),
+                      int(std::lround(m_points.height() * m_scale)));
+    if (whole == frozen->size())
+        return frozen;
+    auto padded = SharedPixels::create(whole);
+    if (!padded)
+        return frozen;
+    for (int y = 0; y < frozen->size().height(); ++y)
+        std::memcpy(padded->data() + y * padded->bytesPerLine(),
+                    frozen->data() + y * frozen->bytesPerLine(), size_t(frozen->bytesPerLine()));
+    return padded;
+}
+
+void LayerCanvas::becomeIndependent()
+{
+    wl_subsurface_set_desync(m_subsurface);
+}
+
+void LayerCanvas::present(const DisplayList &list)
+{
+    // One frame a refresh: what comes in between would not be seen.
+    if (m_callback || !freeFrame())
+        m_waiting = list;
+    else
+        show(list);
+}
+
+LayerCanvas::Frame *LayerCanvas::freeFrame()
+{
+    for (const std::unique_ptr<Frame> &frame : m_frames) {
+        if (!frame->isBusy)
+            return frame.get();
+    }
+    if (m_frames.size() == mostFrames)
+        return nullptr;
+    auto pixels = SharedPixels::create(m_frozen->size());
+    if (!pixels)
+        return nullptr;
+    m_frames.push_back(std::make_unique<Frame>());
+    Frame &frame = *m_frames.back();
+    frame.pixels = std::move(pixels);
+    frame.buffer.reset(frame.pixels->makeBuffer(m_globals->shm, WL_SHM_FORMAT_XRGB8888));
+    static constexpr wl_buffer_listener listener{&released};
+    wl_buffer_add_listener(frame.buffer.get(), &listener, this);
+    return &frame;
+}
+
+QRegion LayerCanvas::compose(Frame &frame, const DisplayList &list) const
+{
+    const QRect bounds(QPoint(), m_frozen->size());
+    const QRegion damage = frame.list ? damageBetween(*frame.list, list) & bounds : QRegion(bounds);
+    frame.list = list;
+    if (damage.isEmpty())
+        return damage;
+    QImage image = QImage(frame.pixels->data(), bounds.width(), bounds.height(),
+                          frame.pixels->bytesPerLine(), QImage::Format_RGB32);
+    const QImage frozen(m_frozen->data(), bounds.width(), bounds.height(), m_frozen->bytesPerLine(),
+                        QImage::Format_RGB32);
+    const int veil = qBound(0, qRound(list.veil * 255), 255);
+    QPainter painter(&image);
+    for (const QRect &rect : damage) {
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+        painter.drawImage(rect.topLeft(), frozen, rect);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        if (veil > 0) {
+            for (const QRect &part : QRegion(rect) - QRegion(list.clear))
+                painter.fillRect(part, QColor(0, 0, 0, veil));
+        }
+        for (const DisplayList::Item &item : list.items)
+            std::visit(ItemPainter{painter, rect}, item);
+    }
+    return damage;
+}
+
+void LayerCanvas::show(const DisplayList &list)
+{
+    m_waiting.reset();
+    const QRegion changed = damageBetween(m_shown, list) & QRect(QPoint(), m_frozen->size());
+    if (changed.isEmpty())
+        return;
+    Frame &frame = *freeFrame();
+    compose(frame, list);
+    m_shown = list;
+    frame.isBusy = true;
+    wl_surface_attach(m_surface, frame.buffer.get(), 0, 0);
+    for (const QRect &rect : changed)
+        wl_surface_damage_buffer(m_surface, rect.x(), rect.y(), rect.width(), rect.height());
+    m_callback = wl_surface_frame(m_surface);
+    static constexpr wl_callback_listener listener{&frameDone};
+    wl_callback_add_listener(m_callback, &listener, this);
+    wl_surface_commit(m_surface);
+    m_globals->connection->flush();
+}
+
+void LayerCanvas::showWaiting()
+{
+    if (m_waiting && !m_callback && freeFrame())
+        show(DisplayList(std::move(*m_waiting)));
+}
+
+void LayerCanvas::frameDone(void *data, wl_callback *callback, uint32_t)
+{
+    auto &self = *static_cast<LayerCanvas *>(data);
+    wl_callback_destroy(callback);
+    self.m_callback = nullptr;
+    self.showWaiting();
+}
+
+void LayerCanvas::released(void *data, wl_buffer *buffer)
+{
+    auto &self = *static_cast<LayerCanvas *>(data);
+    for (const std::unique_ptr<Frame> &frame : self.m_frames) {
+        if (frame->buffer.get() == buffer)
+            frame->isBusy = false;
+    }
+    self.showWaiting();
+}
+
+} // namespace tovek

@@ -1,0 +1,75 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/OverlaySurface.h"
+#include "platform/wayland/SharedPixels.h"
+#include "platform/wayland/WaylandConnection.h"
+
+#include <QRegion>
+
+struct wp_viewport;
+struct wp_viewporter;
+
+namespace tovek {
+
+/// What a canvas is made with, on the toolkit's connection.
+struct CanvasGlobals
+{
+    explicit CanvasGlobals(std::shared_ptr<WaylandConnection> toolkit);
+    ~CanvasGlobals();
+    bool isComplete() const { return compositor && subcompositor && shm && viewporter; }
+
+    std::shared_ptr<WaylandConnection> connection;
+    wl_compositor *compositor;
+    wl_subcompositor *subcompositor;
+    wl_shm *shm;
+    wp_viewporter *viewporter;
+};
+
+/// Shows a frozen display below a transparent surface, pixel for pixel: the captured memory itself
+/// until something lies over it, from then on composed copies of it, of which only what changed is
+/// painted. Main thread only.
+class LayerCanvas
+{
+public:
+    /// Becomes visible with the parent's next commit. `scale`: native pixels per point.
+    LayerCanvas(std::shared_ptr<CanvasGlobals> globals, wl_surface *parent,
+                std::shared_ptr<SharedPixels> frozen, double scale);
+    ~LayerCanvas();
+    LayerCanvas(const LayerCanvas &) = delete;
+    LayerCanvas &operator=(const LayerCanvas &) = delete;
+
+    /// The parent has been shown: what is presented from now on needs no commit of its.
+    void becomeIndependent();
+    /// Shows the list, at once or as soon as the compositor is ready for another frame.
+    void present(const DisplayList &list);
+
+private:
+    struct Frame;
+    static void frameDone(void *data, wl_callback *callback, uint32_t time);
+    static void released(void *data, wl_buffer *buffer);
+    Frame *freeFrame();
+    QRegion compose(Frame &frame, const DisplayList &list) const;
+    void show(const DisplayList &list);
+    void showWaiting();
+    std::shared_ptr<SharedPixels> fitted(std::shared_ptr<SharedPixels> frozen);
+    void place();
+
+    std::shared_ptr<CanvasGlobals> m_globals;
+    QSize m_native; ///< what is to be seen
+    QSize m_points; ///< what the surface covers; a little more where the scale leaves a fraction
+    double m_scale;
+    std::shared_ptr<SharedPixels> m_frozen;
+    wl_surface *m_surface;
+    wl_subsurface *m_subsurface;
+    wp_viewport *m_viewport;
+    wl_buffer *m_frozenBuffer;
+    wl_callback *m_callback = nullptr; ///< of the last frame, while the compositor has it to show
+    std::vector<std::unique_ptr<Frame>> m_frames;
+    DisplayList m_shown;
+    std::optional<DisplayList> m_waiting;
+};
+
+} // namespace tovek

@@ -1,0 +1,85 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/OverlaySurface.h"
+#include "platform/wayland/LayerSurface.h"
+#include "platform/wayland/WaylandOutputs.h"
+#include "platform/wayland/overlay/LayerCanvas.h"
+
+namespace tovek {
+
+class LayerOverlaySurface;
+
+/// What the overlays of one session share.
+struct LayerOverlayServices
+{
+    std::shared_ptr<LayerShell> shell;
+    std::shared_ptr<CanvasGlobals> canvas;
+    std::shared_ptr<WaylandOutputs> outputs;
+    std::function<void(uint32_t displayId)> pointerSeenOn;
+    LayerOverlaySurface *key = nullptr; ///< the one with the keyboard
+};
+
+/// A surface of the layer shell over one output. The frozen display and what is drawn over it lie
+/// below the window's own surface, which is transparent but for child widgets; the compositor puts
+/// them together, and the toolkit paints nothing to open.
+class LayerOverlaySurface : public QObject, public OverlaySurface
+{
+public:
+    LayerOverlaySurface(std::shared_ptr<LayerOverlayServices> services, QWindow &window,
+                        const Screen &screen, std::shared_ptr<FrozenDisplay> frozen);
+    ~LayerOverlaySurface() override;
+    void orderFrontRegardless() override;
+    void orderOut() override;
+    bool isVisible() const override { return m_isVisible; }
+    void makeKey() override;
+    bool isKey() const override { return m_services->key == this; }
+    bool present(const DisplayList &list) override;
+    void setCovered(const QRegion &) override { }
+    bool liesBelow() const override { return m_canvas != nullptr; }
+    void setFollowsPointer(bool) override { }
+
+private:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void setUpWindow();
+    void map();
+    void leaveWithTheScreen();
+
+    std::shared_ptr<LayerOverlayServices> m_services;
+    QWindow &m_window;
+    const Screen m_screen;
+    std::shared_ptr<FrozenDisplay> m_frozen;
+    std::unique_ptr<LayerSurface> m_layer; ///< null where the compositor refused
+    wp_viewport *m_viewport = nullptr; ///< the window's own
+    wl_buffer *m_blank = nullptr;
+    std::unique_ptr<LayerCanvas> m_canvas;
+    bool m_isVisible = false;
+    bool m_wantsKey = false;
+    bool m_isForwarding = false;
+};
+
+/// Over the layer shell.
+class LayerOverlayShell : public OverlayShell
+{
+public:
+    /// Null where the compositor does not offer what it takes.
+    static std::unique_ptr<LayerOverlayShell>
+    create(std::shared_ptr<WaylandOutputs> outputs,
+           std::function<void(uint32_t displayId)> pointerSeenOn);
+
+    void prepare() override { }
+    std::unique_ptr<OverlaySurface> create(QWindow &window, const Screen &screen,
+                                           std::shared_ptr<FrozenDisplay> frozen) override;
+
+private:
+    explicit LayerOverlayShell(std::shared_ptr<LayerOverlayServices> services)
+        : m_services(std::move(services))
+    {
+    }
+
+    std::shared_ptr<LayerOverlayServices> m_services;
+};
+
+} // namespace tovek
