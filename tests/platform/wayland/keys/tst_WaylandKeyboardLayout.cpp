@@ -48,7 +48,7 @@ private Q_SLOTS:
         QCOMPARE(layout->character(0), QStringLiteral("a"));
         // Brings a keyboard of its own, on which the first key types this.
         changes = 0;
-        QVERIFY(!m_desktop.output("wtype", {"-s", "300", QStringLiteral("é")}).isNull());
+        m_desktop.output("wtype", {"-s", "300", QStringLiteral("é")});
         QTRY_VERIFY(changes > 0);
     }
 
