@@ -6,10 +6,13 @@
 #include "KeyboardShortcuts/ShortcutService.h"
 #include "app/AboutTabView.h"
 #include "app/BundleInformation.h"
+#include "app/CommandsTabView.h"
 #include "app/GeneralTabView.h"
 #include "app/ShortcutsTabView.h"
 #include "foundation/Symbol.h"
 #include "foundation/UserDefaults.h"
+#include "platform/Clipboard.h"
+#include "platform/HotKeys.h"
 #include "platform/LoginItem.h"
 #include "platform/Platform.h"
 #include "platform/SystemShortcuts.h"
@@ -18,7 +21,9 @@
 #include <QAction>
 #include <QApplication>
 #include <QDesktopServices>
+#include <QFileInfo>
 #include <QIcon>
+#include <QStandardPaths>
 
 namespace tovek {
 
@@ -37,6 +42,17 @@ QString symbolOf(SettingsTab tab)
         return QStringLiteral("info.circle");
     }
     Q_UNREACHABLE();
+}
+
+/// How the user starts this program from a command line.
+QString programCommand()
+{
+    const QString image = qEnvironmentVariable("APPIMAGE");
+    const QString file = image.isEmpty() ? QCoreApplication::applicationFilePath() : image;
+    const QString name = QStringLiteral("tovek");
+    const QString found = QStandardPaths::findExecutable(name);
+    return QFileInfo(found).canonicalFilePath() == QFileInfo(file).canonicalFilePath() ? name
+                                                                                       : file;
 }
 
 } // namespace
@@ -94,6 +110,14 @@ QWidget *SettingsTabs::makeGeneral(QWidget *parent)
 
 QWidget *SettingsTabs::makeShortcuts(QWidget *parent)
 {
+    const HotKeys &keys = *m_platform.hotKeys;
+    if (keys.commandBinding({}, programCommand()))
+        return new CommandsTabView(
+            programCommand(),
+            [&keys](KeyCombo key, const QString &command) {
+                return keys.commandBinding(key, command);
+            },
+            [this](const QString &text) { m_platform.clipboard->setText(text); }, parent);
     KeyboardShortcuts::RecorderSetup setup;
     setup.mainMenu = [this] { return m_mainMenu; };
     setup.systemShortcuts = m_platform.systemShortcuts.get();

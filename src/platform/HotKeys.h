@@ -18,6 +18,15 @@ struct KeyCombo
     bool operator==(const KeyCombo &) const = default;
 };
 
+/// What makes a key run a command in the user's own settings of the desktop.
+struct CommandBinding
+{
+    QString place; ///< where `line` belongs, as people say it
+    QString line;
+
+    bool operator==(const CommandBinding &) const = default;
+};
+
 /// System-wide keys. Main thread only.
 ///
 /// A combination fires whatever the lock keys are; a key held down fires once, and one that was
@@ -37,6 +46,12 @@ public:
     virtual bool reportsRelease() const = 0;
     /// True when another program or the desktop itself holds the combination now.
     virtual bool isTaken(KeyCombo combo) = 0;
+    /// Where the desktop gives its keys to no program: how the user gives one to a command of
+    /// ours. Absent where `grab` does it.
+    virtual std::optional<CommandBinding> commandBinding(KeyCombo, const QString &) const
+    {
+        return std::nullopt;
+    }
 
     /// While on, `onMayBeFree` is called when what was refused may be had: a program has left, or
     /// the keyboard has another map. Watching costs something.
