@@ -111,9 +111,9 @@ void X11TestDesktop::paint()
     sync();
 }
 
-xcb_window_t X11TestDesktop::openWindow(QRect rect, quint32 pixel)
+xcb_window_t X11TestDesktop::openWindow(QRect rect, quint32 pixel, xcb_window_t number)
 {
-    const xcb_window_t window = xcb_generate_id(m_client);
+    const xcb_window_t window = number ? number : xcb_generate_id(m_client);
     const uint32_t values[]{pixel, 1};
     xcb_create_window(m_client, XCB_COPY_FROM_PARENT, window, m_screen->root, int16_t(rect.x()),
                       int16_t(rect.y()), uint16_t(rect.width()), uint16_t(rect.height()), 0,

@@ -33,8 +33,8 @@ public:
     QImage look(QRect rect) const;
     QImage look() const;
     void fill(xcb_window_t window, QRect rect, quint32 pixel);
-    /// Maps an unmanaged window of the other client.
-    xcb_window_t openWindow(QRect rect, quint32 pixel);
+    /// Maps an unmanaged window of the other client, of this number if one is given.
+    xcb_window_t openWindow(QRect rect, quint32 pixel, xcb_window_t number = 0);
     void sync() const;
     /// Resident bytes of the server's process.
     qint64 serverMemory() const;

@@ -47,6 +47,7 @@ void X11Stacking::remove(xcb_window_t overlay)
         m_answered.clear();
         m_look.stop();
         m_focus = XCB_NONE;
+        m_onTop.clear();
         setWatching(false);
     }
 }
@@ -74,12 +75,12 @@ bool X11Stacking::nativeEventFilter(const QByteArray &, void *message, qintptr *
     if (type == XCB_MAP_NOTIFY) {
         const auto *map = static_cast<xcb_map_notify_event_t *>(message);
         if (map->event == m_connection->root())
-            answer(map->window);
+            cameOnTop(map->window, map->override_redirect);
     } else if (type == XCB_CONFIGURE_NOTIFY) {
         const auto *configure = static_cast<xcb_configure_notify_event_t *>(message);
         if (configure->event == m_connection->root()
             && m_overlays.contains(configure->above_sibling))
-            answer(configure->window);
+            cameOnTop(configure->window, configure->override_redirect);
     } else if (type == XCB_FOCUS_IN) {
         // xscreensaver 6.06, when four tries at the keyboard have failed, takes the focus from
         // everybody before it tries four times more: nothing else tells of it.
@@ -87,20 +88,46 @@ bool X11Stacking::nativeEventFilter(const QByteArray &, void *message, qintptr *
         if (focus->event == m_connection->root() && focus->detail == XCB_NOTIFY_DETAIL_NONE
             && isFocusTaken())
             tellLocker();
+    } else if (type == XCB_UNMAP_NOTIFY) {
+        m_onTop.erase(static_cast<xcb_unmap_notify_event_t *>(message)->window);
+    } else if (type == XCB_DESTROY_NOTIFY) {
+        // Another window may get its number.
+        const xcb_window_t gone = static_cast<xcb_destroy_notify_event_t *>(message)->window;
+        m_onTop.erase(gone);
+        m_answered.erase(gone);
     }
     return false;
 }
 
-void X11Stacking::answer(xcb_window_t foreign)
+bool X11Stacking::isOurs(xcb_window_t window) const
 {
-    if (m_overlays.contains(foreign) || !m_answered.insert(foreign).second)
+    const xcb_setup_t *setup = xcb_get_setup(m_connection->xcb());
+    return (window & ~setup->resource_id_mask) == setup->resource_id_base;
+}
+
+void X11Stacking::cameOnTop(xcb_window_t window, bool isUnmanaged)
+{
+    if (m_overlays.contains(window))
         return;
-    if (X11ForeignWindows(m_connection->xcb()).looksLikeALocker(foreign))
+    if (isUnmanaged && isOurs(window)) {
+        m_onTop.insert(window);
+        return;
+    }
+    if (!m_answered.insert(window).second)
+        return;
+    if (X11ForeignWindows(m_connection->xcb()).looksLikeALocker(window))
         return tellLocker();
-    const uint32_t above = XCB_STACK_MODE_ABOVE;
     for (const xcb_window_t overlay : m_overlays)
-        xcb_configure_window(m_connection->xcb(), overlay, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+        raise(overlay);
+    for (const xcb_window_t toast : m_onTop)
+        raise(toast);
     m_connection->flush();
+}
+
+void X11Stacking::raise(xcb_window_t window)
+{
+    const uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(m_connection->xcb(), window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
 }
 
 /// Later, from the main loop: it will end the overlays, and us with them.

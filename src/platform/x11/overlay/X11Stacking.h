@@ -13,10 +13,10 @@
 
 namespace tovek {
 
-/// Keeps our overlays above windows that other programs put on top later (notifications, docks).
-/// Each foreign window is answered once, so that two programs that both insist do not flicker.
-/// A locker is told instead of answered. Watches the desktop only while an overlay shows. Main
-/// thread only.
+/// Keeps our overlays above windows that other programs put on top later (notifications, docks),
+/// and what we put on top of them ourselves (toasts) above both. Each foreign window is answered
+/// once, so that two programs that both insist do not flicker. A locker is told instead of
+/// answered. Watches the desktop only while an overlay shows. Main thread only.
 class X11Stacking : public QObject, private QAbstractNativeEventFilter
 {
 public:
@@ -30,16 +30,19 @@ public:
 private:
     bool nativeEventFilter(const QByteArray &type, void *message, qintptr *result) override;
     void setWatching(bool isOn);
-    void answer(xcb_window_t foreign);
     void tellLocker();
     xcb_window_t focus() const;
     bool isFocusTaken() const;
+    bool isOurs(xcb_window_t window) const;
+    void cameOnTop(xcb_window_t window, bool isUnmanaged);
+    void raise(xcb_window_t window);
 
     std::shared_ptr<X11Connection> m_connection;
     std::set<xcb_window_t> m_overlays;
     std::set<xcb_window_t> m_answered;
     QTimer m_look; ///< at the focus, once the overlays are up
     xcb_window_t m_focus = XCB_NONE; ///< since then
+    std::set<xcb_window_t> m_onTop; ///< ours, over the overlays
 };
 
 } // namespace tovek

@@ -64,6 +64,9 @@ public:
                           values);
         m_gc = xcb_generate_id(m_connection);
         xcb_create_gc(m_connection, m_gc, m_window, 0, nullptr);
+        m_content = xcb_generate_id(m_connection);
+        xcb_create_pixmap(m_connection, uint8_t(m_depth), m_content, m_window,
+                          uint16_t(native.width()), uint16_t(native.height()));
         xcb_shape_rectangles(m_connection, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_INPUT,
                              XCB_CLIP_ORDERING_UNSORTED, m_window, 0, 0, 0, nullptr);
         describe(title.toUtf8());
@@ -72,6 +75,7 @@ public:
     ~X11ToastWindow() override
     {
         xcb_destroy_window(m_connection, m_window);
+        xcb_free_pixmap(m_connection, m_content);
         xcb_free_gc(m_connection, m_gc);
         xcb_free_colormap(m_connection, m_colormap);
         xcb_flush(m_connection);
@@ -104,8 +108,12 @@ public:
 private:
     void put()
     {
-        if (!m_picture.isNull())
-            x11PutImage(QtXcb::connection(), m_window, m_gc, m_depth, m_picture);
+        // As the background, which the server paints again where another window had covered it.
+        if (!m_picture.isNull()) {
+            x11PutImage(QtXcb::connection(), m_content, m_gc, m_depth, m_picture);
+            xcb_change_window_attributes(m_connection, m_window, XCB_CW_BACK_PIXMAP, &m_content);
+            xcb_clear_area(m_connection, 0, m_window, 0, 0, 0, 0);
+        }
         xcb_flush(m_connection);
     }
 
@@ -171,6 +179,7 @@ private:
     xcb_window_t m_window = 0;
     xcb_colormap_t m_colormap = 0;
     xcb_gcontext_t m_gc = 0;
+    xcb_pixmap_t m_content = 0;
     QImage m_picture;
 };
 

@@ -3,6 +3,7 @@
 
 #include "fakes/PaintedList.h"
 #include "platform/x11/overlay/X11OverlayFixture.h"
+#include "platform/x11/overlay/X11ToastShell.h"
 
 using namespace tovek;
 
@@ -170,6 +171,46 @@ private Q_SLOTS:
         desktop->sync();
         QTest::qWait(50);
         QVERIFY(desktop->look() != m_before);
+        xcb_destroy_window(desktop->client(), visitor);
+        desktop->sync();
+    }
+
+    void answersAWindowThatGotTheNumberOfOneBefore()
+    {
+        Overlay overlay;
+        const auto surface = m_shell->create(*overlay.windowHandle(), m_screen, freeze());
+        overlay.open(*surface);
+        QVERIFY(QTest::qWaitForWindowExposed(overlay.windowHandle()));
+        const xcb_window_t first = desktop->openWindow(QRect(0, 0, 300, 300), 0xffffff);
+        QTRY_COMPARE(desktop->look(), m_before);
+        xcb_destroy_window(desktop->client(), first);
+        desktop->openWindow(QRect(0, 0, 300, 300), 0xffffff, first);
+        QTRY_COMPARE(desktop->look(), m_before);
+        xcb_destroy_window(desktop->client(), first);
+        desktop->sync();
+    }
+
+    void leavesToastsAboveItself()
+    {
+        Overlay overlay;
+        const auto surface = m_shell->create(*overlay.windowHandle(), m_screen, freeze());
+        overlay.open(*surface);
+        QVERIFY(QTest::qWaitForWindowExposed(overlay.windowHandle()));
+        X11ToastShell shell;
+        const QRect place(100, 100, 60, 40);
+        const auto toast = shell.create(place, QStringLiteral("toast"));
+        QImage picture(place.size(), QImage::Format_ARGB32_Premultiplied);
+        picture.fill(Qt::green);
+        toast->present(picture);
+        toast->orderFront();
+        const auto isSeen = [&] { return desktop->look(place).pixelColor(30, 20) == Qt::green; };
+        QTRY_VERIFY(isSeen());
+        QTest::qWait(100);
+        QVERIFY(isSeen());
+        // What comes over both goes below both.
+        const xcb_window_t visitor = desktop->openWindow(QRect(90, 90, 300, 300), 0xffffff);
+        QTRY_VERIFY(isSeen());
+        QCOMPARE(desktop->look(QRect(200, 200, 50, 50)), m_before.copy(200, 200, 50, 50));
         xcb_destroy_window(desktop->client(), visitor);
         desktop->sync();
     }
