@@ -185,6 +185,32 @@ private Q_SLOTS:
         QCOMPARE(d.copied().pixel(200, 100), Ink::green);
     }
 
+    void comesBackFromBelowOtherWindows_data()
+    {
+        QTest::addColumn<double>("scale");
+        QTest::newRow("scale 1") << 1.0;
+        QTest::newRow("scale 1.5") << 1.5;
+        QTest::newRow("scale 2") << 2.0;
+    }
+    void comesBackFromBelowOtherWindows()
+    {
+        QFETCH(double, scale);
+        Drawing d(scale);
+        QVERIFY2(d.begin(), qPrintable(d.error));
+        d.clickButton(Drawing::colorButton); // its plate lies over the view too
+        const QImage before = d.tovek->eye().lookWhenStill();
+        const QRect toolbar = d.firstButton.adjusted(-40, -20, 400, 200);
+        for (const QRect &place : {toolbar, toolbar.adjusted(60, 10, -60, 0)}) {
+            // The overlay goes over a window once. Closing, moving or hiding it makes no
+            // difference.
+            Program *window = d.desktop.showPicture(place, {QStringLiteral("--unmanaged")});
+            QVERIFY(window);
+            QVERIFY(waitUntil([&] { return differentPixels(before, d.tovek->eye().look()) == 0; }));
+            window->stop();
+            QVERIFY(waitUntil([&] { return differentPixels(before, d.tovek->eye().look()) == 0; }));
+        }
+    }
+
     void closesTheColoursFirstOnEscape()
     {
         Drawing d;

@@ -253,10 +253,13 @@ bool X11OverlaySurface::eventFilter(QObject *watched, QEvent *event)
     if (event->type() == QEvent::Paint) {
         const QRegion region = static_cast<QPaintEvent *>(event)->region();
         m_canvas->repair(toNative(region));
-        QPaintEvent covered(toLogical(m_covered & toNative(region)));
+        const QRegion covered = toLogical(m_covered & toNative(region));
+        // The widget's window does nothing with a paint event (Qt 6.4): it flushes what the
+        // children painted when it is exposed.
         m_isForwarding = true;
-        if (!covered.region().isEmpty())
-            QCoreApplication::sendEvent(watched, &covered);
+        QExposeEvent exposed{covered};
+        if (!covered.isEmpty())
+            QCoreApplication::sendEvent(watched, &exposed);
         m_isForwarding = false;
         event->accept();
         return true;
