@@ -52,6 +52,17 @@ int mostDifferentPixels(const Session &session, std::chrono::milliseconds time)
     return worst;
 }
 
+/// On average, from 0 to 255.
+double lightOf(const QImage &image)
+{
+    qint64 sum = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            sum += qGray(image.pixel(x, y));
+    }
+    return double(sum) / (image.width() * image.height());
+}
+
 /// What the window tells the compositing manager of its shadow; absent when it says nothing.
 std::optional<uint32_t> shadowOf(const Session &session, xcb_window_t window)
 {
@@ -111,6 +122,33 @@ private Q_SLOTS:
             [&] { return differentPixels(session.before, session.tovek->eye().look()) == 0; }));
     }
 
+    void fadesNoVeil()
+    {
+        Composited session(true);
+        QVERIFY2(session.start(), qPrintable(session.error));
+        QVERIFY(session.open());
+        session.select({550, 150}, {701, 277});
+        // Right of the picture's middle it is bright, and far from selection and toolbar.
+        const QRect place(1000, 20, 200, 100);
+        const QImage bright = session.before.copy(place);
+        QImage veiled;
+        QVERIFY(waitUntil([&] {
+            veiled = session.tovek->eye().look(place);
+            return lightOf(veiled) * 2 <= lightOf(bright) + 1;
+        }));
+        QVERIFY(lightOf(bright) - lightOf(veiled) > 20);
+        QVERIFY(session.tap("Escape"));
+        // Either of them, and nothing between.
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < 600) {
+            const double light = lightOf(session.tovek->eye().look(place));
+            QVERIFY2(std::abs(light - lightOf(bright)) < 2 || std::abs(light - lightOf(veiled)) < 2,
+                     qPrintable(QString::number(light)));
+        }
+        QCOMPARE(differentPixels(session.tovek->eye().look(place), bright), 0);
+    }
+
     void noWindowCastsAShadow()
     {
         Composited session;
@@ -138,7 +176,7 @@ private Q_SLOTS:
         Composited session;
         QVERIFY2(session.start(), qPrintable(session.error));
         const QPoint by(151, 127);
-        for (const QPoint &from : {QPoint(480, 0), QPoint(903, 307), QPoint(328, 472)}) {
+        for (const QPoint &from : {QPoint(480, 0), QPoint(903, 307), QPoint(320, 464)}) {
             QVERIFY(session.open());
             session.select(from, from + by);
             QVERIFY(session.tap("Return"));

@@ -16,6 +16,7 @@ constexpr std::array<const char *, size_t(X11Atom::count)> atomNames{
     "_NET_ACTIVE_WINDOW",
     "_NET_CLIENT_LIST",
     "_COMPTON_SHADOW",
+    "_KDE_NET_WM_SKIP_CLOSE_ANIMATION",
     "_NET_CURRENT_DESKTOP",
     "_NET_SUPPORTING_WM_CHECK",
     "UTF8_STRING",

@@ -19,6 +19,7 @@ enum class X11Atom {
     activeWindow,
     clientList,
     comptonShadow,
+    kdeSkipCloseAnimation,
     currentDesktop,
     supportingWmCheck,
     utf8String,

@@ -94,6 +94,10 @@ void X11OverlaySurface::setUpWindow()
     const uint32_t none = 0;
     xcb_change_property(connection.xcb(), XCB_PROP_MODE_REPLACE, id(),
                         connection.atom(X11Atom::comptonShadow), XCB_ATOM_CARDINAL, 32, 1, &none);
+    const uint32_t yes = 1;
+    xcb_change_property(connection.xcb(), XCB_PROP_MODE_REPLACE, id(),
+                        connection.atom(X11Atom::kdeSkipCloseAnimation), XCB_ATOM_CARDINAL, 32, 1,
+                        &yes);
     if (isBackedByTheServer()) {
         const uint32_t background = m_frozen->pixmap()->id();
         xcb_change_window_attributes(connection.xcb(), id(), XCB_CW_BACK_PIXMAP, &background);
@@ -142,6 +146,7 @@ void X11OverlaySurface::orderOut()
     m_services->keyboard.release(m_window);
     m_services->stacking.remove(id());
     m_pointer.stop();
+    unveil();
     xcb_unmap_window(connection.xcb(), id());
     const uint32_t none = XCB_BACK_PIXMAP_NONE;
     xcb_change_window_attributes(connection.xcb(), id(), XCB_CW_BACK_PIXMAP, &none);
@@ -152,6 +157,17 @@ void X11OverlaySurface::orderOut()
     m_frozen.reset();
     m_window.setVisible(false);
     connection.flush();
+}
+
+/// A compositing manager that lets windows go softly (picom) shows for a third of a second what
+/// lay over the screen at last, to whoever photographs it next as well.
+void X11OverlaySurface::unveil()
+{
+    if (!m_canvas)
+        return;
+    setCovered({});
+    if (m_canvas->present({}))
+        m_services->drawing->settle();
 }
 
 void X11OverlaySurface::makeKey()

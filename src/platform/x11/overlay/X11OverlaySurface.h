@@ -56,6 +56,7 @@ private:
     bool isBackedByTheServer() const;
     void forceNativeGeometry(uint16_t alsoRaise);
     void leaveWithTheScreen();
+    void unveil();
     void showFrame(const DisplayList &list);
     void showWaitingFrame();
     QRegion toNative(const QRegion &logical) const;
