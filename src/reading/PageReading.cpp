@@ -47,7 +47,7 @@ TextRun strokesOf(const InkMap &even, const TextRun &run)
 
 void add(Page &page, TextRun run)
 {
-    if (run.patches.empty())
+    if (run.patches.empty() || isSpecks(run))
         return;
     LetterMetrics rough;
     rough.capHeight = run.box.height();

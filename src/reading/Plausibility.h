@@ -12,6 +12,10 @@ namespace tovek {
 /// shape or their place on the line is none that the character has.
 void dropPictures(std::vector<ReadWord> &words, const LetterMetrics &metrics);
 
+/// True for a run that no engine needs to look at: specks, dotted lines and grips, which have
+/// nothing as high as the lowest letter, and rows of equal dots.
+bool isSpecks(const TextRun &run);
+
 /// True for a run that stands alone and is no text: a speck such as a frame's corner, a thin
 /// upright line, or a few characters read into something much higher than the picture's other
 /// letters. `usualCap` is the cap height of most of the picture's text, 0 when it has none.

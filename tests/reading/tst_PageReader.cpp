@@ -26,7 +26,7 @@ public:
     {
         if (m_broken.contains((*m_linesRead)++))
             return std::nullopt;
-        return std::vector<EngineSymbol>{{"M", 4, strip.width - 4.0, 90, true}};
+        return std::vector<EngineSymbol>{{"M", 4, strip.width - 4.0, 96, true}};
     }
 
 private:

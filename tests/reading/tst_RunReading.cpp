@@ -149,12 +149,15 @@ private Q_SLOTS:
         QTest::addColumn<QRect>("box");
         QTest::addColumn<double>("confidence");
         QTest::addColumn<bool>("isKept");
-        QTest::newRow("letter") << "a" << QRect(0, 3, 7, 7) << 90.0 << true;
-        QTest::newRow("descender") << "g" << QRect(0, 3, 7, 10) << 90.0 << true;
+        QTest::newRow("letter") << "a" << QRect(0, 3, 7, 7) << 93.0 << true;
+        QTest::newRow("descender") << "g" << QRect(0, 3, 7, 10) << 93.0 << true;
         QTest::newRow("icon") << "Q" << QRect(0, -3, 16, 16) << 90.0 << false;
         QTest::newRow("bracket") << "(" << QRect(0, -1, 4, 14) << 90.0 << true;
         QTest::newRow("arrow read as a letter") << "v" << QRect(0, 3, 6, 4) << 90.0 << false;
         QTest::newRow("dash in the same place") << "-" << QRect(0, 5, 6, 1) << 90.0 << true;
+        QTest::newRow("button read as a letter") << "B" << QRect(0, 0, 7, 10) << 91.0 << false;
+        QTest::newRow("two dashes") << "--" << QRect(0, 5, 12, 1) << 70.0 << true;
+        QTest::newRow("dot named by its shape") << "." << QRect(0, 8, 2, 2) << 50.0 << true;
         QTest::newRow("noise") << "x" << QRect(0, 3, 7, 7) << 10.0 << false;
         QTest::newRow("long word, little confidence")
             << "noises" << QRect(0, 3, 40, 7) << 10.0 << true;
@@ -168,6 +171,57 @@ private Q_SLOTS:
         std::vector<ReadWord> words{{text, box, confidence}};
         dropPictures(words, metrics);
         QCOMPARE(!words.empty(), isKept);
+    }
+
+    void measuresShortWordsByTheLongOnesBesideThem_data()
+    {
+        QTest::addColumn<double>("longWord");
+        QTest::addColumn<bool>("isKept");
+        QTest::newRow("icon beside sure text") << 99.0 << false;
+        QTest::newRow("word in blurred text") << 93.0 << true;
+    }
+    void measuresShortWordsByTheLongOnesBesideThem()
+    {
+        QFETCH(double, longWord);
+        QFETCH(bool, isKept);
+        std::vector<ReadWord> words{{"a2", QRect(0, 0, 16, 10), 92},
+                                    {"Settings", QRect(24, 0, 60, 10), longWord}};
+        dropPictures(words, metrics);
+        QCOMPARE(words.size() == 2, isKept);
+    }
+
+    void sparesTheEngineSpecks_data()
+    {
+        QTest::addColumn<std::vector<QRect>>("patches");
+        QTest::addColumn<bool>("expected");
+        const auto row = [](int count, QSize size, int step) {
+            std::vector<QRect> patches;
+            for (int i = 0; i < count; ++i)
+                patches.push_back({QPoint(i * step, 0), size});
+            return patches;
+        };
+        QTest::newRow("dotted frame") << row(20, {1, 1}, 2) << true;
+        QTest::newRow("grip of two rows") << std::vector{QRect(0, 0, 2, 2), QRect(4, 0, 2, 2),
+                                                         QRect(0, 5, 2, 2), QRect(4, 5, 2, 2)}
+                                          << true;
+        QTest::newRow("speck") << row(1, {2, 2}, 1) << true;
+        QTest::newRow("row of points") << row(12, {6, 6}, 10) << true;
+        QTest::newRow("few points") << row(3, {6, 6}, 10) << false;
+        QTest::newRow("dashes") << row(20, {4, 1}, 6) << false;
+        QTest::newRow("asterisk in small text") << row(1, {4, 4}, 1) << false;
+        QTest::newRow("equals sign") << std::vector{QRect(0, 0, 6, 1), QRect(0, 3, 6, 1)} << false;
+        QTest::newRow("lowest letters") << row(4, {4, 5}, 6) << false;
+        QTest::newRow("letters") << row(12, {5, 7}, 8) << false;
+    }
+    void sparesTheEngineSpecks()
+    {
+        QFETCH(std::vector<QRect>, patches);
+        TextRun run;
+        for (const QRect &box : patches) {
+            run.patches.push_back({box, box.width() * box.height(), 255});
+            run.box |= box;
+        }
+        QTEST(isSpecks(run), "expected");
     }
 
     void tellsRunsThatAreNoText_data()
@@ -184,14 +238,25 @@ private Q_SLOTS:
         QTest::newRow("small letter") << QRect(0, 0, 5, 6) << "x" << false;
         QTest::newRow("digit") << QRect(0, 0, 6, 10) << "7" << false;
         QTest::newRow("icon") << QRect(0, 0, 24, 24) << "@" << true;
+        QTest::newRow("low letters") << QRect(0, 0, 26, 5) << "none" << false;
+        QTest::newRow("low speck") << QRect(0, 0, 5, 5) << "x" << true;
         QTest::newRow("heading") << QRect(0, 0, 80, 24) << "Title" << false;
+    }
+    void tellsARowOfButtons()
+    {
+        const QRect box(0, 0, 100, 24);
+        std::vector<ReadWord> words{{"B", QRect(0, 0, 24, 24), 98},
+                                    {"a", QRect(30, 0, 24, 24), 97}};
+        QVERIFY(isPictureRun({box, {{box, 900, 255}}}, words, metrics, 10));
+        words.push_back({"Size", QRect(60, 0, 40, 24), 99});
+        QVERIFY(!isPictureRun({box, {{box, 900, 255}}}, words, metrics, 10));
     }
     void tellsRunsThatAreNoText()
     {
         QFETCH(QRect, box);
         QFETCH(QString, text);
         const TextRun run{box, {{box, box.width() * box.height(), 255}}};
-        QTEST(isPictureRun(run, {{text, box, 90}}, metrics, 10), "expected");
+        QTEST(isPictureRun(run, {{text, box, 95}}, metrics, 10), "expected");
     }
 };
 
