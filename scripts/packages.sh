@@ -16,7 +16,7 @@ build_packages=(
 # For the virtual desktops of the tests and of the tour.
 desktop_packages=(
     dbus dbus-bin dbus-x11 fonts-cantarell fonts-noto-core i3lock libglib2.0-bin desktop-file-utils openbox openssl picom pulseaudio
-    grim sway swaybg wl-clipboard xwayland
+    grim sway swaybg wl-clipboard wtype xwayland
     pulseaudio-utils thunar trayer x11-xkb-utils x11-xserver-utils xauth xclip xscreensaver xvfb
 )
 # For bench/run, which installs nothing: a notification server is not for everybody's desktop.

@@ -13,10 +13,12 @@
 #include "platform/linux/DBusNotifications.h"
 #include "platform/linux/DBusSingleInstance.h"
 #include "platform/linux/DesktopShortcuts.h"
+#include "platform/linux/KGlobalAccelHotKeys.h"
 #include "platform/linux/QtClock.h"
 #include "platform/linux/SessionBus.h"
 #include "platform/linux/StatusNotifierItem.h"
 #include "platform/linux/TesseractRecognizer.h"
+#include "platform/linux/UserBoundHotKeys.h"
 #include "platform/null/NullCapturePermission.h"
 #include "platform/null/NullClipboard.h"
 #include "platform/null/NullDesktop.h"
@@ -29,6 +31,7 @@
 #include "platform/wayland/keys/SwayHotKeys.h"
 #include "platform/wayland/keys/WaylandKeyboardLayout.h"
 #include "platform/wayland/overlay/LayerOverlayShell.h"
+#include "platform/wayland/overlay/LayerToastShell.h"
 #endif
 #ifdef TOVEK_WITH_X11
 #include "platform/x11/capture/X11CapturePermission.h"
@@ -141,6 +144,7 @@ bool addWaylandDesktop(Platform &platform, const EarlyPlatform &early)
     platform.clipboard = DataControlClipboard::create(connection);
     if (!platform.clipboard)
         platform.clipboard = std::make_unique<NullClipboard>();
+    platform.toastShell = LayerToastShell::create(connection, outputs);
     platform.soundOutput = std::make_unique<CanberraSoundOutput>([] { return true; });
     platform.tray = onBus<StatusNotifierItem>(*early.bus);
     std::atexit(&waitForUnfinished);
@@ -153,14 +157,30 @@ bool addWaylandDesktop(Platform &platform, const EarlyPlatform &early)
     return true;
 }
 
+std::unique_ptr<HotKeys> makeWaylandHotKeys(const EarlyPlatform &early,
+                                            const KeyboardLayout &layout)
+{
+    if (auto keys = KGlobalAccelHotKeys::create(early.bus->connection(), layout)) {
+        QObject::connect(early.bus.get(), &SessionBus::changed, keys.get(),
+                         &KGlobalAccelHotKeys::setBus);
+        logLine(QStringLiteral("Wayland: shortcuts over KGlobalAccel"));
+        return keys;
+    }
+    if (auto keys = SwayHotKeys::create(qEnvironmentVariable("SWAYSOCK"), layout)) {
+        logLine(QStringLiteral("Wayland: shortcuts over sway's socket"));
+        return keys;
+    }
+    logLine(QStringLiteral("Wayland: this desktop gives its keys to no program; the Shortcuts tab "
+                           "tells how to give one to Tovek"));
+    return std::make_unique<UserBoundHotKeys>(qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
+}
+
 bool openWaylandKeyboard(EarlyPlatform &early)
 {
     auto layout = early.wayland ? WaylandKeyboardLayout::create() : nullptr;
     if (!layout)
         return false;
-    early.hotKeys = SwayHotKeys::create(qEnvironmentVariable("SWAYSOCK"), *layout);
-    if (!early.hotKeys)
-        early.hotKeys = std::make_unique<NullHotKeys>();
+    early.hotKeys = makeWaylandHotKeys(early, *layout);
     early.keyboardLayout = std::move(layout);
     return true;
 }

@@ -10,7 +10,6 @@
 #include <QDBusConnectionInterface>
 #include <QDBusObjectPath>
 #include <QDBusReply>
-#include <QDBusServiceWatcher>
 
 #include <algorithm>
 
@@ -48,16 +47,17 @@ std::optional<quint32> idOf(const QString &component, const QString &action)
 
 } // namespace
 
-std::unique_ptr<KGlobalAccelHotKeys> KGlobalAccelHotKeys::create(const KeyboardLayout &layout)
+std::unique_ptr<KGlobalAccelHotKeys> KGlobalAccelHotKeys::create(const QDBusConnection &bus,
+                                                                 const KeyboardLayout &layout)
 {
     // The constructor is private.
-    std::unique_ptr<KGlobalAccelHotKeys> keys(new KGlobalAccelHotKeys(layout));
+    std::unique_ptr<KGlobalAccelHotKeys> keys(new KGlobalAccelHotKeys(bus, layout));
     return keys->isKeptByTheWindowManager() && keys->connectSignals() ? std::move(keys) : nullptr;
 }
 
-KGlobalAccelHotKeys::KGlobalAccelHotKeys(const KeyboardLayout &layout)
+KGlobalAccelHotKeys::KGlobalAccelHotKeys(const QDBusConnection &bus, const KeyboardLayout &layout)
     : m_layout(layout)
-    , m_bus(QDBusConnection::sessionBus())
+    , m_bus(bus)
     , m_rawKeys([this](KeyCombo combo, bool isDown) { return onRawKey && onRawKey(combo, isDown); })
 {
     KGlobalAccel::registerTypes();
@@ -104,6 +104,13 @@ bool KGlobalAccelHotKeys::isTaken(KeyCombo combo)
     });
 }
 
+void KGlobalAccelHotKeys::setBus(const QDBusConnection &bus)
+{
+    m_bus = bus;
+    if (m_bus.isConnected() && connectSignals())
+        registerAgain();
+}
+
 void KGlobalAccelHotKeys::shortcutPressed(const QString &component, const QString &action,
                                           qlonglong)
 {
@@ -147,9 +154,10 @@ bool KGlobalAccelHotKeys::connectSignals()
     const bool isListening =
         listen("globalShortcutPressed", SLOT(shortcutPressed(QString, QString, qlonglong)))
         && listen("globalShortcutReleased", SLOT(shortcutReleased(QString, QString, qlonglong)));
-    auto *watcher = new QDBusServiceWatcher(KGlobalAccel::service, m_bus,
-                                            QDBusServiceWatcher::WatchForRegistration, this);
-    connect(watcher, &QDBusServiceWatcher::serviceRegistered, this, [this] { registerAgain(); });
+    m_watcher = std::make_unique<QDBusServiceWatcher>(KGlobalAccel::service, m_bus,
+                                                      QDBusServiceWatcher::WatchForRegistration);
+    connect(m_watcher.get(), &QDBusServiceWatcher::serviceRegistered, this,
+            [this] { registerAgain(); });
     return isListening;
 }
 

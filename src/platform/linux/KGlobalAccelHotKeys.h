@@ -8,6 +8,7 @@
 #include "platform/linux/RawKeyFilter.h"
 
 #include <QDBusConnection>
+#include <QDBusServiceWatcher>
 #include <QObject>
 
 #include <map>
@@ -27,7 +28,8 @@ class KGlobalAccelHotKeys : public QObject, public HotKeys
 public:
     /// Null unless KDE's window manager is the one that keeps the table: on other desktops its
     /// service may run, but sees no key. Needs no application. The layout must outlive this.
-    static std::unique_ptr<KGlobalAccelHotKeys> create(const KeyboardLayout &layout);
+    static std::unique_ptr<KGlobalAccelHotKeys> create(const QDBusConnection &bus,
+                                                       const KeyboardLayout &layout);
     ~KGlobalAccelHotKeys() override;
 
     [[nodiscard]] int grab(quint32 id, KeyCombo combo) override;
@@ -36,12 +38,15 @@ public:
     bool reportsRelease() const override { return true; }
     bool isTaken(KeyCombo combo) override;
 
+    /// Another connection from now on, on which all keys are taken again.
+    void setBus(const QDBusConnection &bus);
+
 private Q_SLOTS:
     void shortcutPressed(const QString &component, const QString &action, qlonglong time);
     void shortcutReleased(const QString &component, const QString &action, qlonglong time);
 
 private:
-    explicit KGlobalAccelHotKeys(const KeyboardLayout &layout);
+    KGlobalAccelHotKeys(const QDBusConnection &bus, const KeyboardLayout &layout);
     bool isOurs(KeyCombo combo) const;
     bool isKeptByTheWindowManager() const;
     bool connectSignals();
@@ -53,6 +58,7 @@ private:
     std::map<quint32, KeyCombo> m_grabs;
     KeyRepeatFilter m_repeats;
     RawKeyFilter m_rawKeys;
+    std::unique_ptr<QDBusServiceWatcher> m_watcher;
 };
 
 } // namespace tovek
