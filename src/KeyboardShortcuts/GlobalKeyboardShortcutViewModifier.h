@@ -17,8 +17,9 @@ namespace KeyboardShortcuts {
 class ShortcutService;
 
 /// Lets a button or an action of a window show and answer the shortcut of a name, except while a
-/// recorder records: the keys then are the recorder's. Lives as a child of the view; the service
-/// must outlive it.
+/// recorder records: the keys then are the recorder's. For programs with such a view in a window
+/// of their own; the menu of this program only labels its items (see MenuItems.h). Lives as a child
+/// of the view; the service must outlive it.
 class GlobalKeyboardShortcutViewModifier : public QObject
 {
 public:

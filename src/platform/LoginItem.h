@@ -16,9 +16,14 @@ class LoginItem
 {
 public:
     virtual ~LoginItem() = default;
+    /// That it starts another program does not count.
     virtual bool isEnabled() const = 0;
     /// The reason when that failed; absent when it is done. Enabling what is enabled is no failure.
     [[nodiscard]] virtual std::optional<QString> setEnabled(bool isEnabled) = 0;
+
+    /// Has the desktop start this program where it would start one that is gone: it was moved. The
+    /// reason when that failed.
+    [[nodiscard]] virtual std::optional<QString> mend() { return std::nullopt; }
 
     /// Somebody else may have changed it. Called only while it is set.
     std::function<void()> onChanged;

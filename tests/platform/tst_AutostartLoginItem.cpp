@@ -55,6 +55,51 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(path()));
     }
 
+    void isOnOnlyForThisProgram_data()
+    {
+        QTest::addColumn<QString>("exec");
+        QTest::addColumn<bool>("isOn");
+        const QString own = QStringLiteral("\"%1/my \\\\$1 tovek\" --background");
+        QTest::newRow("this one") << own << true;
+        QTest::newRow("by another way") << QStringLiteral("%1/./link") << true;
+        QTest::newRow("another one") << QStringLiteral("/bin/true --background") << false;
+        QTest::newRow("one in the path") << QStringLiteral("true") << false;
+        QTest::newRow("one that is gone") << QStringLiteral("/gone/tovek") << false;
+    }
+    void isOnOnlyForThisProgram()
+    {
+        QFETCH(QString, exec);
+        QFETCH(bool, isOn);
+        const QString program = m_dir->filePath(QStringLiteral("my $1 tovek"));
+        QVERIFY(QFile::copy(QStringLiteral("/bin/true"), program));
+        QVERIFY(QFile::link(program, m_dir->filePath(QStringLiteral("link"))));
+        AutostartLoginItem item(folder(), program);
+        QVERIFY(QDir().mkpath(folder()));
+        exec.replace(QStringLiteral("%1"), m_dir->path());
+        const QByteArray entry = "[Desktop Entry]\nType=Application\nExec=" + exec.toUtf8() + '\n';
+        QFile file(path());
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(entry) == entry.size());
+        file.close();
+        QCOMPARE(item.isEnabled(), isOn);
+        QVERIFY(!item.mend());
+        const bool isGone = exec.startsWith(QStringLiteral("/gone"));
+        QCOMPARE(item.isEnabled(), isOn || isGone);
+        QCOMPARE(read(path()) == QString::fromUtf8(entry), !isGone);
+    }
+
+    void mendsOnlyWhatIsOn()
+    {
+        AutostartLoginItem item(folder(), QStringLiteral("/bin/true"));
+        QVERIFY(!item.mend());
+        QVERIFY(!QFile::exists(path()));
+        QVERIFY(!AutostartLoginItem(folder(), QStringLiteral("/gone/tovek")).setEnabled(true));
+        QFile file(path());
+        QVERIFY(file.open(QIODevice::Append) && file.write("Hidden=true\n") > 0);
+        file.close();
+        QVERIFY(!item.mend());
+        QVERIFY(!item.isEnabled());
+    }
+
     void startsTheAppImageOnlyOfThisProgram_data()
     {
         QTest::addColumn<QString>("mounted");
@@ -130,7 +175,7 @@ private Q_SLOTS:
         QFETCH(QByteArray, entry);
         QFETCH(bool, isEnabled);
         write(entry);
-        QCOMPARE(AutostartLoginItem(folder(), QStringLiteral("/t")).isEnabled(), isEnabled);
+        QCOMPARE(AutostartLoginItem(folder(), QStringLiteral("tovek")).isEnabled(), isEnabled);
     }
 
     void turnsAHiddenEntryOnAgain()
@@ -168,7 +213,7 @@ private Q_SLOTS:
 
     void noticesWhatOthersDo()
     {
-        AutostartLoginItem item(folder(), QStringLiteral("/t"));
+        AutostartLoginItem item(folder(), QStringLiteral("tovek"));
         int changes = 0;
         item.onChanged = [&] { ++changes; };
         item.setWatching(true);

@@ -37,6 +37,35 @@ QString execArgument(const QString &argument)
     return QLatin1Char('"') + quoted + QLatin1Char('"');
 }
 
+/// The first word of an Exec line, as execArgument would have written it.
+QString firstArgument(const QString &exec)
+{
+    QString word;
+    const bool isQuoted = exec.startsWith(QLatin1Char('"'));
+    // The value's own escapes first.
+    QString line = exec.mid(isQuoted ? 1 : 0);
+    line.replace(QStringLiteral("\\\\"), QStringLiteral("\\"));
+    for (qsizetype at = 0; at < line.size(); ++at) {
+        if (isQuoted ? line[at] == QLatin1Char('"') : line[at].isSpace())
+            break;
+        const bool isEscape =
+            (isQuoted && line[at] == QLatin1Char('\\')) || line.mid(at, 2) == QStringLiteral("%%");
+        if (isEscape && at + 1 < line.size())
+            ++at;
+        word += line[at];
+    }
+    return word;
+}
+
+/// Links resolved, so that two ways to one file are one; itself where there is no such file.
+QString foundFile(const QString &program)
+{
+    const QString path =
+        program.contains(QLatin1Char('/')) ? program : QStandardPaths::findExecutable(program);
+    const QString file = QFileInfo(path).canonicalFilePath();
+    return file.isEmpty() ? program : file;
+}
+
 /// The value of a key in the main group; null when there is none.
 QString valueOf(const QString &key, const QStringList &lines)
 {
@@ -61,15 +90,30 @@ AutostartLoginItem::AutostartLoginItem(QString folder, QString program)
 
 AutostartLoginItem::~AutostartLoginItem() = default;
 
-bool AutostartLoginItem::isEnabled() const
+std::optional<QString> AutostartLoginItem::startedProgram() const
 {
     QFile file(path());
     if (!file.open(QIODevice::ReadOnly))
-        return false;
+        return std::nullopt;
     const QStringList lines = QString::fromUtf8(file.read(largestEntry)).split(QLatin1Char('\n'));
-    return !valueOf(QStringLiteral("Exec"), lines).isEmpty()
-        && valueOf(QStringLiteral("Hidden"), lines) != QStringLiteral("true")
-        && valueOf(QStringLiteral("X-GNOME-Autostart-enabled"), lines) != QStringLiteral("false");
+    const QString program = firstArgument(valueOf(QStringLiteral("Exec"), lines));
+    const bool isOff = program.isEmpty()
+        || valueOf(QStringLiteral("Hidden"), lines) == QStringLiteral("true")
+        || valueOf(QStringLiteral("X-GNOME-Autostart-enabled"), lines) == QStringLiteral("false");
+    return isOff ? std::nullopt : std::optional(program);
+}
+
+bool AutostartLoginItem::isEnabled() const
+{
+    const auto program = startedProgram();
+    return program && foundFile(*program) == foundFile(m_program);
+}
+
+std::optional<QString> AutostartLoginItem::mend()
+{
+    const auto program = startedProgram();
+    const bool isGone = program && !QFileInfo::exists(foundFile(*program));
+    return isGone ? setEnabled(true) : std::nullopt;
 }
 
 std::optional<QString> AutostartLoginItem::setEnabled(bool isEnabled)

@@ -12,7 +12,7 @@ class QFileSystemWatcher;
 namespace tovek {
 
 /// An XDG autostart entry, which starts the program without its window. An entry that is hidden,
-/// or that the desktop's own settings switched off, counts as off.
+/// that the desktop's own settings switched off, or that starts another program, counts as off.
 class AutostartLoginItem : public LoginItem
 {
 public:
@@ -22,6 +22,7 @@ public:
 
     bool isEnabled() const override;
     [[nodiscard]] std::optional<QString> setEnabled(bool isEnabled) override;
+    [[nodiscard]] std::optional<QString> mend() override;
     void setWatching(bool isOn) override;
 
     /// $XDG_CONFIG_HOME/autostart, with the usual fallback to ~/.config.
@@ -30,6 +31,8 @@ public:
     static QString standardProgram();
 
 private:
+    /// The program that the desktop would start; absent when it would start none.
+    std::optional<QString> startedProgram() const;
     QString path() const;
     void watch();
 
