@@ -16,6 +16,7 @@
 #include "platform/Clock.h"
 #include "platform/FrontmostApp.h"
 #include "platform/LockSignals.h"
+#include "platform/LoginItem.h"
 #include "platform/Platform.h"
 #include "update/UpdaterManager.h"
 
@@ -104,9 +105,6 @@ OverlayController::Services AppDelegate::overlayServices()
 
 void AppDelegate::applicationDidFinishLaunching(Launch launch, HotkeyManager &hotkeys)
 {
-    // Without a value, words are not marked.
-    if (m_defaults.isNew())
-        m_defaults.setBoolean(QStringLiteral("highlightText"), true);
     m_platform.frontmostApp->setActivationPolicy(ActivationPolicy::accessory);
     setUpStatusBar();
     hotkeys.onCapture = [this](CaptureMode mode) { m_overlayController.startCapture(mode); };
@@ -143,6 +141,8 @@ void AppDelegate::showPermissionWindow()
 
 void AppDelegate::warmUp()
 {
+    if (const auto failure = m_platform.loginItem->mend())
+        logLine(QStringLiteral("Failed to enable launch at login: ") + *failure);
     OverlayArtist::warmUp(QGuiApplication::font());
     for (const Screen &screen : m_platform.screens->all())
         overlayCursor(Qt::CrossCursor, screen.scale);

@@ -35,6 +35,7 @@ public:
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
     /// A command from outside, by its name.
     void performAction(const QString &action);
+    void openSettings(SettingsTab tab);
     /// Of the setting that shows the program in the panel.
     void setStatusItemVisible(bool isVisible);
 
@@ -45,11 +46,10 @@ public:
 private:
     OverlayController::Services overlayServices();
     void setUpStatusBar();
-    /// Makes what the first capture would wait for.
+    /// Makes what the first capture would wait for, and what need not be done at once.
     void warmUp();
     /// Gives back the memory that only work needs, unless there is more work before.
     void restSoon();
-    void openSettings(SettingsTab tab);
     void showPermissionWindow();
     void checkForUpdates();
     void tellFailure(const QString &message);

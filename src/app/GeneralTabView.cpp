@@ -9,7 +9,7 @@
 #include "capture/SaveLocation.h"
 #include "foundation/AskAside.h"
 #include "foundation/Log.h"
-#include "foundation/UserDefaults.h"
+#include "foundation/Settings.h"
 #include "foundation/WhenReady.h"
 #include "look/ModernStyle.h"
 #include "look/ScaledLabel.h"
@@ -33,9 +33,6 @@ constexpr int smallestPath = 56;
 constexpr double pathScale = 0.92;
 /// A folder answers in less than a millisecond; it then shows with the window.
 constexpr std::chrono::milliseconds folderPatience(50);
-const QString highlightText = QStringLiteral("highlightText");
-const QString saveFolderPath = QStringLiteral("saveFolderPath");
-const QString showInMenuBar = QStringLiteral("showInMenuBar");
 
 } // namespace
 
@@ -84,18 +81,18 @@ GeneralTabView::GeneralTabView(const Services &services, QWidget *parent)
     layout->addStretch();
 
     UserDefaults &defaults = m_services.defaults;
-    m_launchAtLogin = addSwitch(card->addRow(QStringLiteral("sun.horizon"), tr("Launch at login")),
-                                m_services.loginItem.isEnabled());
+    m_loginRow = card->addRow(QStringLiteral("sun.horizon"), tr("Launch at login"));
+    m_launchAtLogin = addSwitch(m_loginRow, m_services.loginItem.isEnabled());
     connect(m_launchAtLogin, &QAbstractButton::clicked, this, &GeneralTabView::setLaunchAtLogin);
     auto *inMenuBar =
         addSwitch(card->addRow(QStringLiteral("menubar.rectangle"), tr("Show Tovek in menu bar")),
-                  defaults.boolean(showInMenuBar).value_or(true));
+                  Settings::showInMenuBar.in(defaults));
     connect(inMenuBar, &QAbstractButton::clicked, this, &GeneralTabView::setShownInMenuBar);
     auto *highlight =
         addSwitch(card->addRow(QStringLiteral("text.viewfinder"), tr("Highlight detected text")),
-                  defaults.boolean(highlightText).value_or(true));
+                  Settings::highlightText.in(defaults));
     connect(highlight, &QAbstractButton::clicked, this,
-            [&defaults](bool isOn) { defaults.setBoolean(highlightText, isOn); });
+            [&defaults](bool isOn) { Settings::highlightText.set(defaults, isOn); });
     addFolderRow(card->addRow(QStringLiteral("folder"), tr("Screenshot save location")));
     addUpdatesRow(card->addRow(QStringLiteral("arrow.triangle.2.circlepath"),
                                tr("Check for updates automatically")));
@@ -205,15 +202,21 @@ void GeneralTabView::showFolder(const FolderReport &report)
 
 void GeneralTabView::setLaunchAtLogin(bool isOn)
 {
-    if (const auto failure = m_services.loginItem.setEnabled(isOn))
+    const auto failure = m_services.loginItem.setEnabled(isOn);
+    if (failure)
         logLine(QStringLiteral("Failed to %1 launch at login: %2")
                     .arg(isOn ? QStringLiteral("enable") : QStringLiteral("disable"), *failure));
+    const QString note = isOn ? tr("Could not be turned on") : tr("Could not be turned off");
+    m_loginRow->setNote(failure ? note : QString());
+    m_loginRow->setToolTip(failure.value_or(QString()));
+    if (failure)
+        m_launchAtLogin->setAccessibleDescription(note + QStringLiteral(": ") + *failure);
     refresh();
 }
 
 void GeneralTabView::setShownInMenuBar(bool isOn)
 {
-    m_services.defaults.setBoolean(showInMenuBar, isOn);
+    Settings::showInMenuBar.set(m_services.defaults, isOn);
     if (m_services.setStatusItemVisible)
         m_services.setStatusItemVisible(isOn);
     if (isOn)
@@ -240,7 +243,7 @@ void GeneralTabView::chooseFolder()
     chooser->setOption(QFileDialog::ShowDirsOnly);
     chooser->setLabelText(QFileDialog::Accept, tr("Choose"));
     connect(chooser, &QFileDialog::fileSelected, this, [this](const QString &folder) {
-        m_services.defaults.setString(saveFolderPath, folder);
+        Settings::saveFolderPath.set(m_services.defaults, folder);
         askFolder();
     });
     chooser->open();

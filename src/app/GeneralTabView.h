@@ -60,6 +60,7 @@ private:
     FolderReport m_folder;
     QString m_askedFolder; ///< as it is stored
     QFuture<FolderReport> m_answer;
+    FormRow *m_loginRow = nullptr;
     SwitchControl *m_launchAtLogin = nullptr;
     FormRow *m_folderRow = nullptr;
     QPushButton *m_folderButton = nullptr;

@@ -12,7 +12,8 @@ namespace tovek {
 using KeyboardShortcuts::Name;
 using KeyboardShortcuts::NotificationCenter;
 
-ShortcutObserver::ShortcutObserver(NotificationCenter &notifications)
+ShortcutObserver::ShortcutObserver(NotificationCenter &notifications, QObject *parent)
+    : QObject(parent)
 {
     m_observers.push_back(notifications.observe(
         KeyboardShortcuts::shortcutByNameDidChange, [this](const QVariantMap &userInfo) {

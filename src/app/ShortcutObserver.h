@@ -17,7 +17,8 @@ class ShortcutObserver : public QObject
     Q_OBJECT
 
 public:
-    explicit ShortcutObserver(KeyboardShortcuts::NotificationCenter &notifications);
+    explicit ShortcutObserver(KeyboardShortcuts::NotificationCenter &notifications,
+                              QObject *parent = nullptr);
 
     /// The value means nothing; that it becomes another one does.
     qint64 refreshTrigger() const { return m_refreshTrigger; }

@@ -7,6 +7,7 @@
 #include "app/AppShortcuts.h"
 #include "app/FormCard.h"
 #include "app/SettingsWindow.h"
+#include "app/ShortcutObserver.h"
 #include "look/ModernStyle.h"
 #include "look/ScaledLabel.h"
 #include "platform/SystemShortcuts.h"
@@ -63,6 +64,7 @@ ShortcutsTabView::ShortcutsTabView(KeyboardShortcuts::ShortcutService &service,
     : QWidget(parent)
     , m_service(service)
     , m_systemShortcuts(setup.systemShortcuts)
+    , m_observer(new ShortcutObserver(service.notifications(), this))
     , m_hint(new ScaledLabel({}, hintScale, this))
 {
     KeyboardShortcuts::RecorderSetup ours = setup;
@@ -90,12 +92,11 @@ ShortcutsTabView::ShortcutsTabView(KeyboardShortcuts::ShortcutService &service,
     layout->addWidget(m_hint);
     layout->addStretch();
 
-    m_shortcutToken = service.notifications().observe(KeyboardShortcuts::shortcutByNameDidChange,
-                                                      [this](const QVariantMap &) {
-                                                          m_wantsPrint = false;
-                                                          showUsePrint();
-                                                          showRefusals();
-                                                      });
+    connect(m_observer, &ShortcutObserver::changed, this, [this] {
+        m_wantsPrint = false;
+        showUsePrint();
+        showRefusals();
+    });
     m_registrationToken = service.notifications().observe(
         KeyboardShortcuts::registrationDidChange, [this](const QVariantMap &) { showRefusals(); });
     showUsePrint();

@@ -13,6 +13,7 @@ class QPushButton;
 namespace tovek {
 
 class FormRow;
+class ShortcutObserver;
 
 /// The tab in which the program's shortcuts are recorded.
 class ShortcutsTabView : public QWidget
@@ -42,11 +43,11 @@ private:
 
     KeyboardShortcuts::ShortcutService &m_service;
     tovek::SystemShortcuts *m_systemShortcuts;
+    ShortcutObserver *m_observer;
     std::vector<FormRow *> m_rows;
     bool m_wantsPrint = false; ///< and may not have it
     QPushButton *m_usePrint = nullptr; ///< offered while the program has no shortcut at all
     QLabel *m_hint;
-    KeyboardShortcuts::NotificationCenter::Token m_shortcutToken;
     KeyboardShortcuts::NotificationCenter::Token m_registrationToken;
 };
 

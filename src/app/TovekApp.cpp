@@ -40,9 +40,7 @@ TovekApp::TovekApp(Platform &platform, UserDefaults &defaults, UpdateConfigurati
     m_settingsTabs.setStatusItemVisible = [this](bool isVisible) {
         m_appDelegate.setStatusItemVisible(isVisible);
     };
-    m_settingsTabs.openPreferences = [this] {
-        m_appDelegate.performAction(QStringLiteral("preferences"));
-    };
+    m_settingsTabs.openPreferences = [this] { m_appDelegate.openSettings(SettingsTab::general); };
     m_settingsTabs.quit = [] { QCoreApplication::quit(); };
     connect(&m_appState, &AppState::shouldOpenSettingsChanged, this, [this](bool should) {
         if (should)

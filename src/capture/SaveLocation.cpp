@@ -3,7 +3,7 @@
 
 #include "capture/SaveLocation.h"
 
-#include "foundation/UserDefaults.h"
+#include "foundation/Settings.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -13,7 +13,7 @@ namespace tovek {
 
 QString chosenSaveFolder(const UserDefaults &defaults)
 {
-    return defaults.string(QStringLiteral("saveFolderPath")).value_or(QString());
+    return Settings::saveFolderPath.in(defaults);
 }
 
 QString downloadsFolder()

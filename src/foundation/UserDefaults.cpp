@@ -30,12 +30,6 @@ std::optional<bool> UserDefaults::boolean(const QString &key) const
     return value.isBool() ? std::optional(value.toBool()) : std::nullopt;
 }
 
-bool UserDefaults::isNew() const
-{
-    load();
-    return !m_hadFile && m_values.isEmpty();
-}
-
 bool UserDefaults::contains(const QString &key) const
 {
     load();
@@ -63,8 +57,7 @@ void UserDefaults::load() const
         return;
     m_isLoaded = true;
     QFile file(m_path);
-    m_hadFile = file.exists();
-    if (!m_hadFile)
+    if (!file.exists())
         return;
     if (!file.open(QIODevice::ReadOnly)) {
         logLine(QStringLiteral("Failed to read settings %1: %2").arg(m_path, file.errorString()));

@@ -23,9 +23,6 @@ public:
     /// The path of the file; nothing is read yet.
     explicit UserDefaults(QString path);
 
-    /// True on a fresh installation: there was no file yet, and nothing has been stored since.
-    bool isNew() const;
-
     /// Absent when the key is missing or holds another type.
     std::optional<QString> string(const QString &key) const;
     std::optional<bool> boolean(const QString &key) const;
@@ -50,7 +47,6 @@ private:
     QString m_path;
     mutable QJsonObject m_values;
     mutable bool m_isLoaded = false;
-    mutable bool m_hadFile = false;
     mutable bool m_canWrite = true; ///< false while the file on disk must not be replaced
 };
 

@@ -4,7 +4,7 @@
 #include "menubar/StatusBarController.h"
 
 #include "foundation/Log.h"
-#include "foundation/UserDefaults.h"
+#include "foundation/Settings.h"
 #include "menubar/PreviewRow.h"
 #include "menubar/ThumbnailGeometry.h"
 #include "platform/Clock.h"
@@ -158,7 +158,7 @@ void StatusBarController::setup()
     m_statusItem.onMoved = [this](QPointF at) { moveTo(at); };
     m_statusItem.onReleased = [this](QPointF) { release(); };
     m_statusItem.onMenuRequested = [this] { openMenu(); };
-    const bool isVisible = m_defaults.boolean(QStringLiteral("showInMenuBar")).value_or(true);
+    const bool isVisible = Settings::showInMenuBar.in(m_defaults);
     m_statusItem.setVisible(isVisible);
     if (!isVisible)
         return;

@@ -47,7 +47,7 @@ public:
 
     /// Called once at launch, after the callbacks below have been set.
     void setup();
-    /// Shows the item or hides it, as the setting "showInMenuBar" changes.
+    /// Shows the item or hides it, as its setting changes.
     void setVisible(bool isVisible);
     void showPreview(const Image &image, std::chrono::milliseconds duration);
     bool isInPreviewMode() const { return m_isInPreviewMode; }

@@ -23,7 +23,8 @@ public:
     bool isKey() const { return m_surface->isKey(); }
     void orderOut();
     /// The desktop changed under the overlay: a visible overlay that lost the keyboard by that
-    /// takes it back.
+    /// takes it back. For a surface that the desktop may take the keyboard from as it changes; one
+    /// that grabs it, or has it exclusively from the compositor, needs no such call.
     void activeSpaceDidChange();
 
     /// Reports of the view, passed on.

@@ -3,7 +3,7 @@
 
 #include "text/TextRegionOverlayView.h"
 
-#include "foundation/UserDefaults.h"
+#include "foundation/Settings.h"
 
 namespace tovek {
 
@@ -43,7 +43,7 @@ void TextRegionOverlayView::hover(std::optional<Point> at)
 
 std::vector<DisplayList::Item> TextRegionOverlayView::items(const ViewSpace &space) const
 {
-    const bool highlightsText = m_defaults.boolean(QStringLiteral("highlightText")).value_or(false);
+    const bool highlightsText = Settings::highlightText.in(m_defaults);
     return textRegionItems(m_selection, highlightsText, space, {m_frame.x, m_frame.y});
 }
 

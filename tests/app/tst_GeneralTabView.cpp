@@ -74,6 +74,10 @@ private Q_SLOTS:
         LogCapture log;
         control("Launch at login")->click();
         QVERIFY(!control("Launch at login")->isChecked());
+        const QWidget *row = control("Launch at login")->parentWidget();
+        QCOMPARE(row->toolTip(), QStringLiteral("disk full"));
+        QVERIFY(isShown("Could not be turned on"));
+        QVERIFY(control("Launch at login")->accessibleDescription().contains("disk full"));
         m_loginItem->change(true);
         control("Launch at login")->click();
         QVERIFY(control("Launch at login")->isChecked());
@@ -249,6 +253,13 @@ private:
         for (const auto *candidate : m_view->findChildren<SwitchControl *>())
             names.append(candidate->accessibleName());
         return names;
+    }
+    bool isShown(const char *text) const
+    {
+        const auto labels = m_view->findChildren<QLabel *>();
+        return std::any_of(labels.begin(), labels.end(), [text](const QLabel *label) {
+            return label->isVisible() && label->text() == QLatin1String(text);
+        });
     }
     QPushButton *chooseButton() const { return m_view->findChild<QPushButton *>(); }
     QFileDialog *openChooser() const

@@ -327,7 +327,7 @@ private Q_SLOTS:
     {
         QTest::addColumn<QJsonValue>("highlightText");
         QTest::addColumn<bool>("isMarked");
-        QTest::newRow("nothing said") << QJsonValue() << false;
+        QTest::newRow("nothing said") << QJsonValue() << true;
         QTest::newRow("turned on") << QJsonValue(true) << true;
         QTest::newRow("turned off") << QJsonValue(false) << false;
     }

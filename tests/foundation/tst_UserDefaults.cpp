@@ -59,23 +59,6 @@ private Q_SLOTS:
         QVERIFY(defaults.contains(QStringLiteral("key")));
     }
 
-    void isNewUntilSomethingIsStored()
-    {
-        UserDefaults defaults(m_path);
-        QVERIFY(defaults.isNew());
-        defaults.setBoolean(QStringLiteral("key"), true);
-        QVERIFY(!defaults.isNew());
-        QVERIFY(!UserDefaults(m_path).isNew());
-        defaults.remove(QStringLiteral("key"));
-        QVERIFY(!UserDefaults(m_path).isNew());
-    }
-
-    void isNotNewWithAFileThatDoesNotParse()
-    {
-        put("{");
-        QVERIFY(!UserDefaults(m_path).isNew());
-    }
-
     void keepsStrangersWhenItWrites()
     {
         put("{\"theirs\": [1, 2], \"ours\": 7}");

@@ -128,7 +128,7 @@ private Q_SLOTS:
     void readsTheSettingAtEachDrawing()
     {
         const ViewSpace space{{300, 200}, 1};
-        QVERIFY(m_view->items(space).empty());
+        QVERIFY(!m_view->items(space).empty());
         m_defaults->setBoolean("highlightText", true);
         QVERIFY(!m_view->items(space).empty());
         m_defaults->setBoolean("highlightText", false);
