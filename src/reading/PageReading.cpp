@@ -142,6 +142,7 @@ std::vector<std::vector<ReadWord>> linesOf(const Page &page,
         makeLineHigh(line, metrics, page.ink.size);
         lines.push_back(std::move(line));
     }
+    dropCrowded(lines);
     return lines;
 }
 

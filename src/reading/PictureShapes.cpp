@@ -18,6 +18,7 @@ constexpr std::size_t mostInIcon = 3;
 /// Characters from here on may be squares themselves.
 constexpr char16_t firstIdeograph = 0x2E80;
 constexpr int leastSquare = 6;
+constexpr int leastTriangle = 4;
 /// Of half the width.
 constexpr double solidRadius = 0.8;
 
@@ -77,7 +78,45 @@ public:
         return true;
     }
 
+    /// Full and pointed, as the arrows that unfold something: every row and every column is one
+    /// stretch, about half of the box is filled. A letter's strokes leave more empty or less.
+    bool isTriangle() const
+    {
+        const double share = filled();
+        return std::min(m_width, m_height) >= leastTriangle && share > 0.42 && share < 0.68
+            && hasWholeLines(m_height, m_width, [this](int y, int x) { return at(x, y); })
+            && hasWholeLines(m_width, m_height, [this](int x, int y) { return at(x, y); });
+    }
+
 private:
+    /// The lines hold one stretch each, and it grows and shrinks at most once.
+    template <typename At>
+    static bool hasWholeLines(int lines, int length, At at)
+    {
+        // The arm of an L is a step, the side of an arrow is not.
+        const int steepest = std::max(2, (length * 2 + lines - 1) / lines);
+        int before = 0;
+        bool shrinks = false;
+        for (int i = 0; i < lines; ++i) {
+            int first = length;
+            int last = -1;
+            int count = 0;
+            for (int k = 0; k < length; ++k) {
+                if (!at(i, k))
+                    continue;
+                first = std::min(first, k);
+                last = k;
+                ++count;
+            }
+            const bool isStep = i > 0 && std::abs(count - before) > steepest;
+            if (count == 0 || count != last - first + 1 || (shrinks && count > before) || isStep)
+                return false;
+            shrinks = shrinks || count < before;
+            before = count;
+        }
+        return true;
+    }
+
     const std::vector<std::uint8_t> &m_glyph;
     int m_width;
     int m_height;
@@ -91,13 +130,13 @@ bool isSquare(const InkSymbol &symbol)
     return strokes.isSquare() && (strokes.filled() > 0.95 || strokes.hasAllSides());
 }
 
-/// A small letter in bold type may be as solid, but does not stand by itself.
+/// Or an arrow. A small letter in bold type may be as solid, but does not stand by itself.
 bool isBullet(const InkSymbol &symbol)
 {
     if (symbol.glyph.empty())
         return false;
     const Strokes strokes(symbol);
-    return strokes.isSquare() && strokes.isSolid();
+    return (strokes.isSquare() && strokes.isSolid()) || strokes.isTriangle();
 }
 
 /// Where the upper and lower edge of a character may lie, in cap heights above the baseline.

@@ -22,6 +22,14 @@ constexpr double belowLongWords = 3;
 /// Marks are less sure than letters, and so is what stands alone.
 constexpr double sureOfMark = 90;
 constexpr double sureAlone = 92;
+/// What the engine likes to read into round icons.
+constexpr double sureOfSymbol = 98;
+/// Widths of letters in heights. Arrows that point up or down are flatter than a v, and those that
+/// point to the side are narrower than a sign that compares.
+constexpr double widestLetter = 1.45;
+constexpr double narrowestComparison = 0.65;
+/// Of the smaller of two words' heights and widths, what they cover of each other.
+constexpr double mostCovered = 0.4;
 
 /// In pixels; no letter can be read that is lower.
 constexpr int leastHeight = 6;
@@ -87,11 +95,31 @@ bool isMarks(const QString &text)
     return std::all_of(text.begin(), text.end(), [](QChar c) { return marks.contains(c); });
 }
 
+/// A chevron beside a button or an entry that can be unfolded.
+bool isArrow(const ReadWord &word)
+{
+    static const QString flat = QStringLiteral("vVxXyYaeosucz");
+    static const QString narrow = QStringLiteral("<>");
+    if (word.text.size() != 1)
+        return false;
+    const double ratio = double(word.box.width()) / word.box.height();
+    return (flat.contains(word.text) && ratio > widestLetter)
+        || (narrow.contains(word.text) && ratio < narrowestComparison);
+}
+
+bool isSymbols(const QString &text)
+{
+    static const QString symbols = QStringLiteral("@\u00ae\u00a9\u00a5\u20ac\u00a2&%#\u00a7");
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return symbols.contains(c); });
+}
+
 bool isUnsure(const ReadWord &word, double longWords, bool isAlone)
 {
     // Half sure is what was named by its shape alone.
     if (isMarks(word.text))
         return word.text.size() == 1 && word.confidence > 50 && word.confidence < sureOfMark;
+    if (isSymbols(word.text) && word.confidence < std::min(sureOfSymbol, longWords - 1))
+        return true;
     const double least = std::min(sureOfShortWord, longWords - belowLongWords);
     return word.confidence < (isAlone ? sureAlone : least);
 }
@@ -119,8 +147,32 @@ void dropPictures(std::vector<ReadWord> &words, const LetterMetrics &metrics)
         if (word.text.size() > mostInIcon)
             return false;
         return isIcon(word, metrics) || floats(word, metrics) || word.confidence < leastConfidence
-            || isUnsure(word, longWords, isAlone);
+            || isArrow(word) || isUnsure(word, longWords, isAlone);
     });
+}
+
+void dropCrowded(std::vector<std::vector<ReadWord>> &lines)
+{
+    const auto covers = [](const QRect &a, const QRect &b) {
+        const QRect both = a & b;
+        return both.height() > std::min(a.height(), b.height()) * mostCovered
+            && both.width() > std::min(a.width(), b.width()) * mostCovered;
+    };
+    const std::vector<std::vector<ReadWord>> all = lines;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        std::erase_if(lines[i], [&](const ReadWord &word) {
+            if (word.text.size() > mostInIcon)
+                return false;
+            for (std::size_t k = 0; k < all.size(); ++k) {
+                if (k != i && std::any_of(all[k].begin(), all[k].end(), [&](const ReadWord &other) {
+                        return covers(word.box, other.box);
+                    }))
+                    return true;
+            }
+            return false;
+        });
+    }
+    std::erase_if(lines, [](const std::vector<ReadWord> &line) { return line.empty(); });
 }
 
 bool isSpecks(const TextRun &run)

@@ -22,4 +22,8 @@ bool isSpecks(const TextRun &run);
 bool isPictureRun(const TextRun &run, const std::vector<ReadWord> &words,
                   const LetterMetrics &metrics, double usualCap);
 
+/// Takes out short words that lie on the words of another line, as the strokes in the icon of a
+/// document do: no two lines of text cover each other.
+void dropCrowded(std::vector<std::vector<ReadWord>> &lines);
+
 } // namespace tovek

@@ -43,6 +43,34 @@ class TestPictureShapes : public QObject
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(".*")); }
 
+    void leavesOutArrowsThatStandAlone_data()
+    {
+        QTest::addColumn<QStringList>("rows");
+        QTest::addColumn<bool>("isErased");
+        QTest::newRow("to the right")
+            << QStringList{"#....", "##...", "####.", "#####", "####.", "##...", "#...."} << true;
+        QTest::newRow("down") << QStringList{"#######", ".#####.", "..###..", "...#..."} << true;
+        QTest::newRow("four") << QStringList{"...##", "..#.#", ".#..#", "#####", "....#", "....#"}
+                              << false;
+        QTest::newRow("L") << QStringList{"##...", "##...", "##...", "##...", "#####"} << false;
+        QTest::newRow("v") << QStringList{"#...#", "#...#", ".#.#.", ".#.#.", "..#.."} << false;
+    }
+    void leavesOutArrowsThatStandAlone()
+    {
+        QFETCH(QStringList, rows);
+        QFETCH(bool, isErased);
+        const QRect box(0, 10 - int(rows.size()), int(rows.front().size()), int(rows.size()));
+        InkSymbol arrow = symbol("4", box, true);
+        arrow.glyph.clear();
+        for (const QChar pixel : rows.join(QString()))
+            arrow.glyph.push_back(pixel == '#' ? 255 : 0);
+        LetterMetrics uncertain = metrics;
+        uncertain.isCertain = false;
+        std::vector<InkSymbol> symbols{arrow, symbol("a", QRect(20, 3, 6, 7), true)};
+        erasePictures(symbols, uncertain);
+        QCOMPARE(symbols.size() == 1, isErased);
+    }
+
     void leavesOutSquares_data()
     {
         QTest::addColumn<QSize>("size");

@@ -156,6 +156,12 @@ private Q_SLOTS:
         QTest::newRow("arrow read as a letter") << "v" << QRect(0, 3, 6, 4) << 90.0 << false;
         QTest::newRow("dash in the same place") << "-" << QRect(0, 5, 6, 1) << 90.0 << true;
         QTest::newRow("button read as a letter") << "B" << QRect(0, 0, 7, 10) << 91.0 << false;
+        QTest::newRow("chevron that points down") << "v" << QRect(0, 3, 12, 7) << 99.0 << false;
+        QTest::newRow("chevron that points to the side")
+            << ">" << QRect(0, 0, 6, 10) << 99.0 << false;
+        QTest::newRow("greater than") << ">" << QRect(0, 2, 7, 7) << 99.0 << true;
+        QTest::newRow("round icon") << "@" << QRect(0, 0, 11, 11) << 96.0 << false;
+        QTest::newRow("at sign") << "@" << QRect(0, 0, 11, 11) << 99.0 << true;
         QTest::newRow("two dashes") << "--" << QRect(0, 5, 12, 1) << 70.0 << true;
         QTest::newRow("dot named by its shape") << "." << QRect(0, 8, 2, 2) << 50.0 << true;
         QTest::newRow("noise") << "x" << QRect(0, 3, 7, 7) << 10.0 << false;
@@ -188,6 +194,19 @@ private Q_SLOTS:
                                     {"Settings", QRect(24, 0, 60, 10), longWord}};
         dropPictures(words, metrics);
         QCOMPARE(words.size() == 2, isKept);
+    }
+
+    void dropsShortWordsThatLieOnOtherLines()
+    {
+        // The strokes in the icon of a document, each a line of its own, and a label beside it.
+        std::vector<std::vector<ReadWord>> lines{{{"-", QRect(0, 0, 12, 16), 98}},
+                                                 {{"=", QRect(0, 4, 12, 16), 98}},
+                                                 {{"notes", QRect(20, 2, 40, 16), 98}},
+                                                 {{"a", QRect(0, 18, 12, 16), 98}}};
+        dropCrowded(lines);
+        QCOMPARE(lines.size(), std::size_t(2));
+        QCOMPARE(lines[0].front().text, QStringLiteral("notes"));
+        QCOMPARE(lines[1].front().text, QStringLiteral("a"));
     }
 
     void sparesTheEngineSpecks_data()
