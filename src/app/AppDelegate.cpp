@@ -46,7 +46,12 @@ AppDelegate::AppDelegate(Platform &platform, UserDefaults &defaults, AppState &s
     , m_screenshotService(*platform.grabber)
     , m_imageOutput(*platform.clipboard, defaults, *platform.clock, m_services.feedback())
     , m_overlayController(overlayServices())
+    , m_countdown(*platform.clock)
 {
+    m_countdown.tell = [this](const QString &message) {
+        if (m_services.toast && !m_overlayController.isCapturing())
+            m_services.toast->show(message, QStringLiteral("camera.viewfinder"));
+    };
     if (m_services.toast)
         m_services.toast->frozenPixels = [this](QRect native) {
             return m_overlayController.frozenPixels(native);
@@ -187,8 +192,12 @@ bool AppDelegate::applicationShouldHandleReopen(bool)
     return true;
 }
 
-void AppDelegate::performAction(const QString &action)
+void AppDelegate::performAction(const QString &action, int delaySeconds)
 {
+    if (delaySeconds > 0) {
+        m_countdown.start(delaySeconds, [this, action] { performAction(action); });
+        return;
+    }
     const struct
     {
         const char *name;

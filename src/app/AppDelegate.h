@@ -4,6 +4,7 @@
 #pragma once
 
 #include "app/AppServices.h"
+#include "app/CaptureCountdown.h"
 #include "capture/ImageOutput.h"
 #include "capture/OverlayController.h"
 #include "capture/ScreenshotService.h"
@@ -33,8 +34,9 @@ public:
     void applicationDidFinishLaunching(Launch launch, HotkeyManager &hotkeys);
     /// The program was launched again while it runs: always opens the settings.
     bool applicationShouldHandleReopen(bool hasVisibleWindows);
-    /// A command from outside, by its name.
-    void performAction(const QString &action);
+    /// A command from outside, by its name. A capture begins after the delay, which is counted down
+    /// on the screen.
+    void performAction(const QString &action, int delaySeconds = 0);
     void openSettings(SettingsTab tab);
     /// Of the setting that shows the program in the panel.
     void setStatusItemVisible(bool isVisible);
@@ -62,6 +64,7 @@ private:
     ScreenshotService m_screenshotService;
     ImageOutput m_imageOutput;
     OverlayController m_overlayController;
+    CaptureCountdown m_countdown;
     WorkingMemory m_workingMemory;
     quint64 m_activity = 0; ///< grows with each reason to rest
 };

@@ -15,8 +15,13 @@ const QString buildVersion = QStringLiteral("CFBundleVersion");
 QVariantMap standard()
 {
     return {{QStringLiteral("CFBundleName"), QStringLiteral("Tovek")},
-            {shortVersion, QStringLiteral(TOVEK_VERSION)},
+            {shortVersion, version()},
             {buildVersion, QStringLiteral(TOVEK_BUILD)}};
+}
+
+QString version()
+{
+    return QStringLiteral(TOVEK_VERSION);
 }
 
 QString string(const QVariantMap &information, const QString &key)

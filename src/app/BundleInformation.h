@@ -14,6 +14,8 @@ namespace BundleInformation {
 QVariantMap standard();
 /// "Unknown" for a value that is missing or no string.
 QString string(const QVariantMap &information, const QString &key);
+/// The program's version, "1.2".
+QString version();
 /// "Version 1.2 (34)".
 QString versionLine(const QVariantMap &information);
 

@@ -157,6 +157,21 @@ bool addWaylandDesktop(Platform &platform, const EarlyPlatform &early)
     return true;
 }
 
+bool addWaylandCapture(Platform &platform, const EarlyPlatform &early)
+{
+    if (!early.wayland)
+        return false;
+    const auto outputs = std::make_shared<WaylandOutputs>(early.wayland);
+    auto grabber = makeWaylandGrabber(early.wayland, outputs);
+    if (!grabber)
+        return false;
+    platform.screens = std::make_unique<WaylandScreens>(outputs);
+    platform.grabber = std::move(grabber);
+    platform.frontmostApp = std::make_unique<NullFrontmostApp>();
+    early.wayland->handleInMainLoop();
+    return true;
+}
+
 std::unique_ptr<HotKeys> makeWaylandHotKeys(const EarlyPlatform &early,
                                             const KeyboardLayout &layout)
 {
@@ -197,6 +212,11 @@ bool addWaylandDesktop(Platform &, const EarlyPlatform &)
     return false;
 }
 
+bool addWaylandCapture(Platform &, const EarlyPlatform &)
+{
+    return false;
+}
+
 bool openWaylandKeyboard(EarlyPlatform &)
 {
     return false;
@@ -227,24 +247,35 @@ bool openX11Keyboard(EarlyPlatform &early)
     return true;
 }
 
+/// What takes pictures. Null where the session is not one of X11.
+std::shared_ptr<X11Connection> addX11Screens(Platform &platform,
+                                             std::shared_ptr<X11Monitors> &monitors)
+{
+    const std::shared_ptr<X11Connection> connection = X11Connection::create();
+    if (!connection)
+        return nullptr;
+    monitors = std::make_shared<X11Monitors>(connection);
+    platform.screens = std::make_unique<X11Screens>(connection, monitors);
+    platform.grabber = std::make_unique<X11ScreenGrabber>(connection, monitors);
+    platform.frontmostApp = std::make_unique<X11FrontmostApp>(connection);
+    platform.capturePermission = isXWayland(*connection, *monitors)
+        ? refuseToCapture()
+        : std::make_unique<X11CapturePermission>();
+    return connection;
+}
+
 /// False where the session is not one of X11.
 bool addX11Desktop(Platform &platform, const SessionBus &bus)
 {
-    const std::shared_ptr<X11Connection> connection = X11Connection::create();
+    std::shared_ptr<X11Monitors> monitors;
+    const std::shared_ptr<X11Connection> connection = addX11Screens(platform, monitors);
     auto clipboard = X11Clipboard::create();
     auto *hotKeys = dynamic_cast<X11HotKeys *>(platform.hotKeys.get());
     auto *layout = dynamic_cast<X11KeyboardLayout *>(platform.keyboardLayout.get());
     if (!connection || !clipboard || !hotKeys || !layout)
         return false;
-    const auto monitors = std::make_shared<X11Monitors>(connection);
-    platform.screens = std::make_unique<X11Screens>(connection, monitors);
-    platform.grabber = std::make_unique<X11ScreenGrabber>(connection, monitors);
     platform.overlayShell = std::make_unique<X11OverlayShell>(connection, monitors);
-    platform.frontmostApp = std::make_unique<X11FrontmostApp>(connection);
     platform.clipboard = std::move(clipboard);
-    platform.capturePermission = isXWayland(*connection, *monitors)
-        ? refuseToCapture()
-        : std::make_unique<X11CapturePermission>();
     platform.toastShell = X11ToastShell::create();
     platform.soundOutput = std::make_unique<CanberraSoundOutput>(&XSettings::areEventSoundsEnabled);
     // The area of the X server first: it alone lets a thumbnail be dragged out.
@@ -258,6 +289,12 @@ bool addX11Desktop(Platform &platform, const SessionBus &bus)
     layout->startDispatching();
     return true;
 }
+
+bool addX11Capture(Platform &platform)
+{
+    std::shared_ptr<X11Monitors> monitors;
+    return addX11Screens(platform, monitors) != nullptr;
+}
 #else
 bool openX11Keyboard(EarlyPlatform &)
 {
@@ -265,6 +302,11 @@ bool openX11Keyboard(EarlyPlatform &)
 }
 
 bool addX11Desktop(Platform &, const SessionBus &)
+{
+    return false;
+}
+
+bool addX11Capture(Platform &)
 {
     return false;
 }
@@ -284,6 +326,15 @@ void addNullDesktop(Platform &platform)
 EarlyPlatform::EarlyPlatform() = default;
 EarlyPlatform::~EarlyPlatform() = default;
 EarlyPlatform::EarlyPlatform(EarlyPlatform &&) noexcept = default;
+
+QString missingDisplay()
+{
+    for (const char *variable : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"}) {
+        if (qEnvironmentVariableIsSet(variable))
+            return {};
+    }
+    return QStringLiteral("No display: neither DISPLAY nor WAYLAND_DISPLAY is set");
+}
 
 EarlyPlatform makeEarlyPlatform()
 {
@@ -319,6 +370,26 @@ void openKeyboard(EarlyPlatform &early)
     early.keyboardLayout = std::make_unique<NullKeyboardLayout>();
 }
 
+Platform makeCapturePlatform(const EarlyPlatform &early)
+{
+    Platform platform;
+    if (!isWithoutDesktop() && (addWaylandCapture(platform, early) || addX11Capture(platform)))
+        return platform;
+    addNullDesktop(platform);
+    if (isWaylandSession())
+        platform.capturePermission = refuseToCapture();
+    return platform;
+}
+
+std::unique_ptr<TextRecognizer> makeTextRecognizer()
+{
+#ifdef TOVEK_WITH_TESSERACT
+    return std::make_unique<TesseractRecognizer>();
+#else
+    return nullptr;
+#endif
+}
+
 Platform makePlatform(EarlyPlatform &early)
 {
     early.bus->startWatching();
@@ -333,7 +404,7 @@ Platform makePlatform(EarlyPlatform &early)
     platform.notifications = onBus<DBusNotifications>(*early.bus);
     platform.lockSignals = onBus<DBusLockSignals>(*early.bus);
     platform.fileRevealer = onBus<DBusFileRevealer>(*early.bus);
-    platform.textRecognizer = std::make_unique<TesseractRecognizer>();
+    platform.textRecognizer = makeTextRecognizer();
     if (!isWithoutDesktop()
         && (addWaylandDesktop(platform, early) || addX11Desktop(platform, *early.bus)))
         return platform;

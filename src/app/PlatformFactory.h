@@ -5,6 +5,8 @@
 
 #include "platform/Platform.h"
 
+#include <QString>
+
 namespace tovek {
 
 class SessionBus;
@@ -27,6 +29,10 @@ struct EarlyPlatform
     std::shared_ptr<WaylandConnection> wayland; ///< null where the session is not served by it
 };
 
+/// The reason when there is no display at all, for want of which the toolkit would end the process;
+/// otherwise an empty text.
+QString missingDisplay();
+
 /// Every member but the keyboard, for which see `openKeyboard`.
 EarlyPlatform makeEarlyPlatform();
 /// Has the toolkit run on the window system that the desktop is to be served by; QT_QPA_PLATFORM in
@@ -34,6 +40,12 @@ EarlyPlatform makeEarlyPlatform();
 void chooseToolkit(EarlyPlatform &early);
 /// TOVEK_PLATFORM=null in the environment does without the X server, here and in `makePlatform`.
 void openKeyboard(EarlyPlatform &early);
+
+/// Only what takes pictures, for a process that has no window: screens, grabber and the frontmost
+/// program are set. Needs a QGuiApplication, before which `chooseToolkit` was called.
+Platform makeCapturePlatform(const EarlyPlatform &early);
+/// Null in builds that recognise no text. Needs a QCoreApplication.
+std::unique_ptr<TextRecognizer> makeTextRecognizer();
 
 /// The services of the session that the application runs in, chosen once. Needs a
 /// QGuiApplication; keys are told from the main loop from now on.

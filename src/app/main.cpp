@@ -2,6 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "KeyboardShortcuts/ShortcutService.h"
+#include "app/BundleInformation.h"
+#include "app/Commands.h"
 #include "app/HotkeyManager.h"
 #include "app/KeyNames.h"
 #include "app/PlatformFactory.h"
@@ -15,6 +17,7 @@
 #include "foundation/Unfinished.h"
 #include "foundation/UserDefaults.h"
 #include "platform/Clipboard.h"
+#include "platform/Clock.h"
 #include "platform/HotKeys.h"
 #include "platform/KeyboardLayout.h"
 #include "platform/SingleInstance.h"
@@ -24,28 +27,10 @@
 #include <QFileInfo>
 
 #include <cstdlib>
-#include <cstring>
 
 namespace tovek {
 
 namespace {
-
-/// True unless the toolkit would end the process for want of a display.
-bool hasDisplay()
-{
-    return qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || qEnvironmentVariableIsSet("DISPLAY")
-        || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
-}
-
-/// Started by the session, not by a person.
-bool isInBackground(int argc, char **argv)
-{
-    for (int i = 1; i < argc; ++i) {
-        if (std::strcmp(argv[i], "--background") == 0)
-            return true;
-    }
-    return false;
-}
 
 /// What checks for updates lies beside the program, or in its libexec folder; an empty name in
 /// builds that do not update themselves.
@@ -58,23 +43,20 @@ UpdateConfiguration updateConfiguration()
     const QDir folder(QCoreApplication::applicationDirPath());
     const QString beside = folder.filePath(name);
     const QString installed = folder.filePath(QStringLiteral("../libexec/tovek/") + name);
-    return {QFileInfo::exists(beside) ? beside : installed, QStringLiteral(TOVEK_VERSION),
+    return {QFileInfo::exists(beside) ? beside : installed, BundleInformation::version(),
             hours(TOVEK_UPDATE_INTERVAL)};
 }
 
 /// The program's life. `successor` becomes the program to run in place of this one, if any.
-int run(int &argc, char **argv, QString &successor)
+int run(int &argc, char **argv, const Wish &wish, QString &successor)
 {
-    const bool inBackground = isInBackground(argc, argv);
     EarlyPlatform early = makeEarlyPlatform();
-    if (early.singleInstance->claim() == SingleInstance::Role::second) {
-        // A session that starts what is running already has not asked for a window.
-        if (!inBackground)
-            early.singleInstance->reopenFirst();
-        return 0;
-    }
-    if (!hasDisplay()) {
-        logLine(QStringLiteral("No display: neither DISPLAY nor WAYLAND_DISPLAY is set"));
+    if (const auto status = leaveToTheFirst(*early.singleInstance, wish))
+        return *status;
+    if (const QString reason = missingDisplay(); !reason.isEmpty()) {
+        logLine(reason);
+        if (!wish.action.action.isEmpty())
+            complain(reason);
         return 1;
     }
     chooseToolkit(early);
@@ -92,7 +74,7 @@ int run(int &argc, char **argv, QString &successor)
     QApplication application(argc, argv);
     startMessages.reset();
     QApplication::setApplicationName(QStringLiteral("tovek"));
-    QApplication::setApplicationVersion(QStringLiteral(TOVEK_VERSION));
+    QApplication::setApplicationVersion(BundleInformation::version());
     QApplication::setDesktopFileName(QStringLiteral("org.tovek.Tovek"));
     QApplication::setQuitOnLastWindowClosed(false);
     KeyNames keyNames;
@@ -108,12 +90,16 @@ int run(int &argc, char **argv, QString &successor)
         TovekApp app(platform, defaults, updateConfiguration());
         AppDelegate &delegate = app.appDelegate();
         early.singleInstance->onReopen = [&] { delegate.applicationShouldHandleReopen(false); };
-        early.singleInstance->onAction = [&](const QString &action) {
-            delegate.performAction(action);
+        early.singleInstance->onAction = [&](const QString &action, int delaySeconds) {
+            delegate.performAction(action, delaySeconds);
         };
-        delegate.applicationDidFinishLaunching(inBackground ? AppDelegate::Launch::inBackground
-                                                            : AppDelegate::Launch::byUser,
+        delegate.applicationDidFinishLaunching(wish.inBackground ? AppDelegate::Launch::inBackground
+                                                                 : AppDelegate::Launch::byUser,
                                                hotkeyManager);
+        if (!wish.action.action.isEmpty())
+            platform.clock->after(std::chrono::seconds(0), &app, [&] {
+                delegate.performAction(wish.action.action, wish.action.delaySeconds);
+            });
         QApplication::exec();
         isQuitting = true;
         successor = app.successor();
@@ -136,8 +122,12 @@ int run(int &argc, char **argv, QString &successor)
 int main(int argc, char **argv)
 {
     tovek::shareHeap();
+    const tovek::Command command = tovek::commandOf(argc, argv);
+    const std::optional<tovek::Wish> wish = tovek::wishOf(command);
+    if (!wish)
+        return tovek::runCommand(command, argc, argv);
     QString successor;
-    const int status = tovek::run(argc, argv, successor);
+    const int status = tovek::run(argc, argv, *wish, successor);
     if (!successor.isEmpty())
         tovek::becomeProgram(successor);
     // A save that was given up must not meet the end of what is global.

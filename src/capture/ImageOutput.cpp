@@ -16,7 +16,6 @@
 #include "platform/Clock.h"
 
 #include <QDeadlineTimer>
-#include <QDir>
 #include <QThread>
 #include <QtConcurrent>
 
@@ -121,10 +120,7 @@ QFuture<QByteArray> ImageOutput::copyImage(const Image &image)
 
 QString ImageOutput::saveLocation() const
 {
-    const QString time = m_clock.now().toString(QStringLiteral("yyyy-MM-dd 'at' HH.mm.ss"));
-    const QString name = QStringLiteral("Tovek %1.png").arg(time);
-    const QString folder = chosenSaveFolder(m_defaults);
-    return folder.isEmpty() ? name : QDir(folder).filePath(name);
+    return saveLocationAt(m_clock.now(), m_defaults);
 }
 
 void ImageOutput::saveSelection(const QFuture<QImage> &pixels, const Rect &rect,

@@ -29,6 +29,14 @@ QString usedSaveFolder(const QString &chosen)
     return QFileInfo(downloads).isDir() ? downloads : QDir::homePath();
 }
 
+QString saveLocationAt(const QDateTime &time, const UserDefaults &defaults)
+{
+    const QString name = QStringLiteral("Tovek %1.png")
+                             .arg(time.toString(QStringLiteral("yyyy-MM-dd 'at' HH.mm.ss")));
+    const QString folder = chosenSaveFolder(defaults);
+    return folder.isEmpty() ? name : QDir(folder).filePath(name);
+}
+
 QString fileAt(const QString &location)
 {
     return QDir::isAbsolutePath(location) ? location : QDir(usedSaveFolder({})).filePath(location);

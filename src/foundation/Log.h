@@ -11,4 +11,7 @@ namespace tovek {
 /// one event is always one line. Any thread.
 void logLine(const QString &text);
 
+/// From now on the lines go to standard error: standard output is the result of the process.
+void logToStandardError();
+
 } // namespace tovek

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <QRect>
 #include <QString>
 #include <QtGlobal>
 
@@ -31,6 +32,9 @@ class FrontmostApp
 public:
     virtual ~FrontmostApp() = default;
     virtual std::optional<RunningApplication> frontmost() const = 0;
+    /// The active window with its frame and without its shadow: native pixels, y down, global.
+    /// Absent where none is active, or the window system does not tell.
+    virtual std::optional<QRect> activeWindowFrame() const { return std::nullopt; }
     /// Does nothing when the program is active still, or its window has gone.
     virtual void activate(const RunningApplication &application) = 0;
     virtual void setActivationPolicy(ActivationPolicy policy) = 0;

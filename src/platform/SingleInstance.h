@@ -21,12 +21,15 @@ public:
     virtual Role claim() = 0;
     /// Asks the program that is there already to reopen, as `second`.
     virtual void reopenFirst() = 0;
+    /// Asks it for one of the actions below, as `second`. The reason when it could not be asked,
+    /// otherwise an empty text.
+    [[nodiscard]] virtual QString askFirst(const QString &action, int delaySeconds) = 0;
 
     /// The program was launched again.
     std::function<void()> onReopen;
     /// One of start-capture, capture-image, capture-text, preferences, about, check-for-updates,
-    /// quit; anything else is refused before it gets here.
-    std::function<void(const QString &action)> onAction;
+    /// quit; anything else is refused before it gets here. The delay, 0 for most, is for captures.
+    std::function<void(const QString &action, int delaySeconds)> onAction;
 };
 
 } // namespace tovek

@@ -41,7 +41,7 @@ private Q_SLOTS:
     {
         const AboutTabView view(BundleInformation::standard(), {});
         QVERIFY(has(view, QStringLiteral("Tovek")));
-        QVERIFY(has(view, QStringLiteral("Version %1 (").arg(QStringLiteral(TOVEK_VERSION))));
+        QVERIFY(has(view, QStringLiteral("Version %1 (").arg(BundleInformation::version())));
         const AboutTabView unnamed({}, {});
         QVERIFY(has(unnamed, QStringLiteral("Unknown")));
     }

@@ -130,10 +130,11 @@ private:
             {"update/program", {"update", "look", "foundation"}},
             {"KeyboardShortcuts", {"platform", "foundation"}},
             {"capture", {"overlay", "text", "platform", "foundation"}},
+            {"command", {"text", "platform", "foundation"}},
             {"menubar", {"platform", "foundation"}},
             {"app",
-             {"menubar", "capture", "overlay", "text", "KeyboardShortcuts", "feedback", "update",
-              "look", "platform", "foundation"}},
+             {"command", "menubar", "capture", "overlay", "text", "KeyboardShortcuts", "feedback",
+              "update", "look", "platform", "foundation"}},
         };
         return arrows;
     }

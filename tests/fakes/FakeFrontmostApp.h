@@ -18,6 +18,7 @@ class FakeFrontmostApp : public FrontmostApp
 {
 public:
     std::optional<RunningApplication> frontmost() const override { return front; }
+    std::optional<QRect> activeWindowFrame() const override { return frame; }
     void activate(const RunningApplication &application) override
     {
         activated.push_back(application);
@@ -34,6 +35,7 @@ public:
 
     std::vector<RunningApplication> running; ///< those whose windows can come to the front
     std::optional<RunningApplication> front;
+    std::optional<QRect> frame; ///< of what is in front
     std::vector<RunningApplication> activated; ///< whether or not it had an effect
     ActivationPolicy policy = ActivationPolicy::accessory;
     std::vector<QWindow *> broughtForward;

@@ -10,6 +10,8 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 
+#include <algorithm>
+
 namespace tovek {
 
 namespace {
@@ -18,6 +20,24 @@ const auto busName = QStringLiteral("org.tovek.Tovek");
 const auto objectPath = QStringLiteral("/org/tovek/Tovek");
 const auto interfaceName = QStringLiteral("org.freedesktop.Application");
 constexpr int activationTimeoutMs = 5000;
+constexpr int longestDelaySeconds = 3600;
+
+/// The reason when the running instance did not take it, otherwise an empty text.
+QString callFirst(const QString &method, const QVariantList &arguments)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(busName, objectPath, interfaceName, method);
+    call.setArguments(arguments);
+    const QDBusMessage answer = SessionBus::current().call(call, QDBus::Block, activationTimeoutMs);
+    return answer.type() == QDBusMessage::ErrorMessage
+        ? QStringLiteral("Failed to reach the running instance: %1").arg(answer.errorMessage())
+        : QString();
+}
+
+/// 0 where the action came without one, as from a desktop file.
+int delayOf(const QVariantList &parameter)
+{
+    return std::clamp(parameter.value(0).toInt(), 0, longestDelaySeconds);
+}
 
 } // namespace
 
@@ -53,14 +73,18 @@ SingleInstance::Role DBusSingleInstance::claimOn(QDBusConnection bus)
 
 void DBusSingleInstance::reopenFirst()
 {
-    QDBusMessage activate = QDBusMessage::createMethodCall(busName, objectPath, interfaceName,
-                                                           QStringLiteral("Activate"));
-    activate << QVariantMap();
-    const QDBusMessage answer =
-        SessionBus::current().call(activate, QDBus::Block, activationTimeoutMs);
-    if (answer.type() == QDBusMessage::ErrorMessage)
-        logLine(
-            QStringLiteral("Failed to reach the running instance: %1").arg(answer.errorMessage()));
+    const QString error = callFirst(QStringLiteral("Activate"), {QVariantMap()});
+    if (!error.isEmpty())
+        logLine(error);
+}
+
+QString DBusSingleInstance::askFirst(const QString &action, int delaySeconds)
+{
+    QVariantList parameter;
+    if (delaySeconds > 0)
+        parameter += delaySeconds;
+    return callFirst(QStringLiteral("ActivateAction"),
+                     {action, QVariant(parameter), QVariantMap()});
 }
 
 const QStringList &DBusSingleInstance::actions()
@@ -86,7 +110,7 @@ void DBusSingleInstance::Open(const QStringList &, const QVariantMap &)
         onReopen();
 }
 
-void DBusSingleInstance::ActivateAction(const QString &action, const QVariantList &,
+void DBusSingleInstance::ActivateAction(const QString &action, const QVariantList &parameter,
                                         const QVariantMap &)
 {
     if (!actions().contains(action)) {
@@ -94,7 +118,7 @@ void DBusSingleInstance::ActivateAction(const QString &action, const QVariantLis
         return;
     }
     if (onAction)
-        onAction(action);
+        onAction(action, delayOf(parameter));
 }
 
 } // namespace tovek

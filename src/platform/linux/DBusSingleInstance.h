@@ -23,6 +23,7 @@ public:
     /// Claims the name on another bus than that of the start. Who has it there already keeps it.
     void setBus(const QDBusConnection &bus);
     void reopenFirst() override;
+    QString askFirst(const QString &action, int delaySeconds) override;
 
     static const QStringList &actions();
 

@@ -18,6 +18,7 @@ constexpr std::array<const char *, size_t(X11Atom::count)> atomNames{
     "_COMPTON_SHADOW",
     "_KDE_NET_WM_SKIP_CLOSE_ANIMATION",
     "_NET_CURRENT_DESKTOP",
+    "_GTK_FRAME_EXTENTS",
     "_NET_SUPPORTING_WM_CHECK",
     "UTF8_STRING",
     "_NET_WM_DESKTOP",

@@ -21,6 +21,7 @@ enum class X11Atom {
     comptonShadow,
     kdeSkipCloseAnimation,
     currentDesktop,
+    gtkFrameExtents,
     supportingWmCheck,
     utf8String,
     wmDesktop,

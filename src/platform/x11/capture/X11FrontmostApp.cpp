@@ -7,6 +7,8 @@
 #include <QGuiApplication>
 #include <QWindow>
 
+#include <utility>
+
 namespace tovek {
 
 namespace {
@@ -48,6 +50,49 @@ std::optional<RunningApplication> X11FrontmostApp::frontmost() const
         return std::nullopt;
     application.processId = number(xcb_window_t(application.window), X11Atom::wmPid).value_or(0);
     return application;
+}
+
+std::optional<QRect> X11FrontmostApp::activeWindowFrame() const
+{
+    const std::optional<RunningApplication> front = frontmost();
+    if (!front)
+        return std::nullopt;
+    xcb_connection_t *xcb = m_connection->xcb();
+    xcb_generic_error_t *error = nullptr; // it may close at any moment
+    // The window manager's frame is what lies on the root window itself.
+    auto window = xcb_window_t(front->window);
+    for (;;) {
+        const X11Reply<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(xcb, xcb_query_tree(xcb, window), &error));
+        std::free(std::exchange(error, nullptr));
+        if (!tree || window == tree->root)
+            return std::nullopt;
+        if (tree->parent == tree->root)
+            break;
+        window = tree->parent;
+    }
+    const X11Reply<xcb_get_geometry_reply_t> geometry(
+        xcb_get_geometry_reply(xcb, xcb_get_geometry(xcb, window), &error));
+    std::free(std::exchange(error, nullptr));
+    if (!geometry)
+        return std::nullopt;
+    const int border = 2 * geometry->border_width;
+    return QRect(geometry->x, geometry->y, geometry->width + border, geometry->height + border)
+        .marginsRemoved(drawnShadow(xcb_window_t(front->window)));
+}
+
+QMargins X11FrontmostApp::drawnShadow(xcb_window_t window) const
+{
+    xcb_connection_t *xcb = m_connection->xcb();
+    const auto cookie = xcb_get_property(
+        xcb, 0, window, m_connection->atom(X11Atom::gtkFrameExtents), XCB_ATOM_CARDINAL, 0, 4);
+    xcb_generic_error_t *error = nullptr;
+    const X11Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(xcb, cookie, &error));
+    std::free(error);
+    if (!reply || reply->format != 32 || xcb_get_property_value_length(reply.get()) < 16)
+        return {};
+    const auto *extents = static_cast<const int32_t *>(xcb_get_property_value(reply.get()));
+    return {extents[0], extents[2], extents[1], extents[3]}; // left, right, top, bottom there
 }
 
 void X11FrontmostApp::activate(const RunningApplication &application)

@@ -16,6 +16,7 @@ class X11FrontmostApp : public QObject, public FrontmostApp
 public:
     explicit X11FrontmostApp(std::shared_ptr<X11Connection> connection);
     std::optional<RunningApplication> frontmost() const override;
+    std::optional<QRect> activeWindowFrame() const override;
     void activate(const RunningApplication &application) override;
     void setActivationPolicy(ActivationPolicy policy) override;
     ActivationPolicy activationPolicy() const override { return m_policy; }
@@ -28,6 +29,8 @@ private:
     void requestActivation(xcb_window_t window) const;
     void sendToRoot(xcb_window_t window, xcb_atom_t type, std::array<uint32_t, 5> data) const;
     bool hasWindowManager() const;
+    /// What a program that draws its own frame draws around it as well.
+    QMargins drawnShadow(xcb_window_t window) const;
     std::optional<uint32_t> number(xcb_window_t window, X11Atom property) const;
 
     std::shared_ptr<X11Connection> m_connection;
