@@ -1,11 +1,15 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
+#include "command/CommandLine.h"
+
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTest>
+
+using namespace tovek;
 
 class TestDesktopFile : public QObject
 {
@@ -41,9 +45,17 @@ private Q_SLOTS:
         };
         QVERIFY(
             text.contains(QStringLiteral("\nActions=%1;\n").arg(actions.join(QLatin1Char(';')))));
-        for (const QString &action : actions)
-            QVERIFY2(text.contains(QStringLiteral("\n[Desktop Action %1]\nName=").arg(action)),
-                     qPrintable(action));
+        for (const QString &action : actions) {
+            const QRegularExpression section(
+                QStringLiteral("\n\\[Desktop Action %1\\]\nName=[^\n]+\nExec=tovek ([^\n]+)\n")
+                    .arg(action));
+            const QRegularExpressionMatch match = section.match(text);
+            QVERIFY2(match.hasMatch(), qPrintable(action));
+            // A desktop that does not ask over the bus starts this.
+            const Command command = parseCommandLine({match.captured(1)});
+            const auto *asked = std::get_if<ActionCommand>(&command);
+            QVERIFY2(asked && asked->action == action, qPrintable(action));
+        }
     }
 
 private:

@@ -4,7 +4,9 @@
 #include "packaging/Prefix.h"
 
 #include <QFileInfo>
+#include <QImage>
 #include <QRegularExpression>
+#include <QStandardPaths>
 #include <QTest>
 
 using namespace tovek;
@@ -27,6 +29,15 @@ private Q_SLOTS:
         QTest::newRow("share/applications/org.tovek.Tovek.desktop") << false;
         QTest::newRow("share/dbus-1/services/org.tovek.Tovek.service") << false;
         QTest::newRow("share/icons/hicolor/scalable/apps/org.tovek.Tovek.svg") << false;
+        QTest::newRow("share/icons/hicolor/symbolic/apps/org.tovek.Tovek-symbolic.svg") << false;
+        for (const int size : {16, 22, 24, 32, 48, 64, 128, 256, 512})
+            QTest::addRow("share/icons/hicolor/%dx%d/apps/org.tovek.Tovek.png", size, size)
+                << false;
+        QTest::newRow("share/bash-completion/completions/tovek") << false;
+        QTest::newRow("share/zsh/site-functions/_tovek") << false;
+        QTest::newRow("share/fish/vendor_completions.d/tovek.fish") << false;
+        QTest::newRow("share/man/man1/tovek.1") << false;
+        QTest::newRow("share/metainfo/org.tovek.Tovek.metainfo.xml") << false;
     }
     void bringsAllThatTheProgramNeeds()
     {
@@ -35,6 +46,37 @@ private Q_SLOTS:
         QVERIFY(file.isFile());
         QCOMPARE(file.isExecutable(), isProgram);
         QVERIFY(file.size() > 0);
+    }
+
+    void drawsIconsInTheirSize()
+    {
+        for (const int size : {16, 22, 24, 32, 48, 64, 128, 256, 512}) {
+            const QImage icon(m_prefix.path(
+                QStringLiteral("share/icons/hicolor/%1x%1/apps/org.tovek.Tovek.png").arg(size)));
+            QCOMPARE(icon.size(), QSize(size, size));
+        }
+    }
+
+    void passesTheCheckersOfItsPapers_data()
+    {
+        QTest::addColumn<QStringList>("checker");
+        QTest::newRow("share/man/man1/tovek.1")
+            << QStringList{"mandoc", "-T", "lint", "-W", "warning"};
+        QTest::newRow("share/metainfo/org.tovek.Tovek.metainfo.xml")
+            << QStringList{"appstreamcli", "validate", "--strict", "--no-net"};
+    }
+    void passesTheCheckersOfItsPapers()
+    {
+        QFETCH(QStringList, checker);
+        if (QStandardPaths::findExecutable(checker.first()).isEmpty())
+            QSKIP(qPrintable(checker.first() + " is not installed"));
+        QProcess process;
+        process.setProcessChannelMode(QProcess::MergedChannels);
+        process.start(checker.first(),
+                      checker.mid(1) + QStringList{m_prefix.path(QTest::currentDataTag())});
+        QVERIFY(process.waitForFinished());
+        const QByteArray said = process.readAll();
+        QVERIFY2(process.exitCode() == 0, said.constData());
     }
 
 private:
