@@ -1,6 +1,7 @@
 # SPDX-FileCopyrightText: 2026 The Tovek developers
 # SPDX-License-Identifier: MIT
-# The one list of Debian 12 packages, read by ./run, ./test and .ci/run.
+# The one list of packages, read by ./run, ./test and .ci/run: those of Debian 12, which are
+# installed, and for other systems the names that a person is told.
 
 # To build and run the program.
 build_packages=(
@@ -15,14 +16,112 @@ build_packages=(
 )
 # For the virtual desktops of the tests and of the tour.
 desktop_packages=(
-    dbus dbus-bin dbus-x11 fonts-cantarell fonts-noto-core i3lock libglib2.0-bin desktop-file-utils openbox openssl picom pulseaudio
-    grim sway swaybg wl-clipboard wtype xwayland
-    pulseaudio-utils thunar trayer x11-xkb-utils x11-xserver-utils xauth xclip xscreensaver xvfb
+    appstream dbus dbus-bin dbus-x11 desktop-file-utils fish fonts-cantarell fonts-noto-core grim
+    i3lock libglib2.0-bin mandoc openbox openssl picom pulseaudio pulseaudio-utils sway swaybg
+    thunar trayer wl-clipboard wtype x11-xkb-utils x11-xserver-utils xauth xclip xscreensaver xvfb
+    xwayland zsh
 )
 # For bench/run, which installs nothing: a notification server is not for everybody's desktop.
 bench_packages=(dunst)
 # For continuous integration alone.
 ci_packages=(clang clang-format clang-tidy git)
+
+# Fedora and openSUSE know libraries by the names of their pkg-config files.
+library_modules=(
+    Qt6Core Qt6Gui Qt6Widgets Qt6DBus Qt6Network Qt6Concurrent Qt6Test
+    libcanberra libdeflate libisal libsodium tesseract wayland-client wayland-scanner xkbcommon
+    xkbcommon-x11 zlib xcb xcb-icccm xcb-image xcb-keysyms xcb-randr xcb-render xcb-shape xcb-shm
+    xcb-xfixes xcb-xinput xcb-xkb xcb-xtest
+)
+rpm_libraries() { printf 'pkgconfig(%s)\n' "${library_modules[@]}"; }
+
+fedora_build=(ccache cmake gcc-c++ ninja-build pkgconf-pkg-config qt6-qtbase-private-devel
+    qt6-qtwayland dejavu-sans-fonts tesseract-langpack-eng)
+fedora_desktop=(appstream dbus-daemon dbus-x11 desktop-file-utils fish glib2 grim i3lock mandoc openbox
+    openssl picom pulseaudio pulseaudio-utils sway swaybg thunar trayer wl-clipboard xkbcomp
+    xrandr xset xorg-x11-xauth xclip xscreensaver xorg-x11-server-Xvfb xorg-x11-server-Xwayland zsh)
+opensuse_build=(ccache cmake gcc-c++ ninja pkgconf-pkg-config qt6-base-private-devel qt6-wayland
+    dejavu-fonts tesseract-ocr-traineddata-eng)
+opensuse_desktop=(AppStream dbus-1 dbus-1-x11 desktop-file-utils fish glib2-tools grim i3lock mandoc openbox
+    openssl picom pulseaudio pulseaudio-utils sway swaybg thunar trayer wl-clipboard xkbcomp
+    xrandr xset xauth xclip xscreensaver xorg-x11-server-Xvfb xwayland zsh)
+arch_build=(ccache cmake gcc ninja pkgconf qt6-base qt6-wayland libcanberra libdeflate libsodium
+    libxcb libxkbcommon libxkbcommon-x11 tesseract tesseract-data-eng ttf-dejavu wayland
+    xcb-util-image xcb-util-keysyms xcb-util-wm zlib)
+arch_desktop=(appstream dbus desktop-file-utils fish glib2 grim i3lock mandoc openbox openssl picom
+    pulseaudio sway swaybg thunar trayer wl-clipboard xorg-xkbcomp xorg-xrandr xorg-xset
+    xorg-xauth xclip xscreensaver xorg-server-xvfb xorg-xwayland zsh)
+
+# system_kind [OS_RELEASE]: debian, fedora, opensuse, arch, or nothing.
+system_kind()
+{
+    local id
+    for id in $(. "${1:-/etc/os-release}" 2>/dev/null && echo "${ID:-} ${ID_LIKE:-}"); do
+        case $id in
+        debian|ubuntu) echo debian; return ;;
+        fedora|rhel) echo fedora; return ;;
+        opensuse*|suse) echo opensuse; return ;;
+        arch) echo arch; return ;;
+        esac
+    done
+}
+
+# command_for KIND build|desktop...: the one line that installs what those need.
+command_for()
+{
+    local kind=$1 packages=() what list
+    shift
+    for what in "$@"; do
+        case $kind,$what in
+        fedora,build|opensuse,build) mapfile -t -O "${#packages[@]}" packages < <(rpm_libraries | sed "s/.*/'&'/") ;;
+        esac
+        [ "$kind" = debian ] && list=${what}_packages || list=${kind}_$what
+        local -n names=$list
+        packages+=("${names[@]}")
+    done
+    case $kind in
+    debian) echo "apt-get install ${packages[*]}" ;;
+    fedora) echo "dnf install ${packages[*]}" ;;
+    opensuse) echo "zypper install ${packages[*]}" ;;
+    arch) echo "pacman -S --needed ${packages[*]}" ;;
+    esac
+}
+
+# What this Debian does not have any more, or does not have yet.
+known_here()
+{
+    local package
+    for package in "$@"; do
+        case $package in
+        # The tests of the panel skip without it. (A machine without any list cannot tell yet.)
+        trayer) ! apt-cache show bash >/dev/null 2>&1 \
+            || apt-cache show "$package" >/dev/null 2>&1 || continue ;;
+        esac
+        echo "$package"
+    done
+}
+
+# need build|desktop|ci...: installs on Debian and what comes from it; elsewhere says what to do,
+# once, and goes on: what is really missing the build will name.
+need()
+{
+    local kind what all=()
+    kind=$(system_kind)
+    if [ "$kind" = debian ]; then
+        for what in "$@"; do
+            local -n list=${what}_packages
+            all+=("${list[@]}")
+        done
+        install_missing "${all[@]}"
+        return
+    fi
+    if [ -n "$kind" ]; then
+        echo "If something is missing: sudo $(command_for "$kind" "${@/ci/build}")" >&2
+    else
+        echo "An unknown system: please install what corresponds to these packages of Debian:" \
+            "$(command_for debian "$@" | cut -d ' ' -f 3-)" >&2
+    fi
+}
 
 # install_missing PACKAGE...: asks for the administrator's password only when something is missing.
 install_missing()
@@ -33,10 +132,8 @@ install_missing()
             || missing+=("$package")
     done
     [ ${#missing[@]} -eq 0 ] && return 0
-    if ! command -v apt-get >/dev/null; then
-        echo "Not a Debian system: please install what corresponds to: ${missing[*]}" >&2
-        return 0
-    fi
+    mapfile -t missing < <(known_here "${missing[@]}")
+    [ ${#missing[@]} -eq 0 ] && return 0
     echo "Installing: ${missing[*]}"
     local as_root=()
     [ "$(id -u)" -eq 0 ] || as_root=(sudo)
