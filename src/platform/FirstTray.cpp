@@ -55,17 +55,24 @@ void FirstTray::setToolTip(const QString &text)
         m_current->setToolTip(text);
 }
 
+Tray *FirstTray::best() const
+{
+    Tray *lastResort = nullptr;
+    for (const auto &tray : m_trays) {
+        if (!tray->hasHost())
+            continue;
+        if (!tray->isLastResort())
+            return tray.get();
+        if (!lastResort)
+            lastResort = tray.get();
+    }
+    return isLookingForHost() ? nullptr : lastResort;
+}
+
 void FirstTray::choose()
 {
-    Tray *best = nullptr;
-    for (const auto &tray : m_trays) {
-        if (tray->hasHost()) {
-            best = tray.get();
-            break;
-        }
-    }
-    if (best != m_current)
-        moveTo(best);
+    if (Tray *tray = best(); tray != m_current)
+        moveTo(tray);
     if (onHostChanged)
         onHostChanged();
 }

@@ -12,8 +12,8 @@
 
 namespace tovek {
 
-/// Several ways to the status area, of which the first that has a host shows the item. With none
-/// there is no item. Main thread only.
+/// Several ways to the status area, of which the first that has a host shows the item; one that is
+/// a last resort only once nobody else has any. With none there is no item. Main thread only.
 class FirstTray : public QObject, public Tray
 {
 public:
@@ -30,6 +30,7 @@ public:
     QRect geometry() const override { return m_current ? m_current->geometry() : QRect(); }
 
 private:
+    Tray *best() const;
     void choose();
     void moveTo(Tray *tray);
 

@@ -36,6 +36,9 @@ public:
     virtual void setToolTip(const QString &text) = 0;
     /// True while the desktop has a place for the item.
     virtual bool hasHost() const = 0;
+    /// True where the host shows this kind of item badly, having a better one of its own: it is
+    /// taken where there is nothing else.
+    virtual bool isLastResort() const { return false; }
     /// True right after the start, until the desktop has told whether it has such a place.
     virtual bool isLookingForHost() const = 0;
     /// True where the host hands us the pointer's presses and moves, so that something can be

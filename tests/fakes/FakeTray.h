@@ -24,6 +24,7 @@ public:
     }
     void setToolTip(const QString &text) override { toolTip = text; }
     bool hasHost() const override { return host; }
+    bool isLastResort() const override { return isPoor; }
     bool isLookingForHost() const override { return isLooking; }
     bool canDrag() const override { return host && drags; }
     QObject *dragSource() override { return this; }
@@ -42,6 +43,7 @@ public:
     QImage painted(double scale = 1) const { return picture.paint(picture.size, Qt::black, scale); }
 
     bool host = true;
+    bool isPoor = false;
     bool isLooking = false;
     bool drags = true;
     QRect place{100, 0, 24, 24};

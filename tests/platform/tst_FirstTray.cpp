@@ -68,6 +68,24 @@ private Q_SLOTS:
         QCOMPARE(changes, 3);
     }
 
+    void takesALastResortOnlyWhereThereIsNothingElse()
+    {
+        Setup s;
+        s.first->isPoor = true;
+        s.second->isLooking = true;
+        s.first->setHost(true);
+        QVERIFY(!s.tray->hasHost()); // the other may still find one
+        s.second->setHost(true);
+        QCOMPARE(s.second->isVisible, std::optional(true));
+        QVERIFY(s.first->isVisible != std::optional(true));
+        s.second->setHost(false);
+        QCOMPARE(s.first->isVisible, std::optional(true));
+        QCOMPARE(s.second->isVisible, std::optional(false));
+        s.second->setHost(true);
+        QCOMPARE(s.second->isVisible, std::optional(true));
+        QCOMPARE(s.first->isVisible, std::optional(false));
+    }
+
     void looksForAHostUntilAllHaveLooked()
     {
         Setup s;

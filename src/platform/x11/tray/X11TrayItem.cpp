@@ -30,13 +30,54 @@ QByteArray stringProperty(xcb_window_t window, xcb_atom_t property)
                  : QByteArray();
 }
 
+QByteArray nameOf(xcb_window_t window)
+{
+    return stringProperty(window, XCB_ATOM_WM_CLASS) + stringProperty(window, XCB_ATOM_WM_NAME);
+}
+
+std::vector<xcb_window_t> childrenOf(const std::vector<xcb_window_t> &windows)
+{
+    xcb_connection_t *c = QtXcb::connection();
+    std::vector<xcb_query_tree_cookie_t> asked;
+    for (const xcb_window_t window : windows)
+        asked.push_back(xcb_query_tree(c, window));
+    std::vector<xcb_window_t> children;
+    for (const xcb_query_tree_cookie_t &cookie : asked) {
+        const X11Reply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(c, cookie, nullptr));
+        if (!tree)
+            continue;
+        const xcb_window_t *first = xcb_query_tree_children(tree.get());
+        children.insert(children.end(), first, first + xcb_query_tree_children_length(tree.get()));
+    }
+    return children;
+}
+
+/// What the windows of the host's connection are called: that of the selection often has no name
+/// (tint2), those that people see have one.
+QByteArray programOf(xcb_window_t host)
+{
+    QByteArray names = nameOf(host);
+    if (!names.isEmpty())
+        return names;
+    const uint32_t ofClient = ~xcb_get_setup(QtXcb::connection())->resource_id_mask;
+    std::vector<xcb_window_t> windows = childrenOf({QtXcb::screen()->root});
+    const std::vector<xcb_window_t> inFrames = childrenOf(windows);
+    windows.insert(windows.end(), inFrames.begin(), inFrames.end());
+    for (const xcb_window_t window : windows) {
+        if ((window & ofClient) == (host & ofClient))
+            names += nameOf(window);
+    }
+    return names;
+}
+
 /// lxqt-panel scales embedded windows and synthesises their clicks at wrong places, and KDE's
-/// xembedsniproxy shows them as icons; both have an item protocol of their own.
+/// xembedsniproxy shows them as icons; both have an item protocol of their own. The former (1.2.1)
+/// has a connection for its tray on which nothing has a name.
 bool isProxy(xcb_window_t host)
 {
-    const QByteArray name =
-        stringProperty(host, XCB_ATOM_WM_CLASS) + stringProperty(host, XCB_ATOM_WM_NAME);
-    return name.contains("lxqt-panel") || name.contains("xembedsniproxy");
+    const QByteArray program = programOf(host);
+    return program.isEmpty() || program.contains("lxqt-panel")
+        || program.contains("xembedsniproxy");
 }
 
 /// Whether the host embeds windows with an alpha channel.
@@ -190,7 +231,7 @@ void X11TrayItem::findHost()
     if (m_host)
         return;
     const xcb_window_t owner = QtXcb::selectionOwner(QtXcb::atom(selection));
-    if (owner == XCB_WINDOW_NONE || isProxy(owner))
+    if (owner == XCB_WINDOW_NONE)
         return;
     const uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(QtXcb::connection(), owner, XCB_CW_EVENT_MASK, &mask);
@@ -198,6 +239,7 @@ void X11TrayItem::findHost()
     if (QtXcb::selectionOwner(QtXcb::atom(selection)) != owner)
         return;
     m_host = owner;
+    m_isHostProxy = isProxy(owner);
     dock();
     if (onHostChanged)
         onHostChanged();

@@ -16,7 +16,7 @@ class X11TrayWindow;
 
 /// The status item as a window of our own that the panel embeds: it can be as wide as a thumbnail,
 /// and gets real mouse events. Panels that only forward such windows to their own kind of item give
-/// neither; they count as no host.
+/// neither; they are a last resort.
 class X11TrayItem : public QObject, public Tray, private QAbstractNativeEventFilter
 {
 public:
@@ -29,6 +29,7 @@ public:
     void setPicture(const TrayPicture &picture) override;
     void setToolTip(const QString &text) override;
     bool hasHost() const override { return m_host != 0; }
+    bool isLastResort() const override { return m_isHostProxy; }
     bool isLookingForHost() const override { return false; }
     bool canDrag() const override { return hasHost(); }
     QObject *dragSource() override;
@@ -42,6 +43,7 @@ private:
     void hostGone();
 
     quint32 m_host = 0; ///< the panel's window that takes items in
+    bool m_isHostProxy = false;
     bool m_isVisible = false;
     TrayPicture m_picture;
     QString m_toolTip;
