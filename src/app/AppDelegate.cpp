@@ -101,10 +101,14 @@ OverlayController::Services AppDelegate::overlayServices()
             m_services.ocrService->prepare();
     };
     services.didClose = [this] { restSoon(); };
-    if (m_services.ocrService)
+    if (m_services.ocrService) {
+        services.takeMissingPackage = [this] {
+            return m_services.ocrService->takeMissingPackage();
+        };
         services.recognizeText = [this](const Image &image) {
             return m_services.ocrService->recognizeText(image);
         };
+    }
     return services;
 }
 

@@ -37,6 +37,8 @@ struct CaptureServices
     std::function<void()> didOpen = {}; ///< the overlays are up; nobody waits
     std::function<void()> didClose = {}; ///< the overlays are gone; results may still be made
     SelectionText::Recognize recognizeText = {};
+    /// A package that would have read the text better, once; empty otherwise.
+    std::function<QString()> takeMissingPackage = {};
 };
 
 } // namespace tovek

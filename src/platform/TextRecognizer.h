@@ -6,7 +6,7 @@
 #include <QFuture>
 #include <QImage>
 #include <QRectF>
-#include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <vector>
@@ -54,6 +54,9 @@ public:
     /// may be under way at once; a recogniser that dies cancels them.
     [[nodiscard]] virtual QFuture<RecognitionResult> recognize(const QImage &image,
                                                                double scale) = 0;
+    /// The packages without which text in the desktop's languages is read with the letters of
+    /// another one, as the last recognition found it.
+    virtual QStringList missingPackages() const { return {}; }
 };
 
 } // namespace tovek

@@ -39,6 +39,15 @@ void OCRService::prepare()
     m_recognizer.prepare();
 }
 
+QString OCRService::takeMissingPackage()
+{
+    const QStringList missing = m_recognizer.missingPackages();
+    if (m_hasTold || missing.isEmpty())
+        return {};
+    m_hasTold = true;
+    return missing.front();
+}
+
 QFuture<std::vector<TextRegion>> OCRService::recognizeText(const Image &image)
 {
     using Regions = std::vector<TextRegion>;

@@ -30,9 +30,13 @@ public:
     /// The future gets one list: lines in the recogniser's order, their words in the line's.
     /// Cancelling it stops the work; there is no list then, and no log line.
     [[nodiscard]] QFuture<std::vector<TextRegion>> recognizeText(const Image &image);
+    /// What to install so that the desktop's languages are read, the first time it is asked for;
+    /// empty afterwards and where nothing is missing.
+    QString takeMissingPackage();
 
 private:
     TextRecognizer &m_recognizer;
+    bool m_hasTold = false;
 };
 
 } // namespace tovek

@@ -59,6 +59,7 @@ struct ControllerFixture
         services.feedback = feedback;
         services.hasPermission = [this] { return hasPermission; };
         services.showPermissionWindow = [this] { events << QStringLiteral("permission"); };
+        services.takeMissingPackage = [this] { return missingPackage; };
         services.recognizeText = [this](const Image &image) {
             recognised << image.bitmap.size();
             return readyFuture(regions);
@@ -94,6 +95,7 @@ struct ControllerFixture
     std::unique_ptr<ImageOutput> output;
     std::unique_ptr<OverlayController> controller;
     bool hasPermission = true;
+    QString missingPackage;
     std::vector<TextRegion> regions;
     QStringList events;
     QList<QSize> recognised;

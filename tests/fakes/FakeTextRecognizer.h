@@ -17,6 +17,7 @@ class FakeTextRecognizer : public TextRecognizer
 public:
     void prepare() override { ++preparations; }
     QFuture<RecognitionResult> recognize(const QImage &image, double scale) override;
+    QStringList missingPackages() const override { return missing; }
 
     /// While held, recognitions stay under way; `finish` completes the oldest one.
     void hold() { m_isHeld = true; }
@@ -28,6 +29,7 @@ public:
     static TextObservation lineOf(const QString &text, double y = 0);
 
     RecognitionResult result;
+    QStringList missing;
     int preparations = 0;
     std::vector<QImage> images;
     std::vector<double> scales;

@@ -122,6 +122,16 @@ private Q_SLOTS:
         QCOMPARE(recognizer.scales.front(), 2.0);
     }
 
+    void tellsAMissingPackageOnce()
+    {
+        FakeTextRecognizer recognizer;
+        OCRService service(recognizer);
+        QCOMPARE(service.takeMissingPackage(), QString());
+        recognizer.missing = QStringList{"tesseract-ocr-deu", "tesseract-ocr-fra"};
+        QCOMPARE(service.takeMissingPackage(), QStringLiteral("tesseract-ocr-deu"));
+        QCOMPARE(service.takeMissingPackage(), QString());
+    }
+
     void asksNobodyAboutAnEmptyImage()
     {
         FakeTextRecognizer recognizer;

@@ -3,6 +3,7 @@
 
 #include "platform/linux/TesseractRecognizer.h"
 
+#include "foundation/Log.h"
 #include "foundation/Memory.h"
 #include "platform/linux/ocr/RecognitionModels.h"
 #include "reading/PageReader.h"
@@ -133,7 +134,14 @@ int TesseractRecognizer::warmEngines() const
 void TesseractRecognizer::findEngines()
 {
     const QString folder = modelFolder();
-    const QStringList models = modelsFor(QLocale().uiLanguages(), modelsIn(folder));
+    const QStringList languages = QLocale().uiLanguages();
+    const QStringList installed = modelsIn(folder);
+    const QStringList models = modelsFor(languages, installed);
+    const QStringList missing = tovek::missingPackages(languages, installed);
+    if (missing != m_missingPackages && !missing.isEmpty() && !models.isEmpty())
+        logLine(QStringLiteral("Text in the language of this desktop is misread without: ")
+                + missing.join(QStringLiteral(", ")));
+    m_missingPackages = missing;
     const EngineSetup setup{engineProgram(), QFile::encodeName(folder),
                             models.join('+').toLatin1()};
     if (m_engines && setup == m_setup)

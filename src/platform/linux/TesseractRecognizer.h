@@ -30,6 +30,7 @@ public:
 
     void prepare() override;
     QFuture<RecognitionResult> recognize(const QImage &image, double scale) override;
+    QStringList missingPackages() const override { return m_missingPackages; }
     /// Processes that are kept warm now.
     int warmEngines() const;
 
@@ -42,6 +43,7 @@ private:
 
     QThreadPool m_threads;
     EngineSetup m_setup;
+    QStringList m_missingPackages;
     std::shared_ptr<EnginePool> m_engines;
     std::vector<std::weak_ptr<Job>> m_jobs;
     QTimer m_idle;

@@ -65,6 +65,18 @@ QStringList modelsFor(const QStringList &languages, const QStringList &installed
     return models;
 }
 
+QStringList missingPackages(const QStringList &languages, const QStringList &installed)
+{
+    QStringList packages;
+    for (const QString &language : languages) {
+        QString name = modelNameOf(language);
+        if (!name.isEmpty() && !installed.contains(name))
+            packages += QStringLiteral("tesseract-ocr-") + name.replace('_', '-');
+    }
+    packages.removeDuplicates();
+    return packages;
+}
+
 bool readByWords(const QStringList &models)
 {
     static const QStringList all = QStringLiteral("amh ara asm ben bod chi_sim chi_tra fas guj heb "

@@ -14,6 +14,9 @@ QString modelNameOf(const QString &language);
 /// desktop shows too. `languages` as from QLocale::uiLanguages.
 QStringList modelsFor(const QStringList &languages, const QStringList &installed);
 
+/// The packages with the models of the user's languages that are not installed.
+QStringList missingPackages(const QStringList &languages, const QStringList &installed);
+
 /// Whether one of the models is for a script that is read by words (see Script in reading/).
 bool readByWords(const QStringList &models);
 

@@ -44,6 +44,14 @@ private Q_SLOTS:
         QTEST(modelNameOf(language), "expected");
     }
 
+    void namesThePackagesOfMissingModels()
+    {
+        QCOMPARE(missingPackages({"de-AT", "de"}, {"eng"}), QStringList{"tesseract-ocr-deu"});
+        QCOMPARE(missingPackages({"zh-Hans-CN", "zh", "en"}, {"eng"}),
+                 QStringList{"tesseract-ocr-chi-sim"});
+        QCOMPARE(missingPackages({"de", "en"}, {"deu", "eng"}), QStringList{});
+        QCOMPARE(missingPackages({"C", ""}, {"eng"}), QStringList{});
+    }
     void tellsModelsThatAreReadByWords()
     {
         QVERIFY(readByWords({"deu", "ara", "eng"}));
