@@ -19,9 +19,9 @@ public:
     /// active layout; where that types no Latin letters, in the first of the user's layouts that
     /// does, or else in the American one.
     /// Absent for a dead key, for a key without a character, and for one that does not exist.
-    virtual std::optional<QString> character(int carbonKeyCode) const = 0;
+    virtual std::optional<QString> character(int keyCode) const = 0;
     /// What it types with Shift, in the same layout.
-    virtual std::optional<QString> shiftedCharacter(int carbonKeyCode) const = 0;
+    virtual std::optional<QString> shiftedCharacter(int keyCode) const = 0;
 
     /// The same for a key as key events of our own windows name it.
     virtual std::optional<QString> characterOfScanCode(quint32 nativeScanCode) const = 0;
