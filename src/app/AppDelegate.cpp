@@ -8,6 +8,7 @@
 #include "app/AppState.h"
 #include "app/HotkeyManager.h"
 #include "capture/PngEncoder.h"
+#include "foundation/AppImage.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
 #include "look/Look.h"
@@ -21,6 +22,7 @@
 #include "update/UpdaterManager.h"
 
 #include <QGuiApplication>
+#include <QProcessEnvironment>
 
 namespace tovek {
 
@@ -150,6 +152,9 @@ void AppDelegate::showPermissionWindow()
 
 void AppDelegate::warmUp()
 {
+    const QString program = QCoreApplication::applicationFilePath();
+    if (const auto file = appImageOf(program, QProcessEnvironment::systemEnvironment()))
+        forgetKeptAppImage(*file);
     if (const auto failure = m_platform.loginItem->mend())
         logLine(QStringLiteral("Failed to enable launch at login: ") + *failure);
     OverlayArtist::warmUp(QGuiApplication::font());

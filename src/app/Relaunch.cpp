@@ -3,6 +3,7 @@
 
 #include "app/Relaunch.h"
 
+#include "foundation/AppImage.h"
 #include "foundation/Log.h"
 
 #include <QFile>
@@ -27,8 +28,12 @@ void becomeProgram(const QString &path)
     QByteArray option("--background");
     char *arguments[] = {file.data(), option.data(), nullptr};
     execv(file.constData(), arguments);
+    const int reason = errno;
+    // The one that was replaced is there still.
+    if (restoreAppImage(path))
+        execv(file.constData(), arguments);
     logLine(QStringLiteral("Failed to start %1: %2")
-                .arg(path, QString::fromLocal8Bit(std::strerror(errno))));
+                .arg(path, QString::fromLocal8Bit(std::strerror(reason))));
 }
 
 } // namespace tovek

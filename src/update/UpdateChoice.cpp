@@ -9,11 +9,12 @@ namespace tovek {
 
 namespace {
 
-const UpdatePackage *packageFor(const UpdateItem &item, PackageKind kind)
+const UpdatePackage *packageFor(const UpdateItem &item, const UpdateSituation &situation)
 {
     const auto found =
-        std::find_if(item.packages.begin(), item.packages.end(),
-                     [kind](const UpdatePackage &package) { return package.kind == kind; });
+        std::find_if(item.packages.begin(), item.packages.end(), [&](const UpdatePackage &package) {
+            return package.kind == situation.kind && package.architecture == situation.architecture;
+        });
     return found == item.packages.end() ? nullptr : &*found;
 }
 
@@ -34,7 +35,7 @@ std::variant<UpdateOffer, NoOffer> chooseUpdate(const UpdateFeed &feed,
     for (const UpdateItem &item : feed.items) {
         if (item.version <= situation.installed || isSkipped(item, situation))
             continue;
-        if (!packageFor(item, situation.kind))
+        if (!packageFor(item, situation))
             reason = NoOffer::notForThisInstallation;
         else if (item.minimumSystem && *item.minimumSystem > situation.system)
             reason = NoOffer::needsNewerSystem;
@@ -43,7 +44,7 @@ std::variant<UpdateOffer, NoOffer> chooseUpdate(const UpdateFeed &feed,
     }
     if (!best)
         return reason;
-    return UpdateOffer{*best, *packageFor(*best, situation.kind)};
+    return UpdateOffer{*best, *packageFor(*best, situation)};
 }
 
 } // namespace tovek

@@ -13,6 +13,7 @@ struct UpdateSituation
     Version installed;
     Version system; ///< of the C library
     PackageKind kind = PackageKind::appImage; ///< how the program is installed
+    QString architecture; ///< of the machine
     QDateTime newestFeed; ///< date of the newest feed seen so far; invalid when none was
     std::optional<Version> skipped; ///< what the user does not want to hear of
     bool isRequested = false; ///< by the user, who then is told of a skipped version, too

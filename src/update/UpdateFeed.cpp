@@ -15,6 +15,14 @@ constexpr int mostPackages = 8;
 constexpr qsizetype longestNotes = 20000;
 constexpr qsizetype longestText = 2000;
 constexpr qsizetype signatureBytes = 64;
+constexpr qsizetype digestBytes = 64;
+constexpr qsizetype longestArchitecture = 20;
+
+constexpr struct
+{
+    PackageKind kind;
+    const char *name;
+} kinds[] = {{PackageKind::appImage, "appimage"}, {PackageKind::debian, "debian"}};
 
 /// Walks the feed, one element at a time, however deep.
 class FeedReader
@@ -91,24 +99,29 @@ private:
     {
         const QXmlStreamAttributes attributes = m_xml.attributes();
         UpdatePackage package;
-        const auto kind = attributes.value(QLatin1String("kind"));
-        if (kind == QLatin1String("debian"))
-            package.kind = PackageKind::debian;
-        else if (kind != QLatin1String("appimage"))
+        const auto kind = packageKind(attributes.value(QLatin1String("kind")).toString());
+        if (!kind)
             return;
+        package.kind = *kind;
+        package.architecture = attributes.value(QLatin1String("architecture")).toString();
         package.url = QUrl(attributes.value(QLatin1String("url")).toString(), QUrl::StrictMode);
         package.length = attributes.value(QLatin1String("length")).toLongLong();
-        const auto decoded =
-            QByteArray::fromBase64Encoding(attributes.value(QLatin1String("signature")).toLatin1(),
-                                           QByteArray::AbortOnBase64DecodingErrors);
-        package.signature = *decoded;
+        package.digest = decoded(attributes, "digest");
+        package.signature = decoded(attributes, "signature");
         const bool isUsable = package.url.isValid()
             && package.url.scheme() == QLatin1String("https") && !package.url.host().isEmpty()
             && package.url.userInfo().isEmpty() && package.length > 0
-            && package.length <= largestPackage && bool(decoded)
-            && package.signature.size() == signatureBytes;
+            && package.length <= largestPackage && !package.architecture.isEmpty()
+            && package.architecture.size() <= longestArchitecture
+            && package.digest.size() == digestBytes && package.signature.size() == signatureBytes;
         if (isUsable && m_item.packages.size() < mostPackages)
             m_item.packages.append(package);
+    }
+    /// Empty when it is no Base64.
+    static QByteArray decoded(const QXmlStreamAttributes &attributes, const char *name)
+    {
+        return *QByteArray::fromBase64Encoding(attributes.value(QLatin1String(name)).toLatin1(),
+                                               QByteArray::AbortOnBase64DecodingErrors);
     }
     void finishItem()
     {
@@ -117,7 +130,8 @@ private:
         const bool isSystemClear = m_item.minimumSystem.isEmpty() || system;
         if (version && isSystemClear && !m_item.packages.isEmpty()
             && m_feed.items.size() < mostItems)
-            m_feed.items.append({*version, m_item.version, m_item.notes, system, m_item.packages});
+            m_feed.items.append({*version, m_item.version, m_item.notes, system,
+                                 m_item.minimumSystem, m_item.packages});
     }
     bool isIn(const QString &path) const { return m_path.join(QLatin1Char('/')) == path; }
 
@@ -141,6 +155,31 @@ private:
 };
 
 } // namespace
+
+SignedEntry entryOf(const UpdateFeed &feed, const UpdateItem &item, const UpdatePackage &package)
+{
+    return {item.versionText, package.kind,   package.architecture,
+            package.length,   package.digest, item.minimumSystemText,
+            feed.date};
+}
+
+QString nameOf(PackageKind kind)
+{
+    for (const auto &row : kinds) {
+        if (row.kind == kind)
+            return QLatin1String(row.name);
+    }
+    Q_UNREACHABLE();
+}
+
+std::optional<PackageKind> packageKind(const QString &name)
+{
+    for (const auto &row : kinds) {
+        if (name == QLatin1String(row.name))
+            return row.kind;
+    }
+    return std::nullopt;
+}
 
 std::variant<UpdateFeed, FeedError> readFeed(const QByteArray &xml)
 {

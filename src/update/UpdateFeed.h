@@ -19,9 +19,11 @@ enum class PackageKind { appImage, debian };
 struct UpdatePackage
 {
     PackageKind kind = PackageKind::appImage;
+    QString architecture; ///< of the machine, as the kernel names it: x86_64
     QUrl url; ///< always HTTPS
     qint64 length = 0; ///< bytes; positive
-    QByteArray signature; ///< Ed25519, 64 bytes; see UpdateSignature
+    QByteArray digest; ///< BLAKE2b, 64 bytes
+    QByteArray signature; ///< Ed25519, 64 bytes, over all of this but the address; see SignedEntry
 };
 
 struct UpdateItem
@@ -30,6 +32,7 @@ struct UpdateItem
     QString versionText;
     QString notes; ///< plain text
     std::optional<Version> minimumSystem; ///< of the C library, the oldest that it runs on
+    QString minimumSystemText; ///< empty: any
     QList<UpdatePackage> packages;
 };
 
@@ -38,6 +41,23 @@ struct UpdateFeed
     QDateTime date; ///< when it was made
     QList<UpdateItem> items;
 };
+
+/// What the signature of a package binds: the whole entry of the feed, and the feed's date. So no
+/// part of one can be mixed with another, and no feed made to look newer than it is.
+struct SignedEntry
+{
+    QString version;
+    PackageKind kind = PackageKind::appImage;
+    QString architecture;
+    qint64 length = 0;
+    QByteArray digest;
+    QString minimumSystem; ///< empty: any
+    QDateTime date; ///< of the feed
+};
+SignedEntry entryOf(const UpdateFeed &feed, const UpdateItem &item, const UpdatePackage &package);
+/// As it stands in the feed.
+QString nameOf(PackageKind kind);
+std::optional<PackageKind> packageKind(const QString &name);
 
 /// Why a feed is no feed.
 enum class FeedError { tooLarge, malformed, tooDeep, undated, empty };

@@ -29,10 +29,21 @@ bool isReady()
     return isReady;
 }
 
-QByteArray message(const QString &version, qint64 length, const QByteArray &digest)
+/// One line each, so that no value can run into the next: none of them has a line feed.
+QByteArray message(const SignedEntry &entry)
 {
-    return "tovek update\nversion " + version.toUtf8() + "\nlength " + QByteArray::number(length)
-        + "\nblake2b " + digest.toHex() + '\n';
+    const QString lines[] = {QStringLiteral("tovek update 2"),
+                             QStringLiteral("version ") + entry.version,
+                             QStringLiteral("kind ") + nameOf(entry.kind),
+                             QStringLiteral("architecture ") + entry.architecture,
+                             QStringLiteral("length ") + QString::number(entry.length),
+                             QStringLiteral("blake2b ") + QLatin1String(entry.digest.toHex()),
+                             QStringLiteral("minimumSystem ") + entry.minimumSystem,
+                             QStringLiteral("date ") + entry.date.toUTC().toString(Qt::ISODate)};
+    QByteArray text;
+    for (QString line : lines)
+        text += line.replace(QLatin1Char('\n'), QLatin1Char(' ')).toUtf8() + '\n';
+    return text;
 }
 
 } // namespace
@@ -54,26 +65,38 @@ std::optional<QByteArray> digest(QIODevice &device)
     return result;
 }
 
-bool isValid(const QByteArray &signature, const QByteArray &publicKey, const QString &version,
-             qint64 length, const QByteArray &digest)
+bool isValid(const QByteArray &signature, const QByteArray &publicKey, const SignedEntry &entry)
 {
-    const QByteArray text = message(version, length, digest);
+    const QByteArray text = message(entry);
     return isReady() && signature.size() == crypto_sign_BYTES && publicKey.size() == publicKeyBytes
         && crypto_sign_verify_detached(bytes(signature), bytes(text), quint64(text.size()),
                                        bytes(publicKey))
         == 0;
 }
 
-QByteArray sign(const QByteArray &secretKey, const QString &version, qint64 length,
-                const QByteArray &digest)
+QByteArray sign(const QByteArray &secretKey, const SignedEntry &entry)
 {
     if (!isReady() || secretKey.size() != secretKeyBytes)
         return {};
-    const QByteArray text = message(version, length, digest);
+    const QByteArray text = message(entry);
     QByteArray signature(crypto_sign_BYTES, Qt::Uninitialized);
     crypto_sign_detached(bytes(signature), nullptr, bytes(text), quint64(text.size()),
                          bytes(secretKey));
     return signature;
+}
+
+UpdateFeed signedPart(const UpdateFeed &feed, const QByteArray &publicKey)
+{
+    UpdateFeed part{feed.date, {}};
+    for (const UpdateItem &item : feed.items) {
+        UpdateItem trusted = item;
+        trusted.packages.removeIf([&](const UpdatePackage &package) {
+            return !isValid(package.signature, publicKey, entryOf(feed, item, package));
+        });
+        if (!trusted.packages.isEmpty())
+            part.items.append(trusted);
+    }
+    return part;
 }
 
 KeyPair makeKeyPair()

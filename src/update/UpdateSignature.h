@@ -3,8 +3,9 @@
 
 #pragma once
 
+#include "update/UpdateFeed.h"
+
 #include <QByteArray>
-#include <QString>
 
 #include <optional>
 
@@ -12,8 +13,7 @@ class QIODevice;
 
 namespace tovek {
 
-/// Signatures of packages: Ed25519 over a text that names the version, the length and the BLAKE2b
-/// digest of the file. So a signed file cannot be passed off as another version.
+/// Signatures of packages: Ed25519 over a text that names all of an entry of the feed.
 namespace UpdateSignature {
 
 inline constexpr qsizetype publicKeyBytes = 32;
@@ -21,11 +21,11 @@ inline constexpr qsizetype secretKeyBytes = 64;
 
 /// The digest of all that the device gives from where it stands; absent when it cannot be read.
 std::optional<QByteArray> digest(QIODevice &device);
-bool isValid(const QByteArray &signature, const QByteArray &publicKey, const QString &version,
-             qint64 length, const QByteArray &digest);
+bool isValid(const QByteArray &signature, const QByteArray &publicKey, const SignedEntry &entry);
 /// Empty when the key is none.
-QByteArray sign(const QByteArray &secretKey, const QString &version, qint64 length,
-                const QByteArray &digest);
+QByteArray sign(const QByteArray &secretKey, const SignedEntry &entry);
+/// What of the feed is signed by the owner of the key.
+UpdateFeed signedPart(const UpdateFeed &feed, const QByteArray &publicKey);
 
 struct KeyPair
 {

@@ -17,7 +17,15 @@ namespace {
 
 const QString automaticallyKey = QStringLiteral("automaticallyChecksForUpdates");
 const QString lastCheckKey = QStringLiteral("lastCheck");
+// What the check says of itself; all other lines are for the log.
+const QByteArray checkedLine = QByteArrayLiteral("checked");
+const QByteArray offeredLine = QByteArrayLiteral("offered");
 const QByteArray relaunchLine = QByteArrayLiteral("relaunch ");
+/// What it is told, as a line.
+const QByteArray showLine = QByteArrayLiteral("show\n");
+constexpr auto retryDelay = 1h;
+/// Timers stand still while the machine sleeps; the clock on the wall does not.
+constexpr auto longestWait = 1h;
 constexpr int patienceMs = 2000;
 
 } // namespace
@@ -51,7 +59,7 @@ QString Updater::unavailableReason() const
 
 bool Updater::canCheckForUpdates() const
 {
-    return !m_configuration.program.isEmpty() && m_isStarted && !m_process;
+    return !m_configuration.program.isEmpty() && m_isStarted && !isChecking();
 }
 
 bool Updater::automaticallyChecksForUpdates() const
@@ -80,10 +88,12 @@ void Updater::start()
 
 void Updater::checkForUpdates()
 {
-    if (canCheckForUpdates())
-        check(Reason::requested);
-    else
+    if (!canCheckForUpdates())
         m_isAsked = !m_isStarted;
+    else if (m_process)
+        m_process->write(showLine);
+    else
+        check(Reason::requested);
 }
 
 void Updater::schedule()
@@ -98,16 +108,27 @@ void Updater::schedule()
     const bool isKnown = last.isValid() && last <= now;
     const auto interval = m_configuration.interval;
     const auto passed = isKnown ? std::chrono::milliseconds(last.msecsTo(now)) : interval;
+    auto remaining = std::max(interval - passed, 0ms);
+    // A check that came to nothing does not count, and is made again before long.
+    if (m_lastFailure.isValid() && m_lastFailure <= now)
+        remaining =
+            std::max(remaining, retryDelay - std::chrono::milliseconds(m_lastFailure.msecsTo(now)));
     m_schedule = std::make_unique<QObject>();
-    m_clock.after(std::max(interval - passed, 0ms), m_schedule.get(),
-                  [this] { check(Reason::scheduled); });
+    m_clock.after(std::min<std::chrono::milliseconds>(remaining, longestWait), m_schedule.get(),
+                  [this, remaining] {
+                      if (remaining <= longestWait)
+                          check(Reason::scheduled);
+                      else
+                          schedule();
+                  });
 }
 
 void Updater::check(Reason reason)
 {
     m_schedule.reset();
-    m_defaults.setString(lastCheckKey, m_clock.now().toUTC().toString(Qt::ISODate));
     m_reason = reason;
+    m_isOffering = false;
+    m_lastFailure = m_clock.now(); // until it says that it has checked
     m_process = std::make_unique<QProcess>();
     m_process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     connect(m_process.get(), &QProcess::readyReadStandardOutput, this, &Updater::readOutput);
@@ -135,9 +156,25 @@ void Updater::readOutput()
         const QByteArray line = m_process->readLine().trimmed();
         if (line.startsWith(relaunchLine))
             m_newProgram = QString::fromUtf8(line.mid(relaunchLine.size()));
+        else if (line == checkedLine)
+            checked();
+        else if (line == offeredLine)
+            setOffering(m_reason == Reason::scheduled);
         else if (!line.isEmpty())
             logLine(QString::fromUtf8(line));
     }
+}
+
+void Updater::checked()
+{
+    m_lastFailure = {};
+    m_defaults.setString(lastCheckKey, m_clock.now().toUTC().toString(Qt::ISODate));
+}
+
+void Updater::setOffering(bool isOffering)
+{
+    if (std::exchange(m_isOffering, isOffering) != isOffering)
+        Q_EMIT canCheckForUpdatesChanged();
 }
 
 void Updater::ended(const QString &failure)

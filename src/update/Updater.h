@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <QDateTime>
 #include <QObject>
 #include <QProcess>
 
@@ -46,8 +47,9 @@ public:
     /// Does nothing while a check is under way; before the start, the check follows then.
     void checkForUpdates();
 
-    /// True from the start of a check to its end, windows included.
-    bool isChecking() const { return m_process != nullptr; }
+    /// True from the start of a check to its end, windows included; but not while an offer that
+    /// nobody asked for waits for its answer. A request then brings that to the front.
+    bool isChecking() const { return m_process && !m_isOffering; }
 
     /// A check that somebody asked for came to no result, and no window has said so.
     std::function<void(const QString &text)> onFailed;
@@ -64,6 +66,8 @@ private:
     void schedule();
     void check(Reason reason);
     void readOutput();
+    void checked();
+    void setOffering(bool isOffering);
     /// Empty: without a failure.
     void ended(const QString &failure);
 
@@ -73,6 +77,8 @@ private:
     std::unique_ptr<QObject> m_schedule; ///< context of the next scheduled check
     std::unique_ptr<QProcess> m_process; ///< present only while a check is under way
     Reason m_reason = Reason::requested; ///< of that check
+    bool m_isOffering = false; ///< that check has found something by itself
+    QDateTime m_lastFailure; ///< of this process; invalid after a check that came to its end
     QString m_newProgram; ///< empty until a check has installed it
     bool m_isStarted = false;
     bool m_isAsked = false; ///< for a check, before the start

@@ -37,25 +37,44 @@ int makeKey(const QString &path)
     return 0;
 }
 
-int sign(const QString &keyPath, const QString &version, const QString &packagePath)
+struct Words
 {
-    QFile key(keyPath);
+    QString key, date, version, kind, architecture, minimumSystem, package;
+};
+
+int sign(const Words &words)
+{
+    QFile key(words.key);
     if (!key.open(QIODevice::ReadOnly))
-        return fail(keyPath + QStringLiteral(": ") + key.errorString());
-    QFile package(packagePath);
+        return fail(words.key + QStringLiteral(": ") + key.errorString());
+    QFile package(words.package);
     if (!package.open(QIODevice::ReadOnly))
-        return fail(packagePath + QStringLiteral(": ") + package.errorString());
-    if (!Version::fromString(version))
-        return fail(version + QStringLiteral(" is no version"));
+        return fail(words.package + QStringLiteral(": ") + package.errorString());
+    SignedEntry entry;
+    entry.version = words.version;
+    entry.architecture = words.architecture;
+    entry.length = package.size();
+    entry.minimumSystem =
+        words.minimumSystem == QLatin1String("any") ? QString() : words.minimumSystem;
+    entry.date = QDateTime::fromString(words.date, Qt::RFC2822Date).toUTC();
+    const auto kind = packageKind(words.kind);
+    const bool isSystemClear =
+        entry.minimumSystem.isEmpty() || Version::fromString(entry.minimumSystem);
+    if (!Version::fromString(words.version) || !isSystemClear)
+        return fail(QStringLiteral("no version: %1, %2").arg(words.version, words.minimumSystem));
+    if (!kind || !entry.date.isValid())
+        return fail(QStringLiteral("no kind or no date: %1, %2").arg(words.kind, words.date));
+    entry.kind = *kind;
     const auto digest = UpdateSignature::digest(package);
+    entry.digest = digest.value_or(QByteArray());
     const QByteArray signature = digest
-        ? UpdateSignature::sign(QByteArray::fromBase64(key.readAll().trimmed()), version,
-                                package.size(), *digest)
+        ? UpdateSignature::sign(QByteArray::fromBase64(key.readAll().trimmed()), entry)
         : QByteArray();
     if (signature.isEmpty())
-        return fail(keyPath + QStringLiteral(" holds no key"));
-    std::printf("length=\"%lld\" signature=\"%s\"\n", package.size(),
-                signature.toBase64().constData());
+        return fail(words.key + QStringLiteral(" holds no key"));
+    std::printf("kind=\"%s\" architecture=\"%s\" length=\"%lld\" digest=\"%s\" signature=\"%s\"\n",
+                qPrintable(words.kind), qPrintable(words.architecture), entry.length,
+                entry.digest.toBase64().constData(), signature.toBase64().constData());
     return 0;
 }
 
@@ -69,8 +88,11 @@ int main(int argc, char **argv)
     const QStringList words = QCoreApplication::arguments().mid(1);
     if (words.size() == 2 && words[0] == QLatin1String("make-key"))
         return tovek::makeKey(words[1]);
-    if (words.size() == 4 && words[0] == QLatin1String("sign"))
-        return tovek::sign(words[1], words[2], words[3]);
-    std::fputs("sign_update make-key KEYFILE\nsign_update sign KEYFILE VERSION PACKAGE\n", stderr);
+    if (words.size() == 8 && words[0] == QLatin1String("sign"))
+        return tovek::sign({words[1], words[2], words[3], words[4], words[5], words[6], words[7]});
+    std::fputs(
+        "sign_update make-key KEYFILE\n"
+        "sign_update sign KEYFILE DATE VERSION KIND ARCHITECTURE MINIMUM-SYSTEM|any PACKAGE\n",
+        stderr);
     return 2;
 }

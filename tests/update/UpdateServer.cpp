@@ -68,23 +68,34 @@ QDateTime UpdateServer::defaultDate()
     return QDateTime(QDate(2026, 3, 7), QTime(14, 0), QTimeZone::utc());
 }
 
-QByteArray UpdateServer::signatureOf(const PublishedPackage &package) const
+SignedEntry UpdateServer::entryOf(const PublishedPackage &package, const QDateTime &date)
 {
     QBuffer buffer;
     buffer.setData(package.bytes);
     buffer.open(QIODevice::ReadOnly);
-    return UpdateSignature::sign(m_keys.secretKey, package.version, package.bytes.size(),
-                                 UpdateSignature::digest(buffer).value_or(QByteArray()));
+    return {package.version,
+            packageKind(QString::fromLatin1(package.kind)).value_or(PackageKind::appImage),
+            package.architecture,
+            package.bytes.size(),
+            UpdateSignature::digest(buffer).value_or(QByteArray()),
+            QString::fromLatin1(package.minimumSystem),
+            date};
+}
+
+QByteArray UpdateServer::signatureOf(const PublishedPackage &package, const QDateTime &date) const
+{
+    return UpdateSignature::sign(m_keys.secretKey, entryOf(package, date));
 }
 
 void UpdateServer::publish(const PublishedPackage &package, const QDateTime &date)
 {
-    publishAs(package, signatureOf(package), package.bytes.size(), date);
+    publishAs(package, signatureOf(package, date), date);
 }
 
 void UpdateServer::publishAs(const PublishedPackage &package, const QByteArray &signature,
-                             qint64 length, const QDateTime &date)
+                             const QDateTime &date)
 {
+    const SignedEntry entry = entryOf(package, date);
     const QByteArray system = package.minimumSystem.isEmpty()
         ? QByteArray()
         : "<minimumSystemVersion>" + package.minimumSystem + "</minimumSystemVersion>";
@@ -94,8 +105,10 @@ void UpdateServer::publishAs(const PublishedPackage &package, const QByteArray &
         + " +0000</lastBuildDate><item><version>" + package.version.toUtf8()
         + "</version><description>What is new:\n- It is faster\n- It is finer</description>"
         + system + "<enclosure kind=\"" + package.kind + "\" url=\""
-        + url(packagePath()).toString().toUtf8() + "\" length=\"" + QByteArray::number(length)
-        + "\" signature=\"" + signature.toBase64() + "\"/></item></channel></rss>";
+        + url(packagePath()).toString().toUtf8() + "\" length=\"" + QByteArray::number(entry.length)
+        + "\" architecture=\"" + entry.architecture.toUtf8() + "\" digest=\""
+        + entry.digest.toBase64() + "\" signature=\"" + signature.toBase64()
+        + "\"/></item></channel></rss>";
     answer(QStringLiteral("/feed.xml"), {xml});
     answer(packagePath(), {package.bytes});
 }

@@ -8,6 +8,7 @@
 #include <QDateTime>
 #include <QMap>
 #include <QSslServer>
+#include <QSysInfo>
 #include <QTemporaryDir>
 #include <QUrl>
 
@@ -34,6 +35,7 @@ struct PublishedPackage
     QByteArray bytes;
     QByteArray kind = "appimage";
     QByteArray minimumSystem = {}; ///< empty: any
+    QString architecture = QSysInfo::currentCpuArchitecture();
 };
 
 /// A server of updates on this machine with a certificate and keys of its own, made when it
@@ -54,10 +56,12 @@ public:
     QByteArray body(const QString &path) const { return m_answers.value(path).body; }
     /// Offers the package, signed, in a feed of that date.
     void publish(const PublishedPackage &package, const QDateTime &date = defaultDate());
-    /// As `publish`, with this signature in the feed, for a file of this length.
-    void publishAs(const PublishedPackage &package, const QByteArray &signature, qint64 length,
+    /// As `publish`, with this signature in the feed.
+    void publishAs(const PublishedPackage &package, const QByteArray &signature,
                    const QDateTime &date = defaultDate());
-    QByteArray signatureOf(const PublishedPackage &package) const;
+    QByteArray signatureOf(const PublishedPackage &package,
+                           const QDateTime &date = defaultDate()) const;
+    static SignedEntry entryOf(const PublishedPackage &package, const QDateTime &date);
     static QDateTime defaultDate();
     static QString packagePath() { return QStringLiteral("/package"); }
 

@@ -34,15 +34,25 @@ private Q_SLOTS:
         QFile package(path("package"));
         QVERIFY(package.open(QIODevice::ReadWrite) && package.write("the new program") == 15);
         QVERIFY(package.flush() && package.seek(0));
-        const QString line = run({"sign", path("key"), "1.2", path("package")});
+        const QString line = run({"sign", path("key"), "Sat, 07 Mar 2026 14:00:00 +0000", "1.2",
+                                  "debian", "arm64", "2.36", path("package")});
         static const QRegularExpression form(
-            QStringLiteral("^length=\"15\" signature=\"([^\"]+)\"\n$"));
+            QStringLiteral("^kind=\"debian\" architecture=\"arm64\" length=\"15\" "
+                           "digest=\"([^\"]+)\" signature=\"([^\"]+)\"\n$"));
         const auto match = form.match(line);
         QVERIFY2(match.hasMatch(), qPrintable(line));
-        const QByteArray signature = QByteArray::fromBase64(match.captured(1).toLatin1());
         const auto digest = UpdateSignature::digest(package);
         QVERIFY(digest);
-        QVERIFY(UpdateSignature::isValid(signature, publicKey, QStringLiteral("1.2"), 15, *digest));
+        QCOMPARE(QByteArray::fromBase64(match.captured(1).toLatin1()), *digest);
+        const SignedEntry entry{QStringLiteral("1.2"),
+                                PackageKind::debian,
+                                QStringLiteral("arm64"),
+                                15,
+                                *digest,
+                                QStringLiteral("2.36"),
+                                QDateTime(QDate(2026, 3, 7), QTime(14, 0), Qt::UTC)};
+        const QByteArray signature = QByteArray::fromBase64(match.captured(2).toLatin1());
+        QVERIFY(UpdateSignature::isValid(signature, publicKey, entry));
     }
 
     void replacesNoKey()
@@ -55,10 +65,21 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("words");
         QTest::newRow("nothing") << QStringList();
-        QTest::newRow("no key") << QStringList{"sign", "/nowhere", "1.2", "/etc/hostname"};
-        QTest::newRow("an empty key") << QStringList{"sign", "/dev/null", "1.2", "/etc/hostname"};
-        QTest::newRow("no version") << QStringList{"sign", "/dev/null", "soon", "/etc/hostname"};
-        QTest::newRow("no package") << QStringList{"sign", "/dev/null", "1.2", "/nowhere"};
+        const auto row = [](const char *name, const QString &key, const QString &date,
+                            const QString &version, const QString &kind, const QString &system,
+                            const QString &package) {
+            QTest::newRow(name) << QStringList{"sign", key,      date,   version,
+                                               kind,   "x86_64", system, package};
+        };
+        const QString day = QStringLiteral("Sat, 07 Mar 2026 14:00:00 +0000");
+        const QString file = QStringLiteral("/etc/hostname");
+        row("no key", "/nowhere", day, "1.2", "debian", "any", file);
+        row("an empty key", "/dev/null", day, "1.2", "debian", "any", file);
+        row("no date", "/dev/null", "today", "1.2", "debian", "any", file);
+        row("no version", "/dev/null", day, "soon", "debian", "any", file);
+        row("no kind", "/dev/null", day, "1.2", "zip", "any", file);
+        row("no system", "/dev/null", day, "1.2", "debian", "new", file);
+        row("no package", "/dev/null", day, "1.2", "debian", "any", "/nowhere");
     }
     void signsNothingThatIsWrong()
     {

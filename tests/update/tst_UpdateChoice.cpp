@@ -19,7 +19,7 @@ UpdateItem itemOf(const char *text, PackageKind kind = PackageKind::appImage,
                   const char *system = nullptr)
 {
     UpdateItem item{version(text), QString::fromLatin1(text), {}, {}, {}};
-    item.packages = {UpdatePackage{kind, {}, 1, {}}};
+    item.packages = {UpdatePackage{kind, QStringLiteral("x86_64"), {}, 1, {}, {}}};
     if (system)
         item.minimumSystem = version(system);
     return item;
@@ -35,7 +35,13 @@ private Q_SLOTS:
     void init()
     {
         QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-        m_situation = {version("1.5"), version("2.36"), PackageKind::appImage, {}, {}, false};
+        m_situation = {version("1.5"),
+                       version("2.36"),
+                       PackageKind::appImage,
+                       QStringLiteral("x86_64"),
+                       {},
+                       {},
+                       false};
     }
 
     void offersTheNewestGreaterVersion_data()
@@ -120,7 +126,8 @@ private:
         return reason ? std::optional(*reason) : std::nullopt;
     }
 
-    UpdateSituation m_situation{version("1"), version("1"), {}, {}, {}, false};
+    UpdateSituation m_situation{version("1"), version("1"), {},   QStringLiteral("x86_64"),
+                                {},           {},           false};
 };
 
 QTEST_APPLESS_MAIN(TestUpdateChoice)

@@ -16,8 +16,9 @@ const QByteArray signature = QByteArray(64, 'x').toBase64();
 
 QByteArray enclosure(const QByteArray &attributes = {})
 {
-    return "<enclosure kind=\"appimage\" url=\"https://tovek.test/a\" length=\"5\" signature=\""
-        + signature + "\" " + attributes + "/>";
+    return "<enclosure kind=\"appimage\" url=\"https://tovek.test/a\" length=\"5\" "
+           "architecture=\"x86_64\" digest=\""
+        + signature + "\" signature=\"" + signature + "\" " + attributes + "/>";
 }
 
 QByteArray item(const QByteArray &content = enclosure())

@@ -3,8 +3,6 @@
 
 #include "update/SessionTest.h"
 
-#include <QBuffer>
-
 using namespace tovek;
 using namespace std::chrono_literals;
 using End = ServerAnswer::End;
@@ -147,25 +145,65 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("signature");
         const auto stranger = UpdateSignature::makeKeyPair();
-        QBuffer bytes;
-        bytes.setData(newProgram);
-        bytes.open(QIODevice::ReadOnly);
-        const QByteArray digest = *UpdateSignature::digest(bytes);
-        QTest::newRow("another key") << UpdateSignature::sign(
-            stranger.secretKey, QStringLiteral("2.0"), newProgram.size(), digest);
-        QTest::newRow("another version") << m_server.signatureOf(package("1.9"));
+        const QDateTime date = UpdateServer::defaultDate();
+        QTest::newRow("another key")
+            << UpdateSignature::sign(stranger.secretKey, UpdateServer::entryOf(package(), date));
+        const auto row = [&](const char *name, auto change) {
+            PublishedPackage other = package();
+            QDateTime day = date;
+            change(other, day);
+            QTest::newRow(name) << m_server.signatureOf(other, day);
+        };
+        row("another version", [](auto &other, auto &) { other.version = "1.9"; });
+        row("another kind", [](auto &other, auto &) { other.kind = "debian"; });
+        row("another machine", [](auto &other, auto &) { other.architecture = "m68k"; });
+        row("another file", [](auto &other, auto &) { other.bytes.back() = '!'; });
+        row("another system", [](auto &other, auto &) { other.minimumSystem = "2.30"; });
+        row("an older list", [](auto &, auto &day) { day = day.addDays(-30); });
         QTest::newRow("nothing but zeros") << QByteArray(64, '\0');
     }
     void refusesWrongSignatures()
     {
         QFETCH(QByteArray, signature);
-        m_server.publishAs(package(), signature, newProgram.size());
+        m_server.publishAs(package(), signature);
+        m_session->start();
+        QTRY_COMPARE(m_view->shown, (QStringList{"checking", "warning"}));
+        QVERIFY(isExplained(Refusal::unsignedFeed));
+        QVERIFY(nothingHasChanged());
+        QVERIFY(!m_memory->contains(QStringLiteral("newestFeed")));
+    }
+
+    void refusesWhatIsNoProgramForThisMachine_data()
+    {
+        QTest::addColumn<QByteArray>("program");
+        QByteArray other = newProgram;
+        other[18] = char(other[18] ^ 1);
+        QTest::newRow("for another machine") << other;
+        QTest::newRow("no program at all") << QByteArray("<html>").repeated(10);
+        QTest::newRow("nothing but a beginning") << newProgram.left(10);
+    }
+    void refusesWhatIsNoProgramForThisMachine()
+    {
+        QFETCH(QByteArray, program);
+        PublishedPackage published = package();
+        published.bytes = program;
+        m_server.publish(published);
         m_session->start();
         QVERIFY(isOffered());
         m_view->onAnswered(UpdateAnswer::install);
         QTRY_COMPARE(m_view->shown.last(), QStringLiteral("warning"));
-        QVERIFY(isExplained(Refusal::badSignature));
+        QVERIFY(isExplained(Refusal::wrongMachine));
         QVERIFY(nothingHasChanged());
+    }
+
+    void offersNothingForAnotherMachine()
+    {
+        PublishedPackage other = package();
+        other.architecture = QStringLiteral("m68k");
+        m_server.publish(other);
+        m_session->start();
+        QTRY_COMPARE(m_view->shown, (QStringList{"checking", "information"}));
+        QCOMPARE(m_view->message, explain(NoOffer::notForThisInstallation, {}));
     }
 
     void hasTheLastWordWhenItWantsNoMore_data()

@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
+#include "foundation/AppImage.h"
 #include "update/SessionTest.h"
 
 #include <QTimer>
@@ -83,7 +84,31 @@ private Q_SLOTS:
         QCOMPARE(content(appImage()), newProgram);
         QCOMPARE(QFile::permissions(appImage()), before);
         QCOMPARE(held.readAll(), oldProgram);
+        // The one before stays until this one has started once.
+        QCOMPARE(files(programs()), (QStringList{".Tovek.AppImage.previous", "Tovek.AppImage"}));
+        QVERIFY(restoreAppImage(appImage()));
+        QCOMPARE(content(appImage()), oldProgram);
+        QVERIFY(!restoreAppImage(appImage()));
+        keepAppImage(appImage());
+        forgetKeptAppImage(appImage());
         QCOMPARE(files(programs()), QStringList{"Tovek.AppImage"});
+    }
+
+    void tellsOfItsProgress()
+    {
+        QStringList told;
+        m_session->onChecked = [&] { told << "checked"; };
+        m_session->onOffered = [&] { told << "offered"; };
+        m_session->start();
+        QVERIFY(isOffered());
+        QCOMPARE(told, (QStringList{"checked", "offered"}));
+        m_view->onAnswered(UpdateAnswer::later);
+        m_server.answer(QStringLiteral("/feed.xml"), {"no list"});
+        begin();
+        m_session->onChecked = [&] { told << "checked"; };
+        m_session->start();
+        QTRY_COMPARE(m_view->shown.last(), QStringLiteral("warning"));
+        QCOMPARE(told.size(), 2);
     }
 
     void followsARedirectThatStaysEncrypted()

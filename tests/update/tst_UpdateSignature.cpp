@@ -8,6 +8,8 @@
 
 using namespace tovek;
 
+Q_DECLARE_METATYPE(SignedEntry)
+
 class TestUpdateSignature : public QObject
 {
     Q_OBJECT
@@ -17,41 +19,41 @@ private Q_SLOTS:
 
     void acceptsOnlyWhatWasSigned_data()
     {
-        QTest::addColumn<QString>("version");
-        QTest::addColumn<qint64>("length");
-        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<SignedEntry>("entry");
         QTest::addColumn<bool>("isValid");
-        const QByteArray content = "the program";
-        const QString version = QStringLiteral("1.2");
-        QTest::newRow("all of it") << version << qint64(11) << content << true;
-        QTest::newRow("another version") << QStringLiteral("1.3") << qint64(11) << content << false;
-        QTest::newRow("another length") << version << qint64(12) << content << false;
-        QTest::newRow("another file")
-            << version << qint64(11) << QByteArray("The program") << false;
+        const auto row = [](const char *name, auto change) {
+            SignedEntry changed = entry();
+            change(changed);
+            QTest::newRow(name) << changed << false;
+        };
+        QTest::newRow("all of it") << entry() << true;
+        row("another version", [](SignedEntry &e) { e.version = QStringLiteral("1.3"); });
+        row("another kind", [](SignedEntry &e) { e.kind = PackageKind::debian; });
+        row("another machine", [](SignedEntry &e) { e.architecture = QStringLiteral("arm64"); });
+        row("another length", [](SignedEntry &e) { ++e.length; });
+        row("another file", [](SignedEntry &e) { e.digest = digestOf("The program"); });
+        row("another system", [](SignedEntry &e) { e.minimumSystem = QStringLiteral("2.30"); });
+        row("another date", [](SignedEntry &e) { e.date = e.date.addSecs(1); });
+        row("one value run into the next",
+            [](SignedEntry &e) { e.version += QStringLiteral("\nkind appimage"); });
     }
     void acceptsOnlyWhatWasSigned()
     {
-        QFETCH(QString, version);
-        QFETCH(qint64, length);
-        QFETCH(QByteArray, content);
+        QFETCH(SignedEntry, entry);
         QFETCH(bool, isValid);
         const auto keys = UpdateSignature::makeKeyPair();
-        const QByteArray signature = UpdateSignature::sign(keys.secretKey, QStringLiteral("1.2"),
-                                                           11, digestOf("the program"));
+        const QByteArray signature =
+            UpdateSignature::sign(keys.secretKey, TestUpdateSignature::entry());
         QCOMPARE(signature.size(), 64);
-        QCOMPARE(
-            UpdateSignature::isValid(signature, keys.publicKey, version, length, digestOf(content)),
-            isValid);
+        QCOMPARE(UpdateSignature::isValid(signature, keys.publicKey, entry), isValid);
     }
 
     void refusesOtherKeysAndBrokenSignatures()
     {
         const auto keys = UpdateSignature::makeKeyPair();
-        const QString version = QStringLiteral("1");
-        const QByteArray digest = digestOf("a");
-        QByteArray signature = UpdateSignature::sign(keys.secretKey, version, 1, digest);
+        QByteArray signature = UpdateSignature::sign(keys.secretKey, entry());
         const auto isValid = [&](const QByteArray &publicKey) {
-            return UpdateSignature::isValid(signature, publicKey, version, 1, digest);
+            return UpdateSignature::isValid(signature, publicKey, entry());
         };
         QVERIFY(isValid(keys.publicKey));
         QVERIFY(!isValid(UpdateSignature::makeKeyPair().publicKey));
@@ -63,10 +65,7 @@ private Q_SLOTS:
         QVERIFY(!isValid(keys.publicKey));
     }
 
-    void signsWithNothingButAKey()
-    {
-        QVERIFY(UpdateSignature::sign("short", QStringLiteral("1"), 1, digestOf("a")).isEmpty());
-    }
+    void signsWithNothingButAKey() { QVERIFY(UpdateSignature::sign("short", entry()).isEmpty()); }
 
     void digestsLongFilesByBlocks()
     {
@@ -79,6 +78,16 @@ private Q_SLOTS:
     }
 
 private:
+    static SignedEntry entry()
+    {
+        return {QStringLiteral("1.2"),
+                PackageKind::appImage,
+                QStringLiteral("x86_64"),
+                11,
+                digestOf("the program"),
+                {},
+                QDateTime(QDate(2026, 3, 7), QTime(14, 0), Qt::UTC)};
+    }
     static QByteArray digestOf(const QByteArray &content)
     {
         QBuffer buffer;

@@ -25,7 +25,8 @@ private Q_SLOTS:
         m_clock = std::make_unique<FakeClock>();
         // Tells its arguments, and checks until it is told to end.
         writeProgram("#!/bin/sh\necho \"$@\" >> \"$0.runs\"\n"
-                     "while [ ! -e \"$0.end\" ]; do sleep 0.01; done\ncat \"$0.says\" 2>&-\n");
+                     "while [ ! -e \"$0.end\" ]; do sleep 0.01; done\necho checked\n"
+                     "cat \"$0.says\" 2>&-\n");
         restart();
     }
     void cleanup() { m_manager.reset(); }
@@ -97,6 +98,56 @@ private Q_SLOTS:
         QCOMPARE(runs().size(), 1);
         m_clock->advance(1ms);
         QTRY_COMPARE(runs().size(), 2);
+    }
+
+    void countsADayByTheClockOnTheWall()
+    {
+        m_manager->setAutomaticallyChecksForUpdates(true);
+        m_clock->advance(1s);
+        m_clock->advance(0ms);
+        QTRY_COMPARE(runs().size(), 1);
+        end();
+        QTRY_VERIFY(m_manager->canCheckForUpdates());
+        // The machine sleeps: the day goes by, the timers stand still.
+        m_clock->setNow(m_clock->now().addSecs(30 * 3600));
+        m_clock->advance(1h);
+        m_clock->advance(0ms);
+        QTRY_COMPARE(runs().size(), 2);
+    }
+
+    void checksAgainSoonWhenItCouldNot()
+    {
+        writeProgram("#!/bin/sh\necho \"$@\" >> \"$0.runs\"\necho Update: no server\n");
+        m_manager->setAutomaticallyChecksForUpdates(true);
+        LogCapture log;
+        m_clock->advance(1s);
+        m_clock->advance(0ms);
+        QTRY_COMPARE(runs().size(), 1);
+        QTRY_VERIFY(m_manager->canCheckForUpdates());
+        m_clock->advance(1h - 1ms);
+        QCOMPARE(runs().size(), 1);
+        m_clock->advance(1ms);
+        QTRY_COMPARE(runs().size(), 2);
+        QTRY_VERIFY(m_manager->canCheckForUpdates());
+        restart(); // a new start, as at the next login, has not tried yet
+        m_clock->advance(1s);
+        m_clock->advance(0ms);
+        QTRY_COMPARE(runs().size(), 3);
+        QTRY_VERIFY(m_manager->canCheckForUpdates());
+    }
+
+    void bringsAnOfferThatWaitsToTheFront()
+    {
+        writeProgram("#!/bin/sh\necho started >> \"$0.runs\"\necho checked\necho offered\n"
+                     "while read -r line; do echo \"$line\" >> \"$0.runs\"; done\n");
+        m_manager->setAutomaticallyChecksForUpdates(true);
+        m_clock->advance(1s);
+        m_clock->advance(0ms);
+        QTRY_COMPARE(runs(), QStringList{QStringLiteral("started")});
+        QTRY_VERIFY(m_manager->canCheckForUpdates());
+        QCOMPARE(m_manager->checkObstacle(), QString());
+        m_manager->checkForUpdates();
+        QTRY_COMPARE(runs(), (QStringList{QStringLiteral("started"), QStringLiteral("show")}));
     }
 
     void keepsTheSetting()

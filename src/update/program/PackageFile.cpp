@@ -29,6 +29,17 @@ void syncFolder(const QString &folder)
     close(descriptor);
 }
 
+constexpr qint64 elfHeadBytes = 20;
+
+/// Width, byte order and machine of an executable; empty when it is none.
+QByteArray machineOf(const QByteArray &head)
+{
+    const bool isExecutable = head.size() == elfHeadBytes
+        && head.startsWith("\x7f"
+                           "ELF");
+    return isExecutable ? head.mid(4, 2) + head.mid(18, 2) : QByteArray();
+}
+
 } // namespace
 
 PackageFile::PackageFile(QString folder)
@@ -62,19 +73,27 @@ std::optional<PackageFile::Problem> PackageFile::append(const QByteArray &bytes)
     return std::nullopt;
 }
 
-std::optional<PackageFile::Problem> PackageFile::verify(const UpdateOffer &offer,
-                                                        const QByteArray &publicKey)
+std::optional<PackageFile::Problem> PackageFile::verify(const UpdatePackage &package)
 {
-    const UpdatePackage &package = offer.package;
     if (m_file.size() != package.length)
         return Problem{Refusal::wrongLength, {}};
     const auto digest =
         m_file.seek(0) ? UpdateSignature::digest(m_file) : std::optional<QByteArray>();
     if (!digest)
         return failed(m_file.errorString());
-    if (!UpdateSignature::isValid(package.signature, publicKey, offer.item.versionText,
-                                  package.length, *digest))
+    if (*digest != package.digest)
         return Problem{Refusal::badSignature, {}};
+    return std::nullopt;
+}
+
+std::optional<PackageFile::Problem> PackageFile::verifyMachine()
+{
+    QFile own(QStringLiteral("/proc/self/exe"));
+    if (!own.open(QIODevice::ReadOnly) || !m_file.seek(0))
+        return failed(m_file.errorString());
+    const QByteArray ours = machineOf(own.read(elfHeadBytes));
+    if (ours.isEmpty() || machineOf(m_file.read(elfHeadBytes)) != ours)
+        return Problem{Refusal::wrongMachine, {}};
     return std::nullopt;
 }
 

@@ -29,8 +29,9 @@ public:
     [[nodiscard]] std::optional<Problem> append(const QByteArray &bytes);
     qint64 size() const { return m_file.size(); }
     /// Reads again what is on the disk. Absent when that is the package that was signed.
-    [[nodiscard]] std::optional<Problem> verify(const UpdateOffer &offer,
-                                                const QByteArray &publicKey);
+    [[nodiscard]] std::optional<Problem> verify(const UpdatePackage &package);
+    /// Absent when it is an executable for the machine that this process runs on.
+    [[nodiscard]] std::optional<Problem> verifyMachine();
     /// In one step, so that there is always one whole file of that name; another one of the name is
     /// replaced, and its permissions kept.
     [[nodiscard]] std::optional<Problem> moveTo(const QString &path);

@@ -42,6 +42,10 @@ constexpr Text texts[]{
      QT_TRANSLATE_NOOP("Refusal",
                        "The update server sent an older list of versions than before. Tovek does "
                        "not trust it, since it may hide a newer version.")},
+    {Refusal::unsignedFeed,
+     QT_TRANSLATE_NOOP(
+         "Refusal",
+         "The list of versions is not signed by the makers of Tovek. Tovek does not trust it.")},
     {Refusal::wrongLength,
      QT_TRANSLATE_NOOP(
          "Refusal",
@@ -50,6 +54,9 @@ constexpr Text texts[]{
      QT_TRANSLATE_NOOP(
          "Refusal",
          "The downloaded file is not signed by the makers of Tovek. Tovek threw it away.")},
+    {Refusal::wrongMachine,
+     QT_TRANSLATE_NOOP("Refusal",
+                       "The downloaded file is no program for this machine. Tovek threw it away.")},
     {Refusal::noRoom, QT_TRANSLATE_NOOP("Refusal", "There is not enough room for the update: %1.")},
     {Refusal::notWritten, QT_TRANSLATE_NOOP("Refusal", "The update could not be written: %1.")},
     {Refusal::noInstaller,
@@ -82,8 +89,8 @@ QString explain(NoOffer reason, const QString &installedVersion)
     case NoOffer::notForThisInstallation:
         return QCoreApplication::translate(
             "Refusal",
-            "There is a newer version of Tovek, but not as the kind of package that "
-            "this one was installed from.");
+            "There is a newer version of Tovek, but not for this machine as the kind of "
+            "package that this one was installed from.");
     case NoOffer::oldFeed:
         return explain(Refusal::oldFeed);
     }

@@ -30,17 +30,17 @@ bool isPipe(int descriptor)
     return fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode);
 }
 
-/// Calls back when the other end of the pipe has closed.
-void watchInput(QObject &context, std::function<void()> closed)
+/// Calls back when somebody writes into the pipe, and when its other end has closed.
+void watchInput(QObject &context, std::function<void()> spoken, std::function<void()> closed)
 {
     if (!isPipe(STDIN_FILENO))
         return;
     auto *notifier = new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read, &context);
     QObject::connect(notifier, &QSocketNotifier::activated, &context,
-                     [notifier, closed = std::move(closed)] {
+                     [notifier, spoken = std::move(spoken), closed = std::move(closed)] {
                          char ignored[64];
                          if (read(STDIN_FILENO, ignored, sizeof ignored) > 0)
-                             return;
+                             return spoken();
                          notifier->setEnabled(false);
                          closed();
                      });
@@ -85,7 +85,10 @@ int runUpdateProgram(int &argc, char **argv, const UpdateBuild &build)
     QString successor;
     session.onInstalled = [&successor](const QString &program) { successor = program; };
     session.onEnded = [] { QCoreApplication::quit(); };
-    watchInput(session, [&session] { session.cancel(); });
+    session.onChecked = [] { logLine(QStringLiteral("checked")); };
+    session.onOffered = [] { logLine(QStringLiteral("offered")); };
+    watchInput(
+        session, [&windows] { windows.bringForward(); }, [&session] { session.cancel(); });
     // From the main loop, which alone can be quit.
     QMetaObject::invokeMethod(&session, &UpdateSession::start, Qt::QueuedConnection);
     QApplication::exec();

@@ -3,11 +3,14 @@
 
 #include "update/program/UpdateSession.h"
 
+#include "foundation/AppImage.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
+#include "update/UpdateSignature.h"
 #include "update/program/UpdateView.h"
 
 #include <QDir>
+#include <QSysInfo>
 
 namespace tovek {
 
@@ -67,6 +70,7 @@ UpdateSituation UpdateSession::situation() const
     situation.installed = Version::fromString(m_setup.installedVersion).value_or(Version());
     situation.system = Version::fromString(m_setup.systemVersion).value_or(Version());
     situation.kind = m_setup.installation->kind;
+    situation.architecture = QSysInfo::currentCpuArchitecture();
     situation.newestFeed = QDateTime::fromString(m_memory.string(newestFeedKey).value_or(QString()),
                                                  Qt::ISODateWithMs);
     situation.skipped = Version::fromString(m_memory.string(skippedKey).value_or(QString()));
@@ -77,16 +81,21 @@ UpdateSituation UpdateSession::situation() const
 void UpdateSession::readFeed(const QByteArray &xml)
 {
     const auto answer = tovek::readFeed(xml);
-    const auto *feed = std::get_if<UpdateFeed>(&answer);
-    if (!feed)
+    const auto *published = std::get_if<UpdateFeed>(&answer);
+    if (!published)
         return refuse(Refusal::noFeed);
-    const auto choice = chooseUpdate(*feed, situation());
+    const UpdateFeed feed = UpdateSignature::signedPart(*published, m_setup.build.publicKey);
+    if (feed.items.isEmpty())
+        return refuse(Refusal::unsignedFeed);
+    const auto choice = chooseUpdate(feed, situation());
     const auto *reason = std::get_if<NoOffer>(&choice);
     if (reason && *reason == NoOffer::oldFeed)
         return refuse(Refusal::oldFeed);
     // A date to come would make every honest feed of tomorrow look old.
-    const QDateTime seen = std::min(feed->date, QDateTime::currentDateTimeUtc());
+    const QDateTime seen = std::min(feed.date, QDateTime::currentDateTimeUtc());
     m_memory.setString(newestFeedKey, seen.toString(Qt::ISODateWithMs));
+    if (onChecked)
+        onChecked();
     if (!reason)
         return offer(std::get<UpdateOffer>(choice));
     const QString text = explain(*reason, m_setup.installedVersion);
@@ -100,6 +109,8 @@ void UpdateSession::offer(const UpdateOffer &offer)
     m_offer = offer;
     m_isSeen = true;
     m_view.showOffer(offer, m_setup.installedVersion);
+    if (onOffered)
+        onOffered();
 }
 
 void UpdateSession::answered(UpdateAnswer answer)
@@ -144,7 +155,7 @@ bool UpdateSession::received(const QByteArray &bytes)
 void UpdateSession::downloaded()
 {
     m_view.showInstalling();
-    if (const auto problem = m_package->verify(*m_offer, m_setup.build.publicKey))
+    if (const auto problem = m_package->verify(m_offer->package))
         return refuse(problem->refusal, problem->detail);
     install();
 }
@@ -154,6 +165,9 @@ void UpdateSession::install()
     if (m_setup.installation->kind == PackageKind::debian)
         return handOver();
     const QString file = m_setup.installation->file;
+    if (const auto problem = m_package->verifyMachine())
+        return refuse(problem->refusal, problem->detail);
+    keepAppImage(file);
     if (const auto problem = m_package->moveTo(file))
         return refuse(problem->refusal, problem->detail);
     m_package.reset();

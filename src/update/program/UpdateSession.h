@@ -40,6 +40,10 @@ public:
     void start();
     void cancel();
 
+    /// The list of versions has come, and is to be trusted.
+    std::function<void()> onChecked;
+    /// The user has been asked.
+    std::function<void()> onOffered;
     /// The last call.
     std::function<void()> onEnded;
     /// A new version is in place; `onEnded` follows.

@@ -169,6 +169,15 @@ void UpdateWindows::hide()
     m_window = nullptr;
 }
 
+void UpdateWindows::bringForward()
+{
+    if (!m_window)
+        return;
+    m_window->showNormal();
+    m_window->raise();
+    m_window->activateWindow();
+}
+
 void UpdateWindows::present(UpdateWindow *window)
 {
     window->setAttribute(Qt::WA_ShowWithoutActivating, m_arrival == Arrival::modest && !m_window);

@@ -33,6 +33,8 @@ public:
     void showMessage(MessageKind kind, const QString &title, const QString &text) override;
     void hide() override;
 
+    /// The user has asked for it.
+    void bringForward();
     UpdateWindow *window() const { return m_window; }
 
 private:
