@@ -11,6 +11,7 @@
 #include <QPainter>
 #include <QRegularExpression>
 #include <QTest>
+#include <QtEndian>
 
 using namespace tovek;
 
@@ -117,6 +118,35 @@ private Q_SLOTS:
         QCOMPARE(bytes.size(), 16 * 16 * 4);
         QCOMPARE(bytes.mid((8 * 16 + 8) * 4, 4), QByteArray("\xff\x01\x02\x03", 4));
         QCOMPARE(bytes.mid(0, 4), QByteArray(4, '\0'));
+    }
+
+    void carriesItsSymbolByARimOnAPanelOfTheOtherKind()
+    {
+        StatusNotifierItem item;
+        item.setPicture({{16, 16}, [](Size room, const QColor &ink, double) {
+                             const QSize size(qRound(room.width), qRound(room.height));
+                             QImage image(size, QImage::Format_ARGB32_Premultiplied);
+                             image.fill(Qt::transparent);
+                             QPainter(&image).fillRect(QRect(QPoint(5, 5), size - QSize(10, 10)),
+                                                       ink);
+                             return image;
+                         }});
+        item.setVisible(true);
+        QTRY_COMPARE(watcher.items.size(), 1);
+        const auto icons = property(QStringLiteral("IconPixmap")).value<QDBusArgument>();
+        icons.beginArray();
+        int width = 0, height = 0;
+        QByteArray bytes;
+        icons.beginStructure();
+        icons >> width >> height >> bytes;
+        icons.endStructure();
+        const auto pixel = [&](int x, int y) {
+            return qFromBigEndian<QRgb>(bytes.constData() + (y * width + x) * 4);
+        };
+        // As good as opaque beside an edge, of the opposite colour, and nothing further out.
+        QVERIFY(qAlpha(pixel(4, 8)) > 220);
+        QVERIFY(std::abs(qGray(pixel(4, 8)) - qGray(pixel(8, 8))) > 200);
+        QCOMPARE(qAlpha(pixel(2, 8)), 0);
     }
 
     void paintsItsIconOnlyForWhoAsksForIt()

@@ -84,7 +84,7 @@ const QString itemPath = QStringLiteral("/StatusNotifierItem");
 const QString itemInterface = QStringLiteral("org.kde.StatusNotifierItem");
 const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 
-constexpr int rimOpacity = 70; // of 255, of each of nine layers
+constexpr int rimOpacity = 150; // of 255, of each of nine layers
 constexpr int iconSizes[]{16, 22, 24, 32, 44, 48};
 
 /// A panel does not tell its colour. That of GNOME is dark in every theme; others follow the theme.
