@@ -257,6 +257,12 @@ void SelectionOverlayView::startResize()
 
 void SelectionOverlayView::finalise()
 {
+    const QRect pixels = m_space.pixelsFromRect(*m_state.selectionRect).toRect();
+    setAccessibleDescription(tr("Selection of %1 by %2 pixels at %3, %4")
+                                 .arg(pixels.width())
+                                 .arg(pixels.height())
+                                 .arg(pixels.x())
+                                 .arg(pixels.y()));
     // From now on, there are things to point at.
     if (m_surface)
         m_surface->setFollowsPointer(false);

@@ -5,6 +5,7 @@
 
 #include "foundation/Symbol.h"
 #include "overlay/Material.h"
+#include "overlay/ToolbarButtonAccess.h"
 
 #include <QFocusEvent>
 #include <QKeyEvent>
@@ -44,6 +45,7 @@ ToolbarButton::ToolbarButton(const QString &symbol, const QString &name, const Q
     , m_scale(1, pressSpring)
     , m_hover(0, hoverSeconds)
 {
+    installToolbarButtonAccess();
     setFixedSize(side, side);
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);

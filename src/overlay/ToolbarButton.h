@@ -29,7 +29,7 @@ public:
                   QWidget *parent);
 
     QSize sizeHint() const override { return {side, side}; }
-    /// Shown as the one in use. A click never changes it.
+    /// Shown as the one in use, of several that exclude each other. A click never changes it.
     void setActive(bool isActive);
     bool isActive() const { return isChecked(); }
     /// Shows the colour instead of the symbol.

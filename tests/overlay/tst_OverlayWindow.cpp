@@ -147,6 +147,18 @@ private Q_SLOTS:
         QTEST(f.reports, "reports");
     }
 
+    void tellsScreenReadersOfTheSelection()
+    {
+        Fixture f;
+        QCOMPARE(f.view()->accessibleDescription(), QString());
+        f.drag({100, 50}, {300, 180});
+        QCOMPARE(f.view()->accessibleDescription(),
+                 QStringLiteral("Selection of 400 by 260 pixels at 200, 100"));
+        f.drag({305, 100}, {325, 100});
+        QCOMPARE(f.view()->accessibleDescription(),
+                 QStringLiteral("Selection of 440 by 260 pixels at 200, 100"));
+    }
+
     void closesTheOpenColoursFirst()
     {
         Fixture f;

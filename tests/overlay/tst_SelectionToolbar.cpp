@@ -121,7 +121,8 @@ private Q_SLOTS:
             names << name;
             if (!qobject_cast<ToolbarButton *>(widget))
                 continue;
-            QVERIFY2(seen->role() == QAccessible::Button || seen->role() == QAccessible::CheckBox,
+            QVERIFY2(seen->role() == QAccessible::Button
+                         || seen->role() == QAccessible::RadioButton,
                      qPrintable(name));
             QVERIFY2(seen->state().focusable, qPrintable(name));
         }
@@ -336,6 +337,37 @@ private Q_SLOTS:
         const SelectionToolbar toolbar(white, &view);
         QCOMPARE(toolbar.sizeHint().width() % 4, 0);
         QCOMPARE(toolbar.sizeHint().height() % 4, 0);
+    }
+
+    void tellsScreenReadersWhichToolAndColourAreInUse()
+    {
+        Desk desk;
+        const auto access = [](QObject *of) { return QAccessible::queryAccessibleInterface(of); };
+        desk.toolbar->setActiveTool(AnnotationTool::line);
+        for (int i = 0; i < 5; ++i) {
+            const QAccessibleInterface *tool = access(desk.toolbar->button(i));
+            QCOMPARE(tool->role(), QAccessible::RadioButton);
+            QCOMPARE(bool(tool->state().checked), i == 2);
+        }
+        for (int i = 5; i < 8; ++i) {
+            const QAccessibleInterface *button = access(desk.toolbar->button(i));
+            QCOMPARE(button->role(), QAccessible::Button);
+            QVERIFY(!button->state().checkable);
+            QVERIFY(!button->text(QAccessible::Name).isEmpty());
+        }
+        desk.toolbar->setSelectedColor(SystemColors::green);
+        int chosen = 0;
+        for (ToolbarButton *swatch : desk.popover().swatches()) {
+            QCOMPARE(access(swatch)->role(), QAccessible::RadioButton);
+            chosen += access(swatch)->state().checked;
+        }
+        QCOMPARE(chosen, 1);
+        bool isPressed = false;
+        desk.toolbar->onRectangle = [&] { isPressed = true; };
+        access(desk.toolbar->button(1))
+            ->actionInterface()
+            ->doAction(QAccessibleActionInterface::pressAction());
+        QVERIFY(isPressed);
     }
 };
 
