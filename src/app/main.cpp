@@ -126,6 +126,7 @@ int main(int argc, char **argv)
     const std::optional<tovek::Wish> wish = tovek::wishOf(command);
     if (!wish)
         return tovek::runCommand(command, argc, argv);
+    tovek::survivePeopleWhoDoNotRead();
     QString successor;
     const int status = tovek::run(argc, argv, *wish, successor);
     if (!successor.isEmpty())
