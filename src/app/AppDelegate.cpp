@@ -14,6 +14,7 @@
 #include "look/Look.h"
 #include "overlay/OverlayCursor.h"
 #include "overlay/OverlayPicture.h"
+#include "platform/Clipboard.h"
 #include "platform/Clock.h"
 #include "platform/FrontmostApp.h"
 #include "platform/LockSignals.h"
@@ -59,6 +60,10 @@ AppDelegate::AppDelegate(Platform &platform, UserDefaults &defaults, AppState &s
             return m_overlayController.frozenPixels(native);
         };
     m_platform.overlayShell->onLocker = [this] { m_overlayController.giveWayToLocker(); };
+    m_platform.clipboard->onFailed = [this](Clipboard::Content content) {
+        tellFailure(content == Clipboard::Content::picture ? QStringLiteral("Failed to copy image")
+                                                           : QStringLiteral("Failed to copy text"));
+    };
     if (m_platform.lockSignals)
         m_platform.lockSignals->onLocking = m_platform.overlayShell->onLocker;
     m_platform.overlayShell->onMouseHeld = [this] { m_overlayController.tellHeldMouse(); };
@@ -69,6 +74,7 @@ AppDelegate::AppDelegate(Platform &platform, UserDefaults &defaults, AppState &s
 
 AppDelegate::~AppDelegate()
 {
+    m_platform.clipboard->onFailed = nullptr;
     m_platform.overlayShell->onLocker = nullptr;
     if (m_platform.lockSignals)
         m_platform.lockSignals->onLocking = nullptr;
@@ -97,9 +103,9 @@ OverlayController::Services AppDelegate::overlayServices()
         if (m_services.toast)
             m_services.toast->hideForCapture();
     };
-    services.didOpen = [this] {
+    services.didOpen = [this](CaptureMode mode) {
         m_services.prepareSound();
-        if (m_services.ocrService)
+        if (m_services.ocrService && mode != CaptureMode::copyImage)
             m_services.ocrService->prepare();
     };
     services.didClose = [this] { restSoon(); };

@@ -4,6 +4,7 @@
 #include "KeyboardShortcuts/ShortcutService.h"
 #include "app/BundleInformation.h"
 #include "app/Commands.h"
+#include "app/Environment.h"
 #include "app/HotkeyManager.h"
 #include "app/KeyNames.h"
 #include "app/PlatformFactory.h"
@@ -127,6 +128,7 @@ int main(int argc, char **argv)
     if (!wish)
         return tovek::runCommand(command, argc, argv);
     tovek::survivePeopleWhoDoNotRead();
+    tovek::forgetImpossibleEnvironment();
     QString successor;
     const int status = tovek::run(argc, argv, *wish, successor);
     if (!successor.isEmpty())

@@ -5,6 +5,7 @@
 
 #include "capture/CaptureFeedback.h"
 #include "capture/SelectionText.h"
+#include "overlay/CaptureMode.h"
 
 namespace tovek {
 
@@ -34,7 +35,7 @@ struct CaptureServices
     std::function<bool()> hasPermission = {}; ///< unset: there is
     std::function<void()> showPermissionWindow = {};
     std::function<void()> willFreeze = {}; ///< what must not be in the picture goes now
-    std::function<void()> didOpen = {}; ///< the overlays are up; nobody waits
+    std::function<void(CaptureMode)> didOpen = {}; ///< the overlays are up; nobody waits
     std::function<void()> didClose = {}; ///< the overlays are gone; results may still be made
     SelectionText::Recognize recognizeText = {};
     /// A package that would have read the text better, once; empty otherwise.

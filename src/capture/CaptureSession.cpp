@@ -116,7 +116,7 @@ void CaptureSession::fetchPixels()
     m_services.clock.after(pixelFetchDelay, this, [this] {
         m_displays.fetchPixels();
         if (m_services.didOpen)
-            m_services.didOpen();
+            m_services.didOpen(m_mode);
     });
 }
 

@@ -20,6 +20,7 @@
 #include <QtConcurrent>
 
 #include <atomic>
+#include <new>
 
 namespace tovek {
 
@@ -152,11 +153,10 @@ void ImageOutput::saveImage(const Image &image, const std::optional<Screen> &scr
                     unfinished = std::make_shared<Unfinished>(), progress, bitmap = image.bitmap,
                     path]() mutable {
         Written written;
-        const QByteArray png = encodePng(bitmap);
-        progress->isEncoded = true;
-        if (!png.isEmpty()) {
-            const QString file = fileAt(path);
-            written = {true, writeFile(file, png), file};
+        try {
+            written = encodeAndWrite(bitmap, path, *progress);
+        } catch (const std::bad_alloc &) {
+            // Told as a picture that could not be made.
         }
         unfinished.reset();
         promise->addResult(written);
@@ -167,6 +167,17 @@ void ImageOutput::saveImage(const Image &image, const std::optional<Screen> &scr
         releaseMemory();
     });
     watch(progress, screen);
+}
+
+ImageOutput::Written ImageOutput::encodeAndWrite(const QImage &bitmap, const QString &path,
+                                                 Progress &progress)
+{
+    const QByteArray png = encodePng(bitmap);
+    progress.isEncoded = true;
+    if (png.isEmpty())
+        return {};
+    const QString file = fileAt(path);
+    return {true, writeFile(file, png), file};
 }
 
 /// The user believes that the picture is there, so that silence would be a lie.

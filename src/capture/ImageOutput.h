@@ -72,6 +72,7 @@ private:
     };
 
     void whenThere(const QFuture<QImage> &pixels, std::function<void(const QImage &)> use);
+    static Written encodeAndWrite(const QImage &bitmap, const QString &path, Progress &progress);
     void watch(const std::shared_ptr<Progress> &progress, const std::optional<Screen> &screen);
     void saved(const Image &image, const std::optional<Screen> &screen, const Written &written);
     void fail(const QString &message, const std::optional<Screen> &screen) const;

@@ -12,7 +12,26 @@
 #include <QSaveFile>
 #include <QStandardPaths>
 
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+
 namespace tovek {
+
+namespace {
+
+constexpr qint64 largestFile = 1 << 20;
+
+/// The file that a link leads to, through other links, whether it exists or not.
+QString behindLinks(QString path)
+{
+    constexpr int mostLinks = 16;
+    for (int i = 0; i < mostLinks && QFileInfo(path).isSymLink(); ++i)
+        path = QFileInfo(path).symLinkTarget();
+    return path;
+}
+
+} // namespace
 
 UserDefaults::UserDefaults(QString path) : m_path(std::move(path)) { }
 
@@ -56,22 +75,37 @@ void UserDefaults::load() const
     if (m_isLoaded)
         return;
     m_isLoaded = true;
-    QFile file(m_path);
-    if (!file.exists())
+    if (!QFileInfo::exists(m_path))
         return;
-    if (!file.open(QIODevice::ReadOnly)) {
-        logLine(QStringLiteral("Failed to read settings %1: %2").arg(m_path, file.errorString()));
-        m_canWrite = false;
-        return;
-    }
+    // Opening a pipe for reading would otherwise wait for somebody who writes.
+    const int descriptor =
+        ::open(QFile::encodeName(m_path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (descriptor < 0)
+        return refuse(qt_error_string(errno));
+    struct stat status
+    {
+    };
+    QFile file;
+    const bool isOpen = file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
+    if (!isOpen || fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))
+        return refuse(QStringLiteral("it is not an ordinary file"));
+    if (status.st_size > largestFile)
+        return refuse(QStringLiteral("it is larger than a megabyte"));
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
+    const QJsonDocument document = QJsonDocument::fromJson(file.read(largestFile), &error);
     if (error.error == QJsonParseError::NoError && document.isObject()) {
         m_values = document.object();
         return;
     }
     file.close();
     setAside();
+}
+
+/// Values live for this process, and the file stays as it is.
+void UserDefaults::refuse(const QString &reason) const
+{
+    logLine(QStringLiteral("Failed to read settings %1: %2").arg(m_path, reason));
+    m_canWrite = false;
 }
 
 void UserDefaults::setAside() const
@@ -104,8 +138,9 @@ void UserDefaults::write()
                     .arg(m_path));
         return;
     }
-    QDir().mkpath(QFileInfo(m_path).absolutePath());
-    QSaveFile file(m_path);
+    const QString target = behindLinks(m_path);
+    QDir().mkpath(QFileInfo(target).absolutePath());
+    QSaveFile file(target);
     const QByteArray bytes = QJsonDocument(m_values).toJson(QJsonDocument::Indented);
     // Committing alone takes no notice of what its own flush could not write (Qt 6.4.2): an empty
     // file took the store's place when the disk was full.

@@ -13,10 +13,11 @@ namespace tovek {
 /// The user's settings: a flat JSON object in one file, read when it is asked and written
 /// atomically on every change. Main thread only.
 ///
-/// A missing file is an empty store. A file that does not parse, or is not an object, is moved
-/// aside beside itself (never deleted) with one log line, and the store starts empty. A file that
-/// cannot be read, set aside or written costs one log line; values then live for this process.
-/// Members of a type that nobody asks for are kept as they are.
+/// A missing file is an empty store. So is what is no ordinary file, or larger than a megabyte, and
+/// is then left alone; of a link, what it leads to is read and written. A file that does not parse,
+/// or is not an object, is moved aside beside itself (never deleted) with one log line, and the
+/// store starts empty. A file that cannot be read, set aside or written costs one log line; values
+/// then live for this process. Members of a type that nobody asks for are kept as they are.
 class UserDefaults
 {
 public:
@@ -40,6 +41,7 @@ public:
 
 private:
     void load() const;
+    void refuse(const QString &reason) const;
     void setAside() const;
     void set(const QString &key, const QJsonValue &value);
     void write();

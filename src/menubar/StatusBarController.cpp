@@ -21,6 +21,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QScreen>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QtConcurrentRun>
 
@@ -35,6 +36,17 @@ constexpr double symbolSize = 16;
 constexpr double thumbnailRadius = 3;
 constexpr int thumbnailOversampling = 4;
 constexpr auto fileLifetime = 2000ms;
+
+/// Of pictures on their way into other programs: the user's own, and emptied by the system at the
+/// end of the session where there is such a place.
+QString dragFolder()
+{
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    const QString own = runtime.isEmpty()
+        ? QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation)
+        : runtime;
+    return own + QStringLiteral("/tovek/pictures");
+}
 
 struct MenuRow
 {
@@ -152,6 +164,8 @@ void StatusBarController::dragFile(const DragOut &out)
 
 void StatusBarController::setup()
 {
+    // Of a process that was killed.
+    QDir(dragFolder()).removeRecursively();
     m_statusItem.setToolTip(QStringLiteral("Tovek"));
     m_statusItem.setPicture(m_defaultIcon);
     m_statusItem.onPressed = [this](QPointF at) { press(at); };
@@ -353,13 +367,16 @@ std::optional<QUrl> StatusBarController::writeDragFile(const QByteArray &png)
         logLine(QStringLiteral("Failed to write temp file: ") + reason);
         return std::nullopt;
     };
-    // A folder that nobody else can look into, since the temporary folder is everybody's.
-    auto folder =
-        std::make_unique<QTemporaryDir>(QDir::tempPath() + QStringLiteral("/tovek-XXXXXX"));
+    // A folder that nobody else can look into, in one that the next start empties.
+    const QString pictures = dragFolder();
+    QDir().mkpath(pictures);
+    auto folder = std::make_unique<QTemporaryDir>(pictures + QStringLiteral("/XXXXXX"));
     if (!folder->isValid())
         return failed(folder->errorString());
     QFile file(folder->filePath(dragFileName(m_clock.now())));
-    if (!file.open(QIODevice::WriteOnly) || file.write(png) != png.size() || !file.flush())
+    if (!file.open(QIODevice::WriteOnly)
+        || !file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)
+        || file.write(png) != png.size() || !file.flush())
         return failed(file.errorString());
     m_dragFolders.push_back(std::move(folder));
     return QUrl::fromLocalFile(file.fileName());

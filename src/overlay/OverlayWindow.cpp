@@ -4,6 +4,7 @@
 #include "overlay/OverlayWindow.h"
 
 #include <QBackingStore>
+#include <QCloseEvent>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QMouseEvent>
@@ -88,6 +89,12 @@ void OverlayWindow::activeSpaceDidChange()
 void OverlayWindow::resizeEvent(QResizeEvent *)
 {
     m_selectionView->setGeometry(rect());
+}
+
+void OverlayWindow::closeEvent(QCloseEvent *event)
+{
+    // Any program may ask; the session is what ends it.
+    event->ignore();
 }
 
 bool OverlayWindow::eventFilter(QObject *watched, QEvent *event)

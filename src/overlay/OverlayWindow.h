@@ -36,6 +36,7 @@ public:
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     // Focus changes nothing in the picture; the base class would repaint all of it.
     void focusInEvent(QFocusEvent *) override { }

@@ -7,6 +7,8 @@
 #include <QFuture>
 #include <QString>
 
+#include <functional>
+
 namespace tovek {
 
 /// The desktop's clipboard (not the primary selection). Main thread only.
@@ -24,6 +26,10 @@ public:
     /// Called once when the program quits: what we put on the clipboard stays there, without a
     /// pause. Nothing happens when the clipboard is not ours any more.
     virtual void handOver() = 0;
+
+    /// What was to be there could not be put there, or could not be made.
+    enum class Content { picture, text };
+    std::function<void(Content)> onFailed;
 };
 
 } // namespace tovek

@@ -9,6 +9,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <sys/stat.h>
+
 using namespace tovek;
 
 class TestUserDefaults : public QObject
@@ -29,6 +31,59 @@ private Q_SLOTS:
         QVERIFY(!defaults.contains(QStringLiteral("highlightText")));
         QVERIFY(!defaults.string(QStringLiteral("saveFolderPath")));
         QVERIFY(!QFile::exists(m_path));
+    }
+
+    void refusesWhatIsNoOrdinaryFile_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::newRow("a pipe that nobody writes to") << QStringLiteral("pipe");
+        QTest::newRow("a device without an end") << QStringLiteral("device");
+        QTest::newRow("a folder") << QStringLiteral("folder");
+        QTest::newRow("more than a megabyte") << QStringLiteral("large");
+    }
+    void refusesWhatIsNoOrdinaryFile()
+    {
+        QFETCH(QString, kind);
+        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+        if (kind == QLatin1String("pipe"))
+            QCOMPARE(mkfifo(qPrintable(m_path), 0600), 0);
+        else if (kind == QLatin1String("device"))
+            QVERIFY(QFile::link(QStringLiteral("/dev/zero"), m_path));
+        else if (kind == QLatin1String("folder"))
+            QVERIFY(QDir().mkpath(m_path));
+        else
+            put("{\"key\": \"" + QByteArray((1 << 20) + 1, 'x') + "\"}");
+        const QFileInfo before(m_path);
+        UserDefaults defaults(m_path);
+        QVERIFY(!defaults.string(QStringLiteral("key")));
+        defaults.setBoolean(QStringLiteral("other"), true);
+        QCOMPARE(defaults.boolean(QStringLiteral("other")), std::optional(true));
+        const QFileInfo after(m_path);
+        QCOMPARE(after.isSymLink(), before.isSymLink());
+        QCOMPARE(after.isDir(), before.isDir());
+        QCOMPARE(after.isFile(), before.isFile());
+        QCOMPARE(after.size(), before.size());
+    }
+
+    void writesWhatALinkLeadsTo_data()
+    {
+        QTest::addColumn<bool>("exists");
+        QTest::newRow("there") << true;
+        QTest::newRow("not there yet") << false;
+    }
+    void writesWhatALinkLeadsTo()
+    {
+        QFETCH(bool, exists);
+        const QString target = m_dir->filePath(QStringLiteral("elsewhere/settings.json"));
+        QVERIFY(QDir().mkpath(QFileInfo(m_path).path()));
+        QVERIFY(QFile::link(target, m_path));
+        if (exists)
+            UserDefaults(target).setBoolean(QStringLiteral("old"), true);
+        UserDefaults(m_path).setBoolean(QStringLiteral("key"), true);
+        QVERIFY(QFileInfo(m_path).isSymLink());
+        const UserDefaults written(target);
+        QCOMPARE(written.boolean(QStringLiteral("key")), std::optional(true));
+        QCOMPARE(written.contains(QStringLiteral("old")), exists);
     }
 
     void keepsValuesForTheNextProcess()

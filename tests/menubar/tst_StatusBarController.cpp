@@ -73,6 +73,7 @@ private:
     };
 
 private Q_SLOTS:
+    void initTestCase() { qputenv("XDG_RUNTIME_DIR", m_runtime.path().toUtf8()); }
     void init()
     {
         // Menus ask for more than the offscreen platform can do.
@@ -336,6 +337,8 @@ private Q_SLOTS:
         QVERIFY(s.showsIcon());
 
         const QFileInfo file(out.file.toLocalFile());
+        QVERIFY(file.filePath().startsWith(m_runtime.path()));
+        QCOMPARE(file.permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
         const QFileInfo folder(file.path());
         QCOMPARE(folder.permissions() & (QFile::ReadGroup | QFile::ReadOther | QFile::ExeOther),
                  QFile::Permissions());
@@ -348,17 +351,27 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(folder.filePath()));
     }
 
+    void removesAtTheStartWhatAKilledProcessLeft()
+    {
+        const QString left = m_runtime.filePath(QStringLiteral("tovek/pictures/abc/picture.png"));
+        QVERIFY(QDir().mkpath(QFileInfo(left).path()));
+        QFile file(left);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        Setup s;
+        s.start();
+        QVERIFY(!QFileInfo::exists(left));
+    }
+
     void reportsAFileThatCannotBeWritten()
     {
         Setup s;
         s.start();
         s.preview();
         LogCapture output;
-        const QByteArray folder = qgetenv("TMPDIR");
-        qputenv("TMPDIR", "/proc");
+        qputenv("XDG_RUNTIME_DIR", "/proc");
         s.tray.press({110, 10});
         s.tray.moveTo({120, 10});
-        qputenv("TMPDIR", folder);
+        qputenv("XDG_RUNTIME_DIR", m_runtime.path().toUtf8());
         QCOMPARE(output.lines().size(), 1);
         QVERIFY(output.lines()[0].startsWith(QStringLiteral("Failed to write temp file: ")));
         QVERIFY(s.drags.empty());
@@ -393,6 +406,9 @@ private Q_SLOTS:
         s.clock.advance(0ms);
         QCOMPARE(s.drags.size(), 1U);
     }
+
+private:
+    QTemporaryDir m_runtime;
 };
 
 QTEST_MAIN(TestStatusBarController)

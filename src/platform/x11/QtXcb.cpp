@@ -81,6 +81,8 @@ QImage pixels(xcb_window_t window, QRect rect)
     if (!whole)
         return {};
     QImage image(rect.size(), QImage::Format_RGB32);
+    if (image.isNull())
+        return {};
     image.fill(Qt::black);
     const QRect inside = rect & QRect(0, 0, whole->width, whole->height);
     if (inside.isEmpty())
@@ -107,6 +109,8 @@ QImage pixels(xcb_window_t window, QRect rect)
     const QImage part =
         QImage(xcb_get_image_data(reply.get()), inside.width(), inside.height(), stride, format)
             .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    if (part.isNull())
+        return {};
     const QPoint at = inside.topLeft() - rect.topLeft();
     for (int y = 0; y < part.height(); ++y) {
         std::memcpy(image.scanLine(at.y() + y) + size_t(at.x()) * 4, part.constScanLine(y),

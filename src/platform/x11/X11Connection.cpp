@@ -3,6 +3,8 @@
 
 #include "platform/x11/X11Connection.h"
 
+#include "platform/x11/X11Connect.h"
+
 #include <QGuiApplication>
 
 #include <cstring>
@@ -104,7 +106,7 @@ std::shared_ptr<X11Connection> X11Connection::create()
 
 std::shared_ptr<X11Connection> X11Connection::open()
 {
-    xcb_connection_t *xcb = xcb_connect(nullptr, nullptr);
+    xcb_connection_t *xcb = x11Connect();
     if (xcb_connection_has_error(xcb)) {
         xcb_disconnect(xcb);
         return nullptr;

@@ -46,8 +46,10 @@ void SelectionClipboard::setText(const QString &text)
 {
     replace(HeldKind::text);
     m_bytes = shared(text.toUtf8());
-    if (!m_selection->take(textContent(m_bytes), Selection::Readiness::ready))
+    if (!m_selection->take(textContent(m_bytes), Selection::Readiness::ready)) {
         logLine(QStringLiteral("Failed to take the clipboard"));
+        fail();
+    }
 }
 
 void SelectionClipboard::setPng(QFuture<QByteArray> png)
@@ -55,7 +57,7 @@ void SelectionClipboard::setPng(QFuture<QByteArray> png)
     replace(HeldKind::png);
     if (!m_selection->take(pngContent({}), Selection::Readiness::awaited)) {
         logLine(QStringLiteral("Failed to take the clipboard"));
-        return;
+        return fail();
     }
     m_isAwaiting = true;
     const quint64 generation = m_generation;
@@ -78,6 +80,7 @@ void SelectionClipboard::pngReady(quint64 generation, const QByteArray &png)
         return;
     m_isAwaiting = false;
     if (png.isEmpty()) {
+        fail();
         if (m_selection->isOwner())
             m_selection->clear();
         else
@@ -117,6 +120,23 @@ QString SelectionClipboard::holderNamed(const QString &program)
 void SelectionClipboard::forget()
 {
     m_bytes = {};
+}
+
+void SelectionClipboard::takeAgain()
+{
+    if (!m_isAwaiting && m_bytes.size == 0)
+        return;
+    const SelectionContent content =
+        m_kind == HeldKind::png ? pngContent(m_bytes) : textContent(m_bytes);
+    if (!m_selection->take(
+            content, m_isAwaiting ? Selection::Readiness::awaited : Selection::Readiness::ready))
+        logLine(QStringLiteral("Failed to take the clipboard again"));
+}
+
+void SelectionClipboard::fail() const
+{
+    if (onFailed)
+        onFailed(m_kind == HeldKind::png ? Content::picture : Content::text);
 }
 
 /// Runs the main loop, without the user's events, until the condition holds or time is up.

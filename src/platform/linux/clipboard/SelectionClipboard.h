@@ -43,11 +43,14 @@ protected:
     /// Handles everything that the window system knows by now.
     virtual void catchUp() { processEvents(); }
     virtual bool isConnected() const = 0;
+    /// Takes what it had again: the connection was lost, and with it the selection.
+    void takeAgain();
 
 private:
     void replace(HeldKind kind);
     void pngReady(quint64 generation, const QByteArray &png);
     void forget();
+    void fail() const;
     void waitUntil(const std::function<bool()> &condition, std::chrono::milliseconds limit);
 
     std::unique_ptr<Selection> m_selection;

@@ -4,6 +4,7 @@
 #include "platform/x11/capture/X11PixelFetcher.h"
 
 #include "foundation/Log.h"
+#include "platform/x11/X11Connect.h"
 #include "platform/x11/X11PixelFormat.h"
 #include "platform/x11/capture/X11SharedMemory.h"
 
@@ -38,7 +39,7 @@ void unmap(void *info)
 
 Connection connectAgain()
 {
-    Connection connection(xcb_connect(nullptr, nullptr));
+    Connection connection(x11Connect());
     return xcb_connection_has_error(connection.get()) ? nullptr : std::move(connection);
 }
 
@@ -135,7 +136,7 @@ struct X11PixelFetcher::Worker
         return segment;
     }
     void prepare(const std::vector<QSize> &sizes);
-    QImage fetch(xcb_drawable_t drawable, QSize size);
+    QImage fetch(xcb_drawable_t drawable, QSize size, xcb_connection_t *spare);
     QImage fetchShared(xcb_drawable_t drawable, QSize size);
 
     const Transfer transfer;
@@ -168,18 +169,20 @@ void X11PixelFetcher::Worker::prepare(const std::vector<QSize> &sizes)
     segments = std::move(ready);
 }
 
-QImage X11PixelFetcher::Worker::fetch(xcb_drawable_t drawable, QSize size)
+QImage X11PixelFetcher::Worker::fetch(xcb_drawable_t drawable, QSize size, xcb_connection_t *spare)
 {
-    if (!open()) {
+    const bool isOpen = open();
+    if (!isOpen && !spare) {
         logLine(QStringLiteral("Could not fetch the pixels: no connection to the X server"));
         return {};
     }
-    if (sharesMemory) {
+    if (isOpen && sharesMemory) {
         if (QImage image = fetchShared(drawable, size); !image.isNull())
             return image;
     }
     QString problem;
-    const QImage image = grabByReply(connection.get(), drawable, QRect(QPoint(), size), &problem);
+    const QImage image =
+        grabByReply(isOpen ? connection.get() : spare, drawable, QRect(QPoint(), size), &problem);
     if (image.isNull())
         logLine(QStringLiteral("Could not fetch the pixels: ") + problem);
     return image;
@@ -235,9 +238,11 @@ QFuture<QImage> X11PixelFetcher::fetch(std::shared_ptr<X11Pixmap> pixmap,
 {
     auto promise = std::make_shared<QPromise<QImage>>();
     promise->start();
-    m_pool.start([this, promise, pixmap, barrier]() mutable {
+    // Servers take 256 clients by default; where there are so many, the toolkit's connection does.
+    xcb_connection_t *const spare = m_connection->xcb();
+    m_pool.start([this, promise, pixmap, barrier, spare]() mutable {
         barrier->wait();
-        promise->addResult(m_worker->fetch(pixmap->id(), pixmap->size()));
+        promise->addResult(m_worker->fetch(pixmap->id(), pixmap->size(), spare));
         promise->finish();
         // The last owner of a pixmap frees it, which belongs to the main thread.
         if (qApp)

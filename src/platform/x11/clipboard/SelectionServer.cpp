@@ -3,6 +3,8 @@
 
 #include "platform/x11/clipboard/SelectionServer.h"
 
+#include "platform/x11/X11Connect.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -16,26 +18,60 @@ constexpr size_t requestHeaderBytes = 64;
 constexpr size_t incrementBytes = 1024 * 1024;
 constexpr uint8_t eventTypeMask = 0x7f; // the top bit marks events sent by clients
 
+/// Null without a display.
+xcb_connection_t *connectTo(const std::string &displayName, int &screen)
+{
+    xcb_connection_t *const connection =
+        x11Connect(displayName.empty() ? nullptr : displayName.c_str(), &screen);
+    if (!xcb_connection_has_error(connection))
+        return connection;
+    xcb_disconnect(connection);
+    return nullptr;
+}
+
 } // namespace
 
 std::unique_ptr<SelectionServer> SelectionServer::create(const std::string &displayName)
 {
     int screen = 0;
-    xcb_connection_t *const connection =
-        xcb_connect(displayName.empty() ? nullptr : displayName.c_str(), &screen);
-    if (xcb_connection_has_error(connection)) {
-        xcb_disconnect(connection);
-        return nullptr;
-    }
+    xcb_connection_t *const connection = connectTo(displayName, screen);
     // Not make_unique, which cannot reach the constructor.
-    return std::unique_ptr<SelectionServer>(new SelectionServer(connection, screen));
+    return connection
+        ? std::unique_ptr<SelectionServer>(new SelectionServer(displayName, connection, screen))
+        : nullptr;
 }
 
-SelectionServer::SelectionServer(xcb_connection_t *connection, int screen)
-    : m_connection(connection)
-    , m_window(xcb_generate_id(connection))
-    , m_largestPiece(4 * size_t(xcb_get_maximum_request_length(connection)) - requestHeaderBytes)
+SelectionServer::SelectionServer(std::string displayName, xcb_connection_t *connection, int screen)
+    : m_displayName(std::move(displayName))
+    , m_connection(connection)
 {
+    setUp(screen);
+}
+
+bool SelectionServer::reconnect()
+{
+    int screen = 0;
+    xcb_connection_t *const connection = connectTo(m_displayName, screen);
+    if (!connection)
+        return false;
+    xcb_disconnect(m_connection);
+    m_connection = connection;
+    m_content.clear();
+    m_isOwner = false;
+    m_waiting.clear();
+    m_transfers.clear();
+    m_backlog.clear();
+    setUp(screen);
+    if (onReconnected)
+        onReconnected();
+    return true;
+}
+
+void SelectionServer::setUp(int screen)
+{
+    xcb_connection_t *const connection = m_connection;
+    m_window = xcb_generate_id(connection);
+    m_largestPiece = 4 * size_t(xcb_get_maximum_request_length(connection)) - requestHeaderBytes;
     auto roots = xcb_setup_roots_iterator(xcb_get_setup(connection));
     for (; screen > 0 && roots.rem > 1; --screen)
         xcb_screen_next(&roots);
@@ -73,6 +109,8 @@ SelectionServer::~SelectionServer()
 
 bool SelectionServer::takeFrom(xcb_window_t onlyFrom, SelectionContent content, Readiness readiness)
 {
+    if (!isConnected() && !reconnect())
+        return false;
     const xcb_timestamp_t time = currentTime();
     // Between the question and the answer nobody else may take it.
     if (onlyFrom != XCB_WINDOW_NONE)

@@ -42,7 +42,14 @@ public:
     xcb_window_t window() const { return m_window; }
     int fileDescriptor() const;
     bool isConnected() const;
+    /// Another connection in the place of one that was lost, of which nothing is left. `take` does
+    /// that by itself.
+    bool reconnect();
+    bool hasNoOwner() { return currentOwner() == XCB_WINDOW_NONE; }
     void processEvents();
+
+    /// The file descriptor is another one.
+    std::function<void()> onReconnected;
 
 private:
     /// A content on its way to one reader that takes the next piece when it has deleted the last.
@@ -56,7 +63,8 @@ private:
         std::chrono::steady_clock::time_point lastUse;
     };
 
-    explicit SelectionServer(xcb_connection_t *connection, int screen);
+    SelectionServer(std::string displayName, xcb_connection_t *connection, int screen);
+    void setUp(int screen);
 
     xcb_atom_t atom(const std::string &name);
     xcb_timestamp_t currentTime();
@@ -72,11 +80,12 @@ private:
     void endTransfers(const std::function<bool(const Transfer &)> &matches);
     void answerWaiting();
 
+    std::string m_displayName;
     xcb_connection_t *m_connection;
-    xcb_window_t m_root;
-    xcb_window_t m_window;
+    xcb_window_t m_root = XCB_WINDOW_NONE;
+    xcb_window_t m_window = XCB_WINDOW_NONE;
     std::map<std::string, xcb_atom_t> m_atoms;
-    size_t m_largestPiece;
+    size_t m_largestPiece = 0;
     SelectionContent m_content;
     xcb_timestamp_t m_ownedSince = XCB_CURRENT_TIME;
     bool m_isOwner = false;

@@ -21,11 +21,33 @@ X11Clipboard::X11Clipboard(std::unique_ptr<SelectionServer> server, const QStrin
     , m_notifier(m_server.fileDescriptor(), QSocketNotifier::Read)
     , m_display(std::move(display))
 {
+    m_server.onReconnected = [this] { follow(); };
     connect(&m_notifier, &QSocketNotifier::activated, this, [this] {
         m_server.processEvents();
-        if (!m_server.isConnected())
-            m_notifier.setEnabled(false);
+        if (m_server.isConnected())
+            return;
+        m_notifier.setEnabled(false);
+        // Not from inside the notifier, whose descriptor changes.
+        QMetaObject::invokeMethod(
+            this, [this] { recover(); }, Qt::QueuedConnection);
     });
+}
+
+void X11Clipboard::follow()
+{
+    m_notifier.setEnabled(false);
+    m_notifier.setSocket(m_server.fileDescriptor());
+    m_notifier.setEnabled(true);
+}
+
+/// Someone had the server close our connection: what we held is still ours to give, unless another
+/// program has taken the clipboard meanwhile.
+void X11Clipboard::recover()
+{
+    if (m_server.isConnected() || !m_server.reconnect())
+        return;
+    if (m_server.hasNoOwner())
+        takeAgain();
 }
 
 X11Clipboard::~X11Clipboard() = default;

@@ -29,6 +29,9 @@ protected:
     bool isConnected() const override { return m_server.isConnected(); }
 
 private:
+    void follow();
+    void recover();
+
     X11Clipboard(std::unique_ptr<SelectionServer> server, const QString &holder, QString display);
 
     SelectionServer &m_server; ///< the base class owns it

@@ -4,6 +4,7 @@
 #include "platform/x11/keys/X11HotKeys.h"
 
 #include "platform/linux/ScreenLock.h"
+#include "platform/x11/X11Connect.h"
 #include "platform/x11/X11Requests.h"
 #include "platform/x11/keys/X11ScreenLock.h"
 #include "platform/x11/keys/X11WindowManager.h"
@@ -36,7 +37,7 @@ constexpr xcb_timestamp_t unnoticedMs = 8;
 
 std::unique_ptr<X11HotKeys> X11HotKeys::create()
 {
-    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
+    xcb_connection_t *connection = x11Connect();
     if (xcb_connection_has_error(connection)) {
         xcb_disconnect(connection);
         return nullptr;

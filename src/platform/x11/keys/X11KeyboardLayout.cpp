@@ -4,6 +4,7 @@
 #include "platform/x11/keys/X11KeyboardLayout.h"
 
 #include "platform/linux/KeyCodes.h"
+#include "platform/x11/X11Connect.h"
 #include "platform/x11/X11Reply.h"
 
 #include <xkbcommon/xkbcommon-x11.h>
@@ -20,7 +21,7 @@ void X11KeyboardLayout::Free::operator()(xcb_connection_t *connection) const
 
 std::unique_ptr<X11KeyboardLayout> X11KeyboardLayout::create()
 {
-    std::unique_ptr<xcb_connection_t, Free> connection(xcb_connect(nullptr, nullptr));
+    std::unique_ptr<xcb_connection_t, Free> connection(x11Connect());
     if (xcb_connection_has_error(connection.get()))
         return nullptr;
     // The constructor is private.

@@ -131,7 +131,7 @@ void X11OverlaySurface::orderFrontRegardless()
     // The screen is right from here on; the rest tells the toolkit.
     m_window.setVisible(true);
     forceNativeGeometry(0);
-    m_services->stacking.add(id());
+    m_services->stacking.add(id(), m_screen.native);
     if (m_canvas)
         m_canvas->setComposed(m_services->pool.take(m_screen.native.size()));
     connection.flush();

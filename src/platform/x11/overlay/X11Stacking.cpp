@@ -7,12 +7,17 @@
 
 #include <QCoreApplication>
 
+#include <algorithm>
+
 namespace tovek {
 
 namespace {
 
 using namespace std::chrono_literals;
 
+constexpr uint8_t eventTypeMask = 0x7f; ///< the top bit marks events that clients sent
+/// The toolkit's own rounding of a size in logical pixels.
+constexpr int roundedPixels = 4;
 constexpr uint32_t watched = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_FOCUS_CHANGE;
 /// No sooner: opening waits for no answer.
 constexpr auto lookDelay = 50ms;
@@ -33,12 +38,12 @@ X11Stacking::~X11Stacking()
         setWatching(false);
 }
 
-void X11Stacking::add(xcb_window_t overlay)
+void X11Stacking::add(xcb_window_t overlay, QRect native)
 {
     if (m_overlays.empty())
         setWatching(true);
     m_look.start();
-    m_overlays.insert(overlay);
+    m_overlays[overlay] = native;
 }
 
 void X11Stacking::remove(xcb_window_t overlay)
@@ -71,7 +76,13 @@ void X11Stacking::setWatching(bool isOn)
 
 bool X11Stacking::nativeEventFilter(const QByteArray &, void *message, qintptr *)
 {
-    const int type = static_cast<xcb_generic_event_t *>(message)->response_type & 0x7f;
+    const auto &event = *static_cast<xcb_generic_event_t *>(message);
+    const int type = event.response_type & eventTypeMask;
+    if (isForgedForOverlay(event))
+        return true;
+    if (type == XCB_CONFIGURE_NOTIFY
+        && undoes(*static_cast<xcb_configure_notify_event_t *>(message)))
+        return true;
     if (type == XCB_MAP_NOTIFY) {
         const auto *map = static_cast<xcb_map_notify_event_t *>(message);
         if (map->event == m_connection->root())
@@ -117,7 +128,7 @@ void X11Stacking::cameOnTop(xcb_window_t window, bool isUnmanaged)
         return;
     if (X11ForeignWindows(m_connection->xcb()).looksLikeALocker(window))
         return tellLocker();
-    for (const xcb_window_t overlay : m_overlays)
+    for (const auto &[overlay, native] : m_overlays)
         raise(overlay);
     for (const xcb_window_t toast : m_onTop)
         raise(toast);
@@ -128,6 +139,37 @@ void X11Stacking::raise(xcb_window_t window)
 {
     const uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(m_connection->xcb(), window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+}
+
+/// Sent by a client: to close, to be of another size, a key that nobody pressed. The windows of all
+/// such events stand in the three words after the sequence number.
+bool X11Stacking::isForgedForOverlay(const xcb_generic_event_t &event) const
+{
+    if (!(event.response_type & ~eventTypeMask))
+        return false;
+    const auto *words = reinterpret_cast<const uint32_t *>(&event);
+    return std::any_of(words + 1, words + 4,
+                       [this](uint32_t word) { return m_overlays.contains(word); });
+}
+
+/// Another program made an overlay larger than its screen; the toolkit would make room for that.
+bool X11Stacking::undoes(const xcb_configure_notify_event_t &event)
+{
+    const auto overlay = m_overlays.find(event.window);
+    if (overlay == m_overlays.end())
+        return false;
+    const QRect &native = overlay->second;
+    if (event.width <= native.width() + roundedPixels
+        && event.height <= native.height() + roundedPixels)
+        return false;
+    const uint32_t values[]{uint32_t(native.x()), uint32_t(native.y()), uint32_t(native.width()),
+                            uint32_t(native.height())};
+    xcb_configure_window(m_connection->xcb(), event.window,
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH
+                             | XCB_CONFIG_WINDOW_HEIGHT,
+                         values);
+    m_connection->flush();
+    return true;
 }
 
 /// Later, from the main loop: it will end the overlays, and us with them.

@@ -6,9 +6,11 @@
 #include "platform/x11/X11Connection.h"
 
 #include <QAbstractNativeEventFilter>
+#include <QRect>
 #include <QTimer>
 
 #include <functional>
+#include <map>
 #include <set>
 
 namespace tovek {
@@ -22,7 +24,8 @@ class X11Stacking : public QObject, private QAbstractNativeEventFilter
 public:
     explicit X11Stacking(std::shared_ptr<X11Connection> connection);
     ~X11Stacking() override;
-    void add(xcb_window_t overlay);
+    /// With its place, in native pixels, where it stays whatever other programs ask for.
+    void add(xcb_window_t overlay, QRect native);
     void remove(xcb_window_t overlay);
 
     std::function<void()> onLocker;
@@ -37,8 +40,11 @@ private:
     void cameOnTop(xcb_window_t window, bool isUnmanaged);
     void raise(xcb_window_t window);
 
+    bool isForgedForOverlay(const xcb_generic_event_t &event) const;
+    bool undoes(const xcb_configure_notify_event_t &event);
+
     std::shared_ptr<X11Connection> m_connection;
-    std::set<xcb_window_t> m_overlays;
+    std::map<xcb_window_t, QRect> m_overlays;
     std::set<xcb_window_t> m_answered;
     QTimer m_look; ///< at the focus, once the overlays are up
     xcb_window_t m_focus = XCB_NONE; ///< since then

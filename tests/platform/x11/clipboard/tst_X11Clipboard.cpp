@@ -65,6 +65,55 @@ private Q_SLOTS:
             QVERIFY(whileServing([&] { return reader.get(); }));
     }
 
+    void survivesTheLossOfItsConnection_data()
+    {
+        QTest::addColumn<bool>("isTaken");
+        QTest::newRow("still ours") << false;
+        QTest::newRow("taken by another program meanwhile") << true;
+    }
+    void survivesTheLossOfItsConnection()
+    {
+        QFETCH(bool, isTaken);
+        const auto clipboard = make();
+        int failures = 0;
+        clipboard->onFailed = [&](Clipboard::Content) { ++failures; };
+        clipboard->setPng(ready("png"));
+        SelectionReader other(m_display);
+        xcb_connection_t *killer = xcb_connect(m_display.constData(), nullptr);
+        xcb_kill_client(killer, other.owner());
+        xcb_flush(killer);
+        QTRY_COMPARE(other.owner(), xcb_window_t(XCB_WINDOW_NONE));
+        if (isTaken)
+            other.take();
+        const xcb_window_t owner = other.owner();
+        if (isTaken) {
+            QTest::qWait(100);
+            QCOMPARE(other.owner(), owner);
+        } else {
+            QTRY_VERIFY(other.owner() != XCB_WINDOW_NONE);
+            const auto value =
+                whileServing([this] { return SelectionReader(m_display).read("image/png"); });
+            QVERIFY(value);
+            QCOMPARE(value->bytes, QByteArray("png"));
+        }
+        clipboard->setText(QStringLiteral("later"));
+        const auto text =
+            whileServing([this] { return SelectionReader(m_display).read("UTF8_STRING"); });
+        QVERIFY(text);
+        QCOMPARE(text->bytes, QByteArray("later"));
+        QCOMPARE(failures, 0);
+        xcb_disconnect(killer);
+    }
+
+    void tellsAPictureThatCannotBeMade()
+    {
+        const auto clipboard = make();
+        QList<Clipboard::Content> failures;
+        clipboard->onFailed = [&](Clipboard::Content content) { failures.append(content); };
+        clipboard->setPng(ready({}));
+        QCOMPARE(failures, QList<Clipboard::Content>{Clipboard::Content::picture});
+    }
+
     void survivesAReaderThatVanishes()
     {
         const QByteArray png = noise(25 * 1000 * 1000);
