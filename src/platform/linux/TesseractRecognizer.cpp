@@ -11,6 +11,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QFutureWatcher>
 #include <QLocale>
 
 #include <atomic>
@@ -18,6 +19,12 @@
 namespace tovek {
 
 namespace {
+
+using namespace std::chrono_literals;
+
+/// Longer than any that an engine still works on.
+constexpr auto longestLine = 1500ms;
+constexpr auto endInterval = 20ms;
 
 /// The recogniser process is installed beside the program or in the libexec folder.
 QByteArray engineProgram()
@@ -60,6 +67,7 @@ struct TesseractRecognizer::Job
     std::shared_ptr<EnginePool> engines;
     std::unique_ptr<PageReader> reader;
     std::atomic<int> threads = 0;
+    const int hangsBefore = EngineProcess::hangs();
 
     void finish(RecognitionResult result)
     {
@@ -82,7 +90,11 @@ TesseractRecognizer::~TesseractRecognizer()
         if (const auto job = weak.lock())
             job->promise.future().cancel();
     }
-    m_threads.waitForDone();
+    m_threads.clear();
+    // Nobody waits for an engine any more, and least of all for one that has stopped.
+    do
+        EngineProcess::giveUp(0ms);
+    while (!m_threads.waitForDone(endInterval.count()));
 }
 
 void TesseractRecognizer::prepare()
@@ -117,6 +129,13 @@ QFuture<RecognitionResult> TesseractRecognizer::recognize(const QImage &image, d
                                     "Tovek again")});
         return future;
     }
+    // What hangs must not take an engine's place from the next one.
+    auto *watcher = new QFutureWatcher<RecognitionResult>(this);
+    connect(watcher, &QFutureWatcherBase::canceled, this, [this] {
+        QTimer::singleShot(longestLine, this, [] { EngineProcess::giveUp(longestLine); });
+    });
+    connect(watcher, &QFutureWatcherBase::finished, watcher, &QObject::deleteLater);
+    watcher->setFuture(future);
     job->image = image;
     job->engines = m_engines;
     std::erase_if(m_jobs, [](const std::weak_ptr<Job> &old) { return old.expired(); });
@@ -171,6 +190,8 @@ void TesseractRecognizer::read(const std::shared_ptr<Job> &job)
     QMetaObject::invokeMethod(this, [this] { m_idle.start(); });
     if (job->promise.isCanceled()) {
         job->finish({});
+    } else if (job->reader->isUnreadable() && EngineProcess::hangs() > job->hangsBefore) {
+        job->finish({{}, QStringLiteral("the text recogniser does not answer")});
     } else if (job->reader->isUnreadable()) {
         job->finish({{},
                      QStringLiteral("the text recognition model cannot be used; reinstall the "

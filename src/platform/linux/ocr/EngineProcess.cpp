@@ -7,11 +7,15 @@
 #include "platform/linux/ocr/RecognitionModels.h"
 
 #include <QDeadlineTimer>
+#include <QElapsedTimer>
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstring>
 #include <fcntl.h>
+#include <map>
+#include <mutex>
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
@@ -28,6 +32,21 @@ static_assert(LineStrip::height == stripHeight);
 static_assert(int(LineEngine::Models::english) == english
               && int(LineEngine::Models::native) == native);
 
+std::atomic<int> hung = 0;
+
+/// The sockets of exchanges that are under way, with the time of their beginning.
+struct UnderWay
+{
+    std::mutex mutex;
+    std::map<int, QElapsedTimer> sockets;
+};
+
+UnderWay &underWay()
+{
+    static auto *all = new UnderWay; // never destroyed: threads may be left behind at the end
+    return *all;
+}
+
 /// One exchange with the process, which must be over by a deadline.
 class Exchange
 {
@@ -36,7 +55,16 @@ public:
         : m_socket(socket)
         , m_deadline(patience)
     {
+        const std::lock_guard lock(underWay().mutex);
+        underWay().sockets[socket].start();
     }
+    ~Exchange()
+    {
+        const std::lock_guard lock(underWay().mutex);
+        underWay().sockets.erase(m_socket);
+    }
+    Exchange(const Exchange &) = delete;
+    Exchange &operator=(const Exchange &) = delete;
     bool send(const void *from, std::size_t size)
     {
         const auto *at = static_cast<const char *>(from);
@@ -59,8 +87,10 @@ private:
         for (std::size_t done = 0; done < size;) {
             pollfd waited{m_socket, event, 0};
             const int ready = ::poll(&waited, 1, int(m_deadline.remainingTime()));
-            if (ready == 0)
+            if (ready == 0) {
+                ++hung;
                 return false;
+            }
             const ssize_t count = ready > 0 ? transfer(done) : -1;
             if (count < 0 && (errno == EINTR || errno == EAGAIN))
                 continue;
@@ -142,6 +172,20 @@ EngineProcess::~EngineProcess()
     ::close(m_socket);
     ::kill(m_processId, SIGKILL);
     while (::waitpid(m_processId, nullptr, 0) < 0 && errno == EINTR) { }
+}
+
+void EngineProcess::giveUp(std::chrono::milliseconds olderThan)
+{
+    const std::lock_guard lock(underWay().mutex);
+    for (const auto &[socket, begun] : underWay().sockets) {
+        if (begun.hasExpired(olderThan.count() - 1))
+            ::shutdown(socket, SHUT_RDWR);
+    }
+}
+
+int EngineProcess::hangs()
+{
+    return hung;
 }
 
 std::optional<std::vector<EngineSymbol>> EngineProcess::read(const LineStrip &strip, Models models)

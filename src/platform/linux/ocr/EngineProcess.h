@@ -20,7 +20,7 @@ struct EngineSetup
     QByteArray languages; ///< as in "deu+eng"
     /// An engine is hung that takes longer to load its models or to read one line, however long
     /// the page is. The longest line takes about a second.
-    std::chrono::milliseconds patience = std::chrono::seconds(15);
+    std::chrono::milliseconds patience = std::chrono::seconds(6);
 
     bool operator==(const EngineSetup &) const = default;
 };
@@ -39,6 +39,11 @@ public:
     std::optional<std::vector<EngineSymbol>> read(const LineStrip &strip, Models models) override;
     bool readsByWords() const override { return m_readsByWords; }
     int processId() const { return m_processId; }
+
+    /// Ends what waits for a process for longer than this, as if it had broken down. Any thread.
+    static void giveUp(std::chrono::milliseconds olderThan);
+    /// How many processes have been given up so far because they took too long. Any thread.
+    static int hangs();
 
 private:
     EngineProcess(int socket, int processId, const EngineSetup &setup);
