@@ -1,0 +1,167 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+// Many captures of all kinds with random selections, in one life of the program: no wrong pixel,
+// nothing stuck, nothing left behind, nothing that grows.
+
+#include "desktop/Session.h"
+#include "support/Skip.h"
+
+#include <QRandomGenerator>
+#include <QTest>
+
+#include <unistd.h>
+
+using namespace tovek;
+
+namespace {
+
+constexpr int sessionsByDefault = 60;
+constexpr int warmUpSessions = 12;
+constexpr int comparedEach = 20;
+constexpr int restMs = 8000; // threads of pools end after 2 s, memory is given back after 4 s
+constexpr qint64 mostGrowth = 3'000'000;
+
+/// What a process has of the machine.
+struct Usage
+{
+    explicit Usage(qint64 pid) : threads(count(pid, "task")), descriptors(count(pid, "fd"))
+    {
+        QFile status(QStringLiteral("/proc/%1/statm").arg(pid));
+        if (status.open(QIODevice::ReadOnly))
+            resident = status.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE);
+    }
+    static qsizetype count(qint64 pid, const char *what)
+    {
+        return QDir(QStringLiteral("/proc/%1/%2").arg(pid).arg(QLatin1String(what)))
+            .entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::System)
+            .size();
+    }
+
+    qsizetype threads;
+    qsizetype descriptors;
+    qint64 resident = 0;
+};
+
+/// A desktop, the program, and somebody who captures without end.
+struct SoakSession : Session
+{
+    enum Kind { copy, copyImage, save, cancelSelection, cancelAtOnce, resizeAndCopy, kinds };
+
+    QPoint anywhere()
+    {
+        return {random.bounded(20, plan.size.width() - 20),
+                random.bounded(20, plan.size.height() - 20)};
+    }
+    /// Corners of a selection that is large enough to be one.
+    std::pair<QPoint, QPoint> selection()
+    {
+        const QPoint from = anywhere();
+        QPoint to = anywhere();
+        while (std::abs(to.x() - from.x()) < 30 || std::abs(to.y() - from.y()) < 30)
+            to = anywhere();
+        return {from, to};
+    }
+    /// False when the overlays did not come, or did not go.
+    bool run(Kind kind, std::pair<QPoint, QPoint> corners)
+    {
+        const char *chord =
+            kind == copyImage ? RunningTovek::captureImage : RunningTovek::captureScreenshot;
+        if (!tovek->open(QLatin1String(chord), monitors()))
+            return false;
+        if (kind != cancelAtOnce)
+            select(corners.first, corners.second);
+        if (kind == resizeAndCopy) {
+            // By its lower right corner, and back.
+            const QPoint corner(std::max(corners.first.x(), corners.second.x()),
+                                std::max(corners.first.y(), corners.second.y()));
+            tovek->hand().drag(corner, corner + QPoint(15, 15));
+            tovek->hand().drag(corner + QPoint(15, 15), corner);
+        }
+        const char *key = kind == save              ? "Control_L+s"
+            : kind == copy || kind == resizeAndCopy ? "Return"
+                                                    : "Escape";
+        return (kind == copyImage || tap(key)) && isClosed();
+    }
+    bool isRight(Kind kind, std::pair<QPoint, QPoint> corners)
+    {
+        const QImage wanted = expected(corners.first, corners.second);
+        if (kind == copy || kind == copyImage)
+            return differentPixels(QImage::fromData(pasted()), wanted) == 0;
+        if (kind == resizeAndCopy)
+            return !QImage::fromData(pasted()).isNull();
+        if (kind != save)
+            return true;
+        // The latest; others of the same second gave way to it.
+        return waitUntil([&] {
+            const QStringList names = savedNames();
+            const QString path = QDir(desktop.downloads()).filePath(names.value(names.size() - 1));
+            return !names.isEmpty() && differentPixels(QImage(path), wanted) == 0;
+        });
+    }
+    QStringList leftOver() const
+    {
+        const QStringList hidden =
+            QDir(desktop.downloads()).entryList({QStringLiteral(".*")}, QDir::Files | QDir::Hidden);
+        const QString runtime = desktop.environment().value(QStringLiteral("XDG_RUNTIME_DIR"));
+        return hidden
+            + QDir(runtime + QStringLiteral("/tovek/pictures"))
+                  .entryList(QDir::AllEntries | QDir::NoDotAndDotDot);
+    }
+
+    QRandomGenerator random;
+};
+
+} // namespace
+
+class TestSoak : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { skipBecause(TestDesktop::missing()); }
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void everySession()
+    {
+        bool isGiven = false;
+        const int given = qEnvironmentVariableIntValue("TOVEK_SOAK_SESSIONS", &isGiven);
+        const int sessions = isGiven ? given : sessionsByDefault;
+        const quint32 seed = isGiven ? QRandomGenerator::global()->generate() : 7;
+        qInfo("%d sessions, seed %u", sessions, seed);
+        SoakSession s;
+        s.random.seed(seed);
+        QVERIFY2(s.start(), qPrintable(s.error));
+        s.before = s.tovek->eye().lookWhenStill();
+        const qint64 pid = s.tovek->program().pid();
+        std::optional<Usage> baseline;
+        for (int i = 0; i < sessions; ++i) {
+            if (i == warmUpSessions) {
+                QTest::qWait(restMs);
+                baseline.emplace(pid);
+            }
+            const auto kind = SoakSession::Kind(s.random.bounded(int(SoakSession::kinds)));
+            const auto corners = s.selection();
+            const QString what = QStringLiteral("session %1, kind %2").arg(i).arg(kind);
+            QVERIFY2(s.run(kind, corners), qPrintable(what));
+            if (i % comparedEach == comparedEach - 1 || kind == SoakSession::save)
+                QVERIFY2(s.isRight(kind, corners), qPrintable(what));
+        }
+        QVERIFY(baseline);
+        QTest::qWait(restMs);
+        const Usage after(pid);
+        qInfo("threads %d -> %d, descriptors %d -> %d, resident %.1f -> %.1f MB",
+              int(baseline->threads), int(after.threads), int(baseline->descriptors),
+              int(after.descriptors), double(baseline->resident) / 1e6,
+              double(after.resident) / 1e6);
+        QVERIFY(after.threads <= baseline->threads);
+        QVERIFY(after.descriptors <= baseline->descriptors);
+        QVERIFY(after.resident < baseline->resident + mostGrowth);
+        QCOMPARE(s.leftOver(), QStringList());
+        QCOMPARE(s.tovek->program().stop(), 0);
+        QCOMPARE(s.tovek->program().errorLines(), QStringList());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestSoak)
+#include "tst_Soak.moc"
