@@ -178,7 +178,7 @@ void EngineProcess::giveUp(std::chrono::milliseconds olderThan)
 {
     const std::lock_guard lock(underWay().mutex);
     for (const auto &[socket, begun] : underWay().sockets) {
-        if (begun.hasExpired(olderThan.count() - 1))
+        if (begun.elapsed() >= olderThan.count())
             ::shutdown(socket, SHUT_RDWR);
     }
 }
