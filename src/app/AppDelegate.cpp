@@ -165,7 +165,7 @@ void AppDelegate::warmUp()
         logLine(QStringLiteral("Failed to enable launch at login: ") + *failure);
     OverlayArtist::warmUp(QGuiApplication::font());
     for (const Screen &screen : m_platform.screens->all())
-        overlayCursor(Qt::CrossCursor, screen.scale);
+        overlayCursor(Qt::CrossCursor, screen.scale, screen.cursorScale);
 }
 
 void AppDelegate::restSoon()

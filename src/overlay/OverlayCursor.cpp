@@ -33,16 +33,18 @@ Qt::CursorShape cursorOf(ResizeHandle handle)
     Q_UNREACHABLE();
 }
 
-QCursor makeCross(double scale)
+QCursor makeCross(double scale, int cursorScale)
 {
     const auto symbol = Symbol::fromFile(QStringLiteral(":/cross-cursor.svg"));
     if (!symbol)
         return Qt::CrossCursor;
-    // In native pixels with a ratio of 1: the toolkit (Qt 6.4, xcb) neither scales a cursor nor
-    // its hot spot.
-    const double side = std::round(symbol->size().width() * scale);
+    // Neither the picture nor its hot spot is scaled by the toolkit (Qt 6.4, xcb); on Wayland the
+    // compositor takes a picture of whole pixels per point.
+    const double side = std::round(symbol->size().width() * std::max(scale, double(cursorScale)));
     const QImage image = symbol->image(side, 1, Qt::black);
-    return QCursor(QPixmap::fromImage(image), image.width() / 2, image.height() / 2);
+    QPixmap pixmap = QPixmap::fromImage(image);
+    pixmap.setDevicePixelRatio(cursorScale);
+    return QCursor(pixmap, image.width() / 2 / cursorScale, image.height() / 2 / cursorScale);
 }
 
 } // namespace
@@ -60,15 +62,17 @@ Qt::CursorShape overlayCursorAt(Point at, PointerOwner owner, const SelectionSta
     return draws ? Qt::CrossCursor : Qt::ArrowCursor;
 }
 
-QCursor overlayCursor(Qt::CursorShape shape, double scale)
+QCursor overlayCursor(Qt::CursorShape shape, double scale, int cursorScale)
 {
     if (shape != Qt::CrossCursor)
         return shape;
     // Kept: an overlay that opens has no time to draw it.
-    static std::map<double, QCursor> crosses;
-    const auto known = crosses.find(scale);
-    return known != crosses.end() ? known->second
-                                  : crosses.emplace(scale, makeCross(scale)).first->second;
+    static std::map<std::pair<double, int>, QCursor> crosses;
+    const auto known = crosses.find({scale, cursorScale});
+    if (known != crosses.end())
+        return known->second;
+    return crosses.emplace(std::pair(scale, cursorScale), makeCross(scale, cursorScale))
+        .first->second;
 }
 
 } // namespace tovek

@@ -16,7 +16,7 @@ Qt::CursorShape overlayCursorAt(Point at, PointerOwner owner, const SelectionSta
                                 AnnotationTool tool);
 
 /// How the shape looks on a screen of that scale. The cross is a picture of our own with the hot
-/// spot at its centre, made once a scale. Needs a QGuiApplication.
-QCursor overlayCursor(Qt::CursorShape shape, double scale);
+/// spot at its centre, made once a scale; for `cursorScale` see Screen. Needs a QGuiApplication.
+QCursor overlayCursor(Qt::CursorShape shape, double scale, int cursorScale = 1);
 
 } // namespace tovek

@@ -22,6 +22,9 @@ OverlayWindow::OverlayWindow(const OverlayContext &context, OverlayShell &shell)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_NoSystemBackground);
+    // The view's from the first instant on: an arrow would flash up, and where the toolkit has to
+    // load its pictures first (Qt 6.4, Wayland), the pointer would stand still for that.
+    setCursor(m_selectionView->cursor());
     setWindowTitle(QStringLiteral("Tovek"));
     resize(qRound(m_targetScreen.frame.width), qRound(m_targetScreen.frame.height));
     winId(); // the surface needs the native window, before anything is shown

@@ -215,8 +215,10 @@ void SelectionOverlayView::paintEvent(QPaintEvent *event)
 Point SelectionOverlayView::pointOf(const QMouseEvent &event) const
 {
     // The toolkit rounds the positions inside a widget and on the screen to whole points, which
-    // misses pixels at scales above 1. It keeps that in the window, which this view fills.
-    return m_space.pointFromWidget(event.scenePosition());
+    // misses pixels at scales above 1. It keeps that in the window, which this view fills. Where
+    // the mouse moves by less than a pixel, the nearest one is meant.
+    const QPointF native = event.scenePosition() * m_space.scale;
+    return m_space.pointFromWidget(QPointF(native.toPoint()) / m_space.scale);
 }
 
 PointerOwner SelectionOverlayView::pointerOwner(Point at) const
@@ -246,7 +248,7 @@ void SelectionOverlayView::showCursor(Qt::CursorShape shape)
     if (m_cursorShape == shape)
         return;
     m_cursorShape = shape;
-    setCursor(overlayCursor(shape, m_space.scale));
+    setCursor(overlayCursor(shape, m_space.scale, m_context.screen.cursorScale));
 }
 
 void SelectionOverlayView::startResize()

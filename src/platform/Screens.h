@@ -23,6 +23,8 @@ struct Screen
     Rect visibleFrame; ///< the frame without panels and docks
     QRect native; ///< native pixels, y down, global
     double scale = 1; ///< native pixels per point; need not be whole
+    /// Pixels per unit in a cursor's picture: 1 where the window system shows it as it is.
+    int cursorScale = 1;
 
     ViewSpace space() const { return {frame.size(), scale}; }
     bool operator==(const Screen &) const = default;

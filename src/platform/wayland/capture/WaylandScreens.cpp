@@ -5,6 +5,8 @@
 
 #include "platform/wayland/capture/WaylandScreenGrabber.h"
 
+#include <cmath>
+
 namespace tovek {
 
 WaylandScreens::WaylandScreens(std::shared_ptr<WaylandOutputs> outputs)
@@ -30,7 +32,8 @@ std::vector<Screen> WaylandScreens::all() const
         const double firstHeight = outputs.front().native.height() / outputs.front().scale;
         const QPoint at = output.logical.topLeft() - origin;
         const Rect frame{double(at.x()), firstHeight - at.y() - height, width, height};
-        screens.push_back({output.id, output.name, frame, frame, rects[i], output.scale});
+        screens.push_back({output.id, output.name, frame, frame, rects[i], output.scale,
+                           int(std::ceil(output.scale))});
     }
     return screens;
 }

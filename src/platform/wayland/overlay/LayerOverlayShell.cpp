@@ -173,6 +173,13 @@ bool LayerOverlaySurface::eventFilter(QObject *watched, QEvent *event)
         if (m_isVisible && QGuiApplication::mouseButtons() == Qt::NoButton)
             makeKey();
         return false;
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+        // The compositor may send a few more here after the keyboard was given to another one.
+        if (isKey() || !m_services->key)
+            return false;
+        QCoreApplication::sendEvent(&m_services->key->m_window, event);
+        return true;
     case QEvent::Expose: {
         if (m_isForwarding)
             return false;
