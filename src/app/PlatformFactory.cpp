@@ -25,6 +25,8 @@
 #include "platform/null/NullKeyboard.h"
 #ifdef TOVEK_WITH_WAYLAND
 #include "platform/wayland/capture/ExtScreenGrabber.h"
+#include "platform/wayland/capture/KWinCapturePermission.h"
+#include "platform/wayland/capture/KWinScreenGrabber.h"
 #include "platform/wayland/capture/WaylandScreens.h"
 #include "platform/wayland/capture/WlrScreenGrabber.h"
 #include "platform/wayland/clipboard/DataControlClipboard.h"
@@ -112,6 +114,7 @@ std::unique_ptr<ScreenGrabber> makeWaylandGrabber(std::shared_ptr<WaylandConnect
     } ways[] = {
         {"ext-image-copy-capture", &ExtScreenGrabber::create},
         {"wlr-screencopy", &WlrScreenGrabber::create},
+        {"KWin's screenshot service", &KWinScreenGrabber::create},
     };
     for (const auto &[way, create] : ways) {
         if (auto grabber = create(connection, outputs)) {
@@ -137,6 +140,8 @@ bool addWaylandDesktop(Platform &platform, const EarlyPlatform &early)
         });
     if (!grabber || !overlayShell)
         return false;
+    if (dynamic_cast<KWinScreenGrabber *>(grabber.get()))
+        platform.capturePermission = std::make_unique<KWinCapturePermission>();
     platform.screens = std::move(screens);
     platform.grabber = std::move(grabber);
     platform.overlayShell = std::move(overlayShell);

@@ -12,13 +12,15 @@ namespace tovek {
 class ExtCapture : public OutputCapture
 {
 public:
-    ExtCapture(ExtScreenGrabber &grabber, const WaylandOutput &output) : m_grabber(grabber)
+    ExtCapture(ExtScreenGrabber &grabber, const WaylandOutput &output, bool paintsCursor)
+        : m_grabber(grabber)
     {
         const WaylandPtr<ext_image_capture_source_v1, ext_image_capture_source_v1_destroy> source(
             ext_output_image_capture_source_manager_v1_create_source(grabber.m_sources,
                                                                      output.handle));
-        m_session.reset(
-            ext_image_copy_capture_manager_v1_create_session(grabber.m_manager, source.get(), 0));
+        m_session.reset(ext_image_copy_capture_manager_v1_create_session(
+            grabber.m_manager, source.get(),
+            paintsCursor ? EXT_IMAGE_COPY_CAPTURE_MANAGER_V1_OPTIONS_PAINT_CURSORS : 0));
         static constexpr ext_image_copy_capture_session_v1_listener listener{
             &sized, &offered, &offeredDevice, &offeredDmabuf, &offeredAll, &stopped};
         ext_image_copy_capture_session_v1_add_listener(m_session.get(), &listener, this);
@@ -116,6 +118,7 @@ ExtScreenGrabber::create(std::shared_ptr<WaylandConnection> connection,
         ext_image_copy_capture_manager_v1_interface, 1);
     grabber->m_sources = connection->bind<ext_output_image_capture_source_manager_v1>(
         ext_output_image_capture_source_manager_v1_interface, 1);
+    grabber->distrustCursor();
     return grabber;
 }
 
@@ -125,9 +128,9 @@ ExtScreenGrabber::~ExtScreenGrabber()
     ext_output_image_capture_source_manager_v1_destroy(m_sources);
 }
 
-std::unique_ptr<OutputCapture> ExtScreenGrabber::begin(const WaylandOutput &output)
+std::unique_ptr<OutputCapture> ExtScreenGrabber::begin(const WaylandOutput &output, Cursor cursor)
 {
-    return std::make_unique<ExtCapture>(*this, output);
+    return std::make_unique<ExtCapture>(*this, output, cursor == Cursor::painted);
 }
 
 } // namespace tovek

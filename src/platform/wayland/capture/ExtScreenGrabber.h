@@ -21,7 +21,7 @@ public:
     ~ExtScreenGrabber() override;
 
 protected:
-    std::unique_ptr<OutputCapture> begin(const WaylandOutput &output) override;
+    std::unique_ptr<OutputCapture> begin(const WaylandOutput &output, Cursor cursor) override;
 
 private:
     friend class ExtCapture;

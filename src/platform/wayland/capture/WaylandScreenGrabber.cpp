@@ -9,6 +9,7 @@
 #include "platform/wayland/capture/WaylandPixelFormat.h"
 
 #include <cmath>
+#include <cstring>
 #include <map>
 
 namespace tovek {
@@ -19,11 +20,36 @@ using namespace std::chrono_literals;
 
 constexpr auto answerLimit = 3s;
 constexpr auto spareLimit = 5s;
+constexpr auto comparisonDelay = 3s; // the program has started, or the capture is over
+constexpr int largestCursor = 256; // what changes more than that is something else
 
 struct Snapshot
 {
     std::map<quint32, ScreenGrabber::Result> results;
 };
+
+/// The smallest rectangle in which two pictures of one shape differ; all of it for two shapes.
+QRect differenceOf(const SharedPixels &one, const SharedPixels &other)
+{
+    const QRect bounds(QPoint(), one.size());
+    if (one.size() != other.size() || one.bytesPerLine() != other.bytesPerLine())
+        return bounds;
+    QRect difference;
+    const qsizetype bytesPerPixel = one.bytesPerLine() / std::max(1, one.size().width());
+    for (int y = 0; y < bounds.height(); ++y) {
+        const uchar *a = one.data() + y * one.bytesPerLine();
+        const uchar *b = other.data() + y * other.bytesPerLine();
+        if (std::memcmp(a, b, size_t(one.bytesPerLine())) == 0)
+            continue;
+        const auto first = std::mismatch(a, a + one.bytesPerLine(), b).first - a;
+        qsizetype last = one.bytesPerLine() - 1;
+        while (a[last] == b[last])
+            --last;
+        const int left = int(first / bytesPerPixel);
+        difference |= QRect(left, y, int(last / bytesPerPixel) - left + 1, 1);
+    }
+    return difference;
+}
 
 } // namespace
 
@@ -92,24 +118,20 @@ std::shared_ptr<SharedPixels> WaylandScreenGrabber::takePixels(QSize size, qsize
 std::optional<ShareableContent> WaylandScreenGrabber::shareableContent()
 {
     const std::vector<WaylandOutput> outputs = m_outputs->list();
-    // All of them are asked before any answer is looked at: one instant for all.
-    std::vector<std::unique_ptr<OutputCapture>> captures;
-    for (const WaylandOutput &output : outputs)
-        captures.push_back(begin(output));
-    const bool isAnswered = m_connection->waitFor(
-        [&] {
-            return std::all_of(captures.begin(), captures.end(), [](const auto &capture) {
-                return capture->state != OutputCapture::State::waiting;
-            });
-        },
-        answerLimit);
+    if (m_cursorHider)
+        m_cursorHider->hide(outputs);
+    const auto captures = takeAll(Cursor::leftOut);
+    if (m_cursorHider) {
+        m_cursorHider->show();
+        m_compareCursors.start();
+    }
     m_spare.clear();
 
     const auto snapshot = std::make_shared<Snapshot>();
     const std::vector<QRect> rects = nativeRects(outputs);
     ShareableContent content;
     content.snapshot = snapshot;
-    m_failure = isAnswered ? QString() : QStringLiteral("the compositor does not answer");
+    m_failure.clear();
     for (size_t i = 0; i < outputs.size(); ++i) {
         Result result = resultOf(*captures[i]);
         if (!result.frozen && m_failure.isEmpty())
@@ -125,6 +147,57 @@ std::optional<ShareableContent> WaylandScreenGrabber::shareableContent()
         m_failure = QStringLiteral("there is no screen");
     logLine(QStringLiteral("Failed to capture: ") + m_failure);
     return std::nullopt;
+}
+
+std::vector<std::unique_ptr<OutputCapture>> WaylandScreenGrabber::takeAll(Cursor cursor)
+{
+    // All of them are asked before any answer is looked at: one instant for all.
+    std::vector<std::unique_ptr<OutputCapture>> captures;
+    for (const WaylandOutput &output : m_outputs->list())
+        captures.push_back(begin(output, cursor));
+    wait(captures, answerLimit);
+    return captures;
+}
+
+void WaylandScreenGrabber::distrustCursor()
+{
+    m_cursorHider = CursorHider::create(m_connection);
+    m_compareCursors.setSingleShot(true);
+    m_compareCursors.setInterval(comparisonDelay);
+    connect(&m_compareCursors, &QTimer::timeout, this, [this] { compareCursors(); });
+    if (m_cursorHider)
+        m_compareCursors.start();
+}
+
+void WaylandScreenGrabber::compareCursors()
+{
+    // A cursor that comes only when it is asked for is one of the hardware's. Where both pictures
+    // are alike it is in both, or it was nowhere to be seen.
+    const auto without = takeAll(Cursor::leftOut);
+    const auto with = takeAll(Cursor::painted);
+    for (size_t i = 0; i < without.size() && i < with.size(); ++i) {
+        if (without[i]->state != OutputCapture::State::done
+            || with[i]->state != OutputCapture::State::done)
+            continue;
+        const QRect difference = differenceOf(*without[i]->pixels, *with[i]->pixels);
+        if (!difference.isEmpty() && difference.width() <= largestCursor
+            && difference.height() <= largestCursor) {
+            m_cursorHider.reset();
+            return;
+        }
+    }
+}
+
+void WaylandScreenGrabber::wait(const std::vector<std::unique_ptr<OutputCapture>> &captures,
+                                std::chrono::milliseconds limit)
+{
+    m_connection->waitFor(
+        [&] {
+            return std::all_of(captures.begin(), captures.end(), [](const auto &capture) {
+                return capture->state != OutputCapture::State::waiting;
+            });
+        },
+        limit);
 }
 
 ScreenGrabber::Result WaylandScreenGrabber::resultOf(OutputCapture &capture)

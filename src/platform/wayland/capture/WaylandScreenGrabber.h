@@ -5,7 +5,7 @@
 
 #include "platform/ScreenGrabber.h"
 #include "platform/wayland/SharedPixels.h"
-#include "platform/wayland/WaylandOutputs.h"
+#include "platform/wayland/capture/CursorHider.h"
 
 #include <QTimer>
 
@@ -53,14 +53,23 @@ public:
     QString failure() const override { return m_failure; }
 
 protected:
+    enum class Cursor { leftOut, painted };
     /// Asks for the picture; the answer comes while the connection is waited on.
-    virtual std::unique_ptr<OutputCapture> begin(const WaylandOutput &output) = 0;
+    virtual std::unique_ptr<OutputCapture> begin(const WaylandOutput &output, Cursor cursor) = 0;
+    /// For compositors that leave the cursor out only when the hardware draws it: from now on it is
+    /// hidden for each picture, unless a comparison shows that this is not needed.
+    void distrustCursor();
+    /// Returns when none of them waits any more, or after the limit.
+    virtual void wait(const std::vector<std::unique_ptr<OutputCapture>> &captures,
+                      std::chrono::milliseconds limit);
     WaylandConnection &connection() { return *m_connection; }
     wl_shm *shm() { return m_shm; }
     /// Memory of this shape, made before where that was foreseen.
     std::shared_ptr<SharedPixels> takePixels(QSize size, qsizetype bytesPerLine);
 
 private:
+    void compareCursors();
+    std::vector<std::unique_ptr<OutputCapture>> takeAll(Cursor cursor);
     Result resultOf(OutputCapture &capture);
 
     std::shared_ptr<WaylandConnection> m_connection;
@@ -68,6 +77,8 @@ private:
     wl_shm *m_shm;
     std::vector<std::shared_ptr<SharedPixels>> m_spare;
     QTimer m_dropSpare;
+    std::unique_ptr<CursorHider> m_cursorHider; ///< null where the cursor is left out anyway
+    QTimer m_compareCursors;
     QString m_failure;
 };
 

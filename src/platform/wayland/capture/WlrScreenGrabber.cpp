@@ -11,9 +11,10 @@ namespace tovek {
 class WlrCapture : public OutputCapture
 {
 public:
-    WlrCapture(WlrScreenGrabber &grabber, const WaylandOutput &output)
+    WlrCapture(WlrScreenGrabber &grabber, const WaylandOutput &output, bool paintsCursor)
         : m_grabber(grabber)
-        , m_frame(zwlr_screencopy_manager_v1_capture_output(grabber.m_manager, 0, output.handle))
+        , m_frame(zwlr_screencopy_manager_v1_capture_output(grabber.m_manager, paintsCursor,
+                                                            output.handle))
     {
         transform = output.transform;
         static constexpr zwlr_screencopy_frame_v1_listener listener{
@@ -84,6 +85,7 @@ WlrScreenGrabber::create(std::shared_ptr<WaylandConnection> connection,
     std::unique_ptr<WlrScreenGrabber> grabber(
         new WlrScreenGrabber(std::move(connection), std::move(outputs)));
     grabber->m_manager = manager;
+    grabber->distrustCursor();
     return grabber;
 }
 
@@ -92,9 +94,9 @@ WlrScreenGrabber::~WlrScreenGrabber()
     zwlr_screencopy_manager_v1_destroy(m_manager);
 }
 
-std::unique_ptr<OutputCapture> WlrScreenGrabber::begin(const WaylandOutput &output)
+std::unique_ptr<OutputCapture> WlrScreenGrabber::begin(const WaylandOutput &output, Cursor cursor)
 {
-    return std::make_unique<WlrCapture>(*this, output);
+    return std::make_unique<WlrCapture>(*this, output, cursor == Cursor::painted);
 }
 
 } // namespace tovek

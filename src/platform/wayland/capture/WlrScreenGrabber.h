@@ -19,7 +19,7 @@ public:
     ~WlrScreenGrabber() override;
 
 protected:
-    std::unique_ptr<OutputCapture> begin(const WaylandOutput &output) override;
+    std::unique_ptr<OutputCapture> begin(const WaylandOutput &output, Cursor cursor) override;
 
 private:
     friend class WlrCapture;
