@@ -89,6 +89,14 @@ QString WaylandDesktop::monitorName(int index)
     return QStringLiteral("HEADLESS-%1").arg(index + 1);
 }
 
+QSize WaylandDesktop::pointsOf(const WaylandMonitor &monitor)
+{
+    const bool isAside = monitor.transform.endsWith(QLatin1String("90"))
+        || monitor.transform.endsWith(QLatin1String("270"));
+    const QSize native = isAside ? monitor.native.transposed() : monitor.native;
+    return {int(native.width() / monitor.scale), int(native.height() / monitor.scale)};
+}
+
 QString WaylandDesktop::socket() const
 {
     return m_environment.value(QStringLiteral("WAYLAND_DISPLAY"));
@@ -161,20 +169,18 @@ bool WaylandDesktop::startSway()
 {
     QString configuration = m_plan.hasXWayland ? QStringLiteral("xwayland force\n")
                                                : QStringLiteral("xwayland disable\n");
-    double x = 0;
+    int x = 0;
     for (size_t i = 0; i < m_plan.monitors.size(); ++i) {
         const WaylandMonitor &monitor = m_plan.monitors[i];
-        const bool isAside = monitor.transform.contains(QLatin1String("90"))
-            || monitor.transform.contains(QLatin1String("270"));
         configuration += QStringLiteral("output %1 resolution %2x%3 position %4 0 scale %5 "
                                         "transform %6\n")
                              .arg(monitorName(int(i)))
                              .arg(monitor.native.width())
                              .arg(monitor.native.height())
-                             .arg(qRound(x))
+                             .arg(x)
                              .arg(monitor.scale)
                              .arg(monitor.transform);
-        x += int((isAside ? monitor.native.height() : monitor.native.width()) / monitor.scale);
+        x += pointsOf(monitor).width();
     }
     if (m_plan.hasXWayland)
         configuration += QStringLiteral("exec echo $DISPLAY > %1/display\n").arg(home());

@@ -63,6 +63,8 @@ public:
     /// A file of the home, owned by the desktop's user.
     bool writeFile(const QString &path, const QByteArray &bytes) const;
 
+    /// The size of an output in points, as sway rounds it.
+    static QSize pointsOf(const WaylandMonitor &monitor);
     /// Of its XWayland; empty until that is there.
     QString xDisplay();
     static QString monitorName(int index);

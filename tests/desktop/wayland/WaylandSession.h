@@ -1,0 +1,179 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "support/Picture.h"
+#include "support/Pixels.h"
+#include "support/Wait.h"
+#include "support/WaylandDesktop.h"
+#include "support/WaylandHand.h"
+
+#include <QBuffer>
+#include <QDir>
+#include <QFile>
+
+#include <cmath>
+
+namespace tovek {
+
+/// A Wayland desktop with a picture on each output, the program under test, and someone who uses
+/// it. Places are pixels of an output, y down, unless they are said to be points.
+struct WaylandSession
+{
+    explicit WaylandSession(WaylandPlan desktopPlan = {})
+        : plan(std::move(desktopPlan))
+        , desktop(plan)
+    {
+    }
+
+    [[nodiscard]] bool start()
+    {
+        if (!desktop.start())
+            return fail(desktop.error());
+        QSize extent(0, 0);
+        for (const WaylandMonitor &monitor : plan.monitors) {
+            const QSize points = desktop.pointsOf(monitor);
+            extent = {extent.width() + points.width(), std::max(extent.height(), points.height())};
+        }
+        hand = std::make_unique<WaylandHand>(desktop.socket(), extent);
+        if (!hand->isWorking())
+            return fail(QStringLiteral("no input can be injected"));
+        if (!showPictures())
+            return fail(QStringLiteral("no picture came"));
+        const QByteArray settings = "{\"highlightText\": false}";
+        QDir().mkpath(desktop.configFolder() + QStringLiteral("/tovek"));
+        desktop.writeFile(desktop.configFolder() + QStringLiteral("/tovek/defaults.json"),
+                          settings);
+        tovek =
+            desktop.run(qEnvironmentVariable("TOVEK_PROGRAM"), {QStringLiteral("--background")});
+        return (tovek && waitUntil([&] { return act("no-such-action"); }))
+            || fail(QStringLiteral("the program does not start"));
+    }
+
+    /// Each pixel of each output unlike its neighbours, whatever the scale.
+    [[nodiscard]] bool showPictures(bool isInverted = false)
+    {
+        for (size_t i = 0; i < plan.monitors.size(); ++i) {
+            const QSize native = desktop.look(int(i)).size();
+            QImage picture(native, QImage::Format_RGB32);
+            for (int y = 0; y < native.height(); ++y)
+                for (int x = 0; x < native.width(); ++x)
+                    picture.setPixel(x, y, pictureColor(uint32_t(x), uint32_t(y)));
+            if (isInverted)
+                picture.invertPixels();
+            const QString path = QStringLiteral("%1/picture%2%3.png")
+                                     .arg(desktop.home())
+                                     .arg(i)
+                                     .arg(isInverted ? "-inverted" : "");
+            QBuffer png;
+            png.open(QIODevice::WriteOnly);
+            picture.save(&png, "PNG");
+            const QString name = WaylandDesktop::monitorName(int(i));
+            if (!desktop.writeFile(path, png.data())
+                || desktop.tell({QStringLiteral("output %1 bg %2 fill").arg(name, path)}).isNull()
+                || !waitUntil([&] { return isFine(desktop.look(int(i))); }))
+                return false;
+        }
+        return true;
+    }
+
+    /// A command from outside; true once the program has begun to carry it out.
+    [[nodiscard]] bool act(const char *action)
+    {
+        return !desktop
+                    .output(QStringLiteral("gdbus"),
+                            {QStringLiteral("call"), QStringLiteral("--session"),
+                             QStringLiteral("--dest"), QStringLiteral("org.tovek.Tovek"),
+                             QStringLiteral("--object-path"), QStringLiteral("/org/tovek/Tovek"),
+                             QStringLiteral("--method"),
+                             QStringLiteral("org.freedesktop.Application.ActivateAction"),
+                             QString::fromLatin1(action), QStringLiteral("[]"),
+                             QStringLiteral("{}")})
+                    .isEmpty();
+    }
+
+    /// Moves the pointer to a pixel of an output.
+    void point(int monitor, QPointF at) { hand->move(pointsAt(monitor, at)); }
+    QPointF pointsAt(int monitor, QPointF at) const
+    {
+        double left = 0;
+        for (int i = 0; i < monitor; ++i)
+            left += desktop.pointsOf(plan.monitors[size_t(i)]).width();
+        return at / plan.monitors[size_t(monitor)].scale + QPointF(left, 0);
+    }
+
+    /// Opens the overlays; the pointer waits in the corner of the first output, where the cross
+    /// tells that they are there.
+    [[nodiscard]] bool open(const char *action = "start-capture")
+    {
+        desktop.output(QStringLiteral("wl-copy"), {QStringLiteral("--clear")});
+        point(0, corner);
+        before.clear();
+        for (size_t i = 0; i < plan.monitors.size(); ++i)
+            before.append(desktop.lookWhenStill(int(i)));
+        const QImage arrow = before.first().copy(pointerArea());
+        return act(action)
+            && waitUntil([&] { return desktop.look(0).copy(pointerArea()) != arrow; });
+    }
+    void select(int monitor, QPointF from, QPointF to)
+    {
+        hand->drag(pointsAt(monitor, from), pointsAt(monitor, to));
+    }
+    [[nodiscard]] bool tap(const char *chord) { return hand->tap(QLatin1String(chord)); }
+    /// Where the pointer's picture lies at `open`.
+    static QRect pointerArea() { return {0, 0, 80, 80}; }
+    /// Two pictures of an output, but for the pointer in its corner.
+    static int differences(QImage one, QImage other)
+    {
+        for (QImage *image : {&one, &other}) {
+            for (int y = 0; y < pointerArea().height(); ++y)
+                for (int x = 0; x < pointerArea().width(); ++x)
+                    image->setPixel(x, y, 0);
+        }
+        return differentPixels(one, other);
+    }
+    /// The PNG on the clipboard; null when it does not come.
+    QImage pasted()
+    {
+        QByteArray png;
+        const bool came = waitUntil([&] {
+            png = desktop.output(QStringLiteral("wl-paste"),
+                                 {QStringLiteral("-t"), QStringLiteral("image/png")});
+            return !png.isEmpty();
+        });
+        return came ? QImage::fromData(png) : QImage();
+    }
+    QImage expected(int monitor, QRectF part) const
+    {
+        return before[monitor].copy(part.toAlignedRect());
+    }
+    /// The pointer's hot spot when it waits, in points as in pixels.
+    static constexpr QPointF corner{30, 30};
+
+    bool fail(const QString &reason)
+    {
+        error = reason;
+        return false;
+    }
+
+    WaylandPlan plan;
+    WaylandDesktop desktop;
+    std::unique_ptr<WaylandHand> hand;
+    Program *tovek = nullptr;
+    QList<QImage> before; ///< the outputs when the overlays were asked for
+    QString error;
+
+private:
+    /// Not the plain colour from before the picture.
+    static bool isFine(const QImage &picture)
+    {
+        int changes = 0;
+        for (int x = 1; x < picture.width(); ++x)
+            changes += picture.pixel(x, picture.height() - 2)
+                != picture.pixel(x - 1, picture.height() - 2);
+        return changes > picture.width() / 2;
+    }
+};
+
+} // namespace tovek

@@ -1,0 +1,143 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+// The program on a Wayland desktop: what a person sees and gets, to the pixel.
+
+#include "desktop/wayland/WaylandSession.h"
+#include "support/Skip.h"
+
+#include <QRegularExpression>
+
+using namespace tovek;
+
+class TestWaylandCapture : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { skipBecause(WaylandDesktop::missing()); }
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void openingChangesNotOnePixel_data() { plans(); }
+    void openingChangesNotOnePixel()
+    {
+        QFETCH(WaylandPlan, plan);
+        WaylandSession session(plan);
+        QVERIFY2(session.start(), qPrintable(session.error));
+        QVERIFY(session.open());
+        for (int look = 0; look < 3; ++look) {
+            for (int i = 0; i < session.before.size(); ++i)
+                QCOMPARE(WaylandSession::differences(session.desktop.look(i), session.before[i]),
+                         0);
+        }
+        QVERIFY(session.tap("Escape"));
+        for (int i = 0; i < session.before.size(); ++i)
+            QTRY_COMPARE(differentPixels(session.desktop.look(i), session.before[i]), 0);
+    }
+
+    void copiesExactlyTheSelection_data() { plans(); }
+    void copiesExactlyTheSelection()
+    {
+        QFETCH(WaylandPlan, plan);
+        WaylandSession session(plan);
+        QVERIFY2(session.start(), qPrintable(session.error));
+        const int last = int(plan.monitors.size()) - 1;
+        const double scale = plan.monitors[size_t(last)].scale;
+        const QSize size = session.desktop.look(last).size();
+        // The pointer moves in points; places that are whole in both at each scale are exact.
+        const auto at = [&](int x, int y) { return QPointF(x, y) * scale; };
+        const auto right = double(size.width());
+        const auto bottom = double(size.height());
+        const struct
+        {
+            const char *name;
+            QPointF from, to;
+        } drags[]{
+            {"down and right", at(200, 104), at(420, 308)},
+            {"up and left", at(420, 308), at(200, 104)},
+            {"up and right", at(200, 308), at(420, 104)},
+            {"down and left", at(420, 104), at(200, 308)},
+            {"from the left edge", at(0, 300), at(156, 424)},
+            {"from the top edge", at(400, 0), at(516, 132)},
+            {"to the right edge", at(300, 300), {right, 380 * scale}},
+            {"to the bottom edge", at(300, 200), {420 * scale, bottom}},
+        };
+        for (const auto &drag : drags) {
+            QVERIFY2(session.open(), drag.name);
+            session.select(last, drag.from, drag.to);
+            QVERIFY2(session.tap("Return"), drag.name);
+            const QImage image = session.pasted();
+            const QImage expected = session.expected(last, QRectF(drag.from, drag.to).normalized());
+            QVERIFY2(image.size() == expected.size(),
+                     qPrintable(QStringLiteral("%1: %2 x %3, not %4 x %5")
+                                    .arg(QLatin1String(drag.name))
+                                    .arg(image.width())
+                                    .arg(image.height())
+                                    .arg(expected.width())
+                                    .arg(expected.height())));
+            QVERIFY2(differentPixels(image, expected) == 0, drag.name);
+        }
+    }
+
+    void showsTheInstantOfTheCommand()
+    {
+        WaylandSession session;
+        QVERIFY2(session.start(), qPrintable(session.error));
+        QVERIFY(session.open());
+        QVERIFY(!session.desktop
+                     .tell({QStringLiteral("output %1 bg #ff0000 solid_color")
+                                .arg(WaylandDesktop::monitorName(0))})
+                     .isNull());
+        for (int look = 0; look < 10; ++look)
+            QCOMPARE(WaylandSession::differences(session.desktop.look(), session.before[0]), 0);
+        session.select(0, {150, 150}, {600, 476});
+        QVERIFY(session.tap("Return"));
+        QCOMPARE(differentPixels(session.pasted(), session.expected(0, {150, 150, 450, 326})), 0);
+        // It was there all the time.
+        QTRY_COMPARE(session.desktop.look().pixel(640, 700), qRgb(255, 0, 0));
+    }
+
+    void bringsTheKeyboardToTheScreenOfThePointer()
+    {
+        WaylandSession session({{{QSize(1280, 800), 1}, {QSize(1600, 1200), 2}}});
+        QVERIFY2(session.start(), qPrintable(session.error));
+        for (const int monitor : {0, 1}) {
+            QVERIFY(session.open());
+            session.select(monitor, {200, 200}, {400, 360});
+            QVERIFY(session.tap("Return"));
+            QCOMPARE(session.pasted().size(), QSize(200, 160));
+        }
+    }
+
+    void survivesTheScreenThatGoes()
+    {
+        WaylandSession session({{{QSize(1280, 800), 1}, {QSize(1600, 1200), 2}}});
+        QVERIFY2(session.start(), qPrintable(session.error));
+        QVERIFY(session.open());
+        const QString second = WaylandDesktop::monitorName(1);
+        QVERIFY(!session.desktop.tell({QStringLiteral("output %1 disable").arg(second)}).isNull());
+        session.select(0, {200, 200}, {400, 360});
+        QVERIFY(session.tap("Return"));
+        QCOMPARE(differentPixels(session.pasted(), session.expected(0, {200, 200, 200, 160})), 0);
+        QVERIFY(session.open());
+        QVERIFY(session.tap("Escape"));
+        QVERIFY(session.tovek->isRunning());
+    }
+
+private:
+    void plans()
+    {
+        QTest::addColumn<WaylandPlan>("plan");
+        const QSize size(1280, 800);
+        for (const double scale : {1.0, 1.25, 1.5, 2.0})
+            QTest::addRow("scale %.2f", scale) << WaylandPlan{{{QSize(1280, 960), scale}}};
+        QTest::newRow("mixed") << WaylandPlan{{{size, 1}, {QSize(1600, 1200), 2}}};
+        QTest::newRow("a fraction of a point is left") << WaylandPlan{{{QSize(1281, 801), 1.5}}};
+        for (const char *transform : {"90", "180", "270", "flipped", "flipped-90"})
+            QTest::addRow("turned %s", transform)
+                << WaylandPlan{{{QSize(800, 1280), 1, QString::fromLatin1(transform)}}};
+    }
+};
+
+QTEST_GUILESS_MAIN(TestWaylandCapture)
+#include "tst_WaylandCapture.moc"
