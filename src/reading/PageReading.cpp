@@ -101,6 +101,8 @@ std::vector<ReadWord> wordsOf(ReadPiece &piece)
     erasePictures(piece.symbols, piece.metrics);
     settleLookAlikes(piece.symbols, piece.metrics);
     std::vector<ReadWord> words = readWords(piece.symbols);
+    for (ReadWord &word : words)
+        word.text = inOneScript(word.text);
     dropPictures(words, piece.metrics);
     if (piece.isInRightToLeft && words.size() == 1)
         words.front().text = withMarksBehind(words.front().text);

@@ -276,6 +276,15 @@ public:
                 symbols = std::move(latin);
             symbols = inVisualOrder(*symbols);
         }
+        if (!m_engine.readsByWords() && hasOtherThanLatin(text)
+            && confidenceOf(*symbols) < sureOfLetters) {
+            // A shortcut or a name among Cyrillic or Greek text.
+            auto latin = m_engine.read(strip, LineEngine::Models::english);
+            if (!latin)
+                return std::nullopt;
+            if (confidenceOf(*latin) > confidenceOf(*symbols))
+                symbols = std::move(latin);
+        }
         return std::vector{
             ReadPiece{m_metrics, symbolsOf(*symbols, strip, ink, m_run, m_metrics), {}}};
     }

@@ -3,6 +3,8 @@
 
 #include "reading/RunReading.h"
 
+#include "reading/Scripts.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -237,12 +239,14 @@ bool isTwoHyphens(const QString &text, const QRect &dash, const LetterMetrics &m
     return text == QStringLiteral("\u2014") && width >= 0.6 && width <= 1.15;
 }
 
-/// Ink whose shape names it. False where a character must be asked for.
+/// Ink whose shape names it. False where a character must be asked for. The foot of a Cyrillic
+/// letter has the shape and the place of a full stop, so that unread ink beside such letters
+/// (`isForeign`) tells nothing.
 bool appendPlain(const std::vector<EngineSymbol> &symbols, std::size_t i,
                  const std::vector<QRect> &segments, std::size_t j, const Step &step,
-                 const LetterMetrics &metrics, std::vector<InkSymbol> &result)
+                 const LetterMetrics &metrics, bool isForeign, std::vector<InkSymbol> &result)
 {
-    if (step.segments == 0)
+    if (step.segments == 0 || (step.symbols == 0 && isForeign))
         return false;
     static const QString dashes = QStringLiteral("-~_=\u2014\u2013\u00ad\u00ab\u00bb");
     const bool isUnread = step.symbols == 0;
@@ -338,11 +342,14 @@ std::vector<InkSymbol> alignedSymbols(const std::vector<EngineSymbol> &symbols,
     std::size_t i = 0;
     std::size_t j = 0;
     bool startsWord = false;
+    const bool isForeign =
+        std::any_of(symbols.begin(), symbols.end(),
+                    [](const EngineSymbol &symbol) { return hasOtherThanLatin(symbol.text); });
     for (const Step &step : Alignment(placed, segments, metrics).path()) {
         // A dropped character leaves its word break to the next one.
         startsWord = startsWord || (step.symbols > 0 && symbols[i].startsWord);
         const std::size_t before = result.size();
-        if (!appendPlain(symbols, i, segments, j, step, metrics, result))
+        if (!appendPlain(symbols, i, segments, j, step, metrics, isForeign, result))
             appendRead(symbols, i, segments, j, step, result);
         if (result.size() > before) {
             result[before].startsWord = startsWord;

@@ -15,6 +15,33 @@ constexpr double leastShareOfWords = 0.25;
 /// From here on marks too stand in an ideograph's cell.
 constexpr char32_t firstIdeograph = 0x2E80;
 
+/// Letters that every font draws alike, in the same order.
+const QString cyrillicTwins = QStringLiteral("АВЕКМНОРСТХУІЈЅаеорсухіјѕ");
+const QString twinsOfCyrillic = QStringLiteral("ABEKMHOPCTXYIJSaeopcyxijs");
+const QString greekTwins = QStringLiteral("ΑΒΕΖΗΙΚΜΝΟΡΤΥΧο");
+const QString twinsOfGreek = QStringLiteral("ABEZHIKMNOPTYXo");
+
+QChar latinOf(QChar c)
+{
+    if (const auto at = cyrillicTwins.indexOf(c); at >= 0)
+        return twinsOfCyrillic.at(at);
+    if (const auto at = greekTwins.indexOf(c); at >= 0)
+        return twinsOfGreek.at(at);
+    return c;
+}
+
+QChar twinOf(QChar c, QChar::Script script)
+{
+    const bool isGreek = script == QChar::Script_Greek;
+    const auto at = (isGreek ? twinsOfGreek : twinsOfCyrillic).indexOf(c);
+    return at < 0 ? c : (isGreek ? greekTwins : cyrillicTwins).at(at);
+}
+
+bool hasTwin(QChar c)
+{
+    return twinsOfCyrillic.contains(c) || twinsOfGreek.contains(c);
+}
+
 bool isLeftToRightLetter(char32_t c)
 {
     return QChar::isLetter(c) && QChar::direction(c) == QChar::DirL;
@@ -94,6 +121,14 @@ bool isDividedByBlanks(const QString &text)
     return divided * 2 > all;
 }
 
+bool hasOtherThanLatin(const QString &text)
+{
+    return std::any_of(text.begin(), text.end(), [](QChar c) {
+        return c.isLetter() && c.script() != QChar::Script_Latin
+            && c.script() != QChar::Script_Common;
+    });
+}
+
 bool isReadByWords(const QString &text)
 {
     int letters = 0;
@@ -132,6 +167,38 @@ std::vector<std::size_t> readingOrderOf(const std::vector<QString> &words)
         order.insert(at, group.begin(), group.end());
     }
     return order;
+}
+
+bool isSameShape(const QString &a, const QString &b)
+{
+    return a.size() == 1 && b.size() == 1 && a != b && (latinOf(a.at(0)) == latinOf(b.at(0)));
+}
+
+QString inOneScript(const QString &word)
+{
+    int latin = 0;
+    int other = 0;
+    int onlyLatin = 0;
+    int onlyOther = 0;
+    auto script = QChar::Script_Latin;
+    for (const QChar c : word) {
+        if (!c.isLetter())
+            continue;
+        if (c.script() == QChar::Script_Latin) {
+            ++latin;
+            onlyLatin += !hasTwin(c);
+        } else if (c.script() == QChar::Script_Cyrillic || c.script() == QChar::Script_Greek) {
+            ++other;
+            onlyOther += latinOf(c) == c;
+            script = c.script();
+        }
+    }
+    if (latin == 0 || other == 0 || onlyLatin == onlyOther)
+        return word;
+    QString result;
+    for (const QChar c : word)
+        result += onlyLatin > onlyOther ? latinOf(c) : twinOf(c, script);
+    return result;
 }
 
 QString withMarksBehind(const QString &seen)

@@ -31,6 +31,9 @@ bool isDividedByBlanks(const QString &text);
 /// In letter heights: no gap between two letters or syllables is as wide as a blank.
 inline constexpr double narrowestBlankBetweenWords = 0.2;
 
+/// Whether a letter is none of the Latin ones.
+bool hasOtherThanLatin(const QString &text);
+
 /// True for text in which letters of `words` have a part that a misread icon has not.
 bool isReadByWords(const QString &text);
 
@@ -44,6 +47,13 @@ std::vector<std::size_t> readingOrderOf(const std::vector<QString> &words);
 /// A number or Latin word as it stands in a line from right to left, given as it is seen from the
 /// left: the marks that end it there stand before it.
 QString withMarksBehind(const QString &seen);
+
+/// Whether two characters are drawn alike in different scripts, such as a Latin and a Cyrillic e.
+bool isSameShape(const QString &a, const QString &b);
+
+/// A word in letters of one script: where it mixes Latin with Cyrillic or Greek ones, those that
+/// are drawn alike in both follow the others.
+QString inOneScript(const QString &word);
 
 /// Without the invisible marks that only turn the direction of writing.
 QString withoutDirectionMarks(const QString &text);

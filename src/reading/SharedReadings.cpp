@@ -3,6 +3,8 @@
 
 #include "reading/SharedReadings.h"
 
+#include "reading/Scripts.h"
+
 #include <QHash>
 
 #include <algorithm>
@@ -117,6 +119,9 @@ void vote(const Cluster &cluster, const std::vector<std::vector<InkSymbol>> &rea
     for (const Unit &unit : cluster.members) {
         const QString text = textOf(readings[unit.run], unit);
         if (bars.contains(text) && bars.contains(best->first) && !text.isEmpty())
+            continue;
+        // One shape in two scripts: only the word tells.
+        if (isSameShape(text, best->first))
             continue;
         const double needed = isAlike(text, best->first) ? clearAmongAlike : clearMajority;
         if (text != best->first && best->second >= votes[text] * needed)

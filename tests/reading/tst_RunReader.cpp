@@ -118,6 +118,14 @@ private Q_SLOTS:
         QVERIFY(pieces->at(1).isInRightToLeft);
         QCOMPARE(engine.asked.back(), Models::english);
     }
+    void readsUnsureLettersOfAnotherAlphabetInEnglish()
+    {
+        Line line;
+        ToldEngine engine({{"сиіно", 0.1, 0.9}}, {{"Ctrl+Q", 0.1, 0.9}}, {}, 90);
+        engine.isForeign = false;
+        const auto pieces = readRun(line.map, line.run, line.metrics, engine);
+        QCOMPARE(wordsOf(pieces.value()), QStringList{"Ctrl+Q"});
+    }
     void looksAgainAtUnsureLetters_data()
     {
         QTest::addColumn<double>("confidence");

@@ -56,6 +56,17 @@ private Q_SLOTS:
         QCOMPARE(inkSegments(ink, run), (std::vector{QRect(102, 50, 1, 8), QRect(106, 53, 1, 5)}));
     }
 
+    void takesTheFootOfACyrillicLetterForNoDot()
+    {
+        const std::vector<QRect> ink{{0, 3, 7, 7}, {10, 8, 2, 2}, {14, 3, 7, 7}};
+        const auto read = [&](const QString &a, const QString &b) {
+            return textOf(alignedSymbols({symbol(a, 0, 7, true), symbol(b, 14, 21)}, plainStrip(),
+                                         ink, metrics));
+        };
+        QCOMPARE(read("a", "n"), QStringLiteral("a.n"));
+        QCOMPARE(read("м", "л"), QStringLiteral("мл"));
+    }
+
     void namesInkThatWasPassedOver_data()
     {
         QTest::addColumn<QRect>("passedOver");

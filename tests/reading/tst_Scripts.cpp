@@ -95,6 +95,29 @@ private Q_SLOTS:
         QTEST(withMarksBehind(seen), "read");
     }
 
+    void keepsAWordInOneScript_data()
+    {
+        QTest::addColumn<QString>("read");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("Latin with Cyrillic vowels") << "Firеfоx"
+                                                    << "Firefox";
+        QTest::newRow("Cyrillic with a Latin vowel") << "Фaйл"
+                                                     << "Файл";
+        QTest::newRow("Greek with a Latin o") << "Αρχείo"
+                                              << "Αρχείο";
+        QTest::newRow("nothing to tell by") << "НP"
+                                            << "НP";
+        QTest::newRow("Latin alone") << "Core"
+                                     << "Core";
+        QTest::newRow("Cyrillic alone") << "Сорок"
+                                        << "Сорок";
+    }
+    void keepsAWordInOneScript()
+    {
+        QFETCH(QString, read);
+        QTEST(inOneScript(read), "expected");
+    }
+
     void takesOutMarksThatTurnTheDirection()
     {
         QCOMPARE(withoutDirectionMarks(QStringLiteral("\u200Fא\u200E1\u202C")),
