@@ -4,6 +4,7 @@
 #pragma once
 
 #include "reading/EnginePool.h"
+#include "reading/ExactReading.h"
 #include "reading/PageReading.h"
 
 #include <atomic>
@@ -16,7 +17,9 @@ namespace tovek {
 class PageReader
 {
 public:
-    PageReader(Page page, std::shared_ptr<EnginePool> engines);
+    /// What can be read without an engine is read by `exact`, where there is one.
+    PageReader(Page page, std::shared_ptr<EnginePool> engines,
+               std::unique_ptr<ExactReading> exact = nullptr);
 
     /// No more threads than this are of use.
     std::size_t runs() const { return m_page.runs.size(); }
@@ -28,6 +31,8 @@ public:
     bool isUnreadable() const { return m_isUnreadable; }
     /// The lines of words; to be called once. Logs how many runs were lost, if any.
     std::vector<std::vector<ReadWord>> takeLines();
+    /// See ExactReading; the last to be called, by one thread.
+    void learn(const std::function<bool()> &isCancelled);
 
 private:
     /// False when the engine is lost.
@@ -35,6 +40,9 @@ private:
 
     Page m_page;
     std::shared_ptr<EnginePool> m_engines;
+    std::unique_ptr<ExactReading> m_exact;
+    std::vector<std::size_t> m_order; ///< of the runs
+    std::atomic<bool> m_isExactBegun = false;
     std::vector<std::vector<ReadPiece>> m_readings; ///< one a run
     std::atomic<std::size_t> m_nextRun = 0;
     std::atomic<int> m_lost = 0;

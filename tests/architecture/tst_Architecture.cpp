@@ -105,6 +105,7 @@ private:
             {"look", {"foundation"}},
             {"platform", {"foundation"}},
             {"reading", {"foundation"}},
+            {"reading/fonts", {"reading"}},
             {"platform/linux", {"platform", "platform/linux/ocr", "reading", "foundation"}},
             {"platform/linux/ocr", {"reading"}},
             {"platform/linux/clipboard", {"platform", "foundation"}},

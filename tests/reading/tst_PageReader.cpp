@@ -49,6 +49,32 @@ Page pageOfBlocks(int lines)
     return pageOf(image);
 }
 
+/// Reads every other run itself.
+class EveryOther : public ExactReading
+{
+public:
+    explicit EveryOther(const Page &page) : m_page(page) { }
+    bool mayTake(std::size_t) const override { return true; }
+    void read(const std::function<bool()> &) override { m_isRead = true; }
+    bool hasTaken(std::size_t run) const override { return m_isRead && run % 2 == 1; }
+    std::vector<std::vector<ReadWord>> takeLines() override
+    {
+        std::vector<std::vector<ReadWord>> lines;
+        for (std::size_t run = 1; run < m_page.runs.size(); run += 2)
+            lines.push_back({{"exact", m_page.runs[run].text.box, 100}});
+        return lines;
+    }
+    bool isIn(const QRect &word) const override
+    {
+        return m_page.runs[2].text.box.contains(word.center());
+    }
+    void learn(const std::function<bool()> &) override { }
+
+private:
+    Page m_page;
+    bool m_isRead = false;
+};
+
 QSet<int> firstLines(int count)
 {
     QSet<int> lines;
@@ -104,6 +130,25 @@ private Q_SLOTS:
             QCOMPARE(reader.takeLines().size(), std::size_t(20 - broken));
         }
         QCOMPARE(capture.lines(), log);
+    }
+
+    void leavesToTheEngineWhatIsNotReadWithoutIt()
+    {
+        const auto linesRead = std::make_shared<int>(0);
+        const Page page = pageOfBlocks(6);
+        PageReader reader(page, std::make_shared<EnginePool>([&] {
+                              return std::make_unique<CountingEngine>(linesRead, QSet<int>{});
+                          }),
+                          std::make_unique<EveryOther>(page));
+        reader.read([] { return false; });
+        QCOMPARE(*linesRead, 3);
+        QStringList words;
+        for (const auto &line : reader.takeLines()) {
+            for (const ReadWord &word : line)
+                words += word.text;
+        }
+        // The third run's words lie where others were read without the engine.
+        QCOMPARE(words, QStringList({"M", "M", "exact", "exact", "exact"}));
     }
 
     void isUnreadableWithoutAnEngine()
