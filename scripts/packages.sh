@@ -7,7 +7,7 @@
 build_packages=(
     ccache cmake g++ ninja-build pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-base-private-dev
-    libcanberra-dev libdeflate-dev libisal-dev libsodium-dev libtesseract-dev libxkbcommon-dev libxkbcommon-x11-dev zlib1g-dev
+    libcanberra-dev libdeflate-dev libfontconfig-dev libfreetype-dev libisal-dev libsodium-dev libtesseract-dev libxkbcommon-dev libxkbcommon-x11-dev zlib1g-dev
     libxcb1-dev libxcb-icccm4-dev libxcb-image0-dev libxcb-keysyms1-dev libxcb-randr0-dev
     libxcb-render0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-xfixes0-dev libxcb-xinput-dev
     libxcb-xkb-dev libxcb-xtest0-dev

@@ -5,8 +5,10 @@
 
 #include "foundation/Log.h"
 #include "foundation/Memory.h"
+#include "platform/linux/fonts/FreeTypeGlyphs.h"
 #include "platform/linux/ocr/RecognitionModels.h"
 #include "reading/PageReader.h"
+#include "reading/fonts/FontReader.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -78,6 +80,7 @@ struct TesseractRecognizer::Job
 };
 
 TesseractRecognizer::TesseractRecognizer(std::chrono::milliseconds idleTime)
+    : m_fonts(std::make_unique<FontReader>(std::make_unique<FreeTypeGlyphs>()))
 {
     m_idle.setInterval(idleTime);
     m_idle.setSingleShot(true);
@@ -86,6 +89,7 @@ TesseractRecognizer::TesseractRecognizer(std::chrono::milliseconds idleTime)
 
 TesseractRecognizer::~TesseractRecognizer()
 {
+    m_isEnding = true;
     for (const std::weak_ptr<Job> &weak : m_jobs) {
         if (const auto job = weak.lock())
             job->promise.future().cancel();
@@ -171,8 +175,9 @@ void TesseractRecognizer::findEngines()
 
 void TesseractRecognizer::start(const std::shared_ptr<Job> &job)
 {
-    job->reader = std::make_unique<PageReader>(
-        job->promise.isCanceled() ? Page{} : pageOf(job->image), job->engines);
+    Page page = job->promise.isCanceled() ? Page{} : pageOf(job->image);
+    auto exact = m_fonts->readingOf(page, job->image);
+    job->reader = std::make_unique<PageReader>(std::move(page), job->engines, std::move(exact));
     job->image = {};
     const std::size_t useful =
         std::min(job->reader->runs(), std::size_t(m_threads.maxThreadCount()));
@@ -198,6 +203,7 @@ void TesseractRecognizer::read(const std::shared_ptr<Job> &job)
                                     "package tesseract-ocr-eng")});
     } else {
         job->finish({observationsOf(job->reader->takeLines()), {}});
+        job->reader->learn([this] { return m_isEnding || m_threads.activeThreadCount() > 1; });
     }
 }
 
@@ -208,6 +214,7 @@ void TesseractRecognizer::becomeIdle()
         return;
     }
     m_engines->clear();
+    m_fonts->letGo();
     releaseMemory();
 }
 

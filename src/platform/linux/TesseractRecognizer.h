@@ -10,12 +10,14 @@
 #include <QThreadPool>
 #include <QTimer>
 
+#include <atomic>
 #include <chrono>
 #include <memory>
 
 namespace tovek {
 
 class EnginePool;
+class FontReader;
 
 /// Recognises with the Tesseract engine, as many processes of it as there are cores, which stay
 /// warm between recognitions and end after two minutes without one. The models are looked for at
@@ -42,9 +44,11 @@ private:
     void becomeIdle();
 
     QThreadPool m_threads;
+    std::atomic<bool> m_isEnding = false;
     EngineSetup m_setup;
     QStringList m_missingPackages;
     std::shared_ptr<EnginePool> m_engines;
+    std::unique_ptr<FontReader> m_fonts;
     std::vector<std::weak_ptr<Job>> m_jobs;
     QTimer m_idle;
 };
