@@ -75,6 +75,21 @@ QString description(const Shortcut &shortcut, const KeyboardLayout &layout)
     return symbols + (character ? character->toUpper() : QString(QChar::ReplacementCharacter));
 }
 
+QString description(const QKeySequence &sequence)
+{
+    if (sequence.count() != 1)
+        return sequence.toString(QKeySequence::NativeText);
+    const Qt::KeyboardModifiers modifiers = sequence[0].keyboardModifiers();
+    KeyFlags flags;
+    flags.setFlag(KeyFlag::control, modifiers.testFlag(Qt::ControlModifier));
+    flags.setFlag(KeyFlag::option, modifiers.testFlag(Qt::AltModifier));
+    flags.setFlag(KeyFlag::shift, modifiers.testFlag(Qt::ShiftModifier));
+    flags.setFlag(KeyFlag::command, modifiers.testFlag(Qt::MetaModifier));
+    const QKeyCombination key(modifiers & Qt::KeypadModifier, sequence[0].key());
+    const auto special = specialKeyOf(key);
+    return description(flags) + (special ? text(*special) : menuText(key));
+}
+
 std::optional<QString> keyEquivalent(const Shortcut &shortcut, const KeyboardLayout &layout)
 {
     if (const auto special = specialKey(shortcut.carbonKeyCode))

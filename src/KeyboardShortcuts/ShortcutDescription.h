@@ -19,6 +19,9 @@ QString description(tovek::KeyFlags flags);
 /// it, capitalised, or U+FFFD.
 QString description(const Shortcut &shortcut, const tovek::KeyboardLayout &layout);
 
+/// The same of the keys of a menu item, in the one way in which this program writes keys.
+QString description(const QKeySequence &sequence);
+
 /// What a menu item compares its key with: the character of the key in lower case, or the name of
 /// a special key as menus write it ("F5", "Return"). Absent when the key has neither.
 std::optional<QString> keyEquivalent(const Shortcut &shortcut, const tovek::KeyboardLayout &layout);

@@ -77,6 +77,15 @@ std::optional<SpecialKey> specialKey(qint64 carbonKeyCode)
     return found == byCode.cend() ? std::nullopt : std::optional(*found);
 }
 
+std::optional<SpecialKey> specialKeyOf(QKeyCombination key)
+{
+    for (size_t index = 0; index < std::size(rows); ++index) {
+        if (menuKey(SpecialKey(index)) == key)
+            return SpecialKey(index);
+    }
+    return std::nullopt;
+}
+
 std::vector<int> specialKeyCodes()
 {
     std::vector<int> codes;

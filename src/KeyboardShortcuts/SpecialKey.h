@@ -53,4 +53,7 @@ QString text(SpecialKey key);
 /// the places of F13 to F15, Insert in that of Help, Num Lock in that of the keypad's Clear.
 QKeyCombination menuKey(SpecialKey key);
 
+/// The inverse.
+std::optional<SpecialKey> specialKeyOf(QKeyCombination menuKey);
+
 } // namespace KeyboardShortcuts

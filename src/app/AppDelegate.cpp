@@ -4,6 +4,7 @@
 #include "app/AppDelegate.h"
 
 #include "KeyboardShortcuts/MenuItems.h"
+#include "KeyboardShortcuts/ShortcutDescription.h"
 #include "KeyboardShortcuts/ShortcutService.h"
 #include "app/AppState.h"
 #include "app/HotkeyManager.h"
@@ -152,7 +153,9 @@ void AppDelegate::applicationDidFinishLaunching(Launch launch, HotkeyManager &ho
 
 void AppDelegate::showPermissionWindow()
 {
-    useModernLook();
+    useModernLook(m_platform.areDarkWindowsWanted && m_platform.areDarkWindowsWanted()
+                      ? Windows::dark
+                      : Windows::asThePalette);
     m_services.permissionWindowController->show();
 }
 
@@ -195,6 +198,9 @@ void AppDelegate::setUpStatusBar()
     statusBar->actions.quit = [] { QCoreApplication::quit(); };
     statusBar->bindShortcut = [&shortcuts](QAction &item, const QString &name) {
         KeyboardShortcuts::setShortcut(item, shortcuts.createName(name), shortcuts);
+    };
+    statusBar->describeKeys = [](const QKeySequence &keys) {
+        return KeyboardShortcuts::description(keys);
     };
     statusBar->encodePng = [](const Image &image) { return encodePng(image.bitmap); };
     statusBar->onPreviewEnded = [this] { restSoon(); };

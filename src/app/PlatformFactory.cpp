@@ -12,6 +12,7 @@
 #include "platform/linux/DBusLockSignals.h"
 #include "platform/linux/DBusNotifications.h"
 #include "platform/linux/DBusSingleInstance.h"
+#include "platform/linux/DesktopColors.h"
 #include "platform/linux/DesktopShortcuts.h"
 #include "platform/linux/KGlobalAccelHotKeys.h"
 #include "platform/linux/QtClock.h"
@@ -406,6 +407,7 @@ Platform makePlatform(EarlyPlatform &early)
         AutostartLoginItem::standardFolder(), AutostartLoginItem::standardProgram());
     platform.systemShortcuts = std::make_unique<DesktopShortcuts>(
         qEnvironmentVariable("XDG_CURRENT_DESKTOP"), *platform.keyboardLayout);
+    platform.areDarkWindowsWanted = &areDarkWindowsWanted;
     platform.notifications = onBus<DBusNotifications>(*early.bus);
     platform.lockSignals = onBus<DBusLockSignals>(*early.bus);
     platform.fileRevealer = onBus<DBusFileRevealer>(*early.bus);

@@ -57,7 +57,9 @@ void TovekApp::openSettings()
 {
     m_platform.frontmostApp->setActivationPolicy(ActivationPolicy::regular);
     if (!m_settingsWindow) {
-        useModernLook();
+        useModernLook(m_platform.areDarkWindowsWanted && m_platform.areDarkWindowsWanted()
+                          ? Windows::dark
+                          : Windows::asThePalette);
         m_settingsWindow = new SettingsWindow(
             m_appState,
             {[this](SettingsTab tab, QWidget *parent) { return m_settingsTabs.make(tab, parent); },

@@ -8,7 +8,9 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QPalette>
 
+#include <optional>
 #include <utility>
 
 namespace tovek {
@@ -17,11 +19,37 @@ namespace {
 
 constexpr int windowIconSide = 128;
 
+/// The windows of a desktop that is dark without telling the toolkit its colours.
+QPalette darkPalette()
+{
+    const QColor text(0xf2, 0xf2, 0xf4);
+    QPalette palette(QColor(0x3a, 0x3a, 0x3d), QColor(0x26, 0x26, 0x28));
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText,
+                            QPalette::ToolTipText, QPalette::BrightText})
+        palette.setColor(role, text);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(0xf2, 0xf2, 0xf4, 0x66));
+    palette.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x20));
+    palette.setColor(QPalette::ToolTipBase, QColor(0x3a, 0x3a, 0x3d));
+    palette.setColor(QPalette::Highlight, QColor(0x0a, 0x84, 0xff));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Link, QColor(0x5a, 0xb0, 0xff));
+    return palette;
+}
+
 } // namespace
 
-void useModernLook()
+void useModernLook(Windows windows)
 {
     static bool isUsed = false;
+    static std::optional<QPalette> before; // of the desktop, while ours is used
+    const bool isDark = ModernStyle::isDark(before.value_or(QApplication::palette()));
+    if (windows == Windows::dark && !isDark && !before) {
+        before = QApplication::palette();
+        QApplication::setPalette(darkPalette());
+    } else if (windows == Windows::asThePalette && before) {
+        QApplication::setPalette(*std::exchange(before, std::nullopt));
+    }
     if (std::exchange(isUsed, true))
         return;
     QApplication::setStyle(new ModernStyle); // owned by the application

@@ -7,6 +7,7 @@ namespace tovek {
 
 /// Gives the application its style and the icon of its windows, the first time it is called: the
 /// program mostly has no window to show them.
-void useModernLook();
+enum class Windows { asThePalette, dark };
+void useModernLook(Windows windows = Windows::asThePalette);
 
 } // namespace tovek

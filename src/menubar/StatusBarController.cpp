@@ -5,6 +5,7 @@
 
 #include "foundation/Log.h"
 #include "foundation/Settings.h"
+#include "menubar/ItemMenu.h"
 #include "menubar/PreviewRow.h"
 #include "menubar/ThumbnailGeometry.h"
 #include "platform/Clock.h"
@@ -264,7 +265,9 @@ void StatusBarController::openMenu()
 
 void StatusBarController::buildMenu()
 {
-    m_menu = new QMenu; // a top-level window; see menuClosed
+    auto *menu = new ItemMenu;
+    menu->describeKeys = describeKeys;
+    m_menu = menu; // a top-level window; see menuClosed
     m_menu->setAccessibleName(QStringLiteral("Tovek"));
     m_menu->setToolTipsVisible(true);
     m_menu->installEventFilter(this);

@@ -60,6 +60,8 @@ public:
     std::function<QString()> updateObstacle;
     /// Labels a capture item with the shortcut of this name, and keeps it so while it is shown.
     std::function<void(QAction &item, const QString &shortcutName)> bindShortcut;
+    /// How keys are written.
+    std::function<QString(const QKeySequence &keys)> describeKeys;
     /// The thumbnail of the last capture is gone from the panel.
     std::function<void()> onPreviewEnded;
     /// Any thread.

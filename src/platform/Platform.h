@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <functional>
 #include <memory>
 
 namespace tovek {
@@ -45,6 +46,7 @@ struct Platform
     std::unique_ptr<Clipboard> clipboard;
     std::unique_ptr<FrontmostApp> frontmostApp;
     std::unique_ptr<LoginItem> loginItem;
+    std::function<bool()> areDarkWindowsWanted; ///< may wait for a moment
 
     std::unique_ptr<CapturePermission> capturePermission;
     std::unique_ptr<ToastShell> toastShell;

@@ -38,6 +38,24 @@ private Q_SLOTS:
         m_layout.asked.clear();
     }
 
+    void writesTheKeysOfMenusAsItsOwn_data()
+    {
+        QTest::addColumn<QString>("keys");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("sign") << "Ctrl+," << QStringLiteral("⌃,");
+        QTest::newRow("letter") << "Ctrl+Q" << QStringLiteral("⌃Q");
+        QTest::newRow("all modifiers") << "Meta+Ctrl+Alt+Shift+A" << QStringLiteral("⌃⌥⇧⌘A");
+        QTest::newRow("print") << "Print" << QStringLiteral("F13");
+        QTest::newRow("special") << "Alt+Return" << QStringLiteral("⌥↩");
+        QTest::newRow("keypad") << "Num+5" << QStringLiteral("5⃣");
+        QTest::newRow("none") << "" << QString();
+    }
+    void writesTheKeysOfMenusAsItsOwn()
+    {
+        QFETCH(QString, keys);
+        QTEST(description(QKeySequence(keys)), "text");
+    }
+
     void describes_data()
     {
         QTest::addColumn<Shortcut>("shortcut");

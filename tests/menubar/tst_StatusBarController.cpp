@@ -5,12 +5,14 @@
 #include "fakes/FakeTray.h"
 #include "fakes/LogCapture.h"
 #include "foundation/UserDefaults.h"
+#include "menubar/ItemMenu.h"
 #include "menubar/StatusBarController.h"
 
 #include <QHelpEvent>
 #include <QMenu>
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QStyleOptionMenuItem>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QToolTip>
@@ -79,6 +81,19 @@ private Q_SLOTS:
         // Menus ask for more than the offscreen platform can do.
         QTest::failOnWarning(
             QRegularExpression(QStringLiteral("^(?!This plugin does not support)")));
+    }
+
+    void writesKeysAsItIsTold()
+    {
+        ItemMenu menu;
+        menu.describeKeys = [](const QKeySequence &keys) { return keys.toString() + "!"; };
+        QAction *withKeys = menu.addAction("Quit");
+        withKeys->setShortcut(Qt::CTRL | Qt::Key_Q);
+        QStyleOptionMenuItem option;
+        menu.initStyleOption(&option, withKeys);
+        QCOMPARE(option.text, QStringLiteral("Quit\tCtrl+Q!"));
+        menu.initStyleOption(&option, menu.addAction("About"));
+        QCOMPARE(option.text, QStringLiteral("About"));
     }
 
     void followsTheSettingAtLaunch_data()

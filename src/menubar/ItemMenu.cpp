@@ -1,0 +1,19 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "menubar/ItemMenu.h"
+
+#include <QStyleOptionMenuItem>
+
+namespace tovek {
+
+void ItemMenu::initStyleOption(QStyleOptionMenuItem *option, const QAction *action) const
+{
+    QMenu::initStyleOption(option, action);
+    // The toolkit puts the keys behind a tab.
+    const qsizetype tab = option->text.indexOf(QLatin1Char('\t'));
+    if (tab >= 0 && describeKeys)
+        option->text = option->text.left(tab + 1) + describeKeys(action->shortcut());
+}
+
+} // namespace tovek
