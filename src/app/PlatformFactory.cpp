@@ -81,10 +81,10 @@ std::unique_ptr<CapturePermission> refuseToCapture()
 }
 
 /// A service that follows the bus.
-template <typename Service>
-std::unique_ptr<Service> onBus(const SessionBus &bus)
+template <typename Service, typename... More>
+std::unique_ptr<Service> onBus(const SessionBus &bus, More... more)
 {
-    auto service = std::make_unique<Service>(bus.connection());
+    auto service = std::make_unique<Service>(bus.connection(), more...);
     QObject::connect(&bus, &SessionBus::changed, service.get(), &Service::setBus);
     return service;
 }
@@ -152,7 +152,8 @@ bool addWaylandDesktop(Platform &platform, const EarlyPlatform &early)
         platform.clipboard = std::make_unique<NullClipboard>();
     platform.toastShell = LayerToastShell::create(connection, outputs);
     platform.soundOutput = std::make_unique<CanberraSoundOutput>([] { return true; });
-    platform.tray = onBus<StatusNotifierItem>(*early.bus);
+    // Only the panel can put the menu where the item is.
+    platform.tray = onBus<StatusNotifierItem>(*early.bus, StatusNotifierItem::Menu::ofHost);
     std::atexit(&waitForUnfinished);
     connection->onLost = &exitUnfinished;
     connection->handleInMainLoop();

@@ -120,6 +120,24 @@ TrayPicture thumbnailPicture(const Image &image)
     return {size, paintThumbnail};
 }
 
+/// As hosts write the first of the keys.
+QStringList hostKeys(const QKeySequence &keys)
+{
+    if (keys.isEmpty())
+        return {};
+    const Qt::KeyboardModifiers modifiers = keys[0].keyboardModifiers();
+    QStringList names;
+    if (modifiers & Qt::ControlModifier)
+        names << QStringLiteral("Control");
+    if (modifiers & Qt::AltModifier)
+        names << QStringLiteral("Alt");
+    if (modifiers & Qt::ShiftModifier)
+        names << QStringLiteral("Shift");
+    if (modifiers & Qt::MetaModifier)
+        names << QStringLiteral("Super");
+    return names << QKeySequence(keys[0].key()).toString(QKeySequence::PortableText);
+}
+
 QByteArray pngOf(const Image &image)
 {
     QByteArray bytes;
@@ -147,6 +165,8 @@ StatusBarController::~StatusBarController()
     m_statusItem.onMoved = nullptr;
     m_statusItem.onReleased = nullptr;
     m_statusItem.onMenuRequested = nullptr;
+    m_statusItem.menuRows = nullptr;
+    m_statusItem.onMenuRow = nullptr;
     m_statusItem.onHostChanged = nullptr;
     delete m_menu;
 }
@@ -172,7 +192,12 @@ void StatusBarController::setup()
     m_statusItem.onPressed = [this](QPointF at) { press(at); };
     m_statusItem.onMoved = [this](QPointF at) { moveTo(at); };
     m_statusItem.onReleased = [this](QPointF) { release(); };
-    m_statusItem.onMenuRequested = [this] { openMenu(); };
+    m_statusItem.onMenuRequested = [this] { chosen(); };
+    m_statusItem.menuRows = [this] { return rowsForHost(); };
+    m_statusItem.onMenuRow = [this](int row) {
+        if (QAction *item = m_hostMenu ? m_hostMenu->actions().value(row) : nullptr)
+            item->trigger();
+    };
     const bool isVisible = Settings::showInMenuBar.in(m_defaults);
     m_statusItem.setVisible(isVisible);
     if (!isVisible)
@@ -274,12 +299,17 @@ void StatusBarController::buildMenu()
     connect(m_menu, &QMenu::aboutToHide, this, [this] { menuClosed(); });
     if (m_isInPreviewMode && !m_statusItem.canDrag())
         addPreviewRow();
+    addRows(*m_menu);
+}
+
+void StatusBarController::addRows(QMenu &menu)
+{
     for (const MenuRow &row : menuRows) {
         if (!row.title) {
-            m_menu->addSeparator();
+            menu.addSeparator();
             continue;
         }
-        QAction *item = m_menu->addAction(QString::fromLatin1(row.title));
+        QAction *item = menu.addAction(QString::fromLatin1(row.title));
         const bool checksUpdates = row.action == &Actions::checkForUpdates;
         const QString obstacle = checksUpdates && updateObstacle ? updateObstacle() : QString();
         item->setEnabled(actions.*row.action && obstacle.isEmpty());
@@ -297,6 +327,27 @@ void StatusBarController::buildMenu()
             },
             Qt::QueuedConnection);
     }
+}
+
+/// The item was chosen. A host that draws the menu shows it by itself; one that tells us all the
+/// same leaves us nowhere to put a menu.
+void StatusBarController::chosen()
+{
+    if (!m_statusItem.drawsMenu())
+        openMenu();
+    else if (actions.openPreferences)
+        actions.openPreferences();
+}
+
+std::vector<TrayMenuRow> StatusBarController::rowsForHost()
+{
+    m_hostMenu = std::make_unique<QMenu>();
+    addRows(*m_hostMenu);
+    std::vector<TrayMenuRow> rows;
+    for (const QAction *item : m_hostMenu->actions())
+        rows.push_back(
+            {item->text(), item->isSeparator(), item->isEnabled(), hostKeys(item->shortcut())});
+    return rows;
 }
 
 void StatusBarController::addPreviewRow()

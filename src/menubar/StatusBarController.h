@@ -80,6 +80,9 @@ private:
     void moveTo(QPointF at);
     void release();
     void buildMenu();
+    void addRows(QMenu &menu);
+    void chosen();
+    std::vector<TrayMenuRow> rowsForHost();
     void addPreviewRow();
     void menuClosed();
     void endPreviewMode();
@@ -97,6 +100,7 @@ private:
     bool m_isHostKnown = false; ///< the desktop has told whether it has a status area
     bool m_isInPreviewMode = false;
     QMenu *m_menu = nullptr; ///< deletes itself a turn after it has closed
+    std::unique_ptr<QMenu> m_hostMenu; ///< behind the rows that the host shows
     TrayPicture m_defaultIcon;
     std::optional<QPointF> m_pressedAt;
     QFuture<QByteArray> m_png; ///< of the preview image; invalid until somebody may want it

@@ -20,6 +20,11 @@ FirstTray::FirstTray(std::vector<std::unique_ptr<Tray>> trays) : m_trays(std::mo
         source->onPressed = [this, forward](QPointF at) { forward(onPressed, at); };
         source->onMoved = [this, forward](QPointF at) { forward(onMoved, at); };
         source->onReleased = [this, forward](QPointF at) { forward(onReleased, at); };
+        source->menuRows = [this] { return menuRows ? menuRows() : std::vector<TrayMenuRow>(); };
+        source->onMenuRow = [this, source](int row) {
+            if (source == m_current && onMenuRow)
+                onMenuRow(row);
+        };
         source->onMenuRequested = [this, source] {
             if (source == m_current && onMenuRequested)
                 onMenuRequested();

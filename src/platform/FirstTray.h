@@ -26,6 +26,7 @@ public:
     bool hasHost() const override { return m_current != nullptr; }
     bool isLookingForHost() const override;
     bool canDrag() const override { return m_current && m_current->canDrag(); }
+    bool drawsMenu() const override { return m_current && m_current->drawsMenu(); }
     QObject *dragSource() override { return m_current ? m_current->dragSource() : this; }
     QRect geometry() const override { return m_current ? m_current->geometry() : QRect(); }
 

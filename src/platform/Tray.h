@@ -7,8 +7,10 @@
 
 #include <QImage>
 #include <QRect>
+#include <QStringList>
 
 #include <functional>
+#include <vector>
 
 class QColor;
 
@@ -21,6 +23,17 @@ struct TrayPicture
     /// Paints it in this size and at this many native pixels per point. A template uses the tint,
     /// which suits the host's background; a picture in colours of its own ignores it.
     std::function<QImage(Size size, const QColor &tint, double scale)> paint;
+};
+
+/// A row of a menu that the host draws.
+struct TrayMenuRow
+{
+    QString title;
+    bool isSeparator = false;
+    bool isEnabled = true;
+    QStringList keys; ///< that do the same: "Control", "Alt", "Shift", "Super", then the key itself
+
+    bool operator==(const TrayMenuRow &) const = default;
 };
 
 /// The program's item in the desktop's status area. Main thread only.
@@ -47,6 +60,9 @@ public:
     /// The object that a drag out of the item starts from.
     virtual QObject *dragSource() = 0;
 
+    /// True where the host draws the menu of the item, and opens it by itself.
+    virtual bool drawsMenu() const { return false; }
+
     /// The item's place; empty where the host does not tell.
     virtual QRect geometry() const = 0;
 
@@ -58,6 +74,9 @@ public:
     std::function<void(QPointF at)> onReleased;
     /// The item was chosen in another way: other button, keyboard, or a host that cannot drag.
     std::function<void()> onMenuRequested;
+    /// The menu's rows as they are now, only where `drawsMenu`.
+    std::function<std::vector<TrayMenuRow>()> menuRows;
+    std::function<void(int row)> onMenuRow;
     /// `hasHost`, `isLookingForHost` or `canDrag` may have changed.
     std::function<void()> onHostChanged;
 };

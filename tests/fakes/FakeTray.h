@@ -27,6 +27,7 @@ public:
     bool isLastResort() const override { return isPoor; }
     bool isLookingForHost() const override { return isLooking; }
     bool canDrag() const override { return host && drags; }
+    bool drawsMenu() const override { return hostDraws; }
     QObject *dragSource() override { return this; }
     QRect geometry() const override { return place; }
 
@@ -46,6 +47,7 @@ public:
     bool isPoor = false;
     bool isLooking = false;
     bool drags = true;
+    bool hostDraws = false;
     QRect place{100, 0, 24, 24};
     std::optional<bool> isVisible;
     TrayPicture picture;

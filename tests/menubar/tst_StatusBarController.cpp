@@ -335,6 +335,39 @@ private Q_SLOTS:
         QVERIFY(s.drags.empty());
     }
 
+    void givesItsRowsToAHostThatDrawsThem()
+    {
+        Setup s;
+        s.tray.hostDraws = true;
+        s.tray.drags = false;
+        s.controller.updateObstacle = [] { return QStringLiteral("no network"); };
+        s.start();
+        const auto rows = s.tray.menuRows();
+        QStringList shown;
+        for (const TrayMenuRow &row : rows)
+            shown << (row.isSeparator ? QStringLiteral("-") : row.title);
+        QCOMPARE(shown.join(','),
+                 QStringLiteral("Start Capture,-,Capture Image,Capture Text,-,Check for "
+                                "Updates...,-,Preferences...,About,-,Quit"));
+        QCOMPARE(rows[0].keys, QStringList({"Control", "Shift", "2"}));
+        QCOMPARE(rows[3].keys, QStringList());
+        QVERIFY(rows[0].isEnabled && !rows[5].isEnabled);
+        for (const int row : {0, 2, 3, 7, 8, 10, 11})
+            s.tray.onMenuRow(row);
+        QTRY_COMPARE(s.chosen,
+                     QStringList({"start", "image", "text", "preferences", "about", "quit"}));
+    }
+
+    void opensTheSettingsWhereItCouldPutNoMenu()
+    {
+        Setup s;
+        s.tray.hostDraws = true;
+        s.start();
+        s.tray.onMenuRequested();
+        QVERIFY(!s.controller.menu());
+        QCOMPARE(s.chosen, QStringList("preferences"));
+    }
+
     void dragsTheImageOutAsAFile()
     {
         Setup s;

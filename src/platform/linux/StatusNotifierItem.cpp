@@ -3,6 +3,8 @@
 
 #include "platform/linux/StatusNotifierItem.h"
 
+#include "platform/linux/DBusMenu.h"
+
 #include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusMessage>
@@ -158,6 +160,7 @@ public:
             "<property name=\"IconPixmap\" type=\"a(iiay)\" access=\"read\"/>"
             "<property name=\"ToolTip\" type=\"(sa(iiay)ss)\" access=\"read\"/>"
             "<property name=\"ItemIsMenu\" type=\"b\" access=\"read\"/>"
+            "<property name=\"Menu\" type=\"o\" access=\"read\"/>"
             "<method name=\"Activate\"><arg type=\"i\" direction=\"in\"/>"
             "<arg type=\"i\" direction=\"in\"/></method>"
             "<method name=\"SecondaryActivate\"><arg type=\"i\" direction=\"in\"/>"
@@ -229,7 +232,7 @@ private:
     /// All but the icon.
     QVariantMap plainProperties() const
     {
-        return {
+        QVariantMap all{
             {QStringLiteral("Category"), QStringLiteral("ApplicationStatus")},
             {QStringLiteral("Id"), QStringLiteral("tovek")},
             {QStringLiteral("Title"), QStringLiteral("Tovek")},
@@ -238,15 +241,27 @@ private:
             {QStringLiteral("IconName"), QString()},
             {QStringLiteral("ToolTip"),
              QVariant::fromValue(BusToolTip{{}, {}, m_item.m_toolTip, {}})},
-            {QStringLiteral("ItemIsMenu"), false},
+            {QStringLiteral("ItemIsMenu"), m_item.m_menu != nullptr},
         };
+        if (m_item.m_menu)
+            all.insert(QStringLiteral("Menu"),
+                       QVariant::fromValue(QDBusObjectPath(QLatin1String(DBusMenu::path))));
+        return all;
     }
 
     StatusNotifierItem &m_item;
 };
 
-StatusNotifierItem::StatusNotifierItem(QDBusConnection bus) : m_bus(std::move(bus))
+StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, Menu menu) : m_bus(std::move(bus))
 {
+    if (menu == Menu::ofHost) {
+        m_menu = std::make_unique<DBusMenu>();
+        m_menu->rows = [this] { return menuRows ? menuRows() : std::vector<TrayMenuRow>(); };
+        m_menu->onChosen = [this](int row) {
+            if (onMenuRow)
+                onMenuRow(row);
+        };
+    }
     qDBusRegisterMetaType<BusPixmap>();
     qDBusRegisterMetaType<BusPixmaps>();
     qDBusRegisterMetaType<BusToolTip>();
@@ -339,7 +354,9 @@ void StatusNotifierItem::registerItem()
                                 .arg(QCoreApplication::applicationPid())
                                 .arg(++serial);
     m_object = std::make_unique<Object>(*this);
-    // The object first: the host reads it as soon as it hears of the name.
+    // The objects first: the host reads them as soon as it hears of the name.
+    if (m_menu)
+        m_bus.registerVirtualObject(QLatin1String(DBusMenu::path), m_menu.get());
     if (!m_bus.registerVirtualObject(itemPath, m_object.get()) || !m_bus.registerService(service)) {
         m_bus.unregisterObject(itemPath);
         m_object.reset();
@@ -359,6 +376,7 @@ void StatusNotifierItem::unregisterItem()
     // Giving the name back is what takes the item out of the panel.
     m_bus.unregisterService(m_service);
     m_bus.unregisterObject(itemPath);
+    m_bus.unregisterObject(QLatin1String(DBusMenu::path));
     m_object.reset();
     m_service.clear();
 }

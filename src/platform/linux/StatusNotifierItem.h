@@ -13,12 +13,17 @@ class QDBusServiceWatcher;
 
 namespace tovek {
 
+class DBusMenu;
+
 /// The status item that the panel draws itself, from pictures that it is sent over the session bus.
-/// It tells when the item was chosen and nothing of the pointer; the menu is our own.
+/// It tells when the item was chosen and nothing of the pointer.
 class StatusNotifierItem : public QObject, public Tray
 {
 public:
-    explicit StatusNotifierItem(QDBusConnection bus = QDBusConnection::sessionBus());
+    /// Who draws the menu: we, where a program may put a menu anywhere, or the panel.
+    enum class Menu { own, ofHost };
+    explicit StatusNotifierItem(QDBusConnection bus = QDBusConnection::sessionBus(),
+                                Menu menu = Menu::own);
     ~StatusNotifierItem() override;
     /// Another bus, or one that has died.
     void setBus(const QDBusConnection &bus);
@@ -29,6 +34,7 @@ public:
     bool hasHost() const override { return m_hasHost; }
     bool isLookingForHost() const override { return m_isLooking; }
     bool canDrag() const override { return false; }
+    bool drawsMenu() const override { return m_menu != nullptr; }
     QObject *dragSource() override { return this; }
     /// Empty until the host has told where the item was chosen; then that point.
     QRect geometry() const override { return m_chosenAt; }
@@ -50,6 +56,7 @@ private:
     TrayPicture m_picture;
     QString m_toolTip;
     QRect m_chosenAt;
+    std::unique_ptr<DBusMenu> m_menu; ///< present only where the host draws it
     std::unique_ptr<Object> m_object;
     std::unique_ptr<QDBusServiceWatcher> m_watcher;
 };
