@@ -35,6 +35,7 @@
 #include "platform/wayland/keys/WaylandKeyboardLayout.h"
 #include "platform/wayland/overlay/LayerOverlayShell.h"
 #include "platform/wayland/overlay/LayerToastShell.h"
+#include "platform/wayland/overlay/WaylandKeyboardHold.h"
 #endif
 #ifdef TOVEK_WITH_X11
 #include "platform/x11/capture/X11CapturePermission.h"
@@ -151,6 +152,7 @@ bool addWaylandDesktop(Platform &platform, const EarlyPlatform &early)
     if (!platform.clipboard)
         platform.clipboard = std::make_unique<NullClipboard>();
     platform.toastShell = LayerToastShell::create(connection, outputs);
+    platform.keyboardHold = WaylandKeyboardHold::create();
     platform.soundOutput = std::make_unique<CanberraSoundOutput>([] { return true; });
     // Only the panel can put the menu where the item is.
     platform.tray = onBus<StatusNotifierItem>(*early.bus, StatusNotifierItem::Menu::ofHost);

@@ -13,6 +13,7 @@
 #include "foundation/UserDefaults.h"
 #include "platform/Clipboard.h"
 #include "platform/HotKeys.h"
+#include "platform/KeyboardHold.h"
 #include "platform/LoginItem.h"
 #include "platform/Platform.h"
 #include "platform/SystemShortcuts.h"
@@ -121,8 +122,10 @@ QWidget *SettingsTabs::makeShortcuts(QWidget *parent)
     KeyboardShortcuts::RecorderSetup setup;
     setup.mainMenu = [this] { return m_mainMenu; };
     setup.systemShortcuts = m_platform.systemShortcuts.get();
-    setup.holdKeyboard = [](QWidget &recorder, bool isHeld) {
+    setup.holdKeyboard = [hold = m_platform.keyboardHold.get()](QWidget &recorder, bool isHeld) {
         isHeld ? recorder.grabKeyboard() : recorder.releaseKeyboard();
+        if (hold)
+            hold->hold(isHeld ? recorder.window()->windowHandle() : nullptr);
     };
     return new ShortcutsTabView(KeyboardShortcuts::ShortcutService::shared(), setup, parent);
 }

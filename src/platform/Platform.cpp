@@ -9,6 +9,7 @@
 #include "platform/FileRevealer.h"
 #include "platform/FrontmostApp.h"
 #include "platform/HotKeys.h"
+#include "platform/KeyboardHold.h"
 #include "platform/KeyboardLayout.h"
 #include "platform/LockSignals.h"
 #include "platform/LoginItem.h"

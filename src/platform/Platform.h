@@ -14,6 +14,7 @@ class Clock;
 class FileRevealer;
 class FrontmostApp;
 class HotKeys;
+class KeyboardHold;
 class KeyboardLayout;
 class LockSignals;
 class LoginItem;
@@ -50,6 +51,7 @@ struct Platform
 
     std::unique_ptr<CapturePermission> capturePermission;
     std::unique_ptr<ToastShell> toastShell;
+    std::unique_ptr<KeyboardHold> keyboardHold;
     std::unique_ptr<SoundOutput> soundOutput;
     std::unique_ptr<Notifications> notifications;
     std::unique_ptr<FileRevealer> fileRevealer;
