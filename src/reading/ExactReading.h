@@ -18,7 +18,7 @@ public:
     /// True for runs that may be read here: the engine takes the others first. Any thread.
     virtual bool mayTake(std::size_t run) const = 0;
     /// Reads what it can; called once, by one thread, while others read runs. `isWaitedFor`
-    /// answers true when they have read them all.
+    /// answers true when they have read them all, or when there are no others.
     virtual void read(const std::function<bool()> &isWaitedFor) = 0;
     /// True for runs that were read here, so that the engine's reading of them is of no use. Any
     /// thread.

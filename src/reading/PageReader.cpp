@@ -32,8 +32,9 @@ PageReader::PageReader(Page page, std::shared_ptr<EnginePool> engines,
 
 void PageReader::read(const std::function<bool()> &isCancelled)
 {
+    ++m_readers;
     if (m_exact && !m_isExactBegun.exchange(true))
-        m_exact->read([this] { return m_nextRun >= m_page.runs.size(); });
+        m_exact->read([this] { return m_readers == 1 || m_nextRun >= m_page.runs.size(); });
     std::unique_ptr<LineEngine> engine;
     for (std::size_t next = m_nextRun++; next < m_page.runs.size() && !isCancelled();
          next = m_nextRun++) {
@@ -54,6 +55,7 @@ void PageReader::read(const std::function<bool()> &isCancelled)
     }
     if (engine)
         m_engines->giveBack(std::move(engine));
+    --m_readers;
 }
 
 std::vector<std::vector<ReadWord>> PageReader::takeLines()

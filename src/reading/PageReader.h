@@ -43,6 +43,7 @@ private:
     std::unique_ptr<ExactReading> m_exact;
     std::vector<std::size_t> m_order; ///< of the runs
     std::atomic<bool> m_isExactBegun = false;
+    std::atomic<int> m_readers = 0; ///< threads in read()
     std::vector<std::vector<ReadPiece>> m_readings; ///< one a run
     std::atomic<std::size_t> m_nextRun = 0;
     std::atomic<int> m_lost = 0;

@@ -55,7 +55,11 @@ class EveryOther : public ExactReading
 public:
     explicit EveryOther(const Page &page) : m_page(page) { }
     bool mayTake(std::size_t) const override { return true; }
-    void read(const std::function<bool()> &) override { m_isRead = true; }
+    void read(const std::function<bool()> &isWaitedFor) override
+    {
+        m_isRead = true;
+        wasWaitedFor = isWaitedFor();
+    }
     bool hasTaken(std::size_t run) const override { return m_isRead && run % 2 == 1; }
     std::vector<std::vector<ReadWord>> takeLines() override
     {
@@ -69,6 +73,8 @@ public:
         return m_page.runs[2].text.box.contains(word.center());
     }
     void learn(const std::function<bool()> &) override { }
+
+    bool wasWaitedFor = false;
 
 private:
     Page m_page;
@@ -149,6 +155,20 @@ private Q_SLOTS:
         }
         // The third run's words lie where others were read without the engine.
         QCOMPARE(words, QStringList({"M", "M", "exact", "exact", "exact"}));
+    }
+
+    void asksForHasteWhereNothingElseIsReadMeanwhile()
+    {
+        const Page page = pageOfBlocks(6);
+        auto exact = std::make_unique<EveryOther>(page);
+        const EveryOther &asked = *exact;
+        PageReader reader(page, std::make_shared<EnginePool>([] {
+                              return std::make_unique<CountingEngine>(std::make_shared<int>(0),
+                                                                      QSet<int>{});
+                          }),
+                          std::move(exact));
+        reader.read([] { return false; });
+        QVERIFY(asked.wasWaitedFor);
     }
 
     void isUnreadableWithoutAnEngine()
