@@ -3,6 +3,8 @@
 
 #include "reading/Plausibility.h"
 
+#include "reading/Scripts.h"
+
 #include <algorithm>
 
 namespace tovek {
@@ -161,7 +163,8 @@ void dropCrowded(std::vector<std::vector<ReadWord>> &lines)
     const std::vector<std::vector<ReadWord>> all = lines;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         std::erase_if(lines[i], [&](const ReadWord &word) {
-            if (word.text.size() > mostInIcon)
+            // Ideographs are words by themselves, and their lines stand close.
+            if (word.text.size() > mostInIcon || scriptOf(word.text) == Script::words)
                 return false;
             for (std::size_t k = 0; k < all.size(); ++k) {
                 if (k != i && std::any_of(all[k].begin(), all[k].end(), [&](const ReadWord &other) {
@@ -216,7 +219,10 @@ bool isPictureRun(const TextRun &run, const std::vector<ReadWord> &words,
         std::max_element(words.begin(), words.end(), [](const ReadWord &a, const ReadWord &b) {
             return a.text.size() < b.text.size();
         });
-    return longest->text.size() <= 2 && usualCap > 0 && box.height() > usualCap * 1.45;
+    const bool isLetters = std::none_of(words.begin(), words.end(), [](const ReadWord &word) {
+        return scriptOf(word.text) == Script::words;
+    });
+    return isLetters && longest->text.size() <= 2 && usualCap > 0 && box.height() > usualCap * 1.45;
 }
 
 } // namespace tovek

@@ -220,6 +220,16 @@ private Q_SLOTS:
         QCOMPARE(lines[1].front().text, QStringLiteral("a"));
     }
 
+    void keepsShortWordsOfIdeographs()
+    {
+        std::vector<std::vector<ReadWord>> lines{{{"小麦", QRect(0, 0, 24, 24), 98}},
+                                                 {{"粉", QRect(0, 12, 12, 24), 98}}};
+        dropCrowded(lines);
+        QCOMPARE(lines.size(), std::size_t(2));
+        const QRect box(0, 0, 24, 24);
+        QVERIFY(!isPictureRun({box, {{box, 300, 255}}}, lines.front(), metrics, 10));
+    }
+
     void sparesTheEngineSpecks_data()
     {
         QTest::addColumn<std::vector<QRect>>("patches");
