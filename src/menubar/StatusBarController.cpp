@@ -94,7 +94,7 @@ TrayPicture iconPicture(const SymbolSource &symbols)
     return {{iconSize, iconSize}, paintIcon};
 }
 
-TrayPicture thumbnailPicture(const Image &image)
+TrayPicture thumbnailPicture(const Image &image, const TrayPicture &icon)
 {
     const Size size = thumbnailSize(image.size);
     // Scaled down once for all the sizes that hosts may ask for.
@@ -117,7 +117,7 @@ TrayPicture thumbnailPicture(const Image &image)
         result.setDevicePixelRatio(scale);
         return result;
     };
-    return {size, paintThumbnail};
+    return {size, paintThumbnail, std::make_shared<TrayPicture>(icon)};
 }
 
 /// As hosts write the first of the keys.
@@ -231,7 +231,7 @@ void StatusBarController::showPreview(const Image &image, std::chrono::milliseco
     m_currentPreviewImage = image;
     m_isInPreviewMode = true;
     m_png = {};
-    m_statusItem.setPicture(thumbnailPicture(image));
+    m_statusItem.setPicture(thumbnailPicture(image, m_defaultIcon));
     m_revertTimer = std::make_unique<QObject>();
     m_clock.after(duration, m_revertTimer.get(), [this] { endPreviewMode(); });
 }
@@ -297,7 +297,7 @@ void StatusBarController::buildMenu()
     m_menu->setToolTipsVisible(true);
     m_menu->installEventFilter(this);
     connect(m_menu, &QMenu::aboutToHide, this, [this] { menuClosed(); });
-    if (m_isInPreviewMode && !m_statusItem.canDrag())
+    if (m_isInPreviewMode && !showsThumbnail())
         addPreviewRow();
     addRows(*m_menu);
 }
@@ -348,6 +348,16 @@ std::vector<TrayMenuRow> StatusBarController::rowsForHost()
         rows.push_back(
             {item->text(), item->isSeparator(), item->isEnabled(), hostKeys(item->shortcut())});
     return rows;
+}
+
+/// And lets it be dragged.
+bool StatusBarController::showsThumbnail() const
+{
+    const QSizeF room = m_statusItem.geometry().size();
+    return m_statusItem.canDrag()
+        && (room.isEmpty()
+            || isLegibleIn(thumbnailSize(m_currentPreviewImage.size),
+                           {room.width(), room.height()}));
 }
 
 void StatusBarController::addPreviewRow()

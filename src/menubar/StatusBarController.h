@@ -83,6 +83,7 @@ private:
     void addRows(QMenu &menu);
     void chosen();
     std::vector<TrayMenuRow> rowsForHost();
+    bool showsThumbnail() const;
     void addPreviewRow();
     void menuClosed();
     void endPreviewMode();

@@ -10,6 +10,7 @@
 #include <QStringList>
 
 #include <functional>
+#include <memory>
 #include <vector>
 
 class QColor;
@@ -23,6 +24,8 @@ struct TrayPicture
     /// Paints it in this size and at this many native pixels per point. A template uses the tint,
     /// which suits the host's background; a picture in colours of its own ignores it.
     std::function<QImage(Size size, const QColor &tint, double scale)> paint;
+    /// Shown instead where the host's room makes this one too small; null: nothing is.
+    std::shared_ptr<const TrayPicture> standIn = nullptr;
 };
 
 /// A row of a menu that the host draws.
@@ -35,6 +38,11 @@ struct TrayMenuRow
 
     bool operator==(const TrayMenuRow &) const = default;
 };
+
+/// Whether somebody recognises a picture, sizes in points, that has to fit into this room.
+bool isLegibleIn(Size picture, Size room);
+/// The picture, or what stands in for it in this room.
+const TrayPicture &shownIn(const TrayPicture &picture, Size room);
 
 /// The program's item in the desktop's status area. Main thread only.
 ///

@@ -39,12 +39,12 @@ struct NotifierSession : StatusItemSession
     /// The only item is in the corner.
     QRect item() const { return {plan.size.width() - panelHeight, 0, panelHeight, panelHeight}; }
     QImage look() const { return tovek->eye().look(item()); }
-    /// The symbol has its room; a wide thumbnail leaves bands above and below.
-    bool hasIcon() const { return inked(look()) > 60 && inked(look().copy(0, 0, 24, 7)) > 0; }
-    bool hasThumbnail() const { return inked(look()) > 60 && inked(look().copy(0, 0, 24, 7)) == 0; }
+    /// The symbol has its room; a thumbnail leaves bands above and below.
+    bool hasIcon() const { return inked(look()) > 60 && inked(look().copy(0, 0, 24, 2)) > 0; }
+    bool hasThumbnail() const { return inked(look()) > 60 && inked(look().copy(0, 0, 24, 2)) == 0; }
     bool preview()
     {
-        return copy({150, 150}, {551, 251}) && waitUntil([this] { return hasThumbnail(); });
+        return copy({150, 150}, {551, 450}) && waitUntil([this] { return hasThumbnail(); });
     }
 
     Program *panel = nullptr;
@@ -105,6 +105,26 @@ private Q_SLOTS:
         QVERIFY(session.hasThumbnail());
     }
 
+    void keepsItsIconWhereAThumbnailWouldBeTiny()
+    {
+        NotifierSession session;
+        QVERIFY2(session.startWithPanel(), qPrintable(session.error));
+        QVERIFY(session.openMenu(session.item().center()));
+        const int height = session.menu().height();
+        QVERIFY(session.tap("Escape"));
+        QVERIFY(waitUntil([&] { return session.menu().isEmpty(); }));
+        session.tovek->hand().move({20, 700});
+        const QImage icon = session.tovek->eye().lookWhenStill(session.item());
+        QVERIFY(session.copy({150, 150}, {551, 201}));
+        QVERIFY(session.openMenu(session.item().center()));
+        QVERIFY(session.menu().height() > height + 20);
+        QVERIFY(session.tap("Escape"));
+        QVERIFY(waitUntil([&] { return session.menu().isEmpty(); }));
+        session.tovek->hand().move({20, 700});
+        const QImage now = session.tovek->eye().lookWhenStill(session.item());
+        QCOMPARE(differentPixels(now, icon), 0);
+    }
+
     void dropsAFileIntoAFileManager()
     {
         if (QStandardPaths::findExecutable(QStringLiteral("thunar")).isEmpty())
@@ -126,7 +146,7 @@ private Q_SLOTS:
         const QString name = QFileInfo(file).fileName();
         QVERIFY(waitUntil([&] { return session.dropped.exists(name); }, enough));
         QCOMPARE(differentPixels(QImage(session.dropped.filePath(name)),
-                                 session.expected({150, 150}, {551, 251})),
+                                 session.expected({150, 150}, {551, 450})),
                  0);
         QVERIFY(waitUntil([&] { return session.hasIcon(); }));
         QVERIFY(waitUntil([&] { return session.temporaryFiles().isEmpty(); }));

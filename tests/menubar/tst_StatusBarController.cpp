@@ -426,6 +426,30 @@ private Q_SLOTS:
         QVERIFY(s.controller.isInPreviewMode());
     }
 
+    void offersTheThumbnailInTheMenuWhereTheItemHasNoRoomForIt_data()
+    {
+        QTest::addColumn<QRect>("place");
+        QTest::addColumn<bool>("isInMenu");
+        QTest::newRow("room") << QRect(100, 0, 72, 24) << false;
+        QTest::newRow("a square") << QRect(100, 0, 24, 24) << true;
+        QTest::newRow("a place that is not told") << QRect() << false;
+    }
+    void offersTheThumbnailInTheMenuWhereTheItemHasNoRoomForIt()
+    {
+        QFETCH(QRect, place);
+        QFETCH(bool, isInMenu);
+        Setup s;
+        s.tray.place = place;
+        s.start();
+        s.preview();
+        QVERIFY(s.tray.picture.standIn);
+        QCOMPARE(s.tray.picture.standIn->size, (Size{18, 18}));
+        s.controller.openMenu();
+        QCOMPARE(s.controller.menu()->actions()[1]->isSeparator(), true);
+        QCOMPARE(s.controller.menu()->actions()[0]->text() != QStringLiteral("Start Capture"),
+                 isInMenu);
+    }
+
     void offersTheThumbnailInTheMenuWhereTheItemCannotBeDragged()
     {
         Setup s;

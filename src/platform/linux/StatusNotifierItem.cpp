@@ -224,9 +224,16 @@ private:
         BusPixmaps icon;
         if (m_item.m_picture.paint) {
             for (const int side : iconSizes)
-                icon << busPixmap(m_item.m_picture, side);
+                icon << busPixmap(pictureFor(side), side);
         }
         return QVariant::fromValue(icon);
+    }
+
+    /// A menu that the host draws has no row for a picture: a tiny one is better than none there.
+    const TrayPicture &pictureFor(int side) const
+    {
+        const TrayPicture &picture = m_item.m_picture;
+        return m_item.drawsMenu() ? picture : shownIn(picture, {double(side), double(side)});
     }
 
     /// All but the icon.

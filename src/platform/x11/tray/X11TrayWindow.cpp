@@ -94,11 +94,12 @@ void X11TrayWindow::paintEvent(QPaintEvent *)
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
 
     const QSizeF room = QSizeF(native) / scale;
-    const Size wanted = m_picture.size;
+    const TrayPicture &picture = shownIn(m_picture, {room.width(), room.height()});
+    const Size wanted = picture.size;
     const double shrink =
         std::min({1.0, room.width() / wanted.width, room.height() / wanted.height});
     const Size fitting{wanted.width * shrink, wanted.height * shrink};
-    const QImage image = m_picture.paint(fitting, tint(), scale);
+    const QImage image = picture.paint(fitting, tint(), scale);
     // On a whole native pixel, so that it stays sharp.
     const auto middle = [scale](double all, double part) {
         return std::floor((all - part) / 2 * scale) / scale;
