@@ -29,7 +29,7 @@ ci_packages=(clang clang-format clang-tidy git)
 # Fedora and openSUSE know libraries by the names of their pkg-config files.
 library_modules=(
     Qt6Core Qt6Gui Qt6Widgets Qt6DBus Qt6Network Qt6Concurrent Qt6Test
-    libcanberra libdeflate libisal libsodium tesseract wayland-client wayland-scanner xkbcommon
+    fontconfig freetype2 libcanberra libdeflate libisal libsodium tesseract wayland-client wayland-scanner xkbcommon
     xkbcommon-x11 zlib xcb xcb-icccm xcb-image xcb-keysyms xcb-randr xcb-render xcb-shape xcb-shm
     xcb-xfixes xcb-xinput xcb-xkb xcb-xtest
 )
@@ -45,7 +45,8 @@ opensuse_build=(ccache cmake gcc-c++ ninja pkgconf-pkg-config qt6-base-private-d
 opensuse_desktop=(AppStream dbus-1 dbus-1-x11 desktop-file-utils fish glib2-tools grim i3lock mandoc openbox
     openssl picom pulseaudio pulseaudio-utils sway swaybg thunar trayer wl-clipboard xkbcomp
     xrandr xset xauth xclip xscreensaver xorg-x11-server-Xvfb xwayland zsh)
-arch_build=(ccache cmake gcc ninja pkgconf qt6-base qt6-wayland libcanberra libdeflate libsodium
+arch_build=(ccache cmake gcc ninja pkgconf qt6-base qt6-wayland fontconfig freetype2 libcanberra
+    libdeflate libsodium
     libxcb libxkbcommon libxkbcommon-x11 tesseract tesseract-data-eng ttf-dejavu wayland
     xcb-util-image xcb-util-keysyms xcb-util-wm zlib)
 arch_desktop=(appstream dbus desktop-file-utils fish glib2 grim i3lock mandoc openbox openssl picom
