@@ -109,9 +109,8 @@ struct WaylandSession
     {
         desktop.output(QStringLiteral("wl-copy"), {QStringLiteral("--clear")});
         point(0, corner);
-        before.clear();
-        for (size_t i = 0; i < plan.monitors.size(); ++i)
-            before.append(desktop.lookWhenStill(int(i)));
+        if (!isAsBefore())
+            return false;
         const QImage arrow = before.first().copy(pointerArea());
         return act(action)
             && waitUntil([&] { return desktop.look(0).copy(pointerArea()) != arrow; });
@@ -161,10 +160,21 @@ struct WaylandSession
     WaylandDesktop desktop;
     std::unique_ptr<WaylandHand> hand;
     Program *tovek = nullptr;
-    QList<QImage> before; ///< the outputs when the overlays were asked for
+    QList<QImage> before; ///< the outputs when overlays were first asked for
     QString error;
 
 private:
+    /// Nothing of an earlier capture is to be seen any more, its toast neither.
+    bool isAsBefore()
+    {
+        for (int i = 0; i < int(plan.monitors.size()); ++i) {
+            if (before.size() <= i)
+                before.append(desktop.lookWhenStill(i));
+            if (!waitUntil([&] { return differences(desktop.look(i), before[i]) == 0; }))
+                return false;
+        }
+        return true;
+    }
     /// Not the plain colour from before the picture.
     static bool isFine(const QImage &picture)
     {
