@@ -28,13 +28,12 @@ constexpr std::chrono::milliseconds cursorDelays[] = {10ms, 30ms,  50ms,  70ms,
 CaptureSession::CaptureSession(const CaptureServices &services, CaptureMode mode)
     : m_services(services)
     , m_mode(mode)
-    , m_text(services.recognizeText)
 {
 }
 
 CaptureSession::~CaptureSession()
 {
-    m_text.stop();
+    stopTexts();
     qDeleteAll(m_windows);
 }
 
@@ -135,6 +134,22 @@ void CaptureSession::select(const Rect &rect, const Screen &screen)
     logLine(QStringLiteral("Selection complete: %1 on screen %2").arg(toString(rect), screen.name));
 }
 
+SelectionText &CaptureSession::text(const Screen &screen)
+{
+    const auto found = std::find_if(m_texts.begin(), m_texts.end(),
+                                    [&](const auto &text) { return text.first == screen; });
+    if (found != m_texts.end())
+        return *found->second;
+    m_texts.emplace_back(screen, std::make_unique<SelectionText>(m_services.recognizeText));
+    return *m_texts.back().second;
+}
+
+void CaptureSession::stopTexts()
+{
+    for (const auto &[screen, text] : m_texts)
+        text->stop();
+}
+
 void CaptureSession::setDetectedTextRegions(const std::vector<TextRegion> &regions)
 {
     m_detectedTextRegions = regions;
@@ -144,6 +159,7 @@ OverlayWindow *CaptureSession::takeWindow(OverlayWindow *window)
 {
     std::erase(m_windows, window);
     m_displays.remove(window->targetScreen());
+    text(window->targetScreen()).stop();
     const bool isKeyboardHeld = std::any_of(m_windows.begin(), m_windows.end(),
                                             [](OverlayWindow *other) { return other->isKey(); });
     if (!m_windows.empty() && !isKeyboardHeld)

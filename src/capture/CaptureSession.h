@@ -44,7 +44,11 @@ public:
     const std::optional<Rect> &selectedRect() const { return m_selectedRect; }
     const std::optional<Screen> &selectedScreen() const { return m_selectedScreen; }
 
-    SelectionText &text() { return m_text; }
+    /// The recognition of one screen's selection: those of several screens do not disturb each
+    /// other.
+    SelectionText &text(const Screen &screen);
+    /// Gives up what is being recognised on any screen.
+    void stopTexts();
     void setDetectedTextRegions(const std::vector<TextRegion> &regions);
     const std::vector<TextRegion> &detectedTextRegions() const { return m_detectedTextRegions; }
 
@@ -70,7 +74,7 @@ private:
     std::optional<Screen> m_selectedScreen;
     std::vector<TextRegion> m_detectedTextRegions;
     std::optional<RunningApplication> m_previousApp;
-    SelectionText m_text;
+    std::vector<std::pair<Screen, std::unique_ptr<SelectionText>>> m_texts; ///< one a screen
 };
 
 } // namespace tovek

@@ -223,7 +223,10 @@ void OverlayController::recognizeText(const Rect &rect, const Screen &screen)
         logLine(QStringLiteral("No overlay window found for this screen"));
         return;
     }
-    m_session->text().start({
+    // What is copied at once is the last selection, wherever it is.
+    if (m_session->mode() == CaptureMode::copyText)
+        m_session->stopTexts();
+    m_session->text(screen).start({
         captured->screenshot->pixels(),
         [=, this](const QImage &pixels) {
             return m_services.output.cropSelection(pixels, rect, screen);
@@ -243,7 +246,8 @@ void OverlayController::useText(const std::vector<TextRegion> &regions, const Sc
         m_services.clock.after(textCopyDelay, m_session.get(), [this] { cleanUp(); });
         return;
     }
-    m_session->setDetectedTextRegions(regions);
+    if (screen == m_session->selectedScreen())
+        m_session->setDetectedTextRegions(regions);
     if (copies)
         copyText(regions);
     else if (OverlayWindow *window = m_session->window(screen))

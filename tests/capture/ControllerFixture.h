@@ -62,6 +62,8 @@ struct ControllerFixture
         services.takeMissingPackage = [this] { return missingPackage; };
         services.recognizeText = [this](const Image &image) {
             recognised << image.bitmap.size();
+            if (recognize)
+                return recognize(image);
             return readyFuture(regions);
         };
         controller = std::make_unique<OverlayController>(services);
@@ -97,6 +99,7 @@ struct ControllerFixture
     bool hasPermission = true;
     QString missingPackage;
     std::vector<TextRegion> regions;
+    SelectionText::Recognize recognize; ///< unset: `regions` at once
     QStringList events;
     QList<QSize> recognised;
 };

@@ -184,6 +184,31 @@ private Q_SLOTS:
                              "your language [doc.text] on 1, 0 open"});
     }
 
+    void readsTheSelectionsOfTwoScreensSideBySide()
+    {
+        ControllerFixture f;
+        std::vector<QPromise<std::vector<TextRegion>>> readers;
+        readers.reserve(2);
+        f.recognize = [&](const Image &) {
+            readers.emplace_back().start();
+            return readers.back().future();
+        };
+        f.controller->startCapture(CaptureMode::normal);
+        f.overlay(0).onSelectionComplete({10, 20, 30, 40});
+        f.overlay(1).onSelectionComplete({10, 20, 50, 60});
+        QCOMPARE(readers.size(), size_t(2));
+        QVERIFY(!readers[0].isCanceled());
+        readers[1].addResult(std::vector{word("second", 0.8)});
+        readers[1].finish();
+        QTRY_COMPARE(f.controller->detectedTextRegions().size(), size_t(1));
+        readers[0].addResult(std::vector{word("first", 0.8)});
+        readers[0].finish();
+        QCoreApplication::processEvents();
+        // All text is that of the last selection.
+        f.overlay(1).onCopyAllText();
+        QCOMPARE(f.clipboard.lastText(), QStringLiteral("second"));
+    }
+
     void keepsTheTextForLaterInNormalMode()
     {
         ControllerFixture f;
