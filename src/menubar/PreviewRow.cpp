@@ -44,7 +44,8 @@ protected:
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
-        const QRectF place(QPointF((width() - m_size.width()) / 2, margin), m_size);
+        const int left = (width() - m_size.width()) / 2; // on whole pixels
+        const QRectF place(QPointF(left, margin), m_size);
         QPainterPath shape;
         shape.addRoundedRect(place, radius, radius);
         const double scale = devicePixelRatioF();

@@ -13,7 +13,6 @@
 #include <QBuffer>
 #include <QCursor>
 #include <QDrag>
-#include <QFile>
 #include <QGuiApplication>
 #include <QImageWriter>
 #include <QKeyEvent>
@@ -22,8 +21,6 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QScreen>
-#include <QStandardPaths>
-#include <QTemporaryDir>
 #include <QtConcurrentRun>
 
 namespace tovek {
@@ -37,17 +34,6 @@ constexpr double symbolSize = 16;
 constexpr double thumbnailRadius = 3;
 constexpr int thumbnailOversampling = 4;
 constexpr auto fileLifetime = 2000ms;
-
-/// Of pictures on their way into other programs: the user's own, and emptied by the system at the
-/// end of the session where there is such a place.
-QString dragFolder()
-{
-    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    const QString own = runtime.isEmpty()
-        ? QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation)
-        : runtime;
-    return own + QStringLiteral("/tovek/pictures");
-}
 
 struct MenuRow
 {
@@ -185,8 +171,7 @@ void StatusBarController::dragFile(const DragOut &out)
 
 void StatusBarController::setup()
 {
-    // Of a process that was killed.
-    QDir(dragFolder()).removeRecursively();
+    DragFiles::removeLeft();
     m_statusItem.setToolTip(QStringLiteral("Tovek"));
     m_statusItem.setPicture(m_defaultIcon);
     m_statusItem.onPressed = [this](QPointF at) { press(at); };
@@ -412,9 +397,10 @@ void StatusBarController::startDragOut()
     const QByteArray png = m_png.result();
     if (png.isEmpty())
         return;
-    m_currentDragFileUrl = writeDragFile(png);
-    if (!m_currentDragFileUrl)
+    const auto file = m_dragFiles.write(dragFileName(m_clock.now()), png);
+    if (!file)
         return;
+    m_currentDragFileUrl = QUrl::fromLocalFile(*file);
     const Size size = dragImageSize(m_currentPreviewImage.size);
     const double scale = qGuiApp->devicePixelRatio();
     QImage image = m_currentPreviewImage.bitmap.scaled(
@@ -425,32 +411,11 @@ void StatusBarController::startDragOut()
     dragEnded();
 }
 
-std::optional<QUrl> StatusBarController::writeDragFile(const QByteArray &png)
-{
-    const auto failed = [](const QString &reason) {
-        logLine(QStringLiteral("Failed to write temp file: ") + reason);
-        return std::nullopt;
-    };
-    // A folder that nobody else can look into, in one that the next start empties.
-    const QString pictures = dragFolder();
-    QDir().mkpath(pictures);
-    auto folder = std::make_unique<QTemporaryDir>(pictures + QStringLiteral("/XXXXXX"));
-    if (!folder->isValid())
-        return failed(folder->errorString());
-    QFile file(folder->filePath(dragFileName(m_clock.now())));
-    if (!file.open(QIODevice::WriteOnly)
-        || !file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)
-        || file.write(png) != png.size() || !file.flush())
-        return failed(file.errorString());
-    m_dragFolders.push_back(std::move(folder));
-    return QUrl::fromLocalFile(file.fileName());
-}
-
 void StatusBarController::dragEnded()
 {
     m_currentDragFileUrl.reset();
     // Whoever took the file may read it only now. Folders go with the program at the latest.
-    m_clock.after(fileLifetime, this, [this] { m_dragFolders.erase(m_dragFolders.begin()); });
+    m_clock.after(fileLifetime, this, [this] { m_dragFiles.removeOldest(); });
     endPreviewMode();
 }
 

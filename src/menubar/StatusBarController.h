@@ -5,6 +5,7 @@
 
 #include "foundation/Image.h"
 #include "foundation/SymbolSource.h"
+#include "menubar/DragFiles.h"
 #include "platform/Tray.h"
 
 #include <QFuture>
@@ -15,7 +16,6 @@
 
 class QAction;
 class QMenu;
-class QTemporaryDir;
 
 namespace tovek {
 
@@ -88,7 +88,6 @@ private:
     void menuClosed();
     void endPreviewMode();
     void startDragOut();
-    std::optional<QUrl> writeDragFile(const QByteArray &png);
     void dragEnded();
     void encodeAhead();
 
@@ -105,7 +104,7 @@ private:
     TrayPicture m_defaultIcon;
     std::optional<QPointF> m_pressedAt;
     QFuture<QByteArray> m_png; ///< of the preview image; invalid until somebody may want it
-    std::vector<std::unique_ptr<QTemporaryDir>> m_dragFolders; ///< oldest first
+    DragFiles m_dragFiles;
 };
 
 } // namespace tovek

@@ -5,6 +5,8 @@
 
 #include "desktop/Session.h"
 
+#include <QDirIterator>
+
 namespace tovek {
 
 /// A session with a panel at the top, for what all kinds of status item have in common.
@@ -63,11 +65,10 @@ struct StatusItemSession : Session
     QStringList temporaryFiles() const
     {
         QStringList files;
-        const QDir folder(temporary);
-        for (const QString &sub : folder.entryList({QStringLiteral("tovek-*")}, QDir::Dirs)) {
-            for (const QString &name : QDir(folder.filePath(sub)).entryList(QDir::Files))
-                files.append(folder.filePath(sub) + QLatin1Char('/') + name);
-        }
+        QDirIterator found(temporary, {QStringLiteral("Screenshot *.png")}, QDir::Files,
+                           QDirIterator::Subdirectories);
+        while (found.hasNext())
+            files.append(found.next());
         return files;
     }
 

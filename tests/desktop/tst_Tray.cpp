@@ -213,7 +213,7 @@ private Q_SLOTS:
         QCOMPARE(differentPixels(QImage(session.dropped.filePath(name)),
                                  session.expected({150, 150}, {551, 251})),
                  0);
-        QVERIFY(QDir(session.temporary).entryList({QStringLiteral("tovek-*")}).isEmpty());
+        QVERIFY(session.temporaryFiles().isEmpty());
     }
 
     void takesTheColourOfItsPanel()

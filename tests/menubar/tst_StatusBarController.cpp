@@ -18,6 +18,8 @@
 #include <QToolTip>
 #include <QWidget>
 
+#include <unistd.h>
+
 using namespace std::chrono_literals;
 using namespace tovek;
 
@@ -75,7 +77,7 @@ private:
     };
 
 private Q_SLOTS:
-    void initTestCase() { qputenv("XDG_RUNTIME_DIR", m_runtime.path().toUtf8()); }
+    void initTestCase() { qputenv("TMPDIR", m_temporary.path().toUtf8()); }
     void init()
     {
         // Menus ask for more than the offscreen platform can do.
@@ -385,7 +387,7 @@ private Q_SLOTS:
         QVERIFY(s.showsIcon());
 
         const QFileInfo file(out.file.toLocalFile());
-        QVERIFY(file.filePath().startsWith(m_runtime.path()));
+        QVERIFY(file.filePath().startsWith(m_temporary.path()));
         QCOMPARE(file.permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions());
         const QFileInfo folder(file.path());
         QCOMPARE(folder.permissions() & (QFile::ReadGroup | QFile::ReadOther | QFile::ExeOther),
@@ -401,13 +403,32 @@ private Q_SLOTS:
 
     void removesAtTheStartWhatAKilledProcessLeft()
     {
-        const QString left = m_runtime.filePath(QStringLiteral("tovek/pictures/abc/picture.png"));
+        const QString ours = m_temporary.filePath(QStringLiteral("tovek-%1").arg(geteuid()));
+        const QString left = ours + QStringLiteral("/abc/picture.png");
         QVERIFY(QDir().mkpath(QFileInfo(left).path()));
+        QVERIFY(
+            QFile::setPermissions(ours, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
         QFile file(left);
         QVERIFY(file.open(QIODevice::WriteOnly));
         Setup s;
         s.start();
         QVERIFY(!QFileInfo::exists(left));
+    }
+
+    void leavesAloneWhatOthersCanLookInto()
+    {
+        const QString theirs = m_temporary.filePath(QStringLiteral("tovek-%1").arg(geteuid()));
+        QVERIFY(QDir().mkpath(theirs + QStringLiteral("/abc")));
+        QVERIFY(QFile::setPermissions(theirs, QFile::Permissions(0x7755)));
+        Setup s;
+        s.start();
+        QVERIFY(QFileInfo::exists(theirs + QStringLiteral("/abc")));
+        s.preview();
+        s.tray.press({110, 10});
+        s.tray.moveTo({120, 10});
+        QCOMPARE(s.drags.size(), size_t(1));
+        QVERIFY(!s.drags[0].file.toLocalFile().startsWith(theirs + QLatin1Char('/')));
+        QVERIFY(QDir(theirs).removeRecursively());
     }
 
     void reportsAFileThatCannotBeWritten()
@@ -416,10 +437,10 @@ private Q_SLOTS:
         s.start();
         s.preview();
         LogCapture output;
-        qputenv("XDG_RUNTIME_DIR", "/proc");
+        qputenv("TMPDIR", "/proc");
         s.tray.press({110, 10});
         s.tray.moveTo({120, 10});
-        qputenv("XDG_RUNTIME_DIR", m_runtime.path().toUtf8());
+        qputenv("TMPDIR", m_temporary.path().toUtf8());
         QCOMPARE(output.lines().size(), 1);
         QVERIFY(output.lines()[0].startsWith(QStringLiteral("Failed to write temp file: ")));
         QVERIFY(s.drags.empty());
@@ -480,7 +501,7 @@ private Q_SLOTS:
     }
 
 private:
-    QTemporaryDir m_runtime;
+    QTemporaryDir m_temporary;
 };
 
 QTEST_MAIN(TestStatusBarController)
