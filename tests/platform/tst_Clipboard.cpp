@@ -84,7 +84,7 @@ class SeenWayland : public Seen
 public:
     explicit SeenWayland(WaylandDesktop &desktop)
         : m_reader(desktop)
-        , m_clipboard(DataControlClipboard::create(WaylandConnection::open(), {}))
+        , m_clipboard(DataControlClipboard::create(connected(), {}))
     {
     }
     Clipboard &clipboard() override { return *m_clipboard; }
@@ -93,6 +93,12 @@ public:
     QString text() override { return QString::fromUtf8(m_reader.read("UTF8_STRING")); }
 
 private:
+    static std::shared_ptr<WaylandConnection> connected()
+    {
+        auto connection = WaylandConnection::open();
+        connection->handleInMainLoop();
+        return connection;
+    }
     WaylandClipboardReader m_reader;
     std::unique_ptr<DataControlClipboard> m_clipboard;
 };

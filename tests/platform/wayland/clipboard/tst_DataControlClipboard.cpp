@@ -193,19 +193,23 @@ private Q_SLOTS:
 
     void quitsWithoutAHolderToo()
     {
-        const auto clipboard =
-            DataControlClipboard::create(WaylandConnection::open(), QStringLiteral("/nowhere"));
+        const auto clipboard = make(QStringLiteral("/nowhere"));
         clipboard->setText(QStringLiteral("x"));
         clipboard->handOver();
         QVERIFY(holders().isEmpty());
     }
 
 private:
-    static std::unique_ptr<DataControlClipboard> make()
+    static QString holder()
     {
-        const QString program = QFileInfo(qEnvironmentVariable("TOVEK_PROGRAM")).path()
+        return QFileInfo(qEnvironmentVariable("TOVEK_PROGRAM")).path()
             + QStringLiteral("/tovek-clipboard-wayland");
-        return DataControlClipboard::create(WaylandConnection::open(), program);
+    }
+    static std::unique_ptr<DataControlClipboard> make(const QString &program = holder())
+    {
+        auto connection = WaylandConnection::open();
+        connection->handleInMainLoop();
+        return DataControlClipboard::create(connection, program);
     }
     static QFuture<QByteArray> ready(const QByteArray &bytes)
     {

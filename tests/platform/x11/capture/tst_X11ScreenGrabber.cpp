@@ -90,7 +90,7 @@ private Q_SLOTS:
         QCOMPARE(pixels.result(), expected);
     }
 
-    void fetchesAgainWhatItCouldNot()
+    void fetchesWhereTheServerTakesNoMoreClients()
     {
         X11ScreenGrabber grabber(m_connection, m_monitors);
         const auto content = grabber.shareableContent();
@@ -102,11 +102,10 @@ private Q_SLOTS:
             others.push_back(xcb_connect(nullptr, nullptr));
         while (!xcb_connection_has_error(others.back()) && others.size() < 3000);
         QVERIFY(xcb_connection_has_error(others.back()));
-        const QImage refused = frozen->pixels().result();
+        const QImage pixels = frozen->pixels().result();
         for (xcb_connection_t *other : others)
             xcb_disconnect(other);
-        QVERIFY(refused.isNull());
-        QTRY_COMPARE(frozen->pixels().result(), desktop->look(content->displays.front().native));
+        QCOMPARE(pixels, desktop->look(content->displays.front().native));
     }
 
     void givesThePixmapsBack()
