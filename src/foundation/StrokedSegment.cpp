@@ -150,6 +150,8 @@ public:
                 const QPoint at = m_isWide ? QPoint(major, minor) : QPoint(minor, major);
                 const double part = m_coverage.of(QPointF(at) + QPointF(0.5, 0.5));
                 const QPoint in = at - piece.topLeft();
+                // Never negative; the library's rounding would be a call for each pixel.
+                // NOLINTNEXTLINE(bugprone-incorrect-roundings)
                 pixels[qsizetype(in.y()) * piece.width() + in.x()] =
                     m_shades[size_t(255 * part + 0.5)];
             }

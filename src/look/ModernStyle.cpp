@@ -152,9 +152,7 @@ void ModernStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *op
     case PE_FrameLineEdit:
     case PE_FrameTabBarBase:
     case PE_FrameTabWidget:
-        return;
-    case PE_FrameFocusRect:
-        // Buttons, fields and tabs show the keyboard by their ring.
+    case PE_FrameFocusRect: // buttons, fields and tabs show the keyboard by their ring
         return;
     default:
         return QProxyStyle::drawPrimitive(element, option, painter, widget);

@@ -96,7 +96,8 @@ void Material::paintShadow(QPainter &painter, const QRectF &plate) const
     // Thin rings, each wider and fainter than the one inside: a soft edge without a picture.
     painter.setBrush(Qt::NoBrush);
     constexpr double ring = 0.5;
-    for (double reach = 0; reach < m_look.margin; reach += ring) {
+    for (int index = 0; index * ring < m_look.margin; ++index) {
+        const double reach = index * ring;
         const double fading = 1 - reach / m_look.margin;
         painter.setPen(QPen(QColor(0, 0, 0, int(255 * shadowStrength * fading * fading)), ring));
         const double out = reach + ring / 2;

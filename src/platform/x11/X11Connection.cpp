@@ -62,7 +62,7 @@ std::optional<X11RenderFormats> queryRenderFormats(xcb_connection_t *connection,
         return std::nullopt;
     const auto version = xcb_render_query_version(connection, 0, 11);
     const auto query = xcb_render_query_pict_formats(connection);
-    X11Reply<xcb_render_query_version_reply_t>(
+    const X11Reply<xcb_render_query_version_reply_t> agreed(
         xcb_render_query_version_reply(connection, version, nullptr));
     const X11Reply<xcb_render_query_pict_formats_reply_t> reply(
         xcb_render_query_pict_formats_reply(connection, query, nullptr));

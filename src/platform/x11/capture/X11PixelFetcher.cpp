@@ -102,7 +102,8 @@ void X11Barrier::wait()
 {
     std::call_once(m_once, [this] {
         m_hasWaited = true;
-        X11Reply<xcb_get_input_focus_reply_t>(xcb_get_input_focus_reply(m_xcb, m_cookie, nullptr));
+        const X11Reply<xcb_get_input_focus_reply_t> passed(
+            xcb_get_input_focus_reply(m_xcb, m_cookie, nullptr));
     });
 }
 
@@ -161,7 +162,7 @@ void X11PixelFetcher::Worker::prepare(const std::vector<QSize> &sizes)
                                               uint16_t(size.width()), uint16_t(size.height()), ~0u,
                                               XCB_IMAGE_FORMAT_Z_PIXMAP, segment->segment(), 0);
         xcb_generic_error_t *error = nullptr;
-        X11Reply<xcb_shm_get_image_reply_t>(
+        const X11Reply<xcb_shm_get_image_reply_t> copied(
             xcb_shm_get_image_reply(connection.get(), cookie, &error));
         std::free(error);
         ready.push_back(std::move(*segment));

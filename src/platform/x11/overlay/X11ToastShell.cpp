@@ -163,6 +163,7 @@ private:
         for (const char *name : {"_NET_WM_NAME", "WM_NAME"}) {
             set(name, QtXcb::atom("UTF8_STRING"), 8, uint32_t(title.size()), title.constData());
         }
+        // Two names, each with its end. NOLINTNEXTLINE(bugprone-string-literal-with-embedded-nul)
         set("WM_CLASS", XCB_ATOM_STRING, 8, 12, "tovek\0tovek");
         const uint32_t none = 0;
         const uint32_t yes = 1;
