@@ -35,10 +35,10 @@ struct WaylandKeyboardLayout::Events
             return;
         self.m_seat = static_cast<wl_seat *>(
             wl_registry_bind(registry, name, &wl_seat_interface, std::min(version, seatVersion)));
-        wl_seat_add_listener(self.m_seat, &seat, data);
+        wl_seat_add_listener(self.m_seat, &seatListener, data);
     }
     static void removed(void *, wl_registry *, uint32_t) { }
-    static constexpr wl_registry_listener registry{&added, &removed};
+    static constexpr wl_registry_listener registryListener{&added, &removed};
 
     static void capabilities(void *data, wl_seat *seat, uint32_t capabilities)
     {
@@ -46,13 +46,13 @@ struct WaylandKeyboardLayout::Events
         const bool hasKeyboard = capabilities & WL_SEAT_CAPABILITY_KEYBOARD;
         if (hasKeyboard && !self.m_keyboard) {
             self.m_keyboard = wl_seat_get_keyboard(seat);
-            wl_keyboard_add_listener(self.m_keyboard, &keyboard, data);
+            wl_keyboard_add_listener(self.m_keyboard, &keyboardListener, data);
         } else if (!hasKeyboard && self.m_keyboard) {
             wl_keyboard_destroy(std::exchange(self.m_keyboard, nullptr));
         }
     }
     static void name(void *, wl_seat *, const char *) { }
-    static constexpr wl_seat_listener seat{&capabilities, &name};
+    static constexpr wl_seat_listener seatListener{&capabilities, &name};
 
     static void keymap(void *data, wl_keyboard *, uint32_t format, int descriptor, uint32_t size)
     {
@@ -69,8 +69,8 @@ struct WaylandKeyboardLayout::Events
             layout(data).tellChange();
     }
     static void repeatInfo(void *, wl_keyboard *, int32_t, int32_t) { }
-    static constexpr wl_keyboard_listener keyboard{&keymap, &enter,     &leave,
-                                                   &key,    &modifiers, &repeatInfo};
+    static constexpr wl_keyboard_listener keyboardListener{&keymap, &enter,     &leave,
+                                                           &key,    &modifiers, &repeatInfo};
 };
 
 std::unique_ptr<WaylandKeyboardLayout> WaylandKeyboardLayout::create()
@@ -102,7 +102,7 @@ WaylandKeyboardLayout::~WaylandKeyboardLayout()
 bool WaylandKeyboardLayout::readKeymap()
 {
     m_registry = wl_display_get_registry(m_display.get());
-    wl_registry_add_listener(m_registry, &Events::registry, this);
+    wl_registry_add_listener(m_registry, &Events::registryListener, this);
     // One for the seat, one for what it can do, one for the map.
     for (int round = 0; round < 3; ++round) {
         if (wl_display_roundtrip(m_display.get()) < 0)
