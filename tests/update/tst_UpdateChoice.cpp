@@ -18,7 +18,7 @@ Version version(const char *text)
 UpdateItem itemOf(const char *text, PackageKind kind = PackageKind::appImage,
                   const char *system = nullptr)
 {
-    UpdateItem item{version(text), QString::fromLatin1(text), {}, {}, {}};
+    UpdateItem item{version(text), QString::fromLatin1(text), {}, {}, {}, {}};
     item.packages = {UpdatePackage{kind, QStringLiteral("x86_64"), {}, 1, {}, {}}};
     if (system)
         item.minimumSystem = version(system);

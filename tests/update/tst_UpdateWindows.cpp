@@ -188,6 +188,7 @@ private:
                         QStringLiteral("2.0"),
                         QStringLiteral("<b>Faster</b>\nFiner"),
                         {},
+                        {},
                         {}};
         return {item, {}};
     }
