@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace tovek {
 
@@ -93,14 +94,20 @@ Annotation newAnnotation(AnnotationTool tool, Point at, const QColor &color)
 
 } // namespace
 
-AnnotationEditor::AnnotationEditor() : selectedAnnotationColor(SystemColors::red) { }
+AnnotationEditor::AnnotationEditor(std::vector<Annotation> annotations)
+    : m_annotations(std::move(annotations))
+    , m_selectedAnnotationColor(SystemColors::red)
+{
+    select(std::nullopt);
+    m_history = AnnotationHistory(m_annotations);
+}
 
 Effect AnnotationEditor::press(Point at, int clickCount, const Rect &selection)
 {
     if (const std::optional<size_t> hit = annotationAt(at)) {
-        if (clickCount == 2 && std::holds_alternative<TextAnnotation>(annotations[*hit]))
+        if (clickCount == 2 && std::holds_alternative<TextAnnotation>(m_annotations[*hit]))
             return editText(*hit);
-        const bool isNew = selectedAnnotationIndex != hit;
+        const bool isNew = m_selectedAnnotationIndex != hit;
         if (isNew)
             select(hit);
         startDrag(*hit, at);
@@ -114,49 +121,46 @@ Effect AnnotationEditor::press(Point at, int clickCount, const Rect &selection)
 Effect AnnotationEditor::pressWithTool(Point at)
 {
     select(std::nullopt);
-    if (currentTool == AnnotationTool::text)
+    if (m_currentTool == AnnotationTool::text)
         return beginText(at);
-    if (currentTool != AnnotationTool::none)
-        currentAnnotation = newAnnotation(currentTool, at, selectedAnnotationColor);
+    if (m_currentTool != AnnotationTool::none)
+        m_currentAnnotation = newAnnotation(m_currentTool, at, m_selectedAnnotationColor);
     return {.isHandled = true, .needsRedraw = true};
 }
 
 void AnnotationEditor::startDrag(size_t index, Point at)
 {
-    draggingHandle = handleAt(at, annotations[index]);
-    isDraggingAnnotation = true;
-    annotationDragStartPoint = at;
-    if (const auto *rectangle = std::get_if<RectangleAnnotation>(&annotations[index])) {
+    m_drag = Drag{at, handleAt(at, m_annotations[index]), {}};
+    if (const auto *rectangle = std::get_if<RectangleAnnotation>(&m_annotations[index])) {
         for (const Corner &corner : cornersOf(*rectangle)) {
-            if (corner.handle == draggingHandle)
-                m_fixedCorner = corner.opposite;
+            if (corner.handle == m_drag->handle)
+                m_drag->fixedCorner = corner.opposite;
         }
     }
 }
 
 Effect AnnotationEditor::moveTo(Point at, const Rect &selection)
 {
-    if (currentAnnotation) {
-        fieldsOf(*currentAnnotation).endPoint = clamped(at, selection);
+    if (m_currentAnnotation) {
+        fieldsOf(*m_currentAnnotation).endPoint = clamped(at, selection);
         return {.isHandled = true, .needsRedraw = true};
     }
-    if (!isDraggingAnnotation || !selectedAnnotationIndex)
+    if (!m_drag || !m_selectedAnnotationIndex)
         return {};
-    if (draggingHandle) {
+    if (m_drag->handle) {
         dragHandle(clamped(at, selection));
     } else {
-        moveBy(annotations[*selectedAnnotationIndex], at.x - annotationDragStartPoint->x,
-               at.y - annotationDragStartPoint->y);
-        annotationDragStartPoint = at;
+        moveBy(m_annotations[*m_selectedAnnotationIndex], at.x - m_drag->at.x, at.y - m_drag->at.y);
+        m_drag->at = at;
     }
     return {.isHandled = true, .needsRedraw = true};
 }
 
 void AnnotationEditor::dragHandle(Point to)
 {
-    AnnotationFields &fields = fieldsOf(annotations[*selectedAnnotationIndex]);
-    const Point fixed = m_fixedCorner;
-    switch (*draggingHandle) {
+    AnnotationFields &fields = fieldsOf(m_annotations[*m_selectedAnnotationIndex]);
+    const Point fixed = m_drag->fixedCorner;
+    switch (*m_drag->handle) {
     case AnnotationHandle::start:
         fields.startPoint = to;
         break;
@@ -184,25 +188,23 @@ void AnnotationEditor::dragHandle(Point to)
 
 Effect AnnotationEditor::release()
 {
-    if (currentAnnotation) {
-        if (fieldsOf(*currentAnnotation).startPoint != fieldsOf(*currentAnnotation).endPoint)
-            annotations.push_back(*currentAnnotation);
-        currentAnnotation.reset();
-        m_history.record(annotations);
+    if (m_currentAnnotation) {
+        if (fieldsOf(*m_currentAnnotation).startPoint != fieldsOf(*m_currentAnnotation).endPoint)
+            m_annotations.push_back(*m_currentAnnotation);
+        m_currentAnnotation.reset();
+        record();
         return {.isHandled = true, .needsRedraw = true};
     }
-    if (!isDraggingAnnotation)
+    if (!m_drag)
         return {};
-    isDraggingAnnotation = false;
-    annotationDragStartPoint.reset();
-    draggingHandle.reset();
-    m_history.record(annotations);
+    m_drag.reset();
+    record();
     return {.isHandled = true};
 }
 
 Effect AnnotationEditor::selectTool(AnnotationTool tool)
 {
-    currentTool = tool;
+    m_currentTool = tool;
     select(std::nullopt);
     Effect effect;
     if (tool != AnnotationTool::text)
@@ -213,48 +215,47 @@ Effect AnnotationEditor::selectTool(AnnotationTool tool)
 
 Effect AnnotationEditor::toggleTool(AnnotationTool tool)
 {
-    return selectTool(tool == currentTool ? AnnotationTool::none : tool);
+    return selectTool(tool == m_currentTool ? AnnotationTool::none : tool);
 }
 
 Effect AnnotationEditor::chooseColor(const QColor &color, ColorTarget target)
 {
-    if (target == ColorTarget::selectedAnnotation && selectedAnnotationIndex) {
-        fieldsOf(annotations[*selectedAnnotationIndex]).color = color;
-        m_history.record(annotations);
+    if (target == ColorTarget::selectedAnnotation && m_selectedAnnotationIndex) {
+        fieldsOf(m_annotations[*m_selectedAnnotationIndex]).color = color;
+        record();
         return {.isHandled = true, .needsRedraw = true};
     }
-    selectedAnnotationColor = color;
+    m_selectedAnnotationColor = color;
     return {.isHandled = true};
 }
 
 Effect AnnotationEditor::deselect()
 {
-    const bool hadOne = selectedAnnotationIndex.has_value();
+    const bool hadOne = m_selectedAnnotationIndex.has_value();
     select(std::nullopt);
     return {.isHandled = hadOne, .needsRedraw = hadOne};
 }
 
 Effect AnnotationEditor::deleteSelected()
 {
-    if (!selectedAnnotationIndex)
+    if (!m_selectedAnnotationIndex)
         return {};
     Effect effect{.isHandled = true, .needsRedraw = true};
-    if (editingTextAnnotationIndex == selectedAnnotationIndex) {
+    if (editingTextAnnotationIndex() == m_selectedAnnotationIndex) {
         effect.closesTextBox = true;
-        textAnnotationPosition.reset();
-        editingTextAnnotationIndex.reset();
+        m_openText.reset();
     }
-    remove(*selectedAnnotationIndex);
-    m_history.record(annotations);
+    remove(*m_selectedAnnotationIndex);
+    record();
     return effect;
 }
 
 Effect AnnotationEditor::nudgeSelected(ArrowKey key, Step step)
 {
-    if (!selectedAnnotationIndex || isDrawingOrDragging())
+    if (!m_selectedAnnotationIndex || isDrawingOrDragging())
         return {};
     const double by = step == Step::large ? largeStep : 1;
-    Annotation &annotation = annotations[*selectedAnnotationIndex];
+    Annotation &annotation = m_annotations[*m_selectedAnnotationIndex];
     switch (key) {
     case ArrowKey::left:
         moveBy(annotation, -by, 0);
@@ -269,7 +270,7 @@ Effect AnnotationEditor::nudgeSelected(ArrowKey key, Step step)
         moveBy(annotation, 0, by);
         break;
     }
-    m_history.record(annotations);
+    record();
     return {.isHandled = true, .needsRedraw = true};
 }
 
@@ -293,12 +294,12 @@ Effect AnnotationEditor::restore(std::optional<std::vector<Annotation>> state)
         return {};
     // The selected annotation stays selected as long as it exists, wherever it is in the list.
     std::optional<QUuid> selected;
-    if (selectedAnnotationIndex)
-        selected = fieldsOf(annotations[*selectedAnnotationIndex]).id;
-    annotations = std::move(*state);
-    selectedAnnotationIndex.reset();
-    for (size_t i = 0; i < annotations.size(); ++i) {
-        if (fieldsOf(annotations[i]).id == selected)
+    if (m_selectedAnnotationIndex)
+        selected = fieldsOf(m_annotations[*m_selectedAnnotationIndex]).id;
+    m_annotations = std::move(*state);
+    m_selectedAnnotationIndex.reset();
+    for (size_t i = 0; i < m_annotations.size(); ++i) {
+        if (fieldsOf(m_annotations[i]).id == selected)
             select(i);
     }
     return {.isHandled = true, .needsRedraw = true};
@@ -307,67 +308,83 @@ Effect AnnotationEditor::restore(std::optional<std::vector<Annotation>> state)
 Effect AnnotationEditor::beginText(Point at)
 {
     Effect effect = commitText();
-    textAnnotationPosition = at;
-    m_typedText.clear();
+    m_openText = OpenText{at, {}, {}};
     effect.isHandled = effect.needsRedraw = true;
-    effect.opensTextBox = TextBox{at, selectedAnnotationColor, {}};
+    effect.opensTextBox = TextBox{at, m_selectedAnnotationColor, {}};
     return effect;
 }
 
 Effect AnnotationEditor::editText(size_t index)
 {
     // Committing can remove an annotation before this one.
-    const QUuid id = fieldsOf(annotations[index]).id;
+    const QUuid id = fieldsOf(m_annotations[index]).id;
     Effect effect = commitText();
     effect.isHandled = effect.needsRedraw = true;
-    for (size_t i = 0; i < annotations.size(); ++i) {
-        const auto *text = std::get_if<TextAnnotation>(&annotations[i]);
+    for (size_t i = 0; i < m_annotations.size(); ++i) {
+        const auto *text = std::get_if<TextAnnotation>(&m_annotations[i]);
         if (!text || text->id != id)
             continue;
-        editingTextAnnotationIndex = i;
-        textAnnotationPosition = text->startPoint;
-        m_typedText = text->text;
+        m_openText = OpenText{text->startPoint, text->text, i};
         effect.opensTextBox = TextBox{text->startPoint, text->color, text->text, text->fontSize};
     }
     return effect;
 }
 
+void AnnotationEditor::setTypedText(const QString &text)
+{
+    if (m_openText)
+        m_openText->typed = text;
+}
+
 Effect AnnotationEditor::commitText()
 {
-    if (!textAnnotationPosition)
+    if (!m_openText)
         return {};
-    const QString text = m_typedText.trimmed();
-    if (editingTextAnnotationIndex && text.isEmpty()) {
-        remove(*editingTextAnnotationIndex);
-    } else if (editingTextAnnotationIndex) {
-        std::get<TextAnnotation>(annotations[*editingTextAnnotationIndex]).text = text;
+    const OpenText open = *std::exchange(m_openText, std::nullopt);
+    const QString text = open.typed.trimmed();
+    if (open.editedIndex && text.isEmpty()) {
+        remove(*open.editedIndex);
+    } else if (open.editedIndex) {
+        std::get<TextAnnotation>(m_annotations[*open.editedIndex]).text = text;
     } else if (!text.isEmpty()) {
         Annotation annotation =
-            newAnnotation(AnnotationTool::text, *textAnnotationPosition, selectedAnnotationColor);
+            newAnnotation(AnnotationTool::text, open.position, m_selectedAnnotationColor);
         std::get<TextAnnotation>(annotation).text = text;
-        annotations.push_back(annotation);
+        m_annotations.push_back(annotation);
     }
-    textAnnotationPosition.reset();
-    editingTextAnnotationIndex.reset();
-    m_typedText.clear();
-    m_history.record(annotations);
+    record();
     return {.isHandled = true, .needsRedraw = true, .closesTextBox = true};
+}
+
+std::optional<Point> AnnotationEditor::annotationDragStartPoint() const
+{
+    return m_drag ? std::optional(m_drag->at) : std::nullopt;
+}
+
+std::optional<AnnotationHandle> AnnotationEditor::draggingHandle() const
+{
+    return m_drag ? m_drag->handle : std::nullopt;
+}
+
+std::optional<size_t> AnnotationEditor::editingTextAnnotationIndex() const
+{
+    return m_openText ? m_openText->editedIndex : std::nullopt;
 }
 
 std::vector<Annotation> AnnotationEditor::drawnAnnotations() const
 {
-    std::vector<Annotation> drawn = annotations;
-    if (editingTextAnnotationIndex)
-        drawn.erase(drawn.begin() + std::ptrdiff_t(*editingTextAnnotationIndex));
-    if (currentAnnotation)
-        drawn.push_back(*currentAnnotation);
+    std::vector<Annotation> drawn = m_annotations;
+    if (const auto edited = editingTextAnnotationIndex())
+        drawn.erase(drawn.begin() + std::ptrdiff_t(*edited));
+    if (m_currentAnnotation)
+        drawn.push_back(*m_currentAnnotation);
     return drawn;
 }
 
 std::optional<size_t> AnnotationEditor::annotationAt(Point at) const
 {
-    for (size_t i = annotations.size(); i-- > 0;) {
-        if (hitTest(annotations[i], at, hitTolerance))
+    for (size_t i = m_annotations.size(); i-- > 0;) {
+        if (hitTest(m_annotations[i], at, hitTolerance))
             return i;
     }
     return std::nullopt;
@@ -375,20 +392,33 @@ std::optional<size_t> AnnotationEditor::annotationAt(Point at) const
 
 void AnnotationEditor::select(std::optional<size_t> index)
 {
-    selectedAnnotationIndex = index;
-    for (size_t i = 0; i < annotations.size(); ++i)
-        fieldsOf(annotations[i]).isSelected = i == index;
+    m_selectedAnnotationIndex = index;
+    for (size_t i = 0; i < m_annotations.size(); ++i)
+        fieldsOf(m_annotations[i]).isSelected = i == index;
 }
 
 void AnnotationEditor::remove(size_t index)
 {
-    annotations.erase(annotations.begin() + std::ptrdiff_t(index));
-    for (std::optional<size_t> *other : {&selectedAnnotationIndex, &editingTextAnnotationIndex}) {
-        if (*other == index)
-            other->reset();
-        else if (*other > index)
-            --**other;
-    }
+    m_annotations.erase(m_annotations.begin() + std::ptrdiff_t(index));
+    const auto shift = [index](std::optional<size_t> &other) {
+        if (other == index)
+            other.reset();
+        else if (other > index)
+            --*other;
+    };
+    shift(m_selectedAnnotationIndex);
+    if (m_openText)
+        shift(m_openText->editedIndex);
+}
+
+/// A step of the history, and the place where all changes meet.
+void AnnotationEditor::record()
+{
+    Q_ASSERT(!m_selectedAnnotationIndex || *m_selectedAnnotationIndex < m_annotations.size());
+    Q_ASSERT(
+        !editingTextAnnotationIndex()
+        || std::holds_alternative<TextAnnotation>(m_annotations[*editingTextAnnotationIndex()]));
+    m_history.record(m_annotations);
 }
 
 } // namespace tovek

@@ -64,30 +64,46 @@ public:
 
     /// The view reports every change of the open box's text, so that whatever commits the box has
     /// what was typed.
-    void setTypedText(const QString &text) { m_typedText = text; }
+    void setTypedText(const QString &text);
     Effect commitText();
     /// One that a press there would select or drag.
     bool hasAnnotationAt(Point at) const { return annotationAt(at).has_value(); }
-    bool isTextBoxOpen() const { return textAnnotationPosition.has_value(); }
+    bool isTextBoxOpen() const { return m_openText.has_value(); }
 
     /// All annotations in drawing order, the one being drawn last; without the text that is being
     /// edited, which would show through what is typed over it.
     std::vector<Annotation> drawnAnnotations() const;
 
-    AnnotationTool currentTool = AnnotationTool::none;
-    std::vector<Annotation> annotations;
-    std::optional<Annotation> currentAnnotation; ///< being drawn
-    std::optional<size_t> selectedAnnotationIndex;
-    bool isDraggingAnnotation = false;
-    std::optional<Point> annotationDragStartPoint;
-    std::optional<AnnotationHandle> draggingHandle; ///< none: the whole annotation moves
-    QColor selectedAnnotationColor;
-    std::optional<Point> textAnnotationPosition; ///< of the open text box
-    std::optional<size_t> editingTextAnnotationIndex;
+    AnnotationTool currentTool() const { return m_currentTool; }
+    /// In drawing order, without the one being drawn.
+    const std::vector<Annotation> &annotations() const { return m_annotations; }
+    const std::optional<Annotation> &currentAnnotation() const { return m_currentAnnotation; }
+    std::optional<size_t> selectedAnnotationIndex() const { return m_selectedAnnotationIndex; }
+    QColor selectedAnnotationColor() const { return m_selectedAnnotationColor; }
+    bool isDraggingAnnotation() const { return m_drag.has_value(); }
+    /// Where the pointer was at the last step of the drag; absent without one.
+    std::optional<Point> annotationDragStartPoint() const;
+    /// Absent without a drag, and while the whole annotation moves.
+    std::optional<AnnotationHandle> draggingHandle() const;
+    std::optional<size_t> editingTextAnnotationIndex() const;
 
-    AnnotationEditor();
+    /// Drawings that are there from the start cannot be undone.
+    explicit AnnotationEditor(std::vector<Annotation> annotations = {});
 
 private:
+    struct Drag
+    {
+        Point at; ///< the pointer, at the last step
+        std::optional<AnnotationHandle> handle;
+        Point fixedCorner; ///< opposite to the corner that is dragged
+    };
+    struct OpenText
+    {
+        Point position;
+        QString typed;
+        std::optional<size_t> editedIndex; ///< absent for a new annotation
+    };
+
     std::optional<size_t> annotationAt(Point at) const;
     void select(std::optional<size_t> index);
     void remove(size_t index);
@@ -97,11 +113,17 @@ private:
     Effect beginText(Point at);
     Effect editText(size_t index);
     Effect restore(std::optional<std::vector<Annotation>> state);
-    bool isDrawingOrDragging() const { return currentAnnotation || isDraggingAnnotation; }
+    bool isDrawingOrDragging() const { return m_currentAnnotation || m_drag; }
+    void record();
 
+    AnnotationTool m_currentTool = AnnotationTool::none;
+    std::vector<Annotation> m_annotations;
+    std::optional<Annotation> m_currentAnnotation; ///< being drawn
+    std::optional<size_t> m_selectedAnnotationIndex; ///< the only one whose `isSelected` is set
+    QColor m_selectedAnnotationColor;
+    std::optional<Drag> m_drag; ///< goes on without effect where its annotation is deselected
+    std::optional<OpenText> m_openText;
     AnnotationHistory m_history;
-    QString m_typedText;
-    Point m_fixedCorner; ///< opposite to the corner being dragged
 };
 
 } // namespace tovek

@@ -6,6 +6,7 @@
 #include "annotations/Annotation.h"
 
 #include <optional>
+#include <utility>
 
 namespace tovek {
 
@@ -16,13 +17,15 @@ class AnnotationHistory
 public:
     using State = std::vector<Annotation>;
 
+    explicit AnnotationHistory(State first = {}) : m_states{std::move(first)} { }
+
     /// To be called with the list after every change; a state like the last is no step.
     void record(const State &state);
     std::optional<State> undo();
     std::optional<State> redo();
 
 private:
-    std::vector<State> m_states{State()};
+    std::vector<State> m_states; ///< never empty
     size_t m_current = 0;
 };
 

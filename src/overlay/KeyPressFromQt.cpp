@@ -11,7 +11,7 @@ namespace tovek {
 
 namespace {
 
-int keyCodeOf(int key)
+int hardwareKeyCode(int key)
 {
     switch (key) {
     case Qt::Key_Escape:
@@ -69,7 +69,7 @@ QString latinCharacter(const QKeyEvent &event, const KeyboardLayout *layout)
 
 KeyPress keyPressFrom(const QKeyEvent &event, const KeyboardLayout *layout)
 {
-    KeyPress press{keyCodeOf(event.key()), flagsOf(event.modifiers()), {}};
+    KeyPress press{hardwareKeyCode(event.key()), flagsOf(event.modifiers()), {}};
     if (press.keyCode == KeyCode::none || press.keyCode == KeyCode::space)
         press.charactersIgnoringModifiers = latinCharacter(event, layout);
     if (press.flags & KeyFlag::shift)

@@ -34,7 +34,7 @@ void OverlayToolbar::build(const Rect &selection, const ViewSpace &space)
 
 void OverlayToolbar::wireTools()
 {
-    m_toolbar->setActiveTool(m_editor.currentTool);
+    m_toolbar->setActiveTool(m_editor.currentTool());
     const auto toggle = [this](AnnotationTool tool) {
         return [this, tool] { onEdited(m_editor.toggleTool(tool)); };
     };
@@ -47,10 +47,10 @@ void OverlayToolbar::wireTools()
 
 void OverlayToolbar::wireColors()
 {
-    m_toolbar->setSelectedColor(m_editor.selectedAnnotationColor);
+    m_toolbar->setSelectedColor(m_editor.selectedAnnotationColor());
     m_toolbar->onColorSelected = [this](const QColor &color, ColorTarget target) {
         onEdited(m_editor.chooseColor(color, target));
-        m_toolbar->setSelectedColor(m_editor.selectedAnnotationColor);
+        m_toolbar->setSelectedColor(m_editor.selectedAnnotationColor());
     };
 }
 

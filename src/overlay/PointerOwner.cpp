@@ -13,11 +13,11 @@ PointerOwner pointerOwnerAt(Point at, const SelectionState &state, const Annotat
     if (!state.isSelectionFinalized || !state.selectionRect || state.handleUnder(at))
         return PointerOwner::selection;
     const Rect &selection = *state.selectionRect;
-    const bool isWord = words && editor.currentTool == AnnotationTool::none
+    const bool isWord = words && editor.currentTool() == AnnotationTool::none
         && words->regionAt({at.x - selection.x, at.y - selection.y});
     if (!isWord)
         return PointerOwner::annotations;
-    const bool isMoved = editor.selectedAnnotationIndex && editor.hasAnnotationAt(at);
+    const bool isMoved = editor.selectedAnnotationIndex() && editor.hasAnnotationAt(at);
     return isMoved ? PointerOwner::annotations : PointerOwner::words;
 }
 

@@ -87,7 +87,7 @@ void SelectionOverlayView::pressInside(Point at, int clickCount)
         m_textRegionOverlay->press(at);
         return follow(m_editor.deselect());
     }
-    const bool isPointing = m_editor.currentTool == AnnotationTool::none;
+    const bool isPointing = m_editor.currentTool() == AnnotationTool::none;
     if (m_textRegionOverlay && isPointing && m_state.selectionRect->contains(at))
         m_textRegionOverlay->pressElsewhere();
     follow(m_editor.press(at, clickCount, *m_state.selectionRect));
@@ -239,7 +239,7 @@ void SelectionOverlayView::pointAt(std::optional<Point> at)
     if (m_textRegionOverlay)
         m_textRegionOverlay->hover(isOnWord ? at : std::nullopt);
     if (at)
-        showCursor(overlayCursorAt(*at, pointerOwner(*at), m_state, m_editor.currentTool));
+        showCursor(overlayCursorAt(*at, pointerOwner(*at), m_state, m_editor.currentTool()));
 }
 
 void SelectionOverlayView::showCursor(Qt::CursorShape shape)
@@ -297,8 +297,8 @@ void SelectionOverlayView::deliver(const std::function<void(const Rect &)> &plai
 {
     if (const auto selection = m_state.selectionOnScreen())
         tovek::deliver(
-            {m_context.screenshot->pixels(), m_space.size, *selection, m_editor.annotations}, this,
-            plain, drawn);
+            {m_context.screenshot->pixels(), m_space.size, *selection, m_editor.annotations()},
+            this, plain, drawn);
 }
 
 void SelectionOverlayView::follow(const AnnotationEditor::Effect &effect)
@@ -306,7 +306,7 @@ void SelectionOverlayView::follow(const AnnotationEditor::Effect &effect)
     if (effect.closesTextBox)
         m_textInput.close();
     if (toolbar())
-        toolbar()->setActiveTool(m_editor.currentTool);
+        toolbar()->setActiveTool(m_editor.currentTool());
     if (effect.needsRedraw)
         redraw();
     if (m_pointer)

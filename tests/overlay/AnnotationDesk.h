@@ -49,8 +49,8 @@ struct Desk : AnnotationEditor
         setTypedText(text);
         selectTool(AnnotationTool::none);
     }
-    const AnnotationFields &at(size_t i) const { return fieldsOf(annotations.at(i)); }
-    QString textAt(size_t i) const { return std::get<TextAnnotation>(annotations.at(i)).text; }
+    const AnnotationFields &at(size_t i) const { return fieldsOf(annotations().at(i)); }
+    QString textAt(size_t i) const { return std::get<TextAnnotation>(annotations().at(i)).text; }
 };
 
 } // namespace tovek

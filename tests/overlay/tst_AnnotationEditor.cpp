@@ -22,9 +22,9 @@ private Q_SLOTS:
     void startsWithThePointerAndRed()
     {
         const AnnotationEditor editor;
-        QCOMPARE(editor.currentTool, AnnotationTool::none);
-        QCOMPARE(editor.selectedAnnotationColor, SystemColors::red);
-        QVERIFY(editor.annotations.empty() && !editor.selectedAnnotationIndex);
+        QCOMPARE(editor.currentTool(), AnnotationTool::none);
+        QCOMPARE(editor.selectedAnnotationColor(), SystemColors::red);
+        QVERIFY(editor.annotations().empty() && !editor.selectedAnnotationIndex());
     }
 
     void drawsWithEachTool_data()
@@ -42,18 +42,18 @@ private Q_SLOTS:
         Desk desk;
         desk.selectTool(tool);
         QVERIFY(desk.press({150, 150}, 1, selection).needsRedraw);
-        QVERIFY(desk.currentAnnotation);
+        QVERIFY(desk.currentAnnotation());
         QCOMPARE(desk.drawnAnnotations().size(), size_t(1));
         QVERIFY(desk.moveTo({300, 250}, selection).needsRedraw);
         QVERIFY(desk.release().needsRedraw);
-        QVERIFY(!desk.currentAnnotation);
-        QCOMPARE(desk.annotations.size(), size_t(1));
-        QCOMPARE(int(desk.annotations[0].index()), kind);
+        QVERIFY(!desk.currentAnnotation());
+        QCOMPARE(desk.annotations().size(), size_t(1));
+        QCOMPARE(int(desk.annotations()[0].index()), kind);
         QVERIFY((desk.at(0).startPoint == Point{150, 150}));
         QVERIFY((desk.at(0).endPoint == Point{300, 250}));
         QCOMPARE(desk.at(0).color, SystemColors::red);
-        QVERIFY(!desk.selectedAnnotationIndex && !desk.at(0).isSelected);
-        QCOMPARE(desk.currentTool, tool);
+        QVERIFY(!desk.selectedAnnotationIndex() && !desk.at(0).isSelected);
+        QCOMPARE(desk.currentTool(), tool);
     }
 
     void endsADrawingAtTheSelectionsBorder_data()
@@ -80,9 +80,9 @@ private Q_SLOTS:
         Desk desk;
         desk.selectTool(AnnotationTool::rectangle);
         desk.click({200, 200});
-        QVERIFY(desk.annotations.empty() && !desk.currentAnnotation);
+        QVERIFY(desk.annotations().empty() && !desk.currentAnnotation());
         desk.drag({200, 200}, {200, 200.5});
-        QCOMPARE(desk.annotations.size(), size_t(1));
+        QCOMPARE(desk.annotations().size(), size_t(1));
     }
 
     void ignoresAPressOutsideTheSelection()
@@ -90,7 +90,7 @@ private Q_SLOTS:
         Desk desk;
         desk.selectTool(AnnotationTool::line);
         QVERIFY(!desk.press({99, 200}, 1, selection).isHandled);
-        QVERIFY(!desk.currentAnnotation);
+        QVERIFY(!desk.currentAnnotation());
         QVERIFY(!desk.moveTo({200, 200}, selection).isHandled);
         QVERIFY(!desk.release().isHandled);
     }
@@ -112,10 +112,10 @@ private Q_SLOTS:
         Desk desk;
         desk.draw(AnnotationTool::line, {200, 200}, {300, 200});
         desk.click(at);
-        QCOMPARE(desk.selectedAnnotationIndex.has_value(), expected);
+        QCOMPARE(desk.selectedAnnotationIndex().has_value(), expected);
         QCOMPARE(desk.at(0).isSelected, expected);
         desk.click({400, 350});
-        QVERIFY(!desk.selectedAnnotationIndex && !desk.at(0).isSelected);
+        QVERIFY(!desk.selectedAnnotationIndex() && !desk.at(0).isSelected);
     }
 
     void selectsTheLaterOfTwo()
@@ -124,10 +124,10 @@ private Q_SLOTS:
         desk.draw(AnnotationTool::line, {200, 200}, {300, 200});
         desk.draw(AnnotationTool::line, {250, 150}, {250, 250});
         desk.click({250, 200});
-        QCOMPARE(desk.selectedAnnotationIndex, std::optional<size_t>(1));
+        QCOMPARE(desk.selectedAnnotationIndex(), std::optional<size_t>(1));
         QVERIFY(desk.at(1).isSelected && !desk.at(0).isSelected);
         desk.click({205, 200});
-        QCOMPARE(desk.selectedAnnotationIndex, std::optional<size_t>(0));
+        QCOMPARE(desk.selectedAnnotationIndex(), std::optional<size_t>(0));
         QVERIFY(desk.at(0).isSelected && !desk.at(1).isSelected);
     }
 
@@ -137,11 +137,11 @@ private Q_SLOTS:
         desk.draw(AnnotationTool::line, {200, 200}, {300, 200});
         desk.selectTool(AnnotationTool::rectangle);
         desk.click({250, 205});
-        QVERIFY(desk.selectedAnnotationIndex);
-        QVERIFY(!desk.currentAnnotation);
+        QVERIFY(desk.selectedAnnotationIndex());
+        QVERIFY(!desk.currentAnnotation());
         desk.drag({250, 300}, {300, 350});
-        QVERIFY(!desk.selectedAnnotationIndex);
-        QCOMPARE(desk.annotations.size(), size_t(2));
+        QVERIFY(!desk.selectedAnnotationIndex());
+        QCOMPARE(desk.annotations().size(), size_t(2));
     }
 
     void grabsHandlesWithinTwelvePoints_data()
@@ -179,12 +179,12 @@ private Q_SLOTS:
         Desk desk;
         desk.draw(tool, {200, 300}, {400, 200});
         desk.press(at, 1, selection);
-        QVERIFY(desk.isDraggingAnnotation);
-        QVERIFY(desk.draggingHandle == expected);
-        QVERIFY(desk.annotationDragStartPoint == at);
+        QVERIFY(desk.isDraggingAnnotation());
+        QVERIFY(desk.draggingHandle() == expected);
+        QVERIFY(desk.annotationDragStartPoint() == at);
         desk.release();
-        QVERIFY(!desk.isDraggingAnnotation && !desk.draggingHandle
-                && !desk.annotationDragStartPoint);
+        QVERIFY(!desk.isDraggingAnnotation() && !desk.draggingHandle()
+                && !desk.annotationDragStartPoint());
     }
 
     void testsBottomLeftFirstOnATinyRectangle()
@@ -192,7 +192,7 @@ private Q_SLOTS:
         Desk desk;
         desk.draw(AnnotationTool::rectangle, {200, 200}, {204, 204});
         desk.press({203, 203}, 1, selection);
-        QVERIFY(desk.draggingHandle == AnnotationHandle::bottomLeft);
+        QVERIFY(desk.draggingHandle() == AnnotationHandle::bottomLeft);
     }
 
     void movesAWholeAnnotationWithoutClamping()
@@ -272,8 +272,8 @@ private Q_SLOTS:
         QVERIFY(!desk.deleteSelected().isHandled);
         desk.click({250, 200});
         QVERIFY(desk.deleteSelected().needsRedraw);
-        QVERIFY(!desk.selectedAnnotationIndex);
-        QCOMPARE(desk.annotations.size(), size_t(1));
+        QVERIFY(!desk.selectedAnnotationIndex());
+        QCOMPARE(desk.annotations().size(), size_t(1));
         QCOMPARE(desk.at(0).startPoint.y, 300.0);
     }
 
@@ -281,15 +281,15 @@ private Q_SLOTS:
     {
         Desk desk;
         desk.toggleTool(AnnotationTool::arrow);
-        QCOMPARE(desk.currentTool, AnnotationTool::arrow);
+        QCOMPARE(desk.currentTool(), AnnotationTool::arrow);
         desk.toggleTool(AnnotationTool::line);
-        QCOMPARE(desk.currentTool, AnnotationTool::line);
+        QCOMPARE(desk.currentTool(), AnnotationTool::line);
         desk.selectTool(AnnotationTool::line);
-        QCOMPARE(desk.currentTool, AnnotationTool::line);
+        QCOMPARE(desk.currentTool(), AnnotationTool::line);
         desk.toggleTool(AnnotationTool::line);
-        QCOMPARE(desk.currentTool, AnnotationTool::none);
+        QCOMPARE(desk.currentTool(), AnnotationTool::none);
         desk.toggleTool(AnnotationTool::none);
-        QCOMPARE(desk.currentTool, AnnotationTool::none);
+        QCOMPARE(desk.currentTool(), AnnotationTool::none);
     }
 
     void clearsTheSelectionOnAToolChange()
@@ -298,7 +298,7 @@ private Q_SLOTS:
         desk.draw(AnnotationTool::line, {200, 200}, {300, 200});
         desk.click({250, 200});
         QVERIFY(desk.selectTool(AnnotationTool::rectangle).needsRedraw);
-        QVERIFY(!desk.selectedAnnotationIndex && !desk.at(0).isSelected);
+        QVERIFY(!desk.selectedAnnotationIndex() && !desk.at(0).isSelected);
     }
 
     void coloursOnlyWhatComesAfter()
@@ -319,11 +319,11 @@ private Q_SLOTS:
         desk.click({200, 250});
         QVERIFY(desk.chooseColor(SystemColors::green, ColorTarget::selectedAnnotation).needsRedraw);
         QCOMPARE(desk.at(0).color, SystemColors::green);
-        QCOMPARE(desk.selectedAnnotationColor, SystemColors::red);
+        QCOMPARE(desk.selectedAnnotationColor(), SystemColors::red);
         desk.click({400, 350});
         desk.chooseColor(SystemColors::black, ColorTarget::selectedAnnotation);
         QCOMPARE(desk.at(0).color, SystemColors::green);
-        QCOMPARE(desk.selectedAnnotationColor, SystemColors::black);
+        QCOMPARE(desk.selectedAnnotationColor(), SystemColors::black);
     }
 
     void nudgesByOneOrTen_data()

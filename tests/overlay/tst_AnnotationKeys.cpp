@@ -33,9 +33,9 @@ private Q_SLOTS:
         QFETCH(Action, action);
         QFETCH(AnnotationTool, tool);
         AnnotationEditor editor;
-        editor.currentTool = tool == AnnotationTool::none ? AnnotationTool::arrow : tool;
+        editor.selectTool(tool == AnnotationTool::none ? AnnotationTool::arrow : tool);
         QVERIFY(editWithKey(editor, action, {}).isHandled);
-        QCOMPARE(editor.currentTool, tool);
+        QCOMPARE(editor.currentTool(), tool);
     }
 
     void stepsTheSelectedAnnotation_data()
@@ -58,10 +58,10 @@ private Q_SLOTS:
         QFETCH(double, dx);
         QFETCH(double, dy);
         AnnotationEditor editor = editorWithSelectedLine();
-        const Point start = fieldsOf(editor.annotations[0]).startPoint;
+        const Point start = fieldsOf(editor.annotations()[0]).startPoint;
         const KeyPress key{code, hasShift ? KeyFlags(KeyFlag::shift) : KeyFlags(), {}};
         QVERIFY(editWithKey(editor, Action::nudge, key).needsRedraw);
-        const Point moved = fieldsOf(editor.annotations[0]).startPoint;
+        const Point moved = fieldsOf(editor.annotations()[0]).startPoint;
         QCOMPARE(moved.x, start.x + dx);
         QCOMPARE(moved.y, start.y + dy);
     }
@@ -70,11 +70,11 @@ private Q_SLOTS:
     {
         AnnotationEditor editor = editorWithSelectedLine();
         QVERIFY(editWithKey(editor, Action::deleteAnnotation, {}).isHandled);
-        QVERIFY(editor.annotations.empty());
+        QVERIFY(editor.annotations().empty());
         QVERIFY(editWithKey(editor, Action::undo, {}).isHandled);
-        QCOMPARE(editor.annotations.size(), size_t(1));
+        QCOMPARE(editor.annotations().size(), size_t(1));
         QVERIFY(editWithKey(editor, Action::redo, {}).isHandled);
-        QVERIFY(editor.annotations.empty());
+        QVERIFY(editor.annotations().empty());
     }
 
     void leavesTheRestToTheView_data()
@@ -89,9 +89,9 @@ private Q_SLOTS:
     {
         QFETCH(Action, action);
         AnnotationEditor editor = editorWithSelectedLine();
-        const auto before = editor.annotations;
+        const auto before = editor.annotations();
         QVERIFY(!editWithKey(editor, action, {}).isHandled);
-        QVERIFY(editor.annotations == before);
+        QVERIFY(editor.annotations() == before);
     }
 
 private:

@@ -36,7 +36,7 @@ private Q_SLOTS:
         QVERIFY(
             (desk.at(0).startPoint == Point{200, 300} && desk.at(0).endPoint == Point{200, 300}));
         QCOMPARE(desk.at(0).color, SystemColors::purple);
-        QCOMPARE(std::get<TextAnnotation>(desk.annotations[0]).fontSize, 16.0);
+        QCOMPARE(std::get<TextAnnotation>(desk.annotations()[0]).fontSize, 16.0);
         QVERIFY(!desk.commitText().isHandled);
     }
 
@@ -57,7 +57,7 @@ private Q_SLOTS:
         Desk desk;
         desk.write({200, 300}, typed);
         QStringList texts;
-        for (size_t i = 0; i < desk.annotations.size(); ++i)
+        for (size_t i = 0; i < desk.annotations().size(); ++i)
             texts << desk.textAt(i);
         QTEST(texts, "expected");
     }
@@ -82,7 +82,7 @@ private Q_SLOTS:
         desk.setTypedText(QStringLiteral("one"));
         const auto effect = desk.click({200, 200});
         QVERIFY(effect.closesTextBox && effect.opensTextBox);
-        QCOMPARE(desk.annotations.size(), size_t(1));
+        QCOMPARE(desk.annotations().size(), size_t(1));
         desk.commit(QStringLiteral("two"));
         QCOMPARE(desk.textAt(1), QStringLiteral("two"));
     }
@@ -95,12 +95,12 @@ private Q_SLOTS:
         desk.chooseColor(SystemColors::blue, ColorTarget::newAnnotations);
         QVERIFY(!desk.click({210, 290}).opensTextBox);
         const auto effect = desk.press({210, 290}, 2, selection);
-        QVERIFY(effect.opensTextBox && !desk.isDraggingAnnotation);
+        QVERIFY(effect.opensTextBox && !desk.isDraggingAnnotation());
         QVERIFY((effect.opensTextBox->position == Point{200, 300}));
         QCOMPARE(effect.opensTextBox->color, SystemColors::red);
         QCOMPARE(effect.opensTextBox->text, QStringLiteral("before"));
         desk.commit(QStringLiteral(" after "));
-        QCOMPARE(desk.annotations.size(), size_t(1));
+        QCOMPARE(desk.annotations().size(), size_t(1));
         QCOMPARE(desk.textAt(0), QStringLiteral("after"));
         QCOMPARE(desk.at(0).color, SystemColors::red);
         QCOMPARE(desk.at(0).id, id);
@@ -115,10 +115,10 @@ private Q_SLOTS:
         QVERIFY(fresh.opensTextBox);
         QCOMPARE(fresh.opensTextBox->fontSize, TextAnnotation().fontSize);
         desk.commit(QStringLiteral("large"));
-        std::get<TextAnnotation>(desk.annotations[0]).fontSize = 24;
-        desk.selectTool(AnnotationTool::none);
-        desk.click({210, 290});
-        const auto again = desk.press({210, 290}, 2, selection);
+        auto kept = desk.annotations();
+        std::get<TextAnnotation>(kept[0]).fontSize = 24;
+        AnnotationEditor later(kept);
+        const auto again = later.press({210, 290}, 2, selection);
         QVERIFY(again.opensTextBox);
         QCOMPARE(again.opensTextBox->fontSize, 24.0);
     }
@@ -131,10 +131,10 @@ private Q_SLOTS:
         QCOMPARE(desk.drawnAnnotations().size(), size_t(2));
         desk.click({210, 190});
         QVERIFY(desk.press({210, 190}, 2, selection).needsRedraw);
-        QVERIFY((desk.drawnAnnotations() == std::vector{desk.annotations[0]}));
-        QCOMPARE(desk.annotations.size(), size_t(2));
+        QVERIFY((desk.drawnAnnotations() == std::vector{desk.annotations()[0]}));
+        QCOMPARE(desk.annotations().size(), size_t(2));
         QVERIFY(desk.commitText().needsRedraw);
-        QVERIFY(desk.drawnAnnotations() == desk.annotations);
+        QVERIFY(desk.drawnAnnotations() == desk.annotations());
     }
 
     void dragsATextOnATripleClick()
@@ -142,7 +142,7 @@ private Q_SLOTS:
         Desk desk;
         desk.write({200, 300}, QStringLiteral("text"));
         QVERIFY(!desk.press({210, 290}, 3, selection).opensTextBox);
-        QVERIFY(desk.isDraggingAnnotation && !desk.draggingHandle);
+        QVERIFY(desk.isDraggingAnnotation() && !desk.draggingHandle());
     }
 
     void doesNotEditAShapeOnADoubleClick()
@@ -150,7 +150,7 @@ private Q_SLOTS:
         Desk desk;
         desk.draw(AnnotationTool::line, {200, 200}, {300, 200});
         QVERIFY(!desk.press({250, 200}, 2, selection).opensTextBox);
-        QVERIFY(desk.isDraggingAnnotation);
+        QVERIFY(desk.isDraggingAnnotation());
     }
 
     void deletesATextThatIsClearedWhenEditedAgain()
@@ -161,9 +161,9 @@ private Q_SLOTS:
         desk.click({210, 290});
         desk.press({210, 290}, 2, selection);
         QVERIFY(desk.commit(QStringLiteral(" \n")).closesTextBox);
-        QCOMPARE(desk.annotations.size(), size_t(1));
-        QVERIFY(std::holds_alternative<LineAnnotation>(desk.annotations[0]));
-        QVERIFY(!desk.selectedAnnotationIndex && !desk.editingTextAnnotationIndex);
+        QCOMPARE(desk.annotations().size(), size_t(1));
+        QVERIFY(std::holds_alternative<LineAnnotation>(desk.annotations()[0]));
+        QVERIFY(!desk.selectedAnnotationIndex() && !desk.editingTextAnnotationIndex());
     }
 
     void editsAnotherTextAfterClearingAnEarlierOne()
@@ -176,9 +176,9 @@ private Q_SLOTS:
         const auto effect = desk.press({305, 195}, 2, selection);
         QVERIFY(effect.opensTextBox);
         QCOMPARE(effect.opensTextBox->text, QStringLiteral("second"));
-        QCOMPARE(desk.editingTextAnnotationIndex, std::optional<size_t>(0));
+        QCOMPARE(desk.editingTextAnnotationIndex(), std::optional<size_t>(0));
         desk.commit(QStringLiteral("changed"));
-        QCOMPARE(desk.annotations.size(), size_t(1));
+        QCOMPARE(desk.annotations().size(), size_t(1));
         QCOMPARE(desk.textAt(0), QStringLiteral("changed"));
     }
 
@@ -189,7 +189,7 @@ private Q_SLOTS:
         desk.click({210, 290});
         desk.press({210, 290}, 2, selection);
         QVERIFY(desk.deleteSelected().closesTextBox);
-        QVERIFY(!desk.isTextBoxOpen() && desk.annotations.empty());
+        QVERIFY(!desk.isTextBoxOpen() && desk.annotations().empty());
     }
 };
 

@@ -23,8 +23,8 @@ private Q_SLOTS:
     {
         Desk desk;
         QVERIFY(!desk.undo().isHandled && !desk.redo().isHandled);
-        std::vector<std::vector<Annotation>> states{desk.annotations};
-        const auto changed = [&] { states.push_back(desk.annotations); };
+        std::vector<std::vector<Annotation>> states{desk.annotations()};
+        const auto changed = [&] { states.push_back(desk.annotations()); };
         desk.draw(AnnotationTool::rectangle, {200, 200}, {300, 300});
         changed();
         desk.drag({200, 250}, {250, 270});
@@ -45,12 +45,12 @@ private Q_SLOTS:
         QCOMPARE(states.size(), size_t(7));
         for (size_t i = states.size() - 1; i-- > 0;) {
             QVERIFY(desk.undo().needsRedraw);
-            QVERIFY(desk.annotations == states[i]);
+            QVERIFY(desk.annotations() == states[i]);
         }
         QVERIFY(!desk.undo().isHandled);
         for (size_t i = 1; i < states.size(); ++i) {
             QVERIFY(desk.redo().needsRedraw);
-            QVERIFY(desk.annotations == states[i]);
+            QVERIFY(desk.annotations() == states[i]);
         }
         QVERIFY(!desk.redo().isHandled);
     }
@@ -65,7 +65,7 @@ private Q_SLOTS:
         desk.selectTool(AnnotationTool::rectangle);
         desk.click({400, 300});
         desk.undo();
-        QVERIFY(desk.annotations.empty());
+        QVERIFY(desk.annotations().empty());
     }
 
     void forgetsWhatWasUndoneOnANewChange()
@@ -75,7 +75,7 @@ private Q_SLOTS:
         desk.undo();
         desk.draw(AnnotationTool::line, {200, 300}, {300, 300});
         QVERIFY(!desk.redo().isHandled);
-        QCOMPARE(desk.annotations.size(), size_t(1));
+        QCOMPARE(desk.annotations().size(), size_t(1));
     }
 
     void keepsTheSelectedOneSelectedThroughUndo()
@@ -86,11 +86,11 @@ private Q_SLOTS:
         desk.click({250, 200});
         desk.nudgeSelected(AnnotationEditor::ArrowKey::up, AnnotationEditor::Step::single);
         desk.undo();
-        QCOMPARE(desk.selectedAnnotationIndex, std::optional<size_t>(0));
+        QCOMPARE(desk.selectedAnnotationIndex(), std::optional<size_t>(0));
         QVERIFY(desk.at(0).isSelected && !desk.at(1).isSelected);
         desk.undo();
         desk.undo();
-        QVERIFY(!desk.selectedAnnotationIndex);
+        QVERIFY(!desk.selectedAnnotationIndex());
     }
 
     void doesNotUndoInTheMiddleOfADragOrAText()

@@ -88,7 +88,7 @@ private Q_SLOTS:
         state.release();
         state.hover(at);
         AnnotationEditor editor;
-        editor.currentTool = tool;
+        editor.selectTool(tool);
         const PointerOwner owner = pointerOwnerAt(at, state, editor, nullptr);
         QCOMPARE(overlayCursorAt(at, owner, state, tool), cursor);
         QCOMPARE(overlayCursorAt(at, PointerOwner::words, state, tool), Qt::IBeamCursor);

@@ -117,12 +117,12 @@ private Q_SLOTS:
         f.handDrag({120, 150}, {200, 150});
         f.key(Qt::Key_V);
         f.click({150, 150});
-        QVERIFY(f.view()->editor().selectedAnnotationIndex);
+        QVERIFY(f.view()->editor().selectedAnnotationIndex());
         f.handDrag({303, 120}, {323, 120});
         QVERIFY(f.showWords());
         f.click(onWord);
         QCOMPARE(f.selectedWords(), size_t(1));
-        QVERIFY(!f.view()->editor().selectedAnnotationIndex);
+        QVERIFY(!f.view()->editor().selectedAnnotationIndex());
     }
 
     void drawsOverWords()
@@ -131,7 +131,7 @@ private Q_SLOTS:
         QVERIFY(f.start());
         f.key(Qt::Key_R);
         f.handDrag(onWord, besideWord);
-        QCOMPARE(f.view()->editor().annotations.size(), size_t(1));
+        QCOMPARE(f.view()->editor().annotations().size(), size_t(1));
         QCOMPARE(f.selectedWords(), size_t(0));
     }
 
