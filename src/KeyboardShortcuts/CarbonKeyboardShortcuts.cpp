@@ -130,7 +130,7 @@ void CarbonKeyboardShortcuts::installHandler()
     };
     m_hotKeys.onRawKey = [this](KeyCombo key, bool isDown) {
         const auto kind = isDown ? KeyboardEvent::rawKeyDown : KeyboardEvent::rawKeyUp;
-        return handle(KeyboardEvent{kind, {}, key.carbonKeyCode, key.carbonModifiers}) == noError;
+        return handle(KeyboardEvent{kind, {}, key.keyCode, key.modifiers}) == noError;
     };
     update();
 }

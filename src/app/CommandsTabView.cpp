@@ -39,11 +39,11 @@ constexpr Row rows[] = {
     {"photo",
      QT_TRANSLATE_NOOP("ShortcutsTabView", "Capture Image"),
      "--capture-image",
-     {printScreen, 0x200}},
+     {printScreen, ComboModifier::shift}},
     {"text.viewfinder",
      QT_TRANSLATE_NOOP("ShortcutsTabView", "Capture Text"),
      "--capture-text",
-     {printScreen, 0x1000}},
+     {printScreen, ComboModifier::control}},
 };
 
 } // namespace

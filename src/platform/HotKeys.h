@@ -9,11 +9,19 @@
 
 namespace tovek {
 
+/// The bits of KeyCombo::modifiers. Stored shortcuts hold the same ones.
+namespace ComboModifier {
+inline constexpr quint32 control = 0x1000;
+inline constexpr quint32 option = 0x800; ///< Alt
+inline constexpr quint32 shift = 0x200;
+inline constexpr quint32 command = 0x100; ///< Super
+} // namespace ComboModifier
+
 /// A key and the modifiers that must be held with it, as shortcuts store them.
 struct KeyCombo
 {
-    quint32 carbonKeyCode = 0; ///< hardware key code by position
-    quint32 carbonModifiers = 0; ///< control 0x1000, option 0x800, shift 0x200, command 0x100
+    quint32 keyCode = 0; ///< hardware key code by position
+    quint32 modifiers = 0; ///< of ComboModifier
 
     bool operator==(const KeyCombo &) const = default;
 };

@@ -12,7 +12,7 @@ namespace tovek {
 int FakeHotKeys::grab(quint32 id, KeyCombo combo)
 {
     Q_ASSERT(!grabbed.contains(id));
-    if (evdevCodes(int(combo.carbonKeyCode)).empty())
+    if (evdevCodes(int(combo.keyCode)).empty())
         return 1;
     const bool isOurs = std::any_of(grabbed.begin(), grabbed.end(),
                                     [&](const auto &entry) { return entry.second == combo; });

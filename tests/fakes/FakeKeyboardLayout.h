@@ -34,7 +34,7 @@ public:
     }
     int keyCodeOfScanCode(quint32 nativeScanCode) const override
     {
-        return carbonKeyCode(int(nativeScanCode) - windowSystemKeyOffset);
+        return hardwareKeyCode(int(nativeScanCode) - windowSystemKeyOffset);
     }
 
     /// Another layout, which everybody is told of.

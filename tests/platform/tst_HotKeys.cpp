@@ -87,15 +87,15 @@ private:
 QString chordOf(KeyCombo combo)
 {
     QStringList names;
-    if (combo.carbonModifiers & 0x1000)
+    if (combo.modifiers & ComboModifier::control)
         names << QStringLiteral("Control_L");
-    if (combo.carbonModifiers & 0x800)
+    if (combo.modifiers & ComboModifier::option)
         names << QStringLiteral("Alt_L");
-    if (combo.carbonModifiers & 0x200)
+    if (combo.modifiers & ComboModifier::shift)
         names << QStringLiteral("Shift_L");
-    if (combo.carbonModifiers & 0x100)
+    if (combo.modifiers & ComboModifier::command)
         names << QStringLiteral("Super_L");
-    switch (combo.carbonKeyCode) {
+    switch (combo.keyCode) {
     case 8:
         return (names << QStringLiteral("c")).join('+');
     case 9:
@@ -103,7 +103,7 @@ QString chordOf(KeyCombo combo)
     case 105:
         return (names << QStringLiteral("Print")).join('+');
     default:
-        qFatal("The test has no name for the key %u", combo.carbonKeyCode);
+        qFatal("The test has no name for the key %u", combo.keyCode);
     }
 }
 

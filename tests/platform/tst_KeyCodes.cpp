@@ -16,7 +16,7 @@ private Q_SLOTS:
 
     void knowsThePositions_data()
     {
-        QTest::addColumn<int>("carbon");
+        QTest::addColumn<int>("keyCode");
         QTest::addColumn<int>("evdev");
         QTest::newRow("first letter of the home row") << 0 << 30;
         QTest::newRow("left of Z on ISO keyboards") << 10 << 86;
@@ -41,18 +41,18 @@ private Q_SLOTS:
     }
     void knowsThePositions()
     {
-        QFETCH(int, carbon);
+        QFETCH(int, keyCode);
         QFETCH(int, evdev);
-        QCOMPARE(evdevCodes(carbon).front(), evdev);
-        QCOMPARE(carbonKeyCode(evdev), carbon);
+        QCOMPARE(evdevCodes(keyCode).front(), evdev);
+        QCOMPARE(hardwareKeyCode(evdev), keyCode);
     }
 
     void givesEveryKeyBackThatItGave()
     {
         int keys = 0;
-        for (int carbon = 0; carbon < 0x100; ++carbon) {
-            for (const int evdev : evdevCodes(carbon)) {
-                QCOMPARE(carbonKeyCode(evdev), carbon);
+        for (int keyCode = 0; keyCode < 0x100; ++keyCode) {
+            for (const int evdev : evdevCodes(keyCode)) {
+                QCOMPARE(hardwareKeyCode(evdev), keyCode);
                 ++keys;
             }
         }
@@ -62,8 +62,8 @@ private Q_SLOTS:
     void letsNoTwoHardwareCodesShareAKey()
     {
         QSet<int> seen;
-        for (int carbon = 0; carbon < 0x100; ++carbon) {
-            for (const int evdev : evdevCodes(carbon)) {
+        for (int keyCode = 0; keyCode < 0x100; ++keyCode) {
+            for (const int evdev : evdevCodes(keyCode)) {
                 QVERIFY2(!seen.contains(evdev), qPrintable(QString::number(evdev)));
                 seen.insert(evdev);
             }
@@ -72,7 +72,7 @@ private Q_SLOTS:
 
     void putsTheCommonOfTwoKeysFirst_data()
     {
-        QTest::addColumn<int>("carbon");
+        QTest::addColumn<int>("keyCode");
         QTest::addColumn<std::vector<int>>("evdev");
         QTest::newRow("Print Screen and F13") << 105 << std::vector<int>{99, 183};
         QTest::newRow("Scroll Lock and F14") << 107 << std::vector<int>{70, 184};
@@ -81,9 +81,9 @@ private Q_SLOTS:
     }
     void putsTheCommonOfTwoKeysFirst()
     {
-        QFETCH(int, carbon);
+        QFETCH(int, keyCode);
         QFETCH(std::vector<int>, evdev);
-        QCOMPARE(evdevCodes(carbon), evdev);
+        QCOMPARE(evdevCodes(keyCode), evdev);
     }
 
     void knowsNothingOfOtherCodes()
@@ -91,9 +91,9 @@ private Q_SLOTS:
         QVERIFY(evdevCodes(52).empty());
         QVERIFY(evdevCodes(KeyCode::none).empty());
         QVERIFY(evdevCodes(0x10000).empty());
-        QCOMPARE(carbonKeyCode(0), KeyCode::none);
-        QCOMPARE(carbonKeyCode(-8), KeyCode::none);
-        QCOMPARE(carbonKeyCode(240), KeyCode::none);
+        QCOMPARE(hardwareKeyCode(0), KeyCode::none);
+        QCOMPARE(hardwareKeyCode(-8), KeyCode::none);
+        QCOMPARE(hardwareKeyCode(240), KeyCode::none);
     }
 };
 

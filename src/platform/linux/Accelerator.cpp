@@ -16,18 +16,20 @@ namespace {
 struct ModifierName
 {
     const char *name;
-    quint32 carbon;
+    quint32 bit;
 };
 
 constexpr ModifierName modifierNames[] = {
-    {"control", 0x1000}, {"ctrl", 0x1000}, {"primary", 0x1000}, {"alt", 0x800},
-    {"mod1", 0x800},     {"shift", 0x200}, {"super", 0x100},    {"mod4", 0x100},
+    {"control", ComboModifier::control}, {"ctrl", ComboModifier::control},
+    {"primary", ComboModifier::control}, {"alt", ComboModifier::option},
+    {"mod1", ComboModifier::option},     {"shift", ComboModifier::shift},
+    {"super", ComboModifier::command},   {"mod4", ComboModifier::command},
 };
 
 struct KeyName
 {
     const char *names; ///< separated by blanks, in lower case
-    quint32 carbon;
+    quint32 keyCode;
 };
 
 // clang-format off
@@ -66,7 +68,7 @@ std::optional<quint32> takeModifiers(QString &accelerator)
         quint32 bit = 0;
         for (const ModifierName &modifier : modifierNames) {
             if (name == QLatin1String(modifier.name))
-                bit = modifier.carbon;
+                bit = modifier.bit;
         }
         if (bit == 0)
             return std::nullopt;
@@ -76,18 +78,18 @@ std::optional<quint32> takeModifiers(QString &accelerator)
     return modifiers;
 }
 
-bool isKey(const QString &name, quint32 carbonKeyCode, const KeyboardLayout &layout)
+bool isKey(const QString &name, quint32 keyCode, const KeyboardLayout &layout)
 {
     for (const KeyName &key : keyNames) {
         if (QString::fromLatin1(key.names).split(QLatin1Char(' ')).contains(name))
-            return key.carbon == carbonKeyCode;
+            return key.keyCode == keyCode;
     }
     QString character = name;
     for (const auto &sign : signNames) {
         if (name == QLatin1String(sign.name))
             character = QChar::fromLatin1(sign.sign);
     }
-    const auto typed = layout.character(int(carbonKeyCode));
+    const auto typed = layout.character(int(keyCode));
     return typed && typed->toLower() == character;
 }
 
@@ -97,8 +99,8 @@ bool isAccelerator(const QString &accelerator, KeyCombo combo, const KeyboardLay
 {
     QString key = accelerator.trimmed().toLower();
     const auto modifiers = takeModifiers(key);
-    return modifiers && *modifiers == combo.carbonModifiers && !key.isEmpty()
-        && isKey(key, combo.carbonKeyCode, layout);
+    return modifiers && *modifiers == combo.modifiers && !key.isEmpty()
+        && isKey(key, combo.keyCode, layout);
 }
 
 } // namespace tovek

@@ -75,7 +75,7 @@ std::optional<quint32> keycodeOf(int keyCode)
                          : std::optional(quint32(codes.front() + windowSystemKeyOffset));
 }
 
-int carbonKeyCode(int evdevCode)
+int hardwareKeyCode(int evdevCode)
 {
     const auto found = std::find_if(
         std::begin(positions), std::end(positions),

@@ -23,6 +23,6 @@ std::vector<int> evdevCodes(int keyCode);
 std::optional<quint32> keycodeOf(int keyCode);
 
 /// The hardware code of an evdev code; KeyCode::none when there is none.
-int carbonKeyCode(int evdevCode);
+int hardwareKeyCode(int evdevCode);
 
 } // namespace tovek

@@ -12,14 +12,9 @@ namespace tovek {
 
 namespace {
 
-constexpr quint32 control = 0x1000;
-constexpr quint32 option = 0x800;
-constexpr quint32 shift = 0x200;
-constexpr quint32 command = 0x100;
-
 struct QtKey
 {
-    quint32 carbon;
+    quint32 keyCode;
     Qt::Key key;
 };
 
@@ -46,20 +41,19 @@ constexpr QtKey keypadKeys[] = {
 // clang-format on
 
 template <size_t count>
-int keyIn(const QtKey (&keys)[count], quint32 carbonKeyCode)
+int keyIn(const QtKey (&keys)[count], quint32 keyCode)
 {
-    const auto found =
-        std::find_if(std::begin(keys), std::end(keys),
-                     [carbonKeyCode](const QtKey &row) { return row.carbon == carbonKeyCode; });
+    const auto found = std::find_if(std::begin(keys), std::end(keys),
+                                    [keyCode](const QtKey &row) { return row.keyCode == keyCode; });
     return found == std::end(keys) ? 0 : found->key;
 }
 
-int modifiersOf(quint32 carbonModifiers)
+int qtModifiers(quint32 modifiers)
 {
-    return (carbonModifiers & control ? int(Qt::ControlModifier) : 0)
-        | (carbonModifiers & option ? int(Qt::AltModifier) : 0)
-        | (carbonModifiers & shift ? int(Qt::ShiftModifier) : 0)
-        | (carbonModifiers & command ? int(Qt::MetaModifier) : 0);
+    return (modifiers & ComboModifier::control ? int(Qt::ControlModifier) : 0)
+        | (modifiers & ComboModifier::option ? int(Qt::AltModifier) : 0)
+        | (modifiers & ComboModifier::shift ? int(Qt::ShiftModifier) : 0)
+        | (modifiers & ComboModifier::command ? int(Qt::MetaModifier) : 0);
 }
 
 /// 0 for a key that types nothing.
@@ -72,21 +66,21 @@ int keyTyping(const std::optional<QString> &text)
 
 QList<int> qtKeysOf(KeyCombo combo, const KeyboardLayout &layout)
 {
-    const int modifiers = modifiersOf(combo.carbonModifiers);
-    if (const int key = keyIn(keypadKeys, combo.carbonKeyCode))
+    const int modifiers = qtModifiers(combo.modifiers);
+    if (const int key = keyIn(keypadKeys, combo.keyCode))
         return {key | modifiers | int(Qt::KeypadModifier), key | modifiers};
-    if (const int key = keyIn(namedKeys, combo.carbonKeyCode)) {
-        if (key == Qt::Key_Print && (combo.carbonModifiers & option))
+    if (const int key = keyIn(namedKeys, combo.keyCode)) {
+        if (key == Qt::Key_Print && (combo.modifiers & ComboModifier::option))
             return {key | modifiers, int(Qt::Key_SysReq) | modifiers,
                     int(Qt::Key_SysReq) | (modifiers & ~int(Qt::AltModifier))};
         return {key | modifiers};
     }
-    const auto plain = layout.character(int(combo.carbonKeyCode));
+    const auto plain = layout.character(int(combo.keyCode));
     if (!plain)
         return {};
-    if (!(combo.carbonModifiers & shift))
+    if (!(combo.modifiers & ComboModifier::shift))
         return {keyTyping(plain) | modifiers};
-    const auto shifted = layout.shiftedCharacter(int(combo.carbonKeyCode));
+    const auto shifted = layout.shiftedCharacter(int(combo.keyCode));
     const bool isLetter = QChar::isLetter(shifted.value_or(*plain).toUcs4().value(0));
     if (!shifted || isLetter || *shifted == *plain)
         return {keyTyping(shifted.value_or(*plain)) | modifiers};

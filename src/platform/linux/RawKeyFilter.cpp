@@ -13,12 +13,12 @@ namespace tovek {
 
 namespace {
 
-quint32 carbonModifiers(Qt::KeyboardModifiers modifiers)
+quint32 modifiersOf(Qt::KeyboardModifiers modifiers)
 {
-    return (modifiers.testFlag(Qt::ControlModifier) ? 0x1000U : 0U)
-        | (modifiers.testFlag(Qt::AltModifier) ? 0x800U : 0U)
-        | (modifiers.testFlag(Qt::ShiftModifier) ? 0x200U : 0U)
-        | (modifiers.testFlag(Qt::MetaModifier) ? 0x100U : 0U);
+    return (modifiers.testFlag(Qt::ControlModifier) ? ComboModifier::control : 0U)
+        | (modifiers.testFlag(Qt::AltModifier) ? ComboModifier::option : 0U)
+        | (modifiers.testFlag(Qt::ShiftModifier) ? ComboModifier::shift : 0U)
+        | (modifiers.testFlag(Qt::MetaModifier) ? ComboModifier::command : 0U);
 }
 
 } // namespace
@@ -51,10 +51,10 @@ bool RawKeyFilter::press(const QKeyEvent &event)
 {
     if (const auto held = m_down.find(event.nativeScanCode()); held != m_down.end())
         return held->second.isSwallowed;
-    const int carbon = carbonKeyCode(int(event.nativeScanCode()) - windowSystemKeyOffset);
-    if (carbon == KeyCode::none)
+    const int keyCode = hardwareKeyCode(int(event.nativeScanCode()) - windowSystemKeyOffset);
+    if (keyCode == KeyCode::none)
         return false;
-    const KeyCombo combo{quint32(carbon), carbonModifiers(event.modifiers())};
+    const KeyCombo combo{quint32(keyCode), modifiersOf(event.modifiers())};
     const bool isSwallowed = m_callback(combo, true);
     if (m_isWatching)
         m_down.insert_or_assign(event.nativeScanCode(), Press{combo, isSwallowed});

@@ -55,19 +55,20 @@ const Desktop &known(const QStringList &names)
     return anyDesktop;
 }
 
-QString keyOf(const Desktop &desktop, quint32 carbonModifiers)
+QString keyOf(const Desktop &desktop, quint32 modifiers)
 {
-    constexpr std::array<quint32, 3> bits{0x1000, 0x800, 0x200};
-    QString modifiers;
+    constexpr std::array<quint32, 3> bits{ComboModifier::control, ComboModifier::option,
+                                          ComboModifier::shift};
+    QString names;
     for (size_t i = 0; i < bits.size(); ++i) {
-        if (carbonModifiers & bits[i])
-            modifiers += QLatin1String(desktop.modifiers[i]);
+        if (modifiers & bits[i])
+            names += QLatin1String(desktop.modifiers[i]);
     }
-    if (modifiers.isEmpty())
-        modifiers = QLatin1String(desktop.none);
+    if (names.isEmpty())
+        names = QLatin1String(desktop.none);
     else if (*desktop.between)
-        modifiers.chop(1); // the sign that would join the key
-    return modifiers + QLatin1String(desktop.between) + QLatin1String(desktop.key);
+        names.chop(1); // the sign that would join the key
+    return names + QLatin1String(desktop.between) + QLatin1String(desktop.key);
 }
 
 QString quotedWords(const QString &command)
@@ -91,8 +92,8 @@ std::optional<CommandBinding> UserBoundHotKeys::commandBinding(KeyCombo combo,
     const Desktop &desktop = known(m_desktops);
     QString line = QString::fromUtf8(desktop.line);
     // One name a binding, where bindings have names.
-    line.replace(QLatin1String("%4"), QString::number(combo.carbonModifiers, 16));
-    line.replace(QLatin1String("%1"), keyOf(desktop, combo.carbonModifiers));
+    line.replace(QLatin1String("%4"), QString::number(combo.modifiers, 16));
+    line.replace(QLatin1String("%1"), keyOf(desktop, combo.modifiers));
     line.replace(QLatin1String("%3"), quotedWords(command));
     line.replace(QLatin1String("%2"), command);
     return CommandBinding{QString::fromUtf8(desktop.place), line};

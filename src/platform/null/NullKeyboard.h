@@ -29,7 +29,7 @@ public:
     std::optional<QString> characterOfScanCode(quint32) const override { return std::nullopt; }
     int keyCodeOfScanCode(quint32 nativeScanCode) const override
     {
-        return carbonKeyCode(int(nativeScanCode) - windowSystemKeyOffset);
+        return hardwareKeyCode(int(nativeScanCode) - windowSystemKeyOffset);
     }
 };
 

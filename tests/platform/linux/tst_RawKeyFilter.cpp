@@ -91,8 +91,8 @@ private:
         return [this, isTaken](KeyCombo combo, bool isDown) {
             m_log.append(QStringLiteral("%1 %2 %3")
                              .arg(isDown ? "down" : "up")
-                             .arg(combo.carbonKeyCode)
-                             .arg(combo.carbonModifiers, 0, 16));
+                             .arg(combo.keyCode)
+                             .arg(combo.modifiers, 0, 16));
             return isTaken;
         };
     }

@@ -35,10 +35,10 @@ void TestKeyboard::press(KeyCombo combo)
 {
     for (const auto &[bit, evdev] :
          {std::pair(0x1000u, control), {0x800u, alt}, {0x200u, shift}, {0x100u, super}}) {
-        if (combo.carbonModifiers & bit)
+        if (combo.modifiers & bit)
             press(evdev);
     }
-    press(evdevCodes(int(combo.carbonKeyCode)).front());
+    press(evdevCodes(int(combo.keyCode)).front());
 }
 
 void TestKeyboard::releaseAll()

@@ -19,12 +19,14 @@ namespace {
 struct ModifierName
 {
     const char *name;
-    quint32 carbon;
+    quint32 modifier;
 };
 
 constexpr ModifierName modifierNames[] = {
-    {"control", 0x1000}, {"ctrl", 0x1000}, {"alt", 0x800},  {"mod1", 0x800},
-    {"shift", 0x200},    {"super", 0x100}, {"mod4", 0x100}, {"logo", 0x100},
+    {"control", ComboModifier::control}, {"ctrl", ComboModifier::control},
+    {"alt", ComboModifier::option},      {"mod1", ComboModifier::option},
+    {"shift", ComboModifier::shift},     {"super", ComboModifier::command},
+    {"mod4", ComboModifier::command},    {"logo", ComboModifier::command},
 };
 
 QString withVariables(QString text, const QHash<QString, QString> &variables)
@@ -53,7 +55,7 @@ std::optional<SwayBinding> bindingOf(const QString &combination, bool isCode)
             });
         if (known == std::end(modifierNames))
             return std::nullopt;
-        binding.carbonModifiers |= known->carbon;
+        binding.modifiers |= known->modifier;
     }
     if (isCode)
         binding.keycode = key.toUInt();
@@ -126,12 +128,11 @@ SwayConfiguration parseSwayConfiguration(const QString &text, QHash<QString, QSt
 
 bool isBoundTo(const SwayBinding &binding, KeyCombo combo, const KeyboardLayout &layout)
 {
-    if (binding.carbonModifiers != combo.carbonModifiers)
+    if (binding.modifiers != combo.modifiers)
         return false;
     if (binding.key.isEmpty())
-        return carbonKeyCode(int(binding.keycode) - windowSystemKeyOffset)
-            == int(combo.carbonKeyCode);
-    return isAccelerator(binding.key, {combo.carbonKeyCode, 0}, layout);
+        return hardwareKeyCode(int(binding.keycode) - windowSystemKeyOffset) == int(combo.keyCode);
+    return isAccelerator(binding.key, {combo.keyCode, 0}, layout);
 }
 
 } // namespace tovek

@@ -16,7 +16,7 @@ class KeyboardLayout;
 /// One key that a configuration of sway binds to something.
 struct SwayBinding
 {
-    quint32 carbonModifiers = 0;
+    quint32 modifiers = 0;
     QString key; ///< the name of what it types; empty where `keycode` tells
     quint32 keycode = 0; ///< as key events number keys
 

@@ -36,16 +36,16 @@ const QString upMark = QStringLiteral("up");
 QStringList swayKeys(KeyCombo combo)
 {
     QString modifiers;
-    if (combo.carbonModifiers & 0x1000)
+    if (combo.modifiers & ComboModifier::control)
         modifiers += QLatin1String("Ctrl+");
-    if (combo.carbonModifiers & 0x800)
+    if (combo.modifiers & ComboModifier::option)
         modifiers += QLatin1String("Mod1+");
-    if (combo.carbonModifiers & 0x200)
+    if (combo.modifiers & ComboModifier::shift)
         modifiers += QLatin1String("Shift+");
-    if (combo.carbonModifiers & 0x100)
+    if (combo.modifiers & ComboModifier::command)
         modifiers += QLatin1String("Mod4+");
     QStringList keys;
-    for (const int evdev : evdevCodes(int(combo.carbonKeyCode)))
+    for (const int evdev : evdevCodes(int(combo.keyCode)))
         keys.append(modifiers + QString::number(evdev + windowSystemKeyOffset));
     return keys;
 }
@@ -88,7 +88,7 @@ SwayHotKeys::~SwayHotKeys()
 int SwayHotKeys::grab(quint32 id, KeyCombo combo)
 {
     Q_ASSERT(!m_grabs.contains(id));
-    if (evdevCodes(int(combo.carbonKeyCode)).empty())
+    if (evdevCodes(int(combo.keyCode)).empty())
         return noSuchKey;
     const bool isOurs = std::any_of(m_grabs.begin(), m_grabs.end(),
                                     [&](const auto &entry) { return entry.second == combo; });

@@ -111,15 +111,15 @@ bool WaylandKeyboardLayout::readKeymap()
     return true;
 }
 
-std::optional<QString> WaylandKeyboardLayout::character(int carbonKeyCode) const
+std::optional<QString> WaylandKeyboardLayout::character(int keyCode) const
 {
-    const auto keycode = keycodeOf(carbonKeyCode);
+    const auto keycode = keycodeOf(keyCode);
     return keycode ? m_keymap.character(*keycode) : std::nullopt;
 }
 
-std::optional<QString> WaylandKeyboardLayout::shiftedCharacter(int carbonKeyCode) const
+std::optional<QString> WaylandKeyboardLayout::shiftedCharacter(int keyCode) const
 {
-    const auto keycode = keycodeOf(carbonKeyCode);
+    const auto keycode = keycodeOf(keyCode);
     return keycode ? m_keymap.character(*keycode, XkbKeymap::Level::shifted) : std::nullopt;
 }
 
@@ -130,7 +130,7 @@ std::optional<QString> WaylandKeyboardLayout::characterOfScanCode(quint32 native
 
 int WaylandKeyboardLayout::keyCodeOfScanCode(quint32 nativeScanCode) const
 {
-    return carbonKeyCode(int(nativeScanCode) - windowSystemKeyOffset);
+    return hardwareKeyCode(int(nativeScanCode) - windowSystemKeyOffset);
 }
 
 void WaylandKeyboardLayout::startDispatching()

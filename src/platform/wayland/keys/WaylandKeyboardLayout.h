@@ -22,8 +22,8 @@ public:
     static std::unique_ptr<WaylandKeyboardLayout> create();
     ~WaylandKeyboardLayout() override;
 
-    std::optional<QString> character(int carbonKeyCode) const override;
-    std::optional<QString> shiftedCharacter(int carbonKeyCode) const override;
+    std::optional<QString> character(int keyCode) const override;
+    std::optional<QString> shiftedCharacter(int keyCode) const override;
     std::optional<QString> characterOfScanCode(quint32 nativeScanCode) const override;
     int keyCodeOfScanCode(quint32 nativeScanCode) const override;
 

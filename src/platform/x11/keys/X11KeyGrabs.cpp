@@ -107,12 +107,12 @@ bool X11KeyGrabs::Grab::hasKey(xcb_keycode_t keycode) const
 std::optional<X11KeyGrabs::Grab> X11KeyGrabs::resolve(KeyCombo combo) const
 {
     Grab grab{combo, {}, 0};
-    for (const int evdev : evdevCodes(int(combo.carbonKeyCode))) {
+    for (const int evdev : evdevCodes(int(combo.keyCode))) {
         const int keycode = evdev + windowSystemKeyOffset;
         if (keycode <= xcb_get_setup(m_connection)->max_keycode)
             grab.keycodes.push_back(xcb_keycode_t(keycode));
     }
-    const auto mask = m_modifiers.mask(combo.carbonModifiers);
+    const auto mask = m_modifiers.mask(combo.modifiers);
     if (grab.keycodes.empty() || !mask)
         return std::nullopt;
     grab.mask = *mask;

@@ -47,15 +47,15 @@ bool X11KeyboardLayout::setUp()
     return true;
 }
 
-std::optional<QString> X11KeyboardLayout::character(int carbonKeyCode) const
+std::optional<QString> X11KeyboardLayout::character(int keyCode) const
 {
-    const auto keycode = keycodeOf(carbonKeyCode);
+    const auto keycode = keycodeOf(keyCode);
     return keycode ? keymap().character(*keycode) : std::nullopt;
 }
 
-std::optional<QString> X11KeyboardLayout::shiftedCharacter(int carbonKeyCode) const
+std::optional<QString> X11KeyboardLayout::shiftedCharacter(int keyCode) const
 {
-    const auto keycode = keycodeOf(carbonKeyCode);
+    const auto keycode = keycodeOf(keyCode);
     return keycode ? keymap().character(*keycode, XkbKeymap::Level::shifted) : std::nullopt;
 }
 
@@ -66,7 +66,7 @@ std::optional<QString> X11KeyboardLayout::characterOfScanCode(quint32 nativeScan
 
 int X11KeyboardLayout::keyCodeOfScanCode(quint32 nativeScanCode) const
 {
-    return carbonKeyCode(int(nativeScanCode) - windowSystemKeyOffset);
+    return hardwareKeyCode(int(nativeScanCode) - windowSystemKeyOffset);
 }
 
 void X11KeyboardLayout::startDispatching()

@@ -21,8 +21,8 @@ public:
     static std::unique_ptr<X11KeyboardLayout> create();
     ~X11KeyboardLayout() override;
 
-    std::optional<QString> character(int carbonKeyCode) const override;
-    std::optional<QString> shiftedCharacter(int carbonKeyCode) const override;
+    std::optional<QString> character(int keyCode) const override;
+    std::optional<QString> shiftedCharacter(int keyCode) const override;
     std::optional<QString> characterOfScanCode(quint32 nativeScanCode) const override;
     int keyCodeOfScanCode(quint32 nativeScanCode) const override;
 

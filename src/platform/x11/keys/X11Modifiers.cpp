@@ -3,6 +3,7 @@
 
 #include "platform/x11/keys/X11Modifiers.h"
 
+#include "platform/HotKeys.h"
 #include "platform/x11/X11Reply.h"
 
 #include <algorithm>
@@ -25,41 +26,36 @@ constexpr ModifierKey modifierKeys[] = {
     {XKB_KEY_Num_Lock, &X11Modifiers::locks}, {XKB_KEY_Scroll_Lock, &X11Modifiers::locks},
 };
 
-constexpr quint32 carbonControl = 0x1000;
-constexpr quint32 carbonOption = 0x800;
-constexpr quint32 carbonShift = 0x200;
-constexpr quint32 carbonCommand = 0x100;
-
 struct ModifierBit
 {
-    quint32 carbon;
+    quint32 bit;
     quint16 state;
 };
 
 } // namespace
 
-std::optional<quint16> X11Modifiers::mask(quint32 carbonModifiers) const
+std::optional<quint16> X11Modifiers::mask(quint32 modifiers) const
 {
     quint16 mask = 0;
-    for (const ModifierBit bit : {ModifierBit{carbonControl, XCB_MOD_MASK_CONTROL},
-                                  {carbonShift, XCB_MOD_MASK_SHIFT},
-                                  {carbonOption, alt},
-                                  {carbonCommand, super}}) {
-        if (!(carbonModifiers & bit.carbon))
+    for (const ModifierBit known : {ModifierBit{ComboModifier::control, XCB_MOD_MASK_CONTROL},
+                                    {ComboModifier::shift, XCB_MOD_MASK_SHIFT},
+                                    {ComboModifier::option, alt},
+                                    {ComboModifier::command, super}}) {
+        if (!(modifiers & known.bit))
             continue;
-        if (!bit.state)
+        if (!known.state)
             return std::nullopt;
-        mask |= bit.state;
-        carbonModifiers &= ~bit.carbon;
+        mask |= known.state;
+        modifiers &= ~known.bit;
     }
-    return carbonModifiers ? std::nullopt : std::optional(mask);
+    return modifiers ? std::nullopt : std::optional(mask);
 }
 
-quint32 X11Modifiers::carbonModifiers(quint16 state) const
+quint32 X11Modifiers::modifiersOf(quint16 state) const
 {
-    return (state & XCB_MOD_MASK_CONTROL ? carbonControl : 0)
-        | (state & XCB_MOD_MASK_SHIFT ? carbonShift : 0) | (state & alt ? carbonOption : 0)
-        | (state & super ? carbonCommand : 0);
+    return (state & XCB_MOD_MASK_CONTROL ? ComboModifier::control : 0)
+        | (state & XCB_MOD_MASK_SHIFT ? ComboModifier::shift : 0)
+        | (state & alt ? ComboModifier::option : 0) | (state & super ? ComboModifier::command : 0);
 }
 
 std::vector<quint16> X11Modifiers::lockVariants() const

@@ -22,9 +22,9 @@ struct X11Modifiers
 
     /// The bits of the modifiers that a shortcut stores; absent when one of them is unknown or
     /// not on the keyboard.
-    std::optional<quint16> mask(quint32 carbonModifiers) const;
+    std::optional<quint16> mask(quint32 modifiers) const;
     /// The modifiers that a shortcut would store; locks are none of them.
-    quint32 carbonModifiers(quint16 state) const;
+    quint32 modifiersOf(quint16 state) const;
     /// The state without locks and mouse buttons.
     quint16 withoutLocks(quint16 state) const { return state & 0xff & ~locks; }
     /// Every combination of locks, none included.

@@ -59,10 +59,10 @@ bool X11RawKeyFilter::press(int keycode, quint16 state, quint32 time)
         return m_released.isSwallowed;
     if (const auto repeated = m_down.find(keycode); repeated != m_down.end())
         return repeated->second.isSwallowed;
-    const int carbon = carbonKeyCode(keycode - windowSystemKeyOffset);
-    if (carbon == KeyCode::none)
+    const int keyCode = hardwareKeyCode(keycode - windowSystemKeyOffset);
+    if (keyCode == KeyCode::none)
         return false;
-    const KeyCombo combo{quint32(carbon), m_modifiers.carbonModifiers(state)};
+    const KeyCombo combo{quint32(keyCode), m_modifiers.modifiersOf(state)};
     const bool isSwallowed = m_handler(combo, true);
     if (m_isWatching)
         m_down.insert_or_assign(keycode, Press{combo, isSwallowed});
