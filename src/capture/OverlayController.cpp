@@ -150,7 +150,7 @@ void OverlayController::installCallbacks(OverlayWindow &window)
                 handler(argument...);
         };
     };
-    OverlayCallbacks &callbacks = window.callbacks;
+    OverlayCallbacks &callbacks = window.callbacks();
     callbacks.onCancel = weakly([this] { cleanUp(); });
     callbacks.onSelectionComplete =
         weakly([this, screen](const Rect &rect) { selectionComplete(rect, screen); });

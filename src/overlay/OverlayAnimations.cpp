@@ -59,4 +59,10 @@ void OverlayAnimations::schedule(Run &run)
     });
 }
 
+std::array<double, 4> OverlayAnimations::handleOpacities() const
+{
+    return {handleOpacity(ResizeHandle::bottomLeft), handleOpacity(ResizeHandle::bottomRight),
+            handleOpacity(ResizeHandle::topLeft), handleOpacity(ResizeHandle::topRight)};
+}
+
 } // namespace tovek

@@ -29,6 +29,8 @@ public:
     double dimmingOpacity() const { return m_dimming.fade.value(); }
     bool shouldShowDimming() const { return m_shouldShowDimming; }
     double handleOpacity(ResizeHandle corner) const { return fadeOf(corner).value(); }
+    /// Bottom left, bottom right, top left, top right.
+    std::array<double, 4> handleOpacities() const;
 
     /// Only the first call does anything; the veil never fades out again.
     void startDimming();

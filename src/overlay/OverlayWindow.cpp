@@ -8,7 +8,6 @@
 #include <QCoreApplication>
 #include <QEvent>
 #include <QMouseEvent>
-#include <QPointer>
 #include <QWindow>
 
 namespace tovek {
@@ -44,7 +43,6 @@ OverlayWindow::OverlayWindow(const OverlayContext &context, OverlayShell &shell)
     m_selectionView->installEventFilter(this);
     // What words, toolbar and text box make of a press never reaches the view.
     windowHandle()->installEventFilter(this);
-    forwardCallbacks();
 }
 
 OverlayWindow::~OverlayWindow()
@@ -106,27 +104,6 @@ bool OverlayWindow::eventFilter(QObject *watched, QEvent *event)
     if (event->type() == QEvent::MouseButtonPress && !m_surface->isKey())
         makeKey();
     return QWidget::eventFilter(watched, event);
-}
-
-void OverlayWindow::forwardCallbacks()
-{
-    const QPointer<OverlayWindow> window(this);
-    // One lambda a callback, all of one shape: hold the window weakly, call its own of that name.
-    const auto forward = [window](auto OverlayCallbacks::*member) {
-        return [window, member](const auto &...argument) {
-            if (window && window->callbacks.*member)
-                (window->callbacks.*member)(argument...);
-        };
-    };
-    OverlayCallbacks &view = m_selectionView->callbacks;
-    view.onCancel = forward(&OverlayCallbacks::onCancel);
-    view.onSelectionComplete = forward(&OverlayCallbacks::onSelectionComplete);
-    view.onCopyImage = forward(&OverlayCallbacks::onCopyImage);
-    view.onCopyAnnotatedImage = forward(&OverlayCallbacks::onCopyAnnotatedImage);
-    view.onCopyAllText = forward(&OverlayCallbacks::onCopyAllText);
-    view.onCopySelectedText = forward(&OverlayCallbacks::onCopySelectedText);
-    view.onSaveImage = forward(&OverlayCallbacks::onSaveImage);
-    view.onSaveAnnotatedImage = forward(&OverlayCallbacks::onSaveAnnotatedImage);
 }
 
 } // namespace tovek

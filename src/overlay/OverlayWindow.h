@@ -27,8 +27,8 @@ public:
     /// that grabs it, or has it exclusively from the compositor, needs no such call.
     void activeSpaceDidChange();
 
-    /// Reports of the view, passed on.
-    OverlayCallbacks callbacks;
+    /// The reports of the view.
+    OverlayCallbacks &callbacks() { return m_selectionView->callbacks; }
     /// The screen under this window went away; the window shows nothing any more.
     std::function<void()> onScreenGone;
     /// The keyboard could not be had: without it nobody could leave the overlay.
@@ -43,8 +43,6 @@ protected:
     void focusOutEvent(QFocusEvent *) override { }
 
 private:
-    void forwardCallbacks();
-
     Screen m_targetScreen;
     SelectionOverlayView *m_selectionView;
     std::unique_ptr<OverlaySurface> m_surface;

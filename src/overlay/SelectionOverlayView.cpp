@@ -5,9 +5,10 @@
 
 #include "overlay/AnnotationKeys.h"
 #include "overlay/DisplayListPainter.h"
-#include "overlay/KeyPressFromQt.h"
+#include "overlay/InputFromQt.h"
 #include "overlay/OverlayCursor.h"
 #include "overlay/SelectionResult.h"
+#include "overlay/SizeLabel.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -20,6 +21,7 @@ SelectionOverlayView::SelectionOverlayView(const OverlayContext &context, QWidge
     , m_space(context.screen.space())
     , m_animations(context.clock)
     , m_artist(font())
+    , m_cursor(*this, m_space.scale, context.screen.cursorScale)
     , m_toolbar(*this, m_editor, [this](QRect native) { return backdrop(native); })
     , m_textInput(*this, m_editor)
 {
@@ -37,27 +39,21 @@ SelectionOverlayView::SelectionOverlayView(const OverlayContext &context, QWidge
 
 SelectionOverlayView::~SelectionOverlayView() = default;
 
-void SelectionOverlayView::setSurface(OverlaySurface *surface)
-{
-    m_surface = surface;
-}
-
 void SelectionOverlayView::setCaptureCursor()
 {
-    m_cursorShape.reset(); // somebody else may have changed it
-    showCursor(Qt::CrossCursor);
+    m_cursor.showAgain(Qt::CrossCursor); // somebody else may have changed it
 }
 
 void SelectionOverlayView::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::LeftButton)
-        press(pointOf(*event), 1);
+        press(pointFrom(*event, m_space), 1);
 }
 
 void SelectionOverlayView::mouseDoubleClickEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::LeftButton)
-        press(pointOf(*event), 2);
+        press(pointFrom(*event, m_space), 2);
 }
 
 void SelectionOverlayView::press(Point at, int clickCount)
@@ -96,9 +92,9 @@ void SelectionOverlayView::pressInside(Point at, int clickCount)
 void SelectionOverlayView::mouseMoveEvent(QMouseEvent *event)
 {
     if (event->buttons() & Qt::LeftButton)
-        dragTo(pointOf(*event));
+        dragTo(pointFrom(*event, m_space));
     else
-        pointAt(pointOf(*event));
+        pointAt(pointFrom(*event, m_space));
 }
 
 void SelectionOverlayView::dragTo(Point at)
@@ -133,7 +129,7 @@ void SelectionOverlayView::mouseReleaseEvent(QMouseEvent *event)
     case SelectionState::Release::nothing:
         break;
     }
-    pointAt(pointOf(*event));
+    pointAt(pointFrom(*event, m_space));
 }
 
 void SelectionOverlayView::leaveEvent(QEvent *)
@@ -187,9 +183,7 @@ void SelectionOverlayView::handleCommand(OverlayKeyAction action, const KeyPress
 {
     switch (action) {
     case OverlayKeyAction::cancel:
-        if (callbacks.onCancel)
-            callbacks.onCancel();
-        break;
+        return cancel();
     case OverlayKeyAction::save:
         return save();
     case OverlayKeyAction::copy:
@@ -212,15 +206,6 @@ void SelectionOverlayView::paintEvent(QPaintEvent *event)
                      event->region());
 }
 
-Point SelectionOverlayView::pointOf(const QMouseEvent &event) const
-{
-    // The toolkit rounds the positions inside a widget and on the screen to whole points, which
-    // misses pixels at scales above 1. It keeps that in the window, which this view fills. Where
-    // the mouse moves by less than a pixel, the nearest one is meant.
-    const QPointF native = event.scenePosition() * m_space.scale;
-    return m_space.pointFromWidget(QPointF(native.toPoint()) / m_space.scale);
-}
-
 PointerOwner SelectionOverlayView::pointerOwner(Point at) const
 {
     return pointerOwnerAt(at, m_state, m_editor,
@@ -239,16 +224,7 @@ void SelectionOverlayView::pointAt(std::optional<Point> at)
     if (m_textRegionOverlay)
         m_textRegionOverlay->hover(isOnWord ? at : std::nullopt);
     if (at)
-        showCursor(overlayCursorAt(*at, pointerOwner(*at), m_state, m_editor.currentTool()));
-}
-
-void SelectionOverlayView::showCursor(Qt::CursorShape shape)
-{
-    // Each change of the cursor is a request to the display server: not one a motion event.
-    if (m_cursorShape == shape)
-        return;
-    m_cursorShape = shape;
-    setCursor(overlayCursor(shape, m_space.scale, m_context.screen.cursorScale));
+        m_cursor.show(overlayCursorAt(*at, pointerOwner(*at), m_state, m_editor.currentTool()));
 }
 
 void SelectionOverlayView::startResize()
@@ -259,12 +235,8 @@ void SelectionOverlayView::startResize()
 
 void SelectionOverlayView::finalise()
 {
-    const QRect pixels = m_space.pixelsFromRect(*m_state.selectionRect).toRect();
-    setAccessibleDescription(tr("Selection of %1 by %2 pixels at %3, %4")
-                                 .arg(pixels.width())
-                                 .arg(pixels.height())
-                                 .arg(pixels.x())
-                                 .arg(pixels.y()));
+    setAccessibleDescription(
+        describedSelection(m_space.pixelsFromRect(*m_state.selectionRect).toRect()));
     // From now on, there are things to point at.
     if (m_surface)
         m_surface->setFollowsPointer(false);
@@ -272,6 +244,12 @@ void SelectionOverlayView::finalise()
         showToolbar();
     if (callbacks.onSelectionComplete)
         callbacks.onSelectionComplete(*m_state.selectionRect);
+}
+
+void SelectionOverlayView::cancel()
+{
+    if (callbacks.onCancel)
+        callbacks.onCancel();
 }
 
 void SelectionOverlayView::copy()
@@ -329,10 +307,7 @@ void SelectionOverlayView::wireToolbar()
         commitText();
         copy();
     };
-    m_toolbar.onClose = [this] {
-        if (callbacks.onCancel)
-            callbacks.onCancel();
-    };
+    m_toolbar.onClose = [this] { cancel(); };
     m_toolbar.onCoverChanged = [this] { coverChanged(); };
 }
 
@@ -408,10 +383,7 @@ OverlayPicture SelectionOverlayView::picture()
     picture.captureMode = m_context.captureMode;
     picture.dimmingOpacity = m_animations.dimmingOpacity();
     picture.selection = m_state.selectionOnScreen();
-    picture.handleOpacities = {m_animations.handleOpacity(ResizeHandle::bottomLeft),
-                               m_animations.handleOpacity(ResizeHandle::bottomRight),
-                               m_animations.handleOpacity(ResizeHandle::topLeft),
-                               m_animations.handleOpacity(ResizeHandle::topRight)};
+    picture.handleOpacities = m_animations.handleOpacities();
     picture.isToolbarAtTop = isToolbarAtTop();
     const auto annotations = m_editor.drawnAnnotations();
     if (!annotations.empty() && picture.selection)

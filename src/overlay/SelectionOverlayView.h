@@ -13,6 +13,7 @@
 #include "overlay/OverlayTextInput.h"
 #include "overlay/OverlayToolbar.h"
 #include "overlay/PointerOwner.h"
+#include "overlay/ShownCursor.h"
 #include "text/TextRegionOverlayView.h"
 
 #include <QWidget>
@@ -29,7 +30,7 @@ public:
     ~SelectionOverlayView() override;
 
     /// Draws from now on; without a surface, or on one that cannot draw, the widget paints itself.
-    void setSurface(OverlaySurface *surface);
+    void setSurface(OverlaySurface *surface) { m_surface = surface; }
     /// The cursor of a screen on which nothing is selected yet.
     void setCaptureCursor();
     /// The words of the selection, once they are recognised. Without a selection, or while it is
@@ -69,17 +70,16 @@ protected:
     void focusOutEvent(QFocusEvent *) override { }
 
 private:
-    Point pointOf(const QMouseEvent &event) const;
     void press(Point at, int clickCount);
     void pressInside(Point at, int clickCount);
     PointerOwner pointerOwner(Point at) const;
     /// The pointer is there now, with no button held, or elsewhere.
     void pointAt(std::optional<Point> at);
-    void showCursor(Qt::CursorShape shape);
     void finalise();
     void startResize();
 
     void handleCommand(OverlayKeyAction action, const KeyPress &key);
+    void cancel();
     void copy();
     void save();
     /// The selection, with what is drawn on it.
@@ -111,7 +111,7 @@ private:
     AnnotationLayer m_annotationLayer;
     OverlayArtist m_artist;
     DisplayList m_list; ///< what is shown
-    std::optional<Qt::CursorShape> m_cursorShape;
+    ShownCursor m_cursor;
     OverlayToolbar m_toolbar;
     OverlayTextInput m_textInput;
     std::unique_ptr<TextRegionOverlayView> m_textRegionOverlay; ///< null without words

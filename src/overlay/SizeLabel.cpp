@@ -3,6 +3,8 @@
 
 #include "overlay/SizeLabel.h"
 
+#include <QCoreApplication>
+
 namespace tovek {
 
 namespace {
@@ -40,6 +42,16 @@ Rect sizeLabelFrame(const Rect &sel, Size bounds, Size box, bool isToolbarAtTop)
     if (sel.minY() - 8 - h > 0)
         return {sel.minX(), sel.minY() - h - 8, w, h};
     return inside;
+}
+
+QString describedSelection(const QRect &pixels)
+{
+    return QCoreApplication::translate("SelectionOverlayView",
+                                       "Selection of %1 by %2 pixels at %3, %4")
+        .arg(pixels.width())
+        .arg(pixels.height())
+        .arg(pixels.x())
+        .arg(pixels.y());
 }
 
 } // namespace tovek

@@ -81,7 +81,7 @@ struct ControllerFixture
 
     OverlayCallbacks &overlay(size_t index = 0)
     {
-        return controller->overlayWindows().at(index)->callbacks;
+        return controller->overlayWindows().at(index)->callbacks();
     }
 
     QTemporaryDir folder;

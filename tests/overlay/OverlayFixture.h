@@ -31,20 +31,20 @@ struct OverlayFixture
         , window({screen, std::make_shared<FakeFrozenDisplay>(frozen), mode, clock, defaults},
                  shell)
     {
-        window.callbacks.onCancel = [this] { reports << QStringLiteral("cancel"); };
-        window.callbacks.onSelectionComplete = [this](const Rect &rect) {
+        window.callbacks().onCancel = [this] { reports << QStringLiteral("cancel"); };
+        window.callbacks().onSelectionComplete = [this](const Rect &rect) {
             reports << "complete " + toString(rect);
         };
-        window.callbacks.onCopyImage = [this](const Rect &rect) {
+        window.callbacks().onCopyImage = [this](const Rect &rect) {
             reports << "copy " + toString(rect);
         };
-        window.callbacks.onSaveImage = [this](const Rect &rect) {
+        window.callbacks().onSaveImage = [this](const Rect &rect) {
             reports << "save " + toString(rect);
         };
-        window.callbacks.onCopyAnnotatedImage = [this](const Image &) {
+        window.callbacks().onCopyAnnotatedImage = [this](const Image &) {
             reports << QStringLiteral("copy drawn");
         };
-        window.callbacks.onSaveAnnotatedImage = [this](const Image &) {
+        window.callbacks().onSaveAnnotatedImage = [this](const Image &) {
             reports << QStringLiteral("save drawn");
         };
         window.orderFrontRegardless();

@@ -1,11 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "overlay/KeyPressFromQt.h"
+#include "overlay/InputFromQt.h"
 
 #include "platform/KeyboardLayout.h"
 
 #include <QKeyEvent>
+#include <QMouseEvent>
 
 namespace tovek {
 
@@ -75,6 +76,15 @@ KeyPress keyPressFrom(const QKeyEvent &event, const KeyboardLayout *layout)
     if (press.flags & KeyFlag::shift)
         press.charactersIgnoringModifiers = press.charactersIgnoringModifiers.toUpper();
     return press;
+}
+
+Point pointFrom(const QMouseEvent &event, const ViewSpace &space)
+{
+    // The toolkit rounds the positions inside a widget and on the screen to whole points, which
+    // misses pixels at scales above 1. It keeps that in the window, which the view fills. Where
+    // the mouse moves by less than a pixel, the nearest one is meant.
+    const QPointF native = event.scenePosition() * space.scale;
+    return space.pointFromWidget(QPointF(native.toPoint()) / space.scale);
 }
 
 } // namespace tovek

@@ -3,9 +3,11 @@
 
 #pragma once
 
+#include "foundation/Geometry.h"
 #include "foundation/Keys.h"
 
 class QKeyEvent;
+class QMouseEvent;
 
 namespace tovek {
 
@@ -15,5 +17,9 @@ class KeyboardLayout;
 /// (with its help; without it, a letter of another script stays what it is); Ctrl and Super both
 /// count as Command.
 KeyPress keyPressFrom(const QKeyEvent &event, const KeyboardLayout *layout);
+
+/// Where a mouse event of a window that fills its screen is, in points with y up: the pixel's own
+/// place, also between whole points.
+Point pointFrom(const QMouseEvent &event, const ViewSpace &space);
 
 } // namespace tovek
