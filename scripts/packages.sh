@@ -9,7 +9,7 @@ build_packages=(
     qt6-base-dev qt6-base-dev-tools qt6-base-private-dev
     libcanberra-dev libdeflate-dev libfontconfig-dev libfreetype-dev libisal-dev libsodium-dev libtesseract-dev libxkbcommon-dev libxkbcommon-x11-dev zlib1g-dev
     libxcb1-dev libxcb-icccm4-dev libxcb-image0-dev libxcb-keysyms1-dev libxcb-randr0-dev
-    libxcb-render0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-xfixes0-dev libxcb-xinput-dev
+    libxcb-render0-dev libxcb-screensaver0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-xfixes0-dev libxcb-xinput-dev
     libxcb-xkb-dev libxcb-xtest0-dev
     libwayland-dev libwayland-bin qt6-wayland
     fonts-dejavu-core tesseract-ocr-eng libcanberra-pulse
@@ -30,8 +30,8 @@ ci_packages=(clang clang-format clang-tidy git)
 library_modules=(
     Qt6Core Qt6Gui Qt6Widgets Qt6DBus Qt6Network Qt6Concurrent Qt6Test
     fontconfig freetype2 libcanberra libdeflate libisal libsodium tesseract wayland-client wayland-scanner xkbcommon
-    xkbcommon-x11 zlib xcb xcb-icccm xcb-image xcb-keysyms xcb-randr xcb-render xcb-shape xcb-shm
-    xcb-xfixes xcb-xinput xcb-xkb xcb-xtest
+    xkbcommon-x11 zlib xcb xcb-icccm xcb-image xcb-keysyms xcb-randr xcb-render xcb-screensaver
+    xcb-shape xcb-shm xcb-xfixes xcb-xinput xcb-xkb xcb-xtest
 )
 rpm_libraries() { printf 'pkgconfig(%s)\n' "${library_modules[@]}"; }
 

@@ -3,7 +3,7 @@
 
 // The screen is locked while an overlay is open.
 
-#include "desktop/Session.h"
+#include "desktop/Drawing.h"
 #include "support/Skip.h"
 #include "support/XConnection.h"
 
@@ -32,7 +32,7 @@ bool isKeyboardHeld(const QString &displayName)
 }
 
 /// Someone who locks the screen; xscreensaver refuses to do that for root.
-struct LockingSession : Session
+struct LockingSession : Drawing
 {
     Program *run(QStringList command)
     {
@@ -47,18 +47,24 @@ struct LockingSession : Session
         }
         return desktop.run(command.first(), command.mid(1), variables);
     }
-    [[nodiscard]] bool lock(const QString &locker)
+    /// What of the locker runs all the time.
+    [[nodiscard]] bool prepare(const QString &locker)
     {
         if (locker == QLatin1String("i3lock"))
-            return run({locker, "--nofork"});
-        Program *daemon = run({locker, "--no-splash", "--verbose"});
+            return true;
+        daemon = run({locker, "--no-splash", "--verbose"});
         return daemon && waitUntil([&] {
                    return !daemon->errorLines().filter(QStringLiteral("-auth exited")).isEmpty();
-               })
-            && run({"xscreensaver-command", "-lock"});
+               });
+    }
+    [[nodiscard]] bool lock(const QString &locker)
+    {
+        return run(daemon ? QStringList{"xscreensaver-command", "-lock"}
+                          : QStringList{locker, "--nofork"});
     }
 
     QTemporaryDir lockerHome;
+    Program *daemon = nullptr; ///< xscreensaver's
 };
 
 } // namespace
@@ -74,17 +80,23 @@ private Q_SLOTS:
     void getTheScreen_data()
     {
         QTest::addColumn<QString>("locker");
-        QTest::newRow("a window over everything") << QStringLiteral("i3lock");
-        QTest::newRow("the keyboard before a window") << QStringLiteral("xscreensaver");
+        QTest::addColumn<bool>("isAnnounced");
+        QTest::newRow("a window over everything") << QStringLiteral("i3lock") << true;
+        const auto saver = QStringLiteral("xscreensaver");
+        QTest::newRow("the keyboard before a window") << saver << true;
+        QTest::newRow("the keyboard, and nobody told") << saver << false;
     }
     void getTheScreen()
     {
         QFETCH(QString, locker);
+        QFETCH(bool, isAnnounced);
         if (QStandardPaths::findExecutable(locker).isEmpty())
             QSKIP(qPrintable(locker + QStringLiteral(" is not installed")));
         LockingSession s;
         QVERIFY2(s.start(), qPrintable(s.error));
+        QVERIFY(!isAnnounced || s.prepare(locker));
         QVERIFY(s.open());
+        QVERIFY(isAnnounced || s.prepare(locker)); // too late to be listened to
         s.tovek->hand().drag({100, 100}, {300, 250});
         QVERIFY(s.lock(locker));
         QVERIFY(s.tovek->program().waitForLine(
@@ -93,6 +105,47 @@ private Q_SLOTS:
         // Nobody else can have it: ours let go half a second after the last key at the latest.
         QTest::qWait(1500);
         QVERIFY(isKeyboardHeld(s.desktop.displayName()));
+        // It tries once a second: no longer than that is the screen open.
+        if (s.daemon && isAnnounced)
+            QVERIFY2(s.daemon->errorLines().filter(QStringLiteral(": AlreadyGrabbed")).size() <= 1,
+                     qPrintable(s.daemon->errorLines().join(QChar(10))));
+    }
+
+    void getsTheScreenOfTheServersSaver()
+    {
+        LockingSession s;
+        QVERIFY2(s.start(), qPrintable(s.error));
+        QVERIFY(s.open());
+        QVERIFY(s.run({"xset", "s", "activate"})->waitForExit() == 0);
+        QVERIFY(s.isClosed());
+        QVERIFY(s.run({"xset", "s", "reset"})->waitForExit() == 0);
+        QVERIFY(s.open());
+        QVERIFY(s.tap("Escape") && s.isClosed());
+    }
+
+    void leavesTheDrawingForTheNextCapture()
+    {
+        if (QStandardPaths::findExecutable(QStringLiteral("i3lock")).isEmpty())
+            QSKIP("i3lock is not installed");
+        LockingSession s;
+        QVERIFY2(s.begin(QRect(100, 100, 400, 300)), qPrintable(s.error));
+        QVERIFY(s.tap("r"));
+        s.drag({40, 50}, {200, 150});
+        Program *locker = s.run({"i3lock", "--nofork"});
+        QVERIFY(locker && s.isClosed());
+        locker->stop();
+        QVERIFY(s.open(RunningTovek::captureImage)); // which cannot be drawn on
+        QVERIFY(s.tap("Escape") && s.isClosed());
+        QVERIFY(s.open());
+        QTRY_VERIFY(!s.activeButton().isEmpty()); // the toolbar is there without a drag
+        const QImage copied = s.copied();
+        QCOMPARE(copied.size(), QSize(400, 300));
+        QVERIFY2(isNear(boxOf(copied, Ink::red), QRect(38, 48, 164, 104)),
+                 qPrintable(toText(boxOf(copied, Ink::red))));
+        QVERIFY(s.open()); // once only
+        QTest::qWait(300);
+        QVERIFY(s.activeButton().isEmpty());
+        QVERIFY(s.tap("Escape") && s.isClosed());
     }
 };
 

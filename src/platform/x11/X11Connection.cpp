@@ -15,13 +15,18 @@ namespace tovek {
 namespace {
 
 constexpr std::array<const char *, size_t(X11Atom::count)> atomNames{
+    "ACTIVATE",
     "_NET_ACTIVE_WINDOW",
     "_NET_CLIENT_LIST",
     "_COMPTON_SHADOW",
     "_KDE_NET_WM_SKIP_CLOSE_ANIMATION",
+    "LOCK",
     "_NET_CURRENT_DESKTOP",
     "_GTK_FRAME_EXTENTS",
+    "SCREENSAVER",
+    "_SCREENSAVER_VERSION",
     "_NET_SUPPORTING_WM_CHECK",
+    "SUSPEND",
     "UTF8_STRING",
     "_NET_WM_DESKTOP",
     "_NET_WM_PID",

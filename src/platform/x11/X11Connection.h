@@ -16,13 +16,18 @@
 namespace tovek {
 
 enum class X11Atom {
+    activate, ///< this, `lock` and `suspend` are xscreensaver's
     activeWindow,
     clientList,
     comptonShadow,
     kdeSkipCloseAnimation,
+    lock,
     currentDesktop,
     gtkFrameExtents,
+    screenSaver,
+    screenSaverVersion,
     supportingWmCheck,
+    suspend,
     utf8String,
     wmDesktop,
     wmPid,

@@ -26,10 +26,14 @@ constexpr auto lookDelay = 50ms;
 
 X11Stacking::X11Stacking(std::shared_ptr<X11Connection> connection)
     : m_connection(std::move(connection))
+    , m_savers(m_connection)
 {
     m_look.setSingleShot(true);
     m_look.setInterval(lookDelay);
-    m_look.callOnTimeout([this] { m_focus = focus(); });
+    m_look.callOnTimeout([this] {
+        m_focus = focus();
+        m_savers.findDaemon();
+    });
 }
 
 X11Stacking::~X11Stacking()
@@ -67,6 +71,10 @@ void X11Stacking::setWatching(bool isOn)
         return;
     const uint32_t mask = isOn ? now->your_event_mask | watched : now->your_event_mask & ~watched;
     xcb_change_window_attributes(xcb, m_connection->root(), XCB_CW_EVENT_MASK, &mask);
+    if (isOn)
+        m_savers.start();
+    else
+        m_savers.stop();
     m_connection->flush();
     if (isOn)
         qApp->installNativeEventFilter(this);
@@ -80,6 +88,8 @@ bool X11Stacking::nativeEventFilter(const QByteArray &, void *message, qintptr *
     const int type = event.response_type & eventTypeMask;
     if (isForgedForOverlay(event))
         return true;
+    if (m_savers.announcesBlanking(event))
+        tellLocker();
     if (type == XCB_CONFIGURE_NOTIFY
         && undoes(*static_cast<xcb_configure_notify_event_t *>(message)))
         return true;
@@ -93,8 +103,8 @@ bool X11Stacking::nativeEventFilter(const QByteArray &, void *message, qintptr *
             && m_overlays.contains(configure->above_sibling))
             cameOnTop(configure->window, configure->override_redirect);
     } else if (type == XCB_FOCUS_IN) {
-        // xscreensaver 6.06, when four tries at the keyboard have failed, takes the focus from
-        // everybody before it tries four times more: nothing else tells of it.
+        // xscreensaver 6.06 that comes up by itself, when four tries at the keyboard have failed,
+        // takes the focus from everybody before it tries four times more: nothing else tells of it.
         const auto *focus = static_cast<xcb_focus_in_event_t *>(message);
         if (focus->event == m_connection->root() && focus->detail == XCB_NOTIFY_DETAIL_NONE
             && isFocusTaken())

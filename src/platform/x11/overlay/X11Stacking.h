@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "platform/x11/X11Connection.h"
+#include "platform/x11/overlay/X11SaverWatch.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QRect>
@@ -46,8 +46,9 @@ private:
     std::shared_ptr<X11Connection> m_connection;
     std::map<xcb_window_t, QRect> m_overlays;
     std::set<xcb_window_t> m_answered;
-    QTimer m_look; ///< at the focus, once the overlays are up
+    QTimer m_look; ///< at the focus and for screen savers, once the overlays are up
     xcb_window_t m_focus = XCB_NONE; ///< since then
+    X11SaverWatch m_savers;
     std::set<xcb_window_t> m_onTop; ///< ours, over the overlays
 };
 
