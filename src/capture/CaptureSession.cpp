@@ -116,6 +116,8 @@ void CaptureSession::fetchPixels()
         m_displays.fetchPixels();
         if (m_services.didOpen)
             m_services.didOpen(m_mode);
+        if (onOpened)
+            onOpened();
     });
 }
 

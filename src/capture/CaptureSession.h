@@ -29,6 +29,8 @@ public:
     void open(const Screen &starting, const ShareableContent &content);
     /// Called with each overlay before it is shown.
     std::function<void(OverlayWindow &)> onNewWindow;
+    /// The overlays are on the screen, and their pixels are on the way.
+    std::function<void()> onOpened;
     /// The starting screen could not be captured. May end the session.
     std::function<void()> onFailed;
 

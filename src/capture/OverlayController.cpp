@@ -69,6 +69,7 @@ void OverlayController::giveWayToLocker()
     m_waiting.reset();
     if (m_session) {
         logLine(QStringLiteral("The capture ends: the screen is being locked"));
+        m_keptDrawings.keep(m_session->windows());
         cleanUp();
     }
 }
@@ -85,6 +86,7 @@ void OverlayController::beginSession(CaptureMode mode)
 {
     m_session = std::make_unique<CaptureSession>(m_services, mode);
     m_session->onNewWindow = [this](OverlayWindow &window) { installCallbacks(window); };
+    m_session->onOpened = [this] { m_keptDrawings.giveBack(*m_session); };
     m_session->onFailed = [this] { m_session.reset(); };
     if (m_services.willFreeze)
         m_services.willFreeze();

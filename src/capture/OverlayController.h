@@ -4,6 +4,7 @@
 #pragma once
 
 #include "capture/CaptureSession.h"
+#include "capture/KeptDrawings.h"
 
 namespace tovek {
 
@@ -23,7 +24,8 @@ public:
     /// Does nothing while a session runs. While the overlays of the last one go, it waits until
     /// they are gone, so that they are not in the picture.
     void startCapture(CaptureMode mode);
-    /// Ends what runs or waits to start, as Escape does: the screen is about to be locked.
+    /// Ends what runs or waits to start, as Escape does: the screen is about to be locked. What
+    /// was drawn comes back with the next capture.
     void giveWayToLocker();
     /// Another program holds the mouse: tells who wants to drag.
     void tellHeldMouse();
@@ -73,6 +75,7 @@ private:
     const Services m_services;
     std::unique_ptr<CaptureSession> m_session; ///< null while idle
     Leaving m_leaving;
+    KeptDrawings m_keptDrawings;
     std::optional<CaptureMode> m_waiting; ///< a capture that starts when the overlays are gone
 };
 

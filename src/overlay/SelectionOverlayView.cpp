@@ -44,6 +44,30 @@ void SelectionOverlayView::setCaptureCursor()
     m_cursor.showAgain(Qt::CrossCursor); // somebody else may have changed it
 }
 
+std::optional<OverlayDrawing> SelectionOverlayView::takeDrawing()
+{
+    if (m_textInput.isOpen())
+        commitText();
+    m_editor.release();
+    m_editor.deselect();
+    const auto selection = m_state.selectionOnScreen();
+    if (!m_state.isSelectionFinalized || !selection || m_editor.annotations.empty())
+        return std::nullopt;
+    return OverlayDrawing{*selection, m_editor};
+}
+
+void SelectionOverlayView::resume(const OverlayDrawing &drawing)
+{
+    if (m_state.selectionRect)
+        return;
+    m_state.selectionRect = drawing.selection;
+    m_state.isSelectionFinalized = true;
+    m_editor = drawing.editor;
+    m_animations.startDimming();
+    finalise();
+    follow({.isHandled = true, .needsRedraw = true});
+}
+
 void SelectionOverlayView::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::LeftButton)

@@ -3,11 +3,11 @@
 
 #pragma once
 
-#include "overlay/AnnotationEditor.h"
 #include "overlay/AnnotationLayer.h"
 #include "overlay/OverlayAnimations.h"
 #include "overlay/OverlayCallbacks.h"
 #include "overlay/OverlayContext.h"
+#include "overlay/OverlayDrawing.h"
 #include "overlay/OverlayKeys.h"
 #include "overlay/OverlayPicture.h"
 #include "overlay/OverlayTextInput.h"
@@ -46,6 +46,11 @@ public:
     TextRegionOverlayView *textRegionOverlay() const { return m_textRegionOverlay.get(); }
     OverlayTextBox *textInputView() const { return m_textInput.box(); }
     const AnnotationEditor &editor() const { return m_editor; }
+
+    /// Ends what is being typed or dragged. Absent where nothing is drawn.
+    std::optional<OverlayDrawing> takeDrawing();
+    /// Selects and shows what another view gave, unless the user has begun to select.
+    void resume(const OverlayDrawing &drawing);
 
     /// True when the key was ours.
     bool handleKey(const KeyPress &key);

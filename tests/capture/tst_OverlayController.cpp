@@ -9,6 +9,25 @@
 using namespace tovek;
 using namespace std::chrono_literals;
 
+namespace {
+
+/// A rectangle on the first screen, by hand.
+void drawOn(ControllerFixture &f)
+{
+    SelectionOverlayView *view = f.controller->overlayWindows().front()->selectionView();
+    const auto drag = [view](QPoint from, QPoint to) {
+        QTest::mousePress(view, Qt::LeftButton, {}, from);
+        QMouseEvent move(QEvent::MouseMove, to, to, Qt::NoButton, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(view, &move);
+        QTest::mouseRelease(view, Qt::LeftButton, {}, to);
+    };
+    drag({50, 60}, {250, 210});
+    QTest::keyClick(view, Qt::Key_R);
+    drag({80, 80}, {120, 140});
+}
+
+} // namespace
+
 class TestOverlayController : public QObject
 {
     Q_OBJECT
@@ -164,6 +183,74 @@ private Q_SLOTS:
         f.clock.advance(70ms);
         f.controller->startCapture(CaptureMode::normal);
         QCOMPARE(f.controller->overlayWindows().size(), size_t(2));
+    }
+
+    void keepsADrawingThatALockerInterrupted()
+    {
+        ControllerFixture f;
+        f.controller->startCapture(CaptureMode::normal);
+        drawOn(f);
+        {
+            LogCapture log;
+            f.controller->giveWayToLocker();
+        }
+        f.clock.advance(1s);
+        f.controller->startCapture(CaptureMode::copyImage); // not one for drawing
+        f.clock.advance(1s);
+        QVERIFY(!f.controller->overlayWindows().front()->selectionView()->selectionRect());
+        f.overlay().onCancel();
+        f.clock.advance(1s);
+        f.controller->startCapture(CaptureMode::normal);
+        SelectionOverlayView *view = f.controller->overlayWindows().front()->selectionView();
+        QVERIFY(!view->toolbar());
+        LogCapture log; // tells of the selection
+        f.clock.advance(1s);
+        QVERIFY(view->toolbar());
+        QVERIFY(view->selectionRect() == Rect({50, 90, 200, 150}));
+        QCOMPARE(view->editor().annotations.size(), size_t(1));
+        QVERIFY(view->editor().currentTool == AnnotationTool::rectangle);
+        QVERIFY(!f.controller->overlayWindows().back()->selectionView()->selectionRect());
+        QTest::keyClick(view, Qt::Key_Z, Qt::ControlModifier);
+        QVERIFY(view->editor().annotations.empty());
+        f.overlay().onCancel();
+        f.clock.advance(1s);
+        f.controller->startCapture(CaptureMode::normal); // once only
+        f.clock.advance(1s);
+        QVERIFY(!f.controller->overlayWindows().front()->selectionView()->selectionRect());
+    }
+
+    void showsNoDrawingWithoutTheKeyboard()
+    {
+        ControllerFixture f;
+        f.controller->startCapture(CaptureMode::normal);
+        drawOn(f);
+        LogCapture log;
+        f.controller->giveWayToLocker();
+        f.clock.advance(1s);
+        f.controller->startCapture(CaptureMode::normal);
+        f.shell.keySurface = nullptr; // a locker has it
+        f.clock.advance(1s);
+        QVERIFY(!f.controller->overlayWindows().front()->selectionView()->selectionRect());
+        f.overlay().onCancel();
+        f.clock.advance(1s);
+        f.controller->startCapture(CaptureMode::normal); // it is kept until it can be shown
+        f.clock.advance(1s);
+        QVERIFY(f.controller->overlayWindows().front()->selectionView()->toolbar());
+    }
+
+    void keepsNoSelectionWithoutADrawing()
+    {
+        ControllerFixture f;
+        f.controller->startCapture(CaptureMode::normal);
+        drawOn(f);
+        QTest::keyClick(f.controller->overlayWindows().front()->selectionView(), Qt::Key_Z,
+                        Qt::ControlModifier);
+        LogCapture log;
+        f.controller->giveWayToLocker();
+        f.clock.advance(1s);
+        f.controller->startCapture(CaptureMode::normal);
+        f.clock.advance(1s);
+        QVERIFY(!f.controller->overlayWindows().front()->selectionView()->selectionRect());
     }
 
     void survivesTheEndOfTheControllerWithTheOverlaysOpen()
