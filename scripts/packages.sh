@@ -28,7 +28,7 @@ ci_packages=(clang clang-format clang-tidy git)
 
 # Fedora and openSUSE know libraries by the names of their pkg-config files.
 library_modules=(
-    Qt6Core Qt6Gui Qt6Widgets Qt6DBus Qt6Network Qt6Concurrent Qt6Test
+    Qt6Core Qt6Gui Qt6Widgets Qt6DBus Qt6Network Qt6Test
     fontconfig freetype2 libcanberra libdeflate libisal libsodium tesseract wayland-client wayland-scanner xkbcommon
     xkbcommon-x11 zlib xcb xcb-icccm xcb-image xcb-keysyms xcb-randr xcb-render xcb-screensaver
     xcb-shape xcb-shm xcb-xfixes xcb-xinput xcb-xkb xcb-xtest

@@ -11,6 +11,7 @@
 #include "app/QuitSignals.h"
 #include "app/Relaunch.h"
 #include "app/StartMessages.h"
+#include "app/ToolkitThreads.h"
 #include "app/TovekApp.h"
 #include "capture/SaveQueue.h"
 #include "foundation/Log.h"
@@ -74,6 +75,7 @@ int run(int &argc, char **argv, const Wish &wish, QString &successor)
     auto startMessages = std::make_unique<StartMessages>();
     QApplication application(argc, argv);
     startMessages.reset();
+    keepToolkitThreads();
     QApplication::setApplicationName(QStringLiteral("tovek"));
     QApplication::setApplicationVersion(BundleInformation::version());
     QApplication::setDesktopFileName(QStringLiteral("org.tovek.Tovek"));

@@ -56,7 +56,10 @@ std::optional<Image> crop(const Image &screenshot, const PixelRect &rect,
     const QRect source = cropRect(rect, screenshot.bitmap.size());
     if (source.isEmpty())
         return std::nullopt;
-    return Image{cut(screenshot.bitmap, source), points.value_or(Size{rect.width, rect.height})};
+    const QImage part = cut(screenshot.bitmap, source);
+    if (part.isNull()) // for want of memory
+        return std::nullopt;
+    return Image{part, points.value_or(Size{rect.width, rect.height})};
 }
 
 } // namespace tovek

@@ -32,7 +32,8 @@ struct PixelRect
 QRect cropRect(const PixelRect &rect, QSize imageSize);
 
 /// Cuts the rectangle out of the screenshot. The result's size in points is `points`, or the
-/// rectangle's size in pixels without it. Absent when no pixel is left.
+/// rectangle's size in pixels without it. Absent when no pixel is left,
+/// and when there is no memory for them.
 ///
 /// A cut of at least half of the screenshot shares its pixels (and keeps them alive); copying that
 /// many costs more than anything else between the selection and the result.

@@ -16,8 +16,8 @@
 #include "platform/Clock.h"
 
 #include <QDeadlineTimer>
+#include <QFileInfo>
 #include <QThread>
-#include <QtConcurrent>
 
 #include <atomic>
 #include <new>
@@ -55,6 +55,7 @@ ImageOutput::ImageOutput(Clipboard &clipboard, const UserDefaults &defaults, Clo
     , m_clock(clock)
     , m_feedback(std::move(feedback))
     , m_saves(std::make_shared<SaveQueue>())
+    , m_copies(QThread::idealThreadCount())
 {
 }
 
@@ -108,8 +109,7 @@ QFuture<QByteArray> ImageOutput::copyImage(const Image &image)
 {
     PngOptions options;
     options.dotsPerInch = dotsPerInch(image);
-    // Not behind a save that waits for its disk.
-    const QFuture<QByteArray> png = QtConcurrent::run([bitmap = image.bitmap, options] {
+    const auto png = m_copies.run<QByteArray>([bitmap = image.bitmap, options] {
         QByteArray bytes = encodePng(bitmap, options);
         releaseMemory();
         return bytes;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "capture/CaptureFeedback.h"
+#include "foundation/Workers.h"
 
 #include <QFuture>
 #include <QImage>
@@ -84,6 +85,7 @@ private:
     CaptureFeedback m_feedback;
     std::list<Pending> m_pending; ///< oldest first
     std::shared_ptr<SaveQueue> m_saves;
+    Workers m_copies; ///< not behind a save that waits for its disk
 };
 
 } // namespace tovek

@@ -6,23 +6,16 @@
 #include "foundation/Log.h"
 #include "foundation/Unfinished.h"
 
-#include <QThreadPool>
-
 namespace tovek {
 
 namespace {
 
-constexpr int idleThreadMs = 2000;
 constexpr std::chrono::seconds writingLimit(5);
-constexpr int syncLimitMs = 1000; ///< the files are there by then
+constexpr std::chrono::seconds syncLimit(1); ///< the files are there by then
 
 } // namespace
 
-SaveQueue::SaveQueue() : m_threads(std::make_unique<QThreadPool>())
-{
-    m_threads->setMaxThreadCount(1);
-    m_threads->setExpiryTimeout(idleThreadMs);
-}
+SaveQueue::SaveQueue() : m_threads(1) { }
 
 SaveQueue::~SaveQueue()
 {
@@ -30,23 +23,23 @@ SaveQueue::~SaveQueue()
     if (!isWritten)
         logLine(QStringLiteral("Gave up a save: its folder does not answer"));
     // Its own end would wait for its threads without a limit.
-    if (!m_threads->waitForDone(isWritten ? syncLimitMs : 0))
-        static_cast<void>(m_threads.release());
+    if (!m_threads.waitForAll(isWritten ? syncLimit : std::chrono::seconds(0)))
+        m_threads.leaveBehind();
 }
 
-void SaveQueue::start(std::function<void()> job)
+bool SaveQueue::start(std::function<void()> job)
 {
-    m_threads->start(std::move(job));
+    return m_threads.start(std::move(job));
 }
 
 void SaveQueue::letOthersPass()
 {
-    m_threads->setMaxThreadCount(m_threads->maxThreadCount() + 1);
+    m_threads.setMostThreads(m_threads.mostThreads() + 1);
 }
 
 void SaveQueue::stopLettingOthersPass()
 {
-    m_threads->setMaxThreadCount(m_threads->maxThreadCount() - 1);
+    m_threads.setMostThreads(m_threads.mostThreads() - 1);
 }
 
 } // namespace tovek

@@ -3,11 +3,7 @@
 
 #pragma once
 
-#include <chrono>
-#include <functional>
-#include <memory>
-
-class QThreadPool;
+#include "foundation/Workers.h"
 
 namespace tovek {
 
@@ -24,13 +20,14 @@ public:
     /// Gives the jobs five seconds; what then still writes is left behind with a line in the log.
     ~SaveQueue();
 
-    void start(std::function<void()> job);
+    /// False when the system gives no thread for it: it will not run.
+    bool start(std::function<void()> job);
     /// One job is stuck, or goes on again.
     void letOthersPass();
     void stopLettingOthersPass();
 
 private:
-    std::unique_ptr<QThreadPool> m_threads;
+    Workers m_threads;
 };
 
 } // namespace tovek

@@ -6,8 +6,6 @@
 #include "foundation/Log.h"
 #include "foundation/WhenReady.h"
 
-#include <QtConcurrentRun>
-
 #include <algorithm>
 
 namespace tovek {
@@ -64,10 +62,10 @@ void ScreenshotService::fallBack(const CapturedDisplay &wanted,
     // The grabber lives as long as the process; a window-system call may take its time here.
     ScreenGrabber &grabber = m_grabber;
     const QRect native = wanted.screen.native;
-    QFuture<QImage> image = QtConcurrent::run([&grabber, native, excludingWindows] {
+    const auto image = m_fallbacks.run<QImage>([&grabber, native, excludingWindows] {
         return grabber.captureFallback(native, excludingWindows);
     });
-    image.then(this, [this, wanted, promise](const QImage &pixels) {
+    whenFinished(image, this, [this, wanted, promise](const QImage &pixels) {
         Captured captured;
         if (pixels.isNull()) {
             logLine(QStringLiteral("Failed to capture screen via fallback"));

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "capture/CapturedDisplay.h"
+#include "foundation/Workers.h"
 
 #include <QObject>
 
@@ -36,6 +37,7 @@ private:
                   std::shared_ptr<QPromise<Captured>> promise);
 
     ScreenGrabber &m_grabber;
+    Workers m_fallbacks{1};
 };
 
 } // namespace tovek

@@ -20,7 +20,6 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QScreen>
-#include <QtConcurrentRun>
 
 namespace tovek {
 
@@ -334,7 +333,8 @@ void StatusBarController::encodeAhead()
 {
     // A large picture takes longer than the hand from the press to the drag; so it starts early.
     if (!m_png.isValid())
-        m_png = QtConcurrent::run(encodePng, m_currentPreviewImage);
+        m_png = m_encoder.run<QByteArray>(
+            [encode = encodePng, image = m_currentPreviewImage] { return encode(image); });
 }
 
 void StatusBarController::startDragOut()
@@ -342,9 +342,10 @@ void StatusBarController::startDragOut()
     if (!m_isInPreviewMode)
         return;
     encodeAhead();
-    const QByteArray png = m_png.result();
+    m_png.waitForFinished();
+    const QByteArray png = m_png.resultCount() > 0 ? m_png.result() : QByteArray();
     if (png.isEmpty())
-        return;
+        return logLine(QStringLiteral("Failed to create image"));
     const auto file = m_dragFiles.write(dragFileName(m_clock.now()), png);
     if (!file)
         return;

@@ -5,10 +5,10 @@
 
 #include "foundation/Image.h"
 #include "foundation/SymbolSource.h"
+#include "foundation/Workers.h"
 #include "menubar/DragFiles.h"
 #include "platform/Tray.h"
 
-#include <QFuture>
 #include <QObject>
 #include <QUrl>
 
@@ -104,6 +104,7 @@ private:
     TrayPicture m_defaultIcon;
     std::optional<QPointF> m_pressedAt;
     QFuture<QByteArray> m_png; ///< of the preview image; invalid until somebody may want it
+    Workers m_encoder{1};
     DragFiles m_dragFiles;
 };
 

@@ -3,9 +3,10 @@
 
 #include "platform/linux/CanberraSoundOutput.h"
 
+#include "foundation/Workers.h"
+
 #include <QDeadlineTimer>
 #include <QLibrary>
-#include <QThreadPool>
 
 #include <cstdint>
 #include <sys/mman.h>
@@ -150,8 +151,7 @@ std::unique_ptr<CanberraSound> load(const QByteArray &data, QString &error)
     return sound->load(data, error) ? std::move(sound) : nullptr;
 }
 
-constexpr int idleThreadMs = 2000;
-constexpr int endLimitMs = 200;
+constexpr std::chrono::milliseconds endLimit(200);
 /// A sound confirms what a person has just done.
 constexpr std::chrono::seconds latestPlay(2);
 
@@ -161,12 +161,9 @@ public:
     CanberraSoundPlayer(const QByteArray &data, std::function<void(const QString &)> onFailed,
                         std::function<bool()> areEventSoundsEnabled)
         : m_areEventSoundsEnabled(std::move(areEventSoundsEnabled))
-        , m_thread(std::make_unique<QThreadPool>())
         , m_state(std::make_shared<State>())
     {
-        m_thread->setMaxThreadCount(1);
-        m_thread->setExpiryTimeout(idleThreadMs);
-        m_thread->start([state = m_state, data, onFailed = std::move(onFailed)] {
+        m_thread.start([state = m_state, data, onFailed = std::move(onFailed)] {
             QString error;
             state->sound = load(data, error);
             if (!state->sound)
@@ -176,17 +173,17 @@ public:
 
     ~CanberraSoundPlayer() override
     {
-        m_thread->start([state = m_state] { state->sound.reset(); });
+        m_thread.start([state = m_state] { state->sound.reset(); });
         // Left behind with a sound server that has stopped: its own end would wait for it.
-        if (!m_thread->waitForDone(endLimitMs))
-            static_cast<void>(m_thread.release());
+        if (!m_thread.waitForAll(endLimit))
+            m_thread.leaveBehind();
     }
 
     void playFromStart() override
     {
         if (m_areEventSoundsEnabled && !m_areEventSoundsEnabled())
             return;
-        m_thread->start([state = m_state, limit = QDeadlineTimer(latestPlay)] {
+        m_thread.start([state = m_state, limit = QDeadlineTimer(latestPlay)] {
             if (state->sound && !limit.hasExpired())
                 state->sound->playFromStart();
         });
@@ -200,8 +197,8 @@ private:
     };
 
     const std::function<bool()> m_areEventSoundsEnabled;
-    std::unique_ptr<QThreadPool> m_thread;
     std::shared_ptr<State> m_state;
+    Workers m_thread{1};
 };
 
 } // namespace

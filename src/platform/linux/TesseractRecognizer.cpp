@@ -15,8 +15,10 @@
 #include <QFileInfo>
 #include <QFutureWatcher>
 #include <QLocale>
+#include <QThread>
 
 #include <atomic>
+#include <new>
 
 namespace tovek {
 
@@ -58,6 +60,11 @@ std::vector<TextObservation> observationsOf(const std::vector<std::vector<ReadWo
     return observations;
 }
 
+RecognitionResult withoutMemory()
+{
+    return {{}, QStringLiteral("there is not enough memory")};
+}
+
 } // namespace
 
 /// One recognition. The page is made first; then any number of threads read its runs, and the
@@ -69,6 +76,7 @@ struct TesseractRecognizer::Job
     std::shared_ptr<EnginePool> engines;
     std::unique_ptr<PageReader> reader;
     std::atomic<int> threads = 0;
+    std::atomic<bool> lacksMemory = false;
     const int hangsBefore = EngineProcess::hangs();
 
     void finish(RecognitionResult result)
@@ -81,6 +89,7 @@ struct TesseractRecognizer::Job
 
 TesseractRecognizer::TesseractRecognizer(std::chrono::milliseconds idleTime)
     : m_fonts(std::make_unique<FontReader>(std::make_unique<FreeTypeGlyphs>()))
+    , m_threads(QThread::idealThreadCount())
 {
     m_idle.setInterval(idleTime);
     m_idle.setSingleShot(true);
@@ -98,7 +107,7 @@ TesseractRecognizer::~TesseractRecognizer()
     // Nobody waits for an engine any more, and least of all for one that has stopped.
     do
         EngineProcess::giveUp(0ms);
-    while (!m_threads.waitForDone(endInterval.count()));
+    while (!m_threads.waitForAll(endInterval));
 }
 
 void TesseractRecognizer::prepare()
@@ -107,7 +116,7 @@ void TesseractRecognizer::prepare()
     if (m_setup.languages.isEmpty() || m_setup.program.isEmpty() || m_engines->count() > 0)
         return;
     m_idle.start();
-    for (int i = 0; i < m_threads.maxThreadCount(); ++i) {
+    for (int i = 0; i < m_threads.mostThreads(); ++i) {
         m_threads.start([engines = m_engines] {
             if (auto engine = engines->take())
                 engines->giveBack(std::move(engine));
@@ -145,7 +154,8 @@ QFuture<RecognitionResult> TesseractRecognizer::recognize(const QImage &image, d
     std::erase_if(m_jobs, [](const std::weak_ptr<Job> &old) { return old.expired(); });
     m_jobs.push_back(job);
     m_idle.start();
-    m_threads.start([this, job] { start(job); });
+    if (!m_threads.start([this, job] { start(job); }))
+        job->finish({{}, QStringLiteral("the system gives no thread")});
     return future;
 }
 
@@ -175,12 +185,15 @@ void TesseractRecognizer::findEngines()
 
 void TesseractRecognizer::start(const std::shared_ptr<Job> &job)
 {
-    Page page = job->promise.isCanceled() ? Page{} : pageOf(job->image);
-    auto exact = m_fonts->readingOf(page, job->image);
-    job->reader = std::make_unique<PageReader>(std::move(page), job->engines, std::move(exact));
+    try {
+        Page page = job->promise.isCanceled() ? Page{} : pageOf(job->image);
+        auto exact = m_fonts->readingOf(page, job->image);
+        job->reader = std::make_unique<PageReader>(std::move(page), job->engines, std::move(exact));
+    } catch (const std::bad_alloc &) {
+        return job->finish(withoutMemory());
+    }
     job->image = {};
-    const std::size_t useful =
-        std::min(job->reader->runs(), std::size_t(m_threads.maxThreadCount()));
+    const std::size_t useful = std::min(job->reader->runs(), std::size_t(m_threads.mostThreads()));
     job->threads = std::max(1, int(useful));
     for (int i = 1; i < job->threads; ++i)
         m_threads.start([this, job] { read(job); });
@@ -189,12 +202,18 @@ void TesseractRecognizer::start(const std::shared_ptr<Job> &job)
 
 void TesseractRecognizer::read(const std::shared_ptr<Job> &job)
 {
-    job->reader->read([&job] { return job->promise.isCanceled(); });
+    try {
+        job->reader->read([&job] { return job->promise.isCanceled(); });
+    } catch (const std::bad_alloc &) {
+        job->lacksMemory = true;
+    }
     if (--job->threads > 0)
         return;
     QMetaObject::invokeMethod(this, [this] { m_idle.start(); });
     if (job->promise.isCanceled()) {
         job->finish({});
+    } else if (job->lacksMemory) {
+        job->finish(withoutMemory());
     } else if (job->reader->isUnreadable() && EngineProcess::hangs() > job->hangsBefore) {
         job->finish({{}, QStringLiteral("the text recogniser does not answer")});
     } else if (job->reader->isUnreadable()) {
@@ -203,13 +222,13 @@ void TesseractRecognizer::read(const std::shared_ptr<Job> &job)
                                     "package tesseract-ocr-eng")});
     } else {
         job->finish({observationsOf(job->reader->takeLines()), {}});
-        job->reader->learn([this] { return m_isEnding || m_threads.activeThreadCount() > 1; });
+        job->reader->learn([this] { return m_isEnding || m_threads.active() > 1; });
     }
 }
 
 void TesseractRecognizer::becomeIdle()
 {
-    if (m_threads.activeThreadCount() > 0) {
+    if (m_threads.active() > 0) {
         m_idle.start();
         return;
     }

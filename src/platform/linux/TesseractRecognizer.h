@@ -3,11 +3,11 @@
 
 #pragma once
 
+#include "foundation/Workers.h"
 #include "platform/TextRecognizer.h"
 #include "platform/linux/ocr/EngineProcess.h"
 
 #include <QObject>
-#include <QThreadPool>
 #include <QTimer>
 
 #include <atomic>
@@ -43,7 +43,6 @@ private:
     void read(const std::shared_ptr<Job> &job);
     void becomeIdle();
 
-    QThreadPool m_threads;
     std::atomic<bool> m_isEnding = false;
     EngineSetup m_setup;
     QStringList m_missingPackages;
@@ -51,6 +50,7 @@ private:
     std::unique_ptr<FontReader> m_fonts;
     std::vector<std::weak_ptr<Job>> m_jobs;
     QTimer m_idle;
+    Workers m_threads; ///< the last member: they use the others
 };
 
 } // namespace tovek

@@ -12,6 +12,7 @@
 #include <QPromise>
 
 #include <algorithm>
+#include <new>
 #include <sys/mman.h>
 
 namespace tovek {
@@ -114,6 +115,9 @@ struct X11PixelFetcher::Worker
 
     bool open()
     {
+        // Without memory for an answer, too, a connection is lost.
+        if (connection && xcb_connection_has_error(connection.get()))
+            close();
         if (connection)
             return true;
         connection = connectAgain();
@@ -219,15 +223,11 @@ QImage X11PixelFetcher::Worker::fetchShared(xcb_drawable_t drawable, QSize size)
 X11PixelFetcher::X11PixelFetcher(std::shared_ptr<X11Connection> connection, Transfer transfer)
     : m_connection(std::move(connection))
     , m_worker(std::make_unique<Worker>(transfer))
+    , m_pool(1, std::chrono::seconds(1))
 {
-    m_pool.setMaxThreadCount(1);
-    m_pool.setExpiryTimeout(1000);
 }
 
-X11PixelFetcher::~X11PixelFetcher()
-{
-    m_pool.waitForDone();
-}
+X11PixelFetcher::~X11PixelFetcher() = default;
 
 void X11PixelFetcher::prepare(const std::vector<QSize> &sizes)
 {
@@ -241,9 +241,15 @@ QFuture<QImage> X11PixelFetcher::fetch(std::shared_ptr<X11Pixmap> pixmap,
     promise->start();
     // Servers take 256 clients by default; where there are so many, the toolkit's connection does.
     xcb_connection_t *const spare = m_connection->xcb();
-    m_pool.start([this, promise, pixmap, barrier, spare]() mutable {
+    const bool isStarted = m_pool.start([this, promise, pixmap, barrier, spare]() mutable {
         barrier->wait();
-        promise->addResult(m_worker->fetch(pixmap->id(), pixmap->size(), spare));
+        QImage image;
+        try {
+            image = m_worker->fetch(pixmap->id(), pixmap->size(), spare);
+        } catch (const std::bad_alloc &) {
+            logLine(QStringLiteral("Could not fetch the pixels: not enough memory"));
+        }
+        promise->addResult(image);
         promise->finish();
         // The last owner of a pixmap frees it, which belongs to the main thread.
         if (qApp)
@@ -251,6 +257,10 @@ QFuture<QImage> X11PixelFetcher::fetch(std::shared_ptr<X11Pixmap> pixmap,
                 qApp, [kept = std::move(pixmap), barrier = std::move(barrier)] {},
                 Qt::QueuedConnection);
     });
+    if (!isStarted) {
+        promise->addResult(QImage());
+        promise->finish();
+    }
     return promise->future();
 }
 

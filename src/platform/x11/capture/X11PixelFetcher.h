@@ -3,11 +3,11 @@
 
 #pragma once
 
+#include "foundation/Workers.h"
 #include "platform/x11/capture/X11Pixmap.h"
 
 #include <QFuture>
 #include <QImage>
-#include <QThreadPool>
 
 #include <mutex>
 #include <vector>
@@ -57,8 +57,8 @@ private:
     struct Worker;
 
     std::shared_ptr<X11Connection> m_connection;
-    std::unique_ptr<Worker> m_worker; ///< touched on the pool's one thread only
-    QThreadPool m_pool;
+    std::unique_ptr<Worker> m_worker; ///< touched by the pool's one thread at a time
+    Workers m_pool;
 };
 
 /// The rectangle of the root window as Format_RGB32, over a connection made for this call. Any
