@@ -51,7 +51,7 @@ std::optional<OverlayDrawing> SelectionOverlayView::takeDrawing()
     m_editor.release();
     m_editor.deselect();
     const auto selection = m_state.selectionOnScreen();
-    if (!m_state.isSelectionFinalized || !selection || m_editor.annotations.empty())
+    if (!m_state.isSelectionFinalized || !selection || m_editor.annotations().empty())
         return std::nullopt;
     return OverlayDrawing{*selection, m_editor};
 }

@@ -207,11 +207,11 @@ private Q_SLOTS:
         f.clock.advance(1s);
         QVERIFY(view->toolbar());
         QVERIFY(view->selectionRect() == Rect({50, 90, 200, 150}));
-        QCOMPARE(view->editor().annotations.size(), size_t(1));
-        QVERIFY(view->editor().currentTool == AnnotationTool::rectangle);
+        QCOMPARE(view->editor().annotations().size(), size_t(1));
+        QVERIFY(view->editor().currentTool() == AnnotationTool::rectangle);
         QVERIFY(!f.controller->overlayWindows().back()->selectionView()->selectionRect());
         QTest::keyClick(view, Qt::Key_Z, Qt::ControlModifier);
-        QVERIFY(view->editor().annotations.empty());
+        QVERIFY(view->editor().annotations().empty());
         f.overlay().onCancel();
         f.clock.advance(1s);
         f.controller->startCapture(CaptureMode::normal); // once only
