@@ -43,13 +43,17 @@ std::vector<QRect> separateDashes(const InkMap &ink, const QRect &box)
     const int full = *std::max_element(columns.begin(), columns.end());
     std::vector<QRect> parts;
     int start = 0;
+    int highest = columns.front(); // of the part that begins at `start`
     for (int x = 1; x + 1 < int(columns.size()); ++x) {
+        highest = std::max(highest, columns[x]);
+        // What rises from one end on is one dash beside stronger ink, not two.
         const bool isValley = columns[x] <= columns[x - 1] && columns[x] < columns[x + 1]
-            && columns[x] * 5 < full * 4;
+            && columns[x] * 5 < std::min(full, highest) * 4;
         if (!isValley || x - start < box.height())
             continue;
         parts.push_back(QRect(box.left() + start, box.top(), x - start, box.height()));
         start = x + 1;
+        highest = 0;
     }
     parts.push_back(box.adjusted(start, 0, 0, 0));
     return parts;

@@ -17,6 +17,9 @@ constexpr double capRows = 20;
 constexpr double baselineRow = 27.5;
 /// White beside the text. With more of it the network sees marks where there are none.
 constexpr double marginRows = 4;
+/// Of the strongest ink around: what has less is in another colour, what has hardly any is noise.
+constexpr double fainter = 0.6;
+constexpr double faintest = 0.25;
 /// A line with fewer than two letter heights of text is never scaled beyond this.
 constexpr double largestScale = 8;
 
@@ -77,7 +80,11 @@ InkMap evenInk(const InkMap &map, const TextRun &run, const LetterMetrics &metri
     for (int x = 0; x < box.width(); ++x) {
         const auto from = peaks.begin() + std::max(0, x - reach);
         const auto to = peaks.begin() + std::min(box.width(), x + reach + 1);
-        const int peak = *std::max_element(from, to);
+        const int around = *std::max_element(from, to);
+        // A character in a fainter colour than its neighbours.
+        const int own = peaks[x];
+        const bool isFainter = own < around * fainter && own > around * faintest;
+        const int peak = isFainter ? own : around;
         for (int y = 0; y < box.height(); ++y)
             even.contrast[std::size_t(y) * box.width() + x] =
                 std::uint8_t(std::min(255, map.at(box.left() + x, box.top() + y) * 255 / peak));
