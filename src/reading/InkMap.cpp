@@ -4,6 +4,7 @@
 #include "reading/InkMap.h"
 
 #include "reading/DisjointSets.h"
+#include "reading/Panels.h"
 #include "reading/SurfaceEdges.h"
 #include "reading/Surfaces.h"
 
@@ -91,6 +92,7 @@ InkMap inkMapOf(const QImage &given)
         }
     }
     eraseEdges(map, image, surfaces);
+    map.panels = panelsOf(surfaces, map.size);
     return map;
 }
 

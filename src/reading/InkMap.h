@@ -23,6 +23,7 @@ struct InkMap
 {
     QSize size;
     std::vector<std::uint8_t> contrast; ///< row by row from the top left
+    std::vector<QRect> panels{}; ///< see Panels.h
 
     const std::uint8_t *row(int y) const { return contrast.data() + std::size_t(y) * size.width(); }
     std::uint8_t at(int x, int y) const { return row(y)[x]; }

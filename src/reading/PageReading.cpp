@@ -7,6 +7,7 @@
 #include "reading/Icons.h"
 #include "reading/InkSegments.h"
 #include "reading/LookAlikes.h"
+#include "reading/Panels.h"
 #include "reading/PictureShapes.h"
 #include "reading/Plausibility.h"
 #include "reading/Scripts.h"
@@ -53,8 +54,12 @@ void add(Page &page, TextRun run)
     rough.capHeight = run.box.height();
     const InkMap even = evenInk(page.ink, run, rough);
     const TextRun strokes = strokesOf(even, run);
-    if (const auto label = labelAfterIcon(even, strokes))
-        return add(page, dividedAt(run, *label).second);
+    if (const auto label = labelAfterIcon(even, strokes)) {
+        // Where soft edges join the two, nothing can be divided.
+        auto [icon, rest] = dividedAt(run, *label);
+        if (!icon.patches.empty())
+            return add(page, std::move(rest));
+    }
     page.runs.push_back({std::move(run), letterMetrics(strokes)});
 }
 
@@ -115,8 +120,10 @@ Page pageOf(const QImage &image)
 {
     Page page;
     page.ink = inkMapOf(image);
-    for (TextRun &run : textRuns(inkPatches(page.ink, faintestInk)))
-        add(page, std::move(run));
+    for (const auto &patches : byPanel(inkPatches(page.ink, faintestInk), page.ink.panels)) {
+        for (TextRun &run : textRuns(patches))
+            add(page, std::move(run));
+    }
     settle(page.runs);
     page.widestFirst.resize(page.runs.size());
     std::iota(page.widestFirst.begin(), page.widestFirst.end(), std::size_t(0));

@@ -21,7 +21,7 @@ struct PageRun
 struct Page
 {
     InkMap ink;
-    std::vector<PageRun> runs; ///< as they are read: from the top, columns from the left
+    std::vector<PageRun> runs; ///< a panel after the other, in each as in textRuns
     std::vector<std::size_t> widestFirst; ///< the order that keeps several readers busy longest
 };
 

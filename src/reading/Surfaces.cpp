@@ -155,6 +155,8 @@ void Surfaces::measure(std::uint32_t count)
             && area.area >= area.box.width() * area.box.height() * leastFlat;
         m_kinds.push_back(mayBePlate && isPlate(number, area.color, area.box) ? Surface::background
                                                                               : area.kind());
+        if (m_kinds.back() == Surface::background)
+            m_backgrounds.push_back({number, area.box});
     }
 }
 

@@ -28,6 +28,14 @@ public:
         return m_areaNumbers[std::size_t(y) * m_image.width() + x];
     }
 
+    /// A background and the pixels that it reaches to.
+    struct Background
+    {
+        std::uint32_t area = 0;
+        QRect box;
+    };
+    const std::vector<Background> &backgrounds() const { return m_backgrounds; }
+
 private:
     std::uint32_t label();
     void measure(std::uint32_t areas);
@@ -36,6 +44,7 @@ private:
     const QImage &m_image;
     std::vector<std::uint32_t> m_areaNumbers;
     std::vector<Surface> m_kinds; ///< one an area
+    std::vector<Background> m_backgrounds;
 };
 
 } // namespace tovek
