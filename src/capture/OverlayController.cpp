@@ -6,6 +6,7 @@
 #include "capture/ImageOutput.h"
 #include "capture/ScreenshotService.h"
 #include "foundation/Log.h"
+#include "foundation/WhenReady.h"
 #include "overlay/OverlayWindow.h"
 #include "platform/Clipboard.h"
 #include "platform/Clock.h"
@@ -90,8 +91,13 @@ void OverlayController::beginSession(CaptureMode mode)
     m_session->onFailed = [this] { m_session.reset(); };
     if (m_services.willFreeze)
         m_services.willFreeze();
+    whenFinished(m_services.screenshots.freeze(), m_session.get(),
+                 [this](const std::optional<ShareableContent> &content) { openSession(content); });
+}
+
+void OverlayController::openSession(const std::optional<ShareableContent> &content)
+{
     const auto screen = startingScreen();
-    const auto content = m_services.screenshots.shareableContent();
     if (content && screen) {
         m_session->open(*screen, *content);
         return;

@@ -41,6 +41,7 @@ public:
 
 private:
     void beginSession(CaptureMode mode);
+    void openSession(const std::optional<ShareableContent> &content);
     std::optional<Screen> startingScreen() const;
     std::optional<Screen> feedbackScreen() const;
     void installCallbacks(OverlayWindow &window);

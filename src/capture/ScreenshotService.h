@@ -22,6 +22,8 @@ public:
     /// See ScreenGrabber::prepare.
     void prepare() { m_grabber.prepare(); }
     std::optional<ShareableContent> shareableContent() { return m_grabber.shareableContent(); }
+    /// See ScreenGrabber::freeze.
+    QFuture<std::optional<ShareableContent>> freeze() { return m_grabber.freeze(); }
     /// See ScreenGrabber::failure.
     QString failure() const { return m_grabber.failure(); }
     /// With the content that the caller fetched once for all screens. The future may be ready at

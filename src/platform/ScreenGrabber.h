@@ -61,6 +61,8 @@ public:
     virtual void prepare() = 0;
     /// Freezes the desktop. Absent when nothing can be captured.
     virtual std::optional<ShareableContent> shareableContent() = 0;
+    /// The same where another program takes its time for it: events are handled meanwhile.
+    virtual QFuture<std::optional<ShareableContent>> freeze();
     /// One display of the content without the windows given.
     virtual QFuture<Result> capture(const ShareableContent &content, const CaptureDisplay &display,
                                     const std::vector<quint32> &excludedWindows) = 0;

@@ -274,6 +274,45 @@ private Q_SLOTS:
         QVERIFY(!f.controller->isCapturing());
     }
 
+    void waitsForADesktopThatTakesItsTime()
+    {
+        ControllerFixture f;
+        f.grabber.freezesSlowly = true;
+        f.controller->startCapture(CaptureMode::normal);
+        f.controller->startCapture(CaptureMode::copyText); // one at a time
+        QVERIFY(f.controller->isCapturing());
+        QVERIFY(f.controller->overlayWindows().empty());
+        f.grabber.finishFreeze();
+        QVERIFY(QTest::qWaitFor([&] { return f.controller->overlayWindows().size() == 2; }));
+    }
+
+    void saysWhatASlowDesktopRefused()
+    {
+        ControllerFixture f;
+        f.grabber.freezesSlowly = true;
+        f.grabber.hasContent = false;
+        f.grabber.whyNone = QStringLiteral("it said no");
+        f.controller->startCapture(CaptureMode::normal);
+        LogCapture log; // the failure is a line there too
+        f.grabber.finishFreeze();
+        QVERIFY(QTest::qWaitFor([&] { return !f.controller->isCapturing(); }));
+        QVERIFY2(f.events.join(',').contains("toast No picture: it said no"),
+                 qPrintable(f.events.join(',')));
+    }
+
+    void forgetsASlowDesktopWhenTheScreenIsLocked()
+    {
+        ControllerFixture f;
+        f.grabber.freezesSlowly = true;
+        f.controller->startCapture(CaptureMode::normal);
+        LogCapture log;
+        f.controller->giveWayToLocker();
+        f.grabber.finishFreeze();
+        QCoreApplication::processEvents();
+        QVERIFY(!f.controller->isCapturing());
+        QVERIFY(f.controller->overlayWindows().empty());
+    }
+
     void endsWhenTheKeyboardIsDenied()
     {
         ControllerFixture f;

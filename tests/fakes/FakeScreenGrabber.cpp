@@ -23,6 +23,21 @@ std::optional<ShareableContent> FakeScreenGrabber::shareableContent()
     return content;
 }
 
+QFuture<std::optional<ShareableContent>> FakeScreenGrabber::freeze()
+{
+    if (!freezesSlowly)
+        return ScreenGrabber::freeze();
+    m_freeze.emplace();
+    m_freeze->start();
+    return m_freeze->future();
+}
+
+void FakeScreenGrabber::finishFreeze()
+{
+    m_freeze->addResult(shareableContent());
+    m_freeze->finish();
+}
+
 QFuture<ScreenGrabber::Result> FakeScreenGrabber::capture(const ShareableContent &content,
                                                           const CaptureDisplay &display,
                                                           const std::vector<quint32> &)

@@ -32,6 +32,7 @@ class FakeScreenGrabber : public ScreenGrabber
 public:
     void prepare() override { ++preparations; }
     std::optional<ShareableContent> shareableContent() override;
+    QFuture<std::optional<ShareableContent>> freeze() override;
     QFuture<Result> capture(const ShareableContent &content, const CaptureDisplay &display,
                             const std::vector<quint32> &excludedWindows) override;
     QImage captureFallback(QRect native, const std::vector<quint32> &excludedWindows) override;
@@ -40,6 +41,11 @@ public:
     /// While held, captures stay under way; `finish` lets one complete.
     void hold(quint32 displayId) { m_held.try_emplace(displayId); }
     void finish(quint32 displayId);
+    /// While this is on, the content is under way until `finishFreeze`.
+    bool freezesSlowly = false;
+    void finishFreeze();
+    QString failure() const override { return whyNone; }
+    QString whyNone;
 
     std::map<quint32, QImage> images;
     std::map<quint32, QString> errors; ///< displays whose capture fails, with the reason
@@ -57,6 +63,7 @@ private:
     Result resultFor(const ShareableContent &content, quint32 displayId) const;
 
     std::map<quint32, std::shared_ptr<Held>> m_held;
+    std::optional<QPromise<std::optional<ShareableContent>>> m_freeze;
 };
 
 } // namespace tovek
