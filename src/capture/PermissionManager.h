@@ -19,6 +19,12 @@ public:
     void openSystemSettings();
     /// See CapturePermission::advice.
     std::optional<CaptureAdvice> advice() const { return m_permission.advice(); }
+    /// See CapturePermission::isAsking.
+    bool isAsking() const { return m_permission.isAsking(); }
+    void setOnAnswered(std::function<void()> answered)
+    {
+        m_permission.onAnswered = std::move(answered);
+    }
 
 private:
     CapturePermission &m_permission;

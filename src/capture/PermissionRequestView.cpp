@@ -144,7 +144,7 @@ void PermissionRequestView::addButtons(QVBoxLayout &column)
     });
     QPushButton *prominent = leave;
     if (m_advice.hasSettings) {
-        prominent = addButton(*row, QStringLiteral("Open System Settings"));
+        prominent = addButton(*row, m_advice.button);
         connect(prominent, &QPushButton::clicked, this, [this] {
             if (onOpenSettings)
                 onOpenSettings();

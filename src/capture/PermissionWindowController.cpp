@@ -25,9 +25,13 @@ PermissionWindowController::PermissionWindowController(PermissionManager &permis
     , m_frontmost(frontmost)
     , m_symbols(std::move(symbols))
 {
+    m_permission.setOnAnswered([this] { answered(); });
 }
 
-PermissionWindowController::~PermissionWindowController() = default;
+PermissionWindowController::~PermissionWindowController()
+{
+    m_permission.setOnAnswered(nullptr);
+}
 
 void PermissionWindowController::show()
 {
@@ -38,7 +42,8 @@ void PermissionWindowController::show()
     auto view = std::make_unique<PermissionRequestView>(m_symbols, m_permission.advice());
     view->onOpenSettings = [this] {
         m_permission.openSystemSettings();
-        close();
+        if (!m_permission.isAsking())
+            close();
     };
     view->onDismiss = [this] { close(); };
     view->setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint
@@ -50,6 +55,15 @@ void PermissionWindowController::show()
     m_window = std::move(view);
     m_window->show();
     bringForward();
+}
+
+void PermissionWindowController::answered()
+{
+    const bool wasVisible = m_window && m_window->isVisible();
+    close();
+    // Who said no learns how to say yes.
+    if (wasVisible && !m_permission.hasPermission())
+        show();
 }
 
 void PermissionWindowController::bringForward()

@@ -28,6 +28,7 @@ public:
     QWidget *window() const { return m_window.get(); }
 
 private:
+    void answered();
     void bringForward();
     void close();
 

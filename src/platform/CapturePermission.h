@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 
 namespace tovek {
@@ -17,6 +18,7 @@ struct CaptureAdvice
     QString explanation;
     QStringList steps; ///< in which it can be had; may be empty
     bool hasSettings = false; ///< there is a page where access is granted
+    QString button = QStringLiteral("Open System Settings"); ///< what leads there
 };
 
 /// Whether the desktop lets the program see the screen. Main thread only.
@@ -34,6 +36,11 @@ public:
     /// What stands in the way; absent where it is nothing but the permission, which the user can
     /// grant in the settings.
     virtual std::optional<CaptureAdvice> advice() const { return std::nullopt; }
+    /// True from `requestAccess` to `onAnswered` where the desktop asks the user at once. The
+    /// window that led there stays: some desktops ask only for the program that has the focus.
+    virtual bool isAsking() const { return false; }
+
+    std::function<void()> onAnswered;
 };
 
 } // namespace tovek

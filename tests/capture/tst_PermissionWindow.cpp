@@ -103,6 +103,40 @@ private Q_SLOTS:
         QVERIFY(s.permission.calls.isEmpty());
     }
 
+    void staysWhileTheDesktopAsks()
+    {
+        Setup s;
+        s.permission.asksAtOnce = true;
+        s.permission.given = CaptureAdvice{"May I?", "It asks.", {"Say yes"}, true, "Ask"};
+        s.controller.show();
+        s.button("Ask")->click();
+        QVERIFY(s.controller.window() && s.controller.window()->isVisible());
+        s.permission.answer(true);
+        QVERIFY(!s.controller.window());
+    }
+    void saysHowToGoOnAfterANo()
+    {
+        Setup s;
+        s.permission.asksAtOnce = true;
+        s.controller.show();
+        s.button("Open System Settings")->click();
+        s.permission.given =
+            CaptureAdvice{"Refused", "It said no.", {"Think again"}, true, "Again"};
+        s.permission.answer(false);
+        QVERIFY(s.controller.window()->isVisible());
+        QVERIFY(s.button("Again"));
+    }
+    void staysAwayWhenNobodyWaitsForTheAnswer()
+    {
+        Setup s;
+        s.permission.asksAtOnce = true;
+        s.controller.show();
+        s.button("Open System Settings")->click();
+        s.controller.window()->close();
+        s.permission.answer(false);
+        QVERIFY(!s.controller.window());
+    }
+
     void fitsItsTexts()
     {
         Setup s;
