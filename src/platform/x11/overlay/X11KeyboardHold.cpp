@@ -75,6 +75,13 @@ void X11KeyboardHold::attempt()
     const uint8_t status = grab(xcb_window_t(m_window->winId()));
     m_hasKeyboard = status == XCB_GRAB_STATUS_SUCCESS;
     if (m_hasKeyboard) {
+        if (m_takesFocus) {
+            // With the present time: the toolkit's own request carries that of the last event it
+            // saw, which the server takes for an old one.
+            xcb_set_input_focus(m_connection->xcb(), XCB_INPUT_FOCUS_POINTER_ROOT,
+                                xcb_window_t(m_window->winId()), XCB_CURRENT_TIME);
+            m_connection->flush();
+        }
         m_mouseChecks = 0;
         m_mouseCheck.start(mouseDelays.front());
         return;

@@ -16,12 +16,16 @@ namespace tovek {
 
 /// The grab that brings all keys to one of our windows while the input focus of the desktop stays
 /// where it is: nothing has to be given back afterwards, and no title bar changes. Main thread.
+/// On a Wayland desktop the grab reaches no further than the X windows, so that the focus has to
+/// move after all; the desktop moves it back when the window has gone.
 class X11KeyboardHold : public QObject, private QAbstractNativeEventFilter
 {
 public:
     explicit X11KeyboardHold(std::shared_ptr<X11Connection> connection);
     ~X11KeyboardHold() override;
 
+    /// For an X server that is a guest on a Wayland desktop.
+    void setTakesFocus(bool takesFocus) { m_takesFocus = takesFocus; }
     /// Brings the keys to the window, from another one of ours too. Where another program holds
     /// the keyboard, it gets some time, and what looks like its menu one Escape; `onDenied` tells
     /// when that was not enough. The window must be mapped.
@@ -46,6 +50,7 @@ private:
     std::shared_ptr<X11Connection> m_connection;
     QPointer<QWindow> m_window;
     std::function<void()> m_onDenied;
+    bool m_takesFocus = false;
     bool m_hasKeyboard = false;
     size_t m_attempts = 0;
     QTimer m_retry;

@@ -3,6 +3,8 @@
 
 #include "platform/x11/overlay/X11OverlaySurface.h"
 
+#include "platform/x11/capture/XWayland.h"
+
 #include <QExposeEvent>
 #include <QGuiApplication>
 #include <QMouseEvent>
@@ -312,6 +314,10 @@ X11OverlayShell::X11OverlayShell(std::shared_ptr<X11Connection> connection,
                                         X11KeyboardHold(connection), X11Stacking(connection),
                                         X11PixmapPool(connection)})
 {
+    if (isXWayland(*m_services->connection, *m_services->monitors)) {
+        m_services->keyboard.setTakesFocus(true);
+        m_services->stacking.ignoreFocus();
+    }
     m_services->stacking.onLocker = [this] {
         if (onLocker)
             onLocker();

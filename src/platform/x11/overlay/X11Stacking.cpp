@@ -107,7 +107,7 @@ bool X11Stacking::nativeEventFilter(const QByteArray &, void *message, qintptr *
         // takes the focus from everybody before it tries four times more: nothing else tells of it.
         const auto *focus = static_cast<xcb_focus_in_event_t *>(message);
         if (focus->event == m_connection->root() && focus->detail == XCB_NOTIFY_DETAIL_NONE
-            && isFocusTaken())
+            && !m_ignoresFocus && isFocusTaken())
             tellLocker();
     } else if (type == XCB_UNMAP_NOTIFY) {
         m_onTop.erase(static_cast<xcb_unmap_notify_event_t *>(message)->window);

@@ -28,6 +28,10 @@ public:
     void add(xcb_window_t overlay, QRect native);
     void remove(xcb_window_t overlay);
 
+    /// For an X server that is a guest on a Wayland desktop: the focus moves with the desktop's own
+    /// windows there, and no locker is an X program.
+    void ignoreFocus() { m_ignoresFocus = true; }
+
     std::function<void()> onLocker;
 
 private:
@@ -49,6 +53,7 @@ private:
     QTimer m_look; ///< at the focus and for screen savers, once the overlays are up
     xcb_window_t m_focus = XCB_NONE; ///< since then
     X11SaverWatch m_savers;
+    bool m_ignoresFocus = false;
     std::set<xcb_window_t> m_onTop; ///< ours, over the overlays
 };
 
