@@ -3,6 +3,7 @@
 
 #include "app/PlatformFactory.h"
 
+#include "app/PortalPlatform.h"
 #include "foundation/Log.h"
 #include "foundation/Unfinished.h"
 #include "platform/FirstTray.h"
@@ -74,11 +75,12 @@ std::unique_ptr<CapturePermission> refuseToCapture()
     logLine(QStringLiteral("This Wayland session cannot be captured: nothing will be"));
     return std::make_unique<NullCapturePermission>(CaptureAdvice{
         QStringLiteral("This Session Cannot Be Captured"),
-        QStringLiteral("Tovek does not know this kind of Wayland desktop yet. It would see nothing "
-                       "but black, so it takes no pictures here. On X11 everything works:"),
-        {QStringLiteral("Log out"),
-         QStringLiteral("On the login screen choose a session \"on Xorg\" or \"X11\""),
-         QStringLiteral("Log in, and start Tovek again")}});
+        QStringLiteral("This kind of Wayland desktop shows its screens through a desktop portal "
+                       "only, and there is none. Tovek would see nothing but black:"),
+        {QStringLiteral("Install xdg-desktop-portal and the part for your desktop, such as "
+                        "xdg-desktop-portal-gnome"),
+         QStringLiteral("Log out and in, and start Tovek again"),
+         QStringLiteral("Or choose a session \"on Xorg\" or \"X11\" on the login screen")}});
 }
 
 /// A service that follows the bus.
@@ -257,7 +259,7 @@ bool openX11Keyboard(EarlyPlatform &early)
 }
 
 /// What takes pictures. Null where the session is not one of X11.
-std::shared_ptr<X11Connection> addX11Screens(Platform &platform,
+std::shared_ptr<X11Connection> addX11Screens(Platform &platform, const EarlyPlatform &early,
                                              std::shared_ptr<X11Monitors> &monitors)
 {
     const std::shared_ptr<X11Connection> connection = X11Connection::create();
@@ -265,19 +267,21 @@ std::shared_ptr<X11Connection> addX11Screens(Platform &platform,
         return nullptr;
     monitors = std::make_shared<X11Monitors>(connection);
     platform.screens = std::make_unique<X11Screens>(connection, monitors);
-    platform.grabber = std::make_unique<X11ScreenGrabber>(connection, monitors);
     platform.frontmostApp = std::make_unique<X11FrontmostApp>(connection);
-    platform.capturePermission = isXWayland(*connection, *monitors)
-        ? refuseToCapture()
-        : std::make_unique<X11CapturePermission>();
+    const bool isGuest = isXWayland(*connection, *monitors);
+    if (isGuest && usePortalPictures(platform, early))
+        return connection;
+    platform.grabber = std::make_unique<X11ScreenGrabber>(connection, monitors);
+    platform.capturePermission =
+        isGuest ? refuseToCapture() : std::make_unique<X11CapturePermission>();
     return connection;
 }
 
 /// False where the session is not one of X11.
-bool addX11Desktop(Platform &platform, const SessionBus &bus)
+bool addX11Desktop(Platform &platform, const EarlyPlatform &early)
 {
     std::shared_ptr<X11Monitors> monitors;
-    const std::shared_ptr<X11Connection> connection = addX11Screens(platform, monitors);
+    const std::shared_ptr<X11Connection> connection = addX11Screens(platform, early, monitors);
     auto clipboard = X11Clipboard::create();
     auto *hotKeys = dynamic_cast<X11HotKeys *>(platform.hotKeys.get());
     auto *layout = dynamic_cast<X11KeyboardLayout *>(platform.keyboardLayout.get());
@@ -290,7 +294,7 @@ bool addX11Desktop(Platform &platform, const SessionBus &bus)
     // The area of the X server first: it alone lets a thumbnail be dragged out.
     std::vector<std::unique_ptr<Tray>> trays;
     trays.push_back(X11TrayItem::create());
-    trays.push_back(onBus<StatusNotifierItem>(bus));
+    trays.push_back(onBus<StatusNotifierItem>(*early.bus));
     platform.tray = std::make_unique<FirstTray>(std::move(trays));
     // The toolkit, should it be the first to miss its server, calls exit by itself.
     std::atexit(&waitForUnfinished);
@@ -299,10 +303,10 @@ bool addX11Desktop(Platform &platform, const SessionBus &bus)
     return true;
 }
 
-bool addX11Capture(Platform &platform)
+bool addX11Capture(Platform &platform, const EarlyPlatform &early)
 {
     std::shared_ptr<X11Monitors> monitors;
-    return addX11Screens(platform, monitors) != nullptr;
+    return addX11Screens(platform, early, monitors) != nullptr;
 }
 #else
 bool openX11Keyboard(EarlyPlatform &)
@@ -310,12 +314,12 @@ bool openX11Keyboard(EarlyPlatform &)
     return false;
 }
 
-bool addX11Desktop(Platform &, const SessionBus &)
+bool addX11Desktop(Platform &, const EarlyPlatform &)
 {
     return false;
 }
 
-bool addX11Capture(Platform &)
+bool addX11Capture(Platform &, const EarlyPlatform &)
 {
     return false;
 }
@@ -382,7 +386,8 @@ void openKeyboard(EarlyPlatform &early)
 Platform makeCapturePlatform(const EarlyPlatform &early)
 {
     Platform platform;
-    if (!isWithoutDesktop() && (addWaylandCapture(platform, early) || addX11Capture(platform)))
+    if (!isWithoutDesktop()
+        && (addWaylandCapture(platform, early) || addX11Capture(platform, early)))
         return platform;
     addNullDesktop(platform);
     if (isWaylandSession())
@@ -416,7 +421,7 @@ Platform makePlatform(EarlyPlatform &early)
     platform.fileRevealer = onBus<DBusFileRevealer>(*early.bus);
     platform.textRecognizer = makeTextRecognizer();
     if (!isWithoutDesktop()
-        && (addWaylandDesktop(platform, early) || addX11Desktop(platform, *early.bus)))
+        && (addWaylandDesktop(platform, early) || addX11Desktop(platform, early)))
         return platform;
     if (!isWithoutDesktop())
         logLine(QStringLiteral("No X server to work with: shortcuts, screens and the clipboard "

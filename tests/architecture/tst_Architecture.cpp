@@ -113,6 +113,7 @@ private:
             {"platform/linux/ocr", {"reading"}},
             {"platform/linux/clipboard", {"platform", "foundation"}},
             {"platform/null", {"platform", "platform/linux", "foundation"}},
+            {"platform/portal", {"platform/linux", "platform", "foundation"}},
             {"platform/x11", {}},
             {"platform/x11/capture", {"platform/x11", "platform", "foundation"}},
             {"platform/x11/overlay", {"platform/x11/capture", "platform/x11", "platform"}},
@@ -150,7 +151,8 @@ private:
         if (fromRoom == toRoom)
             return true;
         // The one place that chooses between the desktop's implementations.
-        if (from.startsWith(QStringLiteral("app/PlatformFactory."))
+        if ((from.startsWith(QStringLiteral("app/PlatformFactory."))
+             || from.startsWith(QStringLiteral("app/PortalPlatform.")))
             && toRoom.startsWith("platform"))
             return true;
         return rooms().value(fromRoom).contains(toRoom);

@@ -1,0 +1,68 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/ScreenGrabber.h"
+#include "platform/portal/PictureCut.h"
+#include "platform/portal/PortalBus.h"
+
+#include <QPromise>
+
+#include <memory>
+
+namespace tovek {
+
+/// A display in memory, for which there is nothing to wait.
+class ImageFrozenDisplay : public FrozenDisplay
+{
+public:
+    explicit ImageFrozenDisplay(QImage image);
+    QSize size() const override { return m_image.size(); }
+    QFuture<QImage> pixels() override;
+
+private:
+    const QImage m_image;
+};
+
+/// Pictures of the whole desktop as its portal takes them: one at a time, left in a file, with
+/// whatever the desktop shows and sounds meanwhile. Main thread only.
+class PortalScreenGrabber : public QObject, public ScreenGrabber
+{
+public:
+    using Content = std::optional<ShareableContent>;
+    /// The screens as they are now, in the units of the desktop's layout.
+    using Displays = std::function<std::vector<PortalDisplay>()>;
+
+    PortalScreenGrabber(std::shared_ptr<PortalBus> bus, Displays displays);
+    ~PortalScreenGrabber() override;
+
+    void prepare() override { }
+    /// As `freeze`, waiting, while events are handled.
+    Content shareableContent() override;
+    QFuture<Content> freeze() override;
+    QFuture<Result> capture(const ShareableContent &content, const CaptureDisplay &display,
+                            const std::vector<quint32> &excludedWindows) override;
+    /// There is no other way.
+    QImage captureFallback(QRect, const std::vector<quint32> &) override { return {}; }
+    std::shared_ptr<FrozenDisplay> frozenFromImage(const QImage &image) override;
+    QString failure() const override { return m_failure; }
+
+    /// How long the portal may take. Unset, it is longer where the user may be asked first.
+    void setLimit(std::chrono::milliseconds limit) { m_limit = limit; }
+
+private:
+    struct Cut;
+    std::chrono::milliseconds limit() const;
+    void take(const QString &uri);
+    void finish(Content content);
+    void fail(const QString &reason);
+
+    std::shared_ptr<PortalBus> m_bus;
+    const Displays m_displays;
+    std::optional<std::chrono::milliseconds> m_limit;
+    std::optional<QPromise<Content>> m_running;
+    QString m_failure;
+};
+
+} // namespace tovek

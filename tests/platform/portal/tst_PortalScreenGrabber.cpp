@@ -1,0 +1,203 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "fakes/FakePortal.h"
+#include "fakes/LogCapture.h"
+#include "foundation/WhenReady.h"
+#include "platform/portal/PortalScreenGrabber.h"
+#include "support/SessionBus.h"
+#include "support/Skip.h"
+#include "support/Wait.h"
+
+#include <QDBusConnection>
+#include <QSignalSpy>
+#include <QUrl>
+
+using namespace tovek;
+using namespace std::chrono_literals;
+
+namespace {
+
+const std::vector<PortalDisplay> twoScreens{{11, {0, 0, 100, 80}, {0, 0, 100, 80}},
+                                            {22, {100, 0, 60, 90}, {100, 0, 60, 90}}};
+
+} // namespace
+
+class TestPortalScreenGrabber : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        skipBecause(SessionBus::isInstalled() ? QString() : QStringLiteral("no dbus-daemon"));
+    }
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_bus = std::make_unique<SessionBus>();
+        QVERIFY(m_bus->start());
+        m_session = QStringLiteral("test of ") + m_bus->address();
+        QDBusConnection::connectToBus(m_bus->address(), m_session);
+        m_portal = std::make_unique<FakePortal>(m_bus->address(), QString());
+        m_portalBus = std::make_shared<PortalBus>(QDBusConnection(m_session));
+        m_grabber = std::make_unique<PortalScreenGrabber>(m_portalBus, [] { return twoScreens; });
+    }
+    void cleanup()
+    {
+        m_grabber.reset();
+        m_portalBus.reset();
+        m_portal.reset();
+        QDBusConnection::disconnectFromBus(m_session);
+        m_bus.reset();
+    }
+
+    void cutsTheDesktopIntoItsScreens()
+    {
+        answerWithPicture({});
+        const auto content = m_grabber->shareableContent();
+        QVERIFY(content);
+        QCOMPARE(int(content->displays.size()), 2);
+        QCOMPARE(content->displays.at(1), (CaptureDisplay{22, {100, 0, 60, 90}}));
+        QCOMPARE(pixels(*content, 0), m_picture.copy(0, 0, 100, 80));
+        QCOMPARE(pixels(*content, 1), m_picture.copy(100, 0, 60, 90));
+        QVERIFY(!QFile::exists(path()));
+        QCOMPARE(m_portal->calls(), (QStringList{"Register", "Lookup", "Screenshot"}));
+    }
+    void lookIsOneForAllWhoAskMeanwhile()
+    {
+        answerWithPicture({.delay = 50ms});
+        const auto one = m_grabber->freeze();
+        const auto other = m_grabber->freeze();
+        QVERIFY(waitUntil([&] { return one.isFinished() && other.isFinished(); }));
+        QVERIFY(one.result() && other.result());
+        QCOMPARE(m_portal->calls().count("Screenshot"), 1);
+    }
+    void takesTheFirstOfTwoAnswers()
+    {
+        answerWithPicture({.answers = 2});
+        QVERIFY(m_grabber->shareableContent());
+        QVERIFY(!QFile::exists(path()));
+        answerWithPicture({});
+        QVERIFY(m_grabber->shareableContent());
+    }
+
+    void saysWhyThereIsNone_data()
+    {
+        QTest::addColumn<PortalScript>("script");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("refused") << PortalScript{.code = 2} << "the desktop refused it";
+        QTest::newRow("cancelled") << PortalScript{.code = 1} << "it was cancelled";
+        QTest::newRow("silent") << PortalScript{.isSilent = true}
+                                << "the desktop did not answer in time";
+        QTest::newRow("no screenshots") << PortalScript{.offersScreenshots = false}
+                                        << "the portal of this desktop cannot do it";
+        QTest::newRow("no file") << PortalScript{} << "the desktop gave no file for it";
+        QTest::newRow("a file that is not there")
+            << PortalScript{.results = {{"uri", "file:///nowhere/a.png"}}}
+            << "the desktop's file for it is missing";
+    }
+    void saysWhyThereIsNone()
+    {
+        QFETCH(PortalScript, script);
+        m_portal->set(script);
+        m_grabber->setLimit(300ms);
+        LogCapture log;
+        QVERIFY(!m_grabber->shareableContent());
+        QTEST(m_grabber->failure(), "reason");
+        // The next one is not spoilt by it.
+        answerWithPicture({});
+        m_grabber->setLimit(5s);
+        QVERIFY(m_grabber->shareableContent());
+        QCOMPARE(m_grabber->failure(), QString());
+    }
+    void wantsAPictureOfTheseScreens()
+    {
+        answerWithPicture({}, {300, 90});
+        LogCapture log;
+        QVERIFY(!m_grabber->shareableContent());
+        QCOMPARE(m_grabber->failure(), "the desktop's picture does not show these screens");
+    }
+    void removesAPictureThatComesTooLate()
+    {
+        answerWithPicture({.delay = 200ms});
+        m_grabber->setLimit(50ms);
+        LogCapture log;
+        QVERIFY(!m_grabber->shareableContent());
+        QVERIFY(QFile::exists(path()));
+        QVERIFY(waitUntil([this] { return !QFile::exists(path()); }));
+    }
+    void endsWithThePortal()
+    {
+        m_portal->set({.isSilent = true});
+        LogCapture log;
+        const auto content = m_grabber->freeze();
+        QVERIFY(waitUntil([this] { return m_portal->calls().contains("Screenshot"); }));
+        m_portal->restart();
+        QVERIFY(waitUntil([&] { return content.isFinished(); }));
+        QVERIFY(!content.result());
+        QCOMPARE(m_grabber->failure(), "the desktop portal ended");
+        // The new one is told the name again, before anything else.
+        QVERIFY(waitUntil([this] { return m_portal->calls().count("Register") == 2; }));
+        answerWithPicture({});
+        QVERIFY(m_grabber->shareableContent());
+    }
+    void doesWithoutAPortal()
+    {
+        QSignalSpy lost(m_portalBus.get(), &PortalBus::portalLost);
+        m_portal.reset();
+        QVERIFY(lost.wait());
+        QVERIFY(!m_portalBus->isOffered());
+        LogCapture log;
+        QVERIFY(!m_grabber->shareableContent());
+        QCOMPARE(m_grabber->failure(), "no desktop portal runs here");
+    }
+    void goesWhileItIsAsking()
+    {
+        m_portal->set({.isSilent = true});
+        const auto content = m_grabber->freeze();
+        m_grabber.reset();
+        QVERIFY(content.isFinished());
+        QVERIFY(!content.result());
+    }
+    void leavesOutNoWindow()
+    {
+        answerWithPicture({});
+        const auto content = m_grabber->shareableContent();
+        QVERIFY(content);
+        const auto result = m_grabber->capture(*content, content->displays.front(), {1}).result();
+        QVERIFY(!result.frozen);
+        QCOMPARE(result.error, "windows cannot be left out");
+    }
+
+private:
+    QString path() const { return m_folder->filePath(QStringLiteral("Screenshot.png")); }
+
+    void answerWithPicture(PortalScript script, QSize size = {160, 90})
+    {
+        m_picture = QImage(size, QImage::Format_RGB32);
+        for (int y = 0; y < size.height(); ++y) {
+            for (int x = 0; x < size.width(); ++x)
+                m_picture.setPixel(x, y, qRgb(x % 256, y, 99));
+        }
+        QVERIFY(m_picture.save(path(), "PNG"));
+        script.results.insert(QStringLiteral("uri"), QUrl::fromLocalFile(path()).toString());
+        m_portal->set(script);
+    }
+    QImage pixels(const ShareableContent &content, size_t display)
+    {
+        const auto result = m_grabber->capture(content, content.displays.at(display), {}).result();
+        return result.frozen ? result.frozen->pixels().result() : QImage();
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<SessionBus> m_bus;
+    QString m_session;
+    std::unique_ptr<FakePortal> m_portal;
+    std::shared_ptr<PortalBus> m_portalBus;
+    std::unique_ptr<PortalScreenGrabber> m_grabber;
+    QImage m_picture;
+};
+
+QTEST_GUILESS_MAIN(TestPortalScreenGrabber)
+#include "tst_PortalScreenGrabber.moc"
