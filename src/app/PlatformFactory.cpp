@@ -39,6 +39,7 @@
 #include "platform/wayland/overlay/WaylandKeyboardHold.h"
 #endif
 #ifdef TOVEK_WITH_X11
+#include "platform/x11/X11ActivationToken.h"
 #include "platform/x11/capture/X11CapturePermission.h"
 #include "platform/x11/capture/X11FrontmostApp.h"
 #include "platform/x11/capture/X11ScreenGrabber.h"
@@ -285,6 +286,8 @@ bool addX11Desktop(Platform &platform, const EarlyPlatform &early)
     auto clipboard = X11Clipboard::create();
     auto *hotKeys = dynamic_cast<X11HotKeys *>(platform.hotKeys.get());
     auto *layout = dynamic_cast<X11KeyboardLayout *>(platform.keyboardLayout.get());
+    if (auto *revealer = dynamic_cast<DBusFileRevealer *>(platform.fileRevealer.get()))
+        revealer->newActivationToken = &newX11ActivationToken;
     if (!connection || !clipboard || !hotKeys || !layout)
         return false;
     platform.overlayShell = std::make_unique<X11OverlayShell>(connection, monitors);

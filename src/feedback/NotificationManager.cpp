@@ -62,7 +62,7 @@ void NotificationManager::didReceive(const NotificationResponse &response)
     // The notification's own file, not the last one saved.
     const QUrl file(response.userInfo.value(fileUrlKey), QUrl::StrictMode);
     if (file.isValid())
-        m_revealer.activateFileViewer(file);
+        m_revealer.activateFileViewer(file, response.activationToken);
 }
 
 } // namespace tovek

@@ -3,6 +3,7 @@
 
 #pragma once
 
+class QString;
 class QUrl;
 
 namespace tovek {
@@ -12,9 +13,10 @@ class FileRevealer
 {
 public:
     virtual ~FileRevealer() = default;
-    /// Opens the file's folder with the file selected, where the desktop can select it. Returns at
+    /// Opens the file's folder with the file selected, where the desktop can select it, and brings
+    /// it to the front: by the token that came with the user's click, where one did. Returns at
     /// once; what is not a local file is ignored.
-    virtual void activateFileViewer(const QUrl &file) = 0;
+    virtual void activateFileViewer(const QUrl &file, const QString &activationToken) = 0;
 };
 
 } // namespace tovek

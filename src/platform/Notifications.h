@@ -45,6 +45,7 @@ struct NotificationResponse
 {
     QString actionIdentifier;
     QMap<QString, QString> userInfo;
+    QString activationToken = {}; ///< lets another program come to the front for it; often empty
 };
 
 /// The action identifier of a click on the notification itself.

@@ -25,9 +25,9 @@ public:
         done(addError);
     }
     /// The user's choice on the notification of this number.
-    void choose(size_t index, const QString &action)
+    void choose(size_t index, const QString &action, const QString &activationToken = {})
     {
-        onResponse({action, requests.at(index).userInfo});
+        onResponse({action, requests.at(index).userInfo, activationToken});
     }
 
     std::optional<QString> authorizationError;
@@ -39,9 +39,14 @@ public:
 class FakeFileRevealer : public FileRevealer
 {
 public:
-    void activateFileViewer(const QUrl &file) override { revealed.push_back(file); }
+    void activateFileViewer(const QUrl &file, const QString &activationToken) override
+    {
+        revealed.push_back(file);
+        token = activationToken;
+    }
 
     std::vector<QUrl> revealed;
+    QString token; ///< the last one
 };
 
 } // namespace tovek

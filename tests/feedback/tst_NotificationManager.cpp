@@ -60,11 +60,12 @@ private Q_SLOTS:
         s.save(QStringLiteral("/tmp/second.png"));
         QVERIFY(s.center.requests[0].identifier != s.center.requests[1].identifier);
         s.center.choose(0, QStringLiteral("SHOW_IN_FINDER"));
-        s.center.choose(1, defaultNotificationAction);
+        s.center.choose(1, defaultNotificationAction, QStringLiteral("token"));
         s.center.choose(1, QStringLiteral("dismissed"));
         const std::vector<QUrl> expected{QUrl(QStringLiteral("file:///tmp/first.png")),
                                          QUrl(QStringLiteral("file:///tmp/second.png"))};
         QVERIFY(s.revealer.revealed == expected);
+        QCOMPARE(s.revealer.token, QStringLiteral("token"));
     }
 
     void ignoresAResponseWithoutAFile_data()

@@ -107,6 +107,23 @@ private Q_SLOTS:
         QCOMPARE(answers.back(), QStringLiteral("two SHOW"));
     }
 
+    void passesTheTokenOfAClickOn()
+    {
+        DBusNotifications notifications;
+        QStringList tokens;
+        notifications.onResponse = [&](const NotificationResponse &response) {
+            tokens << response.activationToken;
+        };
+        QCOMPARE(add(notifications, QStringLiteral("one")), QString());
+        QCOMPARE(add(notifications, QStringLiteral("two")), QString());
+        Q_EMIT server->ActivationToken(101, QStringLiteral("first"));
+        Q_EMIT server->ActionInvoked(101, QStringLiteral("SHOW"));
+        Q_EMIT server->ActionInvoked(101, QStringLiteral("SHOW")); // it is good for one
+        Q_EMIT server->ActivationToken(102, QStringLiteral("second"));
+        Q_EMIT server->ActionInvoked(101, QStringLiteral("SHOW"));
+        QTRY_COMPARE(tokens, QStringList({"first", "", ""}));
+    }
+
     void reportsAServerThatHangs()
     {
         server->hangs = true;
@@ -141,9 +158,15 @@ private Q_SLOTS:
         QVERIFY(manager.start(serverBus()));
         DBusFileRevealer revealer;
         revealer.openFolder = [](const QUrl &) { QFAIL("opened the folder"); };
-        revealer.activateFileViewer(QUrl(QStringLiteral("https://example.org/a.png")));
-        revealer.activateFileViewer(QUrl::fromLocalFile(QStringLiteral("/tmp/a b.png")));
+        const QString token = QStringLiteral("token");
+        revealer.activateFileViewer(QUrl(QStringLiteral("https://example.org/a.png")), token);
+        revealer.activateFileViewer(QUrl::fromLocalFile(QStringLiteral("/tmp/a b.png")), token);
         QTRY_COMPARE(manager.shown, QStringList{"file:///tmp/a%20b.png"});
+        QCOMPARE(manager.startupId, token);
+        // The server gave none.
+        revealer.newActivationToken = [] { return QStringLiteral("our own"); };
+        revealer.activateFileViewer(QUrl::fromLocalFile(QStringLiteral("/tmp/c.png")), {});
+        QTRY_COMPARE(manager.startupId, QStringLiteral("our own"));
         manager.stop(serverBus());
     }
 
@@ -152,7 +175,7 @@ private Q_SLOTS:
         DBusFileRevealer revealer;
         QUrl opened;
         revealer.openFolder = [&](const QUrl &folder) { opened = folder; };
-        revealer.activateFileViewer(QUrl::fromLocalFile(QStringLiteral("/tmp/a b.png")));
+        revealer.activateFileViewer(QUrl::fromLocalFile(QStringLiteral("/tmp/a b.png")), {});
         QTRY_COMPARE(opened, QUrl::fromLocalFile(QStringLiteral("/tmp/")));
     }
 };

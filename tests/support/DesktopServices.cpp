@@ -57,9 +57,10 @@ void FileManagerService::stop(QDBusConnection bus)
     bus.unregisterObject(fileManagerPath);
 }
 
-void FileManagerService::ShowItems(const QStringList &uris, const QString &)
+void FileManagerService::ShowItems(const QStringList &uris, const QString &id)
 {
     shown += uris;
+    startupId = id;
 }
 
 } // namespace tovek

@@ -45,6 +45,7 @@ public Q_SLOTS:
                 int timeoutMs);
 
 Q_SIGNALS:
+    void ActivationToken(uint id, const QString &token);
     void ActionInvoked(uint id, const QString &action);
     void NotificationClosed(uint id, uint reason);
 };
@@ -60,6 +61,7 @@ public:
     void stop(QDBusConnection bus);
 
     QStringList shown; ///< URLs
+    QString startupId; ///< of the last call
 
 public Q_SLOTS:
     void ShowItems(const QStringList &uris, const QString &startupId);

@@ -17,7 +17,7 @@ DBusFileRevealer::DBusFileRevealer(QDBusConnection bus)
 {
 }
 
-void DBusFileRevealer::activateFileViewer(const QUrl &file)
+void DBusFileRevealer::activateFileViewer(const QUrl &file, const QString &activationToken)
 {
     if (!file.isLocalFile())
         return;
@@ -27,7 +27,9 @@ void DBusFileRevealer::activateFileViewer(const QUrl &file)
         QStringLiteral("org.freedesktop.FileManager1"),
         QStringLiteral("/org/freedesktop/FileManager1"),
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
-    message << QStringList{file.toString(QUrl::FullyEncoded)} << QString();
+    const bool isTokenMissing = activationToken.isEmpty() && newActivationToken;
+    message << QStringList{file.toString(QUrl::FullyEncoded)}
+            << (isTokenMissing ? newActivationToken() : activationToken);
     auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(message), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, watcher, file] {
         watcher->deleteLater();

@@ -19,8 +19,10 @@ public:
     explicit DBusFileRevealer(QDBusConnection bus = QDBusConnection::sessionBus());
     void setBus(const QDBusConnection &bus) { m_bus = bus; }
 
-    void activateFileViewer(const QUrl &file) override;
+    void activateFileViewer(const QUrl &file, const QString &activationToken) override;
 
+    /// For clicks that brought no token. Called only if set.
+    std::function<QString()> newActivationToken;
     std::function<void(const QUrl &folder)> openFolder;
 
 private:

@@ -35,6 +35,7 @@ DBusNotifications::~DBusNotifications() = default;
 void DBusNotifications::setBus(const QDBusConnection &bus)
 {
     m_open.clear();
+    m_token = {};
     m_capabilities.reset();
     m_watcher.reset();
     m_isListening = false;
@@ -83,6 +84,7 @@ void DBusNotifications::askCapabilities(std::function<void()> then)
 
 void DBusNotifications::notify(const NotificationRequest &request, const Completion &done)
 {
+    // Servers that know no click on the body (xfce4-notifyd 0.7.3) would make a button of a title.
     QStringList actions{defaultNotificationAction, QString()};
     for (const NotificationCategory &category : m_categories) {
         if (category.identifier != request.categoryIdentifier)
@@ -138,7 +140,13 @@ void DBusNotifications::actionInvoked(uint id, const QString &action)
     // The signal goes to everybody: most numbers are other programs'.
     const auto found = m_open.find(id);
     if (found != m_open.end() && onResponse)
-        onResponse({action, found->second});
+        onResponse({action, found->second, m_token.first == id ? m_token.second : QString()});
+    m_token = {};
+}
+
+void DBusNotifications::activationToken(uint id, const QString &token)
+{
+    m_token = {id, token};
 }
 
 void DBusNotifications::notificationClosed(uint id, uint)
@@ -159,6 +167,7 @@ void DBusNotifications::setListening(bool isListening)
         else
             m_bus.disconnect(service, path, service, name, this, slot);
     };
+    change("ActivationToken", SLOT(activationToken(uint, QString)));
     change("ActionInvoked", SLOT(actionInvoked(uint, QString)));
     change("NotificationClosed", SLOT(notificationClosed(uint, uint)));
     if (!isListening) {

@@ -37,6 +37,8 @@ public:
     int timeoutMs = 5000;
 
 private Q_SLOTS:
+    /// Comes before the action that it is for.
+    void activationToken(uint id, const QString &token);
     void actionInvoked(uint id, const QString &action);
     void notificationClosed(uint id, uint reason);
 
@@ -53,6 +55,7 @@ private:
     std::vector<NotificationCategory> m_categories;
     std::optional<QStringList> m_capabilities; ///< absent until the present server was asked
     std::map<uint, UserInfo> m_open; ///< by the server's number
+    std::pair<uint, QString> m_token; ///< the last one, and the notification's number
     bool m_isListening = false;
     std::unique_ptr<QDBusServiceWatcher> m_watcher;
 };
