@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "reading/Hyphens.h"
+#include "reading/SymbolText.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -31,14 +32,6 @@ std::vector<InkSymbol> line(const QString &text, int dashWidth)
         startsWord = false;
     }
     return symbols;
-}
-
-QString textOf(const std::vector<InkSymbol> &symbols)
-{
-    QString text;
-    for (const InkSymbol &one : symbols)
-        text += one.text;
-    return text;
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "reading/LookAlikes.h"
+#include "reading/SymbolText.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -31,14 +32,6 @@ std::vector<InkSymbol> word(const QString &text)
     for (const QChar c : text)
         symbols.push_back(symbol(QString(c), QRect(int(symbols.size()) * 9, 0, 7, 10)));
     return symbols;
-}
-
-QString textOf(const std::vector<InkSymbol> &symbols)
-{
-    QString text;
-    for (const InkSymbol &one : symbols)
-        text += one.text;
-    return text;
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "reading/SharedReadings.h"
+#include "reading/SymbolText.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -20,14 +21,6 @@ InkSymbol symbol(const QString &text, int x, std::uint8_t shape, double confiden
     for (std::size_t i = 0; i < glyph.size(); ++i)
         glyph[i] = std::uint8_t((i * 37 + shape * 83) % 256);
     return {text, box, confidence, x == 0, 1, box, glyph};
-}
-
-QString textOf(const std::vector<InkSymbol> &symbols)
-{
-    QString text;
-    for (const InkSymbol &one : symbols)
-        text += one.text;
-    return text;
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "platform/x11/X11TestDesktop.h"
+#include "platform/x11/OnX11TestDesktop.h"
 #include "platform/x11/overlay/X11FrameGate.h"
 
 #include <QGuiApplication>
@@ -77,17 +77,7 @@ private Q_SLOTS:
 
 int main(int argc, char **argv)
 {
-    X11TestDesktop server;
-    if (!server.start(QSize(640, 480), 24)) {
-        std::puts("SKIP: no Xvfb");
-        return 77;
-    }
-    desktop = &server;
-    qputenv("DISPLAY", server.displayName());
-    qputenv("QT_QPA_PLATFORM", "xcb");
-    QGuiApplication application(argc, argv);
-    TestX11FrameGate test;
-    return QTest::qExec(&test, argc, argv);
+    return runOnX11TestDesktop<TestX11FrameGate>(argc, argv, desktop, {640, 480});
 }
 
 #include "tst_X11FrameGate.moc"

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "platform/x11/X11TestDesktop.h"
+#include "platform/x11/OnX11TestDesktop.h"
 #include "platform/x11/overlay/X11PointerFollower.h"
 
 #include <QElapsedTimer>
@@ -163,17 +163,7 @@ private:
 
 int main(int argc, char **argv)
 {
-    X11TestDesktop server;
-    if (!server.start(QSize(1024, 768), 24)) {
-        std::puts("SKIP: no Xvfb");
-        return 77;
-    }
-    desktop = &server;
-    qputenv("DISPLAY", server.displayName());
-    qputenv("QT_QPA_PLATFORM", "xcb");
-    QGuiApplication application(argc, argv);
-    TestX11PointerFollower test;
-    return QTest::qExec(&test, argc, argv);
+    return runOnX11TestDesktop<TestX11PointerFollower>(argc, argv, desktop, {1024, 768});
 }
 
 #include "tst_X11PointerFollower.moc"

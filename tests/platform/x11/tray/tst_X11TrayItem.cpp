@@ -3,8 +3,8 @@
 
 // Whom the item takes for a good host.
 
+#include "platform/x11/OnX11TestDesktop.h"
 #include "platform/x11/X11Reply.h"
-#include "platform/x11/X11TestDesktop.h"
 #include "platform/x11/tray/X11TrayItem.h"
 
 #include <QGuiApplication>
@@ -76,16 +76,7 @@ private Q_SLOTS:
 
 int main(int argc, char **argv)
 {
-    X11TestDesktop server;
-    if (!server.start(QSize(800, 740), 24)) {
-        std::puts("SKIP: no Xvfb");
-        return 77;
-    }
-    desktop = &server;
-    qputenv("DISPLAY", server.displayName());
-    qputenv("QT_QPA_PLATFORM", "xcb");
-    QGuiApplication application(argc, argv);
-    TestX11TrayItem test;
-    return QTest::qExec(&test, argc, argv);
+    return runOnX11TestDesktop<TestX11TrayItem>(argc, argv, desktop, {800, 740});
 }
+
 #include "tst_X11TrayItem.moc"

@@ -1,0 +1,18 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "reading/RunReading.h"
+
+namespace tovek {
+
+inline QString textOf(const std::vector<InkSymbol> &symbols)
+{
+    QString text;
+    for (const InkSymbol &one : symbols)
+        text += one.text;
+    return text;
+}
+
+} // namespace tovek
