@@ -5,8 +5,6 @@
 
 #include "foundation/SystemColors.h"
 
-#include <array>
-#include <cmath>
 #include <utility>
 
 namespace tovek {
@@ -14,58 +12,13 @@ namespace tovek {
 namespace {
 
 constexpr double hitTolerance = 10;
-constexpr double grabRadius = 12;
 constexpr double largeStep = 10;
 
 using Effect = AnnotationEditor::Effect;
 
-bool isWithinReach(Point a, Point b)
-{
-    return std::hypot(a.x - b.x, a.y - b.y) <= grabRadius;
-}
-
 Point clamped(Point p, const Rect &r)
 {
     return {std::clamp(p.x, r.minX(), r.maxX()), std::clamp(p.y, r.minY(), r.maxY())};
-}
-
-struct Corner
-{
-    AnnotationHandle handle;
-    Point at;
-    Point opposite;
-};
-
-/// The corners of a rectangle in the order in which they are tested.
-std::array<Corner, 4> cornersOf(const RectangleAnnotation &rectangle)
-{
-    const Rect r = Rect::spanning(rectangle.startPoint, rectangle.endPoint);
-    const Point bottomLeft{r.minX(), r.minY()};
-    const Point bottomRight{r.maxX(), r.minY()};
-    const Point topLeft{r.minX(), r.maxY()};
-    const Point topRight{r.maxX(), r.maxY()};
-    return {{{AnnotationHandle::bottomLeft, bottomLeft, topRight},
-             {AnnotationHandle::bottomRight, bottomRight, topLeft},
-             {AnnotationHandle::topLeft, topLeft, bottomRight},
-             {AnnotationHandle::topRight, topRight, bottomLeft}}};
-}
-
-std::optional<AnnotationHandle> handleAt(Point at, const Annotation &annotation)
-{
-    if (std::holds_alternative<TextAnnotation>(annotation))
-        return std::nullopt;
-    if (const auto *rectangle = std::get_if<RectangleAnnotation>(&annotation)) {
-        for (const Corner &corner : cornersOf(*rectangle)) {
-            if (isWithinReach(at, corner.at))
-                return corner.handle;
-        }
-        return std::nullopt;
-    }
-    if (isWithinReach(at, fieldsOf(annotation).startPoint))
-        return AnnotationHandle::start;
-    if (isWithinReach(at, fieldsOf(annotation).endPoint))
-        return AnnotationHandle::end;
-    return std::nullopt;
 }
 
 Annotation newAnnotation(AnnotationTool tool, Point at, const QColor &color)
@@ -130,13 +83,7 @@ Effect AnnotationEditor::pressWithTool(Point at)
 
 void AnnotationEditor::startDrag(size_t index, Point at)
 {
-    m_drag = Drag{at, handleAt(at, m_annotations[index]), {}};
-    if (const auto *rectangle = std::get_if<RectangleAnnotation>(&m_annotations[index])) {
-        for (const Corner &corner : cornersOf(*rectangle)) {
-            if (corner.handle == m_drag->handle)
-                m_drag->fixedCorner = corner.opposite;
-        }
-    }
+    m_drag = Drag{at, handleAt(at, m_annotations[index])};
 }
 
 Effect AnnotationEditor::moveTo(Point at, const Rect &selection)
@@ -148,42 +95,13 @@ Effect AnnotationEditor::moveTo(Point at, const Rect &selection)
     if (!m_drag || !m_selectedAnnotationIndex)
         return {};
     if (m_drag->handle) {
-        dragHandle(clamped(at, selection));
+        dragHandle(m_annotations[*m_selectedAnnotationIndex], *m_drag->handle,
+                   clamped(at, selection));
     } else {
         moveBy(m_annotations[*m_selectedAnnotationIndex], at.x - m_drag->at.x, at.y - m_drag->at.y);
         m_drag->at = at;
     }
     return {.isHandled = true, .needsRedraw = true};
-}
-
-void AnnotationEditor::dragHandle(Point to)
-{
-    AnnotationFields &fields = fieldsOf(m_annotations[*m_selectedAnnotationIndex]);
-    const Point fixed = m_drag->fixedCorner;
-    switch (*m_drag->handle) {
-    case AnnotationHandle::start:
-        fields.startPoint = to;
-        break;
-    case AnnotationHandle::end:
-        fields.endPoint = to;
-        break;
-    case AnnotationHandle::topLeft:
-        fields.startPoint = {to.x, fixed.y};
-        fields.endPoint = {fixed.x, to.y};
-        break;
-    case AnnotationHandle::bottomRight:
-        fields.startPoint = {fixed.x, to.y};
-        fields.endPoint = {to.x, fixed.y};
-        break;
-    case AnnotationHandle::bottomLeft:
-        fields.startPoint = to;
-        fields.endPoint = fixed;
-        break;
-    case AnnotationHandle::topRight:
-        fields.startPoint = fixed;
-        fields.endPoint = to;
-        break;
-    }
 }
 
 Effect AnnotationEditor::release()
@@ -363,7 +281,7 @@ std::optional<Point> AnnotationEditor::annotationDragStartPoint() const
 
 std::optional<AnnotationHandle> AnnotationEditor::draggingHandle() const
 {
-    return m_drag ? m_drag->handle : std::nullopt;
+    return m_drag && m_drag->handle ? std::optional(m_drag->handle->which) : std::nullopt;
 }
 
 std::optional<size_t> AnnotationEditor::editingTextAnnotationIndex() const

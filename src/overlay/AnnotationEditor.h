@@ -4,20 +4,15 @@
 #pragma once
 
 #include "annotations/Annotation.h"
+#include "overlay/AnnotationHandles.h"
 #include "overlay/AnnotationHistory.h"
 
 #include <optional>
 
 namespace tovek {
 
-/// A part of an annotation that can be dragged by itself.
-enum class AnnotationHandle { start, end, topLeft, topRight, bottomLeft, bottomRight };
-
-/// What a chosen colour is for.
-enum class ColorTarget {
-    newAnnotations,
-    selectedAnnotation, ///< recolours it; without one, as for new annotations
-};
+/// What a chosen colour is for: without a selected annotation always for new ones.
+enum class ColorTarget { newAnnotations, selectedAnnotation };
 
 /// Drawing, selecting, dragging and removing annotations over a finalised selection. Knows no
 /// widget: the view forwards points (y up) once the toolbar, the text box and the selection's
@@ -41,6 +36,9 @@ public:
         bool closesTextBox = false;
         std::optional<TextBox> opensTextBox = std::nullopt;
     };
+    /// Drawings that are there from the start cannot be undone.
+    explicit AnnotationEditor(std::vector<Annotation> annotations = {});
+
     enum class ArrowKey { left, right, down, up };
     enum class Step { single, large }; ///< 1 or 10 points
 
@@ -62,8 +60,7 @@ public:
     Effect undo();
     Effect redo();
 
-    /// The view reports every change of the open box's text, so that whatever commits the box has
-    /// what was typed.
+    /// Every change of the open box's text, so that whatever commits the box has what was typed.
     void setTypedText(const QString &text);
     Effect commitText();
     /// One that a press there would select or drag.
@@ -87,15 +84,11 @@ public:
     std::optional<AnnotationHandle> draggingHandle() const;
     std::optional<size_t> editingTextAnnotationIndex() const;
 
-    /// Drawings that are there from the start cannot be undone.
-    explicit AnnotationEditor(std::vector<Annotation> annotations = {});
-
 private:
     struct Drag
     {
         Point at; ///< the pointer, at the last step
-        std::optional<AnnotationHandle> handle;
-        Point fixedCorner; ///< opposite to the corner that is dragged
+        std::optional<GrabbedHandle> handle; ///< absent: all of it moves
     };
     struct OpenText
     {
@@ -108,7 +101,6 @@ private:
     void select(std::optional<size_t> index);
     void remove(size_t index);
     void startDrag(size_t index, Point at);
-    void dragHandle(Point to);
     Effect pressWithTool(Point at);
     Effect beginText(Point at);
     Effect editText(size_t index);

@@ -54,11 +54,11 @@ Qt::CursorShape overlayCursorAt(Point at, PointerOwner owner, const SelectionSta
 {
     if (owner == PointerOwner::words)
         return Qt::IBeamCursor;
-    if (!state.isSelectionFinalized || !state.selectionRect)
+    if (!state.isSelectionFinalized() || !state.selectionRect())
         return Qt::CrossCursor;
-    if (state.hoveredHandle)
-        return cursorOf(*state.hoveredHandle);
-    const bool draws = tool != AnnotationTool::none && state.selectionRect->contains(at);
+    if (state.hoveredHandle())
+        return cursorOf(*state.hoveredHandle());
+    const bool draws = tool != AnnotationTool::none && state.selectionRect()->contains(at);
     return draws ? Qt::CrossCursor : Qt::ArrowCursor;
 }
 

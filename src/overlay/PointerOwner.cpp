@@ -10,9 +10,9 @@ namespace tovek {
 PointerOwner pointerOwnerAt(Point at, const SelectionState &state, const AnnotationEditor &editor,
                             const TextSelection *words)
 {
-    if (!state.isSelectionFinalized || !state.selectionRect || state.handleUnder(at))
+    if (!state.isSelectionFinalized() || !state.selectionRect() || state.handleUnder(at))
         return PointerOwner::selection;
-    const Rect &selection = *state.selectionRect;
+    const Rect &selection = *state.selectionRect();
     const bool isWord = words && editor.currentTool() == AnnotationTool::none
         && words->regionAt({at.x - selection.x, at.y - selection.y});
     if (!isWord)

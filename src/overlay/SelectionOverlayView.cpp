@@ -19,13 +19,13 @@ SelectionOverlayView::SelectionOverlayView(const OverlayContext &context, QWidge
     : QWidget(parent)
     , m_context(context)
     , m_space(context.screen.space())
+    , m_state(m_space)
     , m_animations(context.clock)
     , m_artist(font())
     , m_cursor(*this, m_space.scale, context.screen.cursorScale)
     , m_toolbar(*this, m_editor, [this](QRect native) { return backdrop(native); })
     , m_textInput(*this, m_editor)
 {
-    m_state.screen = m_space;
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -108,9 +108,9 @@ void SelectionOverlayView::pressInside(Point at, int clickCount)
         return follow(m_editor.deselect());
     }
     const bool isPointing = m_editor.currentTool() == AnnotationTool::none;
-    if (m_textRegionOverlay && isPointing && m_state.selectionRect->contains(at))
+    if (m_textRegionOverlay && isPointing && m_state.selectionRect()->contains(at))
         m_textRegionOverlay->pressElsewhere();
-    follow(m_editor.press(at, clickCount, *m_state.selectionRect));
+    follow(m_editor.press(at, clickCount, *m_state.selectionRect()));
 }
 
 void SelectionOverlayView::mouseMoveEvent(QMouseEvent *event)
@@ -186,7 +186,7 @@ bool SelectionOverlayView::handleKey(const KeyPress &key)
 {
     const bool isTyping = m_textInput.isOpen();
     const OverlayKeyAction action =
-        overlayActionFor(key, m_state.isSelectionFinalized && !isTyping);
+        overlayActionFor(key, m_state.isSelectionFinalized() && !isTyping);
     if (action == OverlayKeyAction::none)
         return false;
     if (action == OverlayKeyAction::cancel && toolbar() && toolbar()->isColorPickerOpen()) {
@@ -239,10 +239,10 @@ PointerOwner SelectionOverlayView::pointerOwner(Point at) const
 void SelectionOverlayView::pointAt(std::optional<Point> at)
 {
     m_pointer = at;
-    const auto previous = m_state.hoveredHandle;
+    const auto previous = m_state.hoveredHandle();
     if (m_state.hover(at)) {
         m_animations.setHovered(previous, false);
-        m_animations.setHovered(m_state.hoveredHandle, true);
+        m_animations.setHovered(m_state.hoveredHandle(), true);
     }
     const bool isOnWord = at && pointerOwner(*at) == PointerOwner::words;
     if (m_textRegionOverlay)
@@ -260,14 +260,14 @@ void SelectionOverlayView::startResize()
 void SelectionOverlayView::finalise()
 {
     setAccessibleDescription(
-        describedSelection(m_space.pixelsFromRect(*m_state.selectionRect).toRect()));
+        describedSelection(m_space.pixelsFromRect(*m_state.selectionRect()).toRect()));
     // From now on, there are things to point at.
     if (m_surface)
         m_surface->setFollowsPointer(false);
     if (m_context.captureMode == CaptureMode::normal)
         showToolbar();
     if (callbacks.onSelectionComplete)
-        callbacks.onSelectionComplete(*m_state.selectionRect);
+        callbacks.onSelectionComplete(*m_state.selectionRect());
 }
 
 void SelectionOverlayView::cancel()
@@ -337,7 +337,7 @@ void SelectionOverlayView::wireToolbar()
 
 void SelectionOverlayView::showToolbar()
 {
-    m_toolbar.build(*m_state.selectionRect, m_space);
+    m_toolbar.build(*m_state.selectionRect(), m_space);
     redraw();
     coverChanged();
     toolbar()->show();
@@ -354,11 +354,11 @@ void SelectionOverlayView::removeToolbar()
 
 void SelectionOverlayView::showTextRegions(const std::vector<TextRegion> &regions)
 {
-    if (!m_state.selectionRect || m_state.isResizing())
+    if (!m_state.selectionRect() || m_state.isResizing())
         return;
     m_isTextSelectionMode = true;
     m_textRegionOverlay = std::make_unique<TextRegionOverlayView>(m_context.defaults, regions,
-                                                                  *m_state.selectionRect);
+                                                                  *m_state.selectionRect());
     m_textRegionOverlay->onNeedsDisplay = [this] { redraw(); };
     redraw();
     pointAt(m_pointer); // which may rest where a word is now

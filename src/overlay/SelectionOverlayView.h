@@ -37,8 +37,8 @@ public:
     /// being resized, they come too late.
     void showTextRegions(const std::vector<TextRegion> &regions);
 
-    const std::optional<Rect> &selectionRect() const { return m_state.selectionRect; }
-    bool isSelectionFinalized() const { return m_state.isSelectionFinalized; }
+    const std::optional<Rect> &selectionRect() const { return m_state.selectionRect(); }
+    bool isSelectionFinalized() const { return m_state.isSelectionFinalized(); }
     bool isTextSelectionMode() const { return m_isTextSelectionMode; }
     CaptureMode captureMode() const { return m_context.captureMode; }
     SelectionToolbar *toolbar() const { return m_toolbar.widget(); }

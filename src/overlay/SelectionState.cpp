@@ -8,39 +8,39 @@ namespace tovek {
 SelectionState::Press SelectionState::press(Point pointer)
 {
     const Point at = edgeOf(pointer);
-    if (!isSelectionFinalized || !selectionRect) {
-        selectionStart = at;
-        selectionRect = Rect{at.x, at.y, 0, 0};
+    if (!m_isSelectionFinalized || !m_selectionRect) {
+        m_selectionStart = at;
+        m_selectionRect = Rect{at.x, at.y, 0, 0};
         return Press::startedSelection;
     }
     if (const auto handle = handleUnder(pointer)) {
-        activeHandle = handle;
-        resizeStartRect = selectionRect;
-        selectionStart = at;
+        m_resize = Resize{*handle, *m_selectionRect};
+        m_selectionStart = at;
         return Press::startedResize;
     }
-    return selectionRect->contains(pointer) ? Press::insideSelection : Press::outsideSelection;
+    return m_selectionRect->contains(pointer) ? Press::insideSelection : Press::outsideSelection;
 }
 
 bool SelectionState::moveTo(Point pointer)
 {
-    if (!selectionStart)
+    if (!m_selectionStart)
         return false;
+    Q_ASSERT(m_selectionRect && (!m_resize || m_isSelectionFinalized));
     const Point at = edgeOf(pointer);
     Rect moved;
     if (isResizing()) {
-        moved = resized(*resizeStartRect, *activeHandle, at.x - selectionStart->x,
-                        at.y - selectionStart->y);
-        if (screen)
-            moved = pushedToEdges(moved, *activeHandle, at, screen->size);
-    } else if (!isSelectionFinalized) {
-        moved = Rect::spanning(*selectionStart, at);
+        moved = resized(m_resize->startRect, m_resize->handle, at.x - m_selectionStart->x,
+                        at.y - m_selectionStart->y);
+        if (m_screen)
+            moved = pushedToEdges(moved, m_resize->handle, at, m_screen->size);
+    } else if (!m_isSelectionFinalized) {
+        moved = Rect::spanning(*m_selectionStart, at);
     } else {
         return false;
     }
-    if (moved == selectionRect)
+    if (moved == m_selectionRect)
         return false;
-    selectionRect = moved;
+    m_selectionRect = moved;
     return true;
 }
 
@@ -49,49 +49,49 @@ SelectionState::Release SelectionState::release()
     const std::optional<Rect> part = selectionOnScreen();
     const bool isLarge =
         part && part->width > acceptedSelectionSide && part->height > acceptedSelectionSide;
-    if (isLarge && (activeHandle || !isSelectionFinalized))
-        selectionRect = part;
-    if (activeHandle) {
-        activeHandle.reset();
-        resizeStartRect.reset();
-        selectionStart.reset();
+    if (isLarge && (m_resize || !m_isSelectionFinalized))
+        m_selectionRect = part;
+    if (m_resize) {
+        m_resize.reset();
+        m_selectionStart.reset();
         return isLarge ? Release::finalised : Release::nothing;
     }
-    if (isSelectionFinalized)
+    if (m_isSelectionFinalized)
         return Release::nothing;
-    selectionStart.reset();
+    m_selectionStart.reset();
     if (isLarge) {
-        isSelectionFinalized = true;
+        m_isSelectionFinalized = true;
         return Release::finalised;
     }
-    const bool hadAttempt = selectionRect.has_value();
-    selectionRect.reset();
+    const bool hadAttempt = m_selectionRect.has_value();
+    m_selectionRect.reset();
     return hadAttempt ? Release::discarded : Release::nothing;
 }
 
 bool SelectionState::hover(std::optional<Point> pointer)
 {
     const auto handle = pointer ? handleUnder(*pointer) : std::nullopt;
-    if (handle == hoveredHandle)
+    if (handle == m_hoveredHandle)
         return false;
-    hoveredHandle = handle;
+    m_hoveredHandle = handle;
     return true;
 }
 
 std::optional<ResizeHandle> SelectionState::handleUnder(Point pointer) const
 {
-    return isSelectionFinalized && selectionRect ? handleAt(edgeOf(pointer), *selectionRect)
-                                                 : std::nullopt;
+    return m_isSelectionFinalized && m_selectionRect ? handleAt(edgeOf(pointer), *m_selectionRect)
+                                                     : std::nullopt;
 }
 
 std::optional<Rect> SelectionState::selectionOnScreen() const
 {
-    return selectionRect && screen ? partOnScreen(*selectionRect, screen->size) : selectionRect;
+    return m_selectionRect && m_screen ? partOnScreen(*m_selectionRect, m_screen->size)
+                                       : m_selectionRect;
 }
 
 Point SelectionState::edgeOf(Point pointer) const
 {
-    return screen ? edgeAt(pointer, *screen) : pointer;
+    return m_screen ? edgeAt(pointer, *m_screen) : pointer;
 }
 
 } // namespace tovek

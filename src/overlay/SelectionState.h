@@ -25,6 +25,9 @@ public:
         discarded, ///< the attempt was too small
     };
 
+    /// `screen`: of the view; without one, nothing ends at its edges.
+    explicit SelectionState(std::optional<ViewSpace> screen = {}) : m_screen(screen) { }
+
     Press press(Point pointer);
     /// True when the selection changed.
     bool moveTo(Point pointer);
@@ -34,21 +37,31 @@ public:
     bool hover(std::optional<Point> pointer);
     /// What a press there would grab.
     std::optional<ResizeHandle> handleUnder(Point pointer) const;
-    bool isResizing() const { return activeHandle && resizeStartRect && selectionStart; }
+    bool isResizing() const { return m_resize.has_value(); }
 
     /// What there is of the selection for everybody else: labelled, copied, saved and read.
     std::optional<Rect> selectionOnScreen() const;
 
-    std::optional<ViewSpace> screen; ///< of the view; without one, nothing ends at its edges
-    std::optional<Point> selectionStart; ///< anchor of the drag in progress
-    std::optional<Rect> selectionRect;
-    bool isSelectionFinalized = false;
-    std::optional<ResizeHandle> activeHandle; ///< being dragged
-    std::optional<Rect> resizeStartRect;
-    std::optional<ResizeHandle> hoveredHandle;
+    const std::optional<Point> &selectionStart() const { return m_selectionStart; }
+    const std::optional<Rect> &selectionRect() const { return m_selectionRect; }
+    bool isSelectionFinalized() const { return m_isSelectionFinalized; }
+    std::optional<ResizeHandle> hoveredHandle() const { return m_hoveredHandle; }
 
 private:
+    struct Resize
+    {
+        ResizeHandle handle;
+        Rect startRect;
+    };
+
     Point edgeOf(Point pointer) const;
+
+    std::optional<ViewSpace> m_screen;
+    std::optional<Point> m_selectionStart; ///< anchor of the drag in progress
+    std::optional<Rect> m_selectionRect; ///< there when it is finalised
+    bool m_isSelectionFinalized = false;
+    std::optional<Resize> m_resize; ///< under way, of a finalised selection
+    std::optional<ResizeHandle> m_hoveredHandle;
 };
 
 } // namespace tovek

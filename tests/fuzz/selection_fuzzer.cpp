@@ -23,15 +23,15 @@ void require(bool condition)
 /// What must hold whatever the mouse did.
 void check(const SelectionState &state)
 {
-    require(!state.isSelectionFinalized || state.selectionRect);
-    require(!state.isResizing() || state.isSelectionFinalized);
-    if (!state.selectionRect)
+    require(!state.isSelectionFinalized() || state.selectionRect());
+    require(!state.isResizing() || state.isSelectionFinalized());
+    if (!state.selectionRect())
         return;
-    const Rect &rect = *state.selectionRect;
+    const Rect &rect = *state.selectionRect();
     for (const double value : {rect.x, rect.y, rect.width, rect.height})
         require(std::isfinite(value));
     require(rect.width >= 0 && rect.height >= 0);
-    require(!state.isSelectionFinalized
+    require(!state.isSelectionFinalized()
             || (rect.width > acceptedSelectionSide && rect.height > acceptedSelectionSide));
     const auto part = state.selectionOnScreen();
     require(part.has_value());
@@ -44,8 +44,7 @@ void check(const SelectionState &state)
 /// Three bytes are an event: what happens, and where, beyond the edges of the screen as well.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    SelectionState state;
-    state.screen = ViewSpace{screenSize, 1};
+    SelectionState state(ViewSpace{screenSize, 1});
     bool isDown = false;
     for (size_t i = 0; i + 2 < size; i += 3) {
         const Point at{double(data[i + 1]) * 1.5 - 20, double(data[i + 2]) - 20};

@@ -37,11 +37,11 @@ private Q_SLOTS:
         QCOMPARE(state.press({100, 100}), Press::startedSelection);
         state.moveTo({100 + dx, 100 + dy});
         QCOMPARE(state.release(), accepted ? Release::finalised : Release::discarded);
-        QCOMPARE(state.isSelectionFinalized, accepted);
-        QCOMPARE(state.selectionRect.has_value(), accepted);
-        QVERIFY(!state.selectionStart);
+        QCOMPARE(state.isSelectionFinalized(), accepted);
+        QCOMPARE(state.selectionRect().has_value(), accepted);
+        QVERIFY(!state.selectionStart());
         if (accepted)
-            QVERIFY((*state.selectionRect == Rect::spanning({100, 100}, {100 + dx, 100 + dy})));
+            QVERIFY((*state.selectionRect() == Rect::spanning({100, 100}, {100 + dx, 100 + dy})));
     }
 
     void letsTheUserDragAgainAfterAClick()
@@ -60,7 +60,7 @@ private Q_SLOTS:
         QCOMPARE(state.press({50, 50}), Press::outsideSelection);
         QVERIFY(!state.moveTo({300, 300}));
         QCOMPARE(state.release(), Release::nothing);
-        QVERIFY((*state.selectionRect == Rect{100, 100, 100, 50}));
+        QVERIFY((*state.selectionRect() == Rect{100, 100, 100, 50}));
         QCOMPARE(state.press({150, 120}), Press::insideSelection);
         QVERIFY(!state.moveTo({300, 300}));
     }
@@ -71,13 +71,13 @@ private Q_SLOTS:
         QCOMPARE(state.press({99, 120}), Press::startedResize);
         QVERIFY(state.isResizing());
         QVERIFY(state.moveTo({79, 500}));
-        QVERIFY((*state.selectionRect == Rect{80, 100, 120, 50}));
+        QVERIFY((*state.selectionRect() == Rect{80, 100, 120, 50}));
         // Measured from where the drag began, not from the last position.
         QVERIFY(state.moveTo({500, 120}));
-        QVERIFY((*state.selectionRect == Rect{180, 100, 20, 50}));
+        QVERIFY((*state.selectionRect() == Rect{180, 100, 20, 50}));
         QCOMPARE(state.release(), Release::finalised);
         QVERIFY(!state.isResizing());
-        QVERIFY(state.isSelectionFinalized);
+        QVERIFY(state.isSelectionFinalized());
     }
 
     void reportsOnlyRealChanges()
@@ -98,10 +98,10 @@ private Q_SLOTS:
         QVERIFY(!state.hover(Point{99, 99}));
         state.release();
         QVERIFY(state.hover(Point{99, 99}));
-        QVERIFY(state.hoveredHandle == ResizeHandle::bottomLeft);
+        QVERIFY(state.hoveredHandle() == ResizeHandle::bottomLeft);
         QVERIFY(!state.hover(Point{98, 98}));
         QVERIFY(state.hover(Point{150, 120}));
-        QVERIFY(!state.hoveredHandle);
+        QVERIFY(!state.hoveredHandle());
     }
 
     void reachesTheScreensEdges_data()
@@ -121,19 +121,17 @@ private Q_SLOTS:
         for (const auto &[from, to] :
              {std::pair(pixel(0, 0), pixel(1919, 1079)), std::pair(pixel(1919, 1079), pixel(0, 0)),
               std::pair(pixel(1919, 0), pixel(0, 1079))}) {
-            SelectionState state;
-            state.screen = screen;
+            SelectionState state(screen);
             state.press(from);
             state.moveTo(to);
             QCOMPARE(state.release(), Release::finalised);
-            QVERIFY((*state.selectionRect == all));
+            QVERIFY((*state.selectionRect() == all));
         }
         // One pixel before the last is itself.
-        SelectionState state;
-        state.screen = screen;
+        SelectionState state(screen);
         state.press(pixel(0, 0));
         state.moveTo(pixel(1918, 1078));
-        QCOMPARE(screen.pixelsFromRect(*state.selectionRect).toRect(), QRect(0, 0, 1918, 1078));
+        QCOMPARE(screen.pixelsFromRect(*state.selectionRect()).toRect(), QRect(0, 0, 1918, 1078));
     }
 
     void resizesToTheScreensEdges()
@@ -143,41 +141,39 @@ private Q_SLOTS:
         state.press({204, 96});
         QVERIFY(state.isResizing());
         state.moveTo({299, 1});
-        QVERIFY((*state.selectionRect == Rect{100, 0, 200, 150}));
+        QVERIFY((*state.selectionRect() == Rect{100, 0, 200, 150}));
         QCOMPARE(state.release(), Release::finalised);
         // The edge is taken by the pixels next to it.
         QVERIFY(state.hover(Point{299, 60}));
-        QVERIFY(state.hoveredHandle == ResizeHandle::right);
+        QVERIFY(state.hoveredHandle() == ResizeHandle::right);
         QCOMPARE(state.press({299, 60}), Press::startedResize);
         state.moveTo({249, 60});
-        QVERIFY((*state.selectionRect == Rect{100, 0, 149, 150}));
+        QVERIFY((*state.selectionRect() == Rect{100, 0, 149, 150}));
     }
     void resizesToTheNearEdgesToo()
     {
         SelectionState state = finalised(ViewSpace{{300, 200}, 1});
         state.press({97, 154});
         state.moveTo({0, 200});
-        QVERIFY((*state.selectionRect == Rect{0, 100, 200, 100}));
+        QVERIFY((*state.selectionRect() == Rect{0, 100, 200, 100}));
         // Away from an edge the offset counts, as ever.
         state.moveTo({1, 199});
-        QVERIFY((*state.selectionRect == Rect{4, 100, 196, 95}));
+        QVERIFY((*state.selectionRect() == Rect{4, 100, 196, 95}));
     }
 
     void keepsWhatIsOnItsScreen()
     {
-        SelectionState state;
-        state.screen = {{300, 200}, 1};
+        SelectionState state(ViewSpace{{300, 200}, 1});
         state.press({250, 150});
         state.moveTo({450, -20});
-        QVERIFY((*state.selectionRect == Rect{250, -20, 200, 170}));
+        QVERIFY((*state.selectionRect() == Rect{250, -20, 200, 170}));
         QVERIFY((*state.selectionOnScreen() == Rect{250, 0, 50, 150}));
         QCOMPARE(state.release(), Release::finalised);
-        QVERIFY((*state.selectionRect == Rect{250, 0, 50, 150}));
+        QVERIFY((*state.selectionRect() == Rect{250, 0, 50, 150}));
     }
     void acceptsBySizeOnItsScreen()
     {
-        SelectionState state;
-        state.screen = {{300, 200}, 1};
+        SelectionState state(ViewSpace{{300, 200}, 1});
         state.press({290, 150});
         state.moveTo({450, 20}); // ten points of it are here
         QCOMPARE(state.release(), Release::discarded);
@@ -191,17 +187,16 @@ private Q_SLOTS:
         SelectionState state = finalised(ViewSpace{{300, 200}, 1});
         state.press({202, 120});
         state.moveTo({402, 120});
-        QVERIFY((*state.selectionRect == Rect{100, 100, 300, 50}));
+        QVERIFY((*state.selectionRect() == Rect{100, 100, 300, 50}));
         QVERIFY((*state.selectionOnScreen() == Rect{100, 100, 200, 50}));
         QCOMPARE(state.release(), Release::finalised);
-        QVERIFY((*state.selectionRect == Rect{100, 100, 200, 50}));
+        QVERIFY((*state.selectionRect() == Rect{100, 100, 200, 50}));
     }
 
 private:
     static SelectionState finalised(const std::optional<ViewSpace> &screen = {})
     {
-        SelectionState state;
-        state.screen = screen;
+        SelectionState state(screen);
         state.press({100, 100});
         state.moveTo({200, 150});
         state.release();
