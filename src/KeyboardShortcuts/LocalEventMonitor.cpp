@@ -3,6 +3,8 @@
 
 #include "KeyboardShortcuts/LocalEventMonitor.h"
 
+#include "foundation/MainThread.h"
+
 #include <QCoreApplication>
 #include <QWidget>
 
@@ -16,11 +18,13 @@ LocalEventMonitor::LocalEventMonitor(QList<QEvent::Type> events, Callback callba
 
 void LocalEventMonitor::start()
 {
+    Q_ASSERT(tovek::isMainThread());
     QCoreApplication::instance()->installEventFilter(this);
 }
 
 void LocalEventMonitor::stop()
 {
+    Q_ASSERT(tovek::isMainThread());
     QCoreApplication::instance()->removeEventFilter(this);
 }
 

@@ -3,6 +3,8 @@
 
 #include "KeyboardShortcuts/MenuTracking.h"
 
+#include "foundation/MainThread.h"
+
 #include <QCoreApplication>
 #include <QEvent>
 #include <QWidget>
@@ -11,6 +13,7 @@ namespace KeyboardShortcuts {
 
 MenuTracking::MenuTracking()
 {
+    Q_ASSERT(tovek::isMainThread());
     QCoreApplication::instance()->installEventFilter(this);
 }
 

@@ -3,6 +3,8 @@
 
 #include "KeyboardShortcuts/NotificationCenter.h"
 
+#include "foundation/MainThread.h"
+
 namespace KeyboardShortcuts {
 
 struct NotificationCenter::Observer
@@ -36,6 +38,7 @@ NotificationCenter::NotificationCenter() : m_observers(std::make_shared<Observer
 
 NotificationCenter::Token NotificationCenter::observe(const QString &name, Callback callback)
 {
+    Q_ASSERT(tovek::isMainThread());
     Token token;
     token.m_observers = m_observers;
     token.m_observer = std::make_shared<Observer>(Observer{name, std::move(callback)});
@@ -45,6 +48,7 @@ NotificationCenter::Token NotificationCenter::observe(const QString &name, Callb
 
 void NotificationCenter::post(const QString &name, const QVariantMap &userInfo)
 {
+    Q_ASSERT(tovek::isMainThread());
     const Observers observers = *m_observers;
     for (const std::shared_ptr<Observer> &observer : observers) {
         if (observer->isActive && observer->name == name)

@@ -6,6 +6,7 @@
 #include "KeyboardShortcuts/MenuTracking.h"
 #include "KeyboardShortcuts/ShortcutDescription.h"
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 #include "foundation/UserDefaults.h"
 #include "platform/HotKeys.h"
 #include "platform/KeyboardLayout.h"
@@ -74,6 +75,7 @@ std::optional<Shortcut> ShortcutService::shortcut(const Name &name) const
 
 void ShortcutService::setShortcut(const Name &name, const std::optional<Shortcut> &shortcut)
 {
+    Q_ASSERT(tovek::isMainThread());
     if (shortcut)
         store(name, *shortcut);
     else
@@ -127,6 +129,7 @@ void ShortcutService::onKeyUp(const Name &name, Action action)
 
 void ShortcutService::setPaused(bool isPaused)
 {
+    Q_ASSERT(tovek::isMainThread());
     m_isPaused = isPaused;
     m_pressed.clear();
 }
@@ -208,6 +211,7 @@ void ShortcutService::remember(const Name &name)
 
 void ShortcutService::registerShortcut(const Shortcut &shortcut)
 {
+    Q_ASSERT(tovek::isMainThread());
     if (std::find(m_registered.begin(), m_registered.end(), shortcut) != m_registered.end())
         return;
     requestHotKey(shortcut, CarbonKeyboardShortcuts::Refusal::logged);
@@ -217,6 +221,7 @@ void ShortcutService::registerShortcut(const Shortcut &shortcut)
 
 void ShortcutService::unregisterShortcut(const Shortcut &shortcut)
 {
+    Q_ASSERT(tovek::isMainThread());
     m_carbon.unregisterShortcut(shortcut);
     std::erase(m_registered, shortcut);
     std::erase(m_pressed, shortcut);

@@ -3,6 +3,8 @@
 
 #include "app/AppState.h"
 
+#include "foundation/MainThread.h"
+
 namespace tovek {
 
 QString titleOf(SettingsTab tab)
@@ -26,6 +28,7 @@ AppState &AppState::shared()
 
 void AppState::setShouldOpenSettings(bool should)
 {
+    Q_ASSERT(isMainThread());
     if (m_shouldOpenSettings == should)
         return;
     m_shouldOpenSettings = should;
@@ -34,6 +37,7 @@ void AppState::setShouldOpenSettings(bool should)
 
 void AppState::setSelectedSettingsTab(SettingsTab tab)
 {
+    Q_ASSERT(isMainThread());
     if (m_selectedSettingsTab == tab)
         return;
     m_selectedSettingsTab = tab;

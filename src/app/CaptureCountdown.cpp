@@ -3,6 +3,7 @@
 
 #include "app/CaptureCountdown.h"
 
+#include "foundation/MainThread.h"
 #include "platform/Clock.h"
 
 namespace tovek {
@@ -13,6 +14,7 @@ CaptureCountdown::CaptureCountdown(Clock &clock) : m_clock(clock) { }
 
 void CaptureCountdown::start(int seconds, std::function<void()> then)
 {
+    Q_ASSERT(isMainThread());
     m_counting = std::make_unique<QObject>();
     count(seconds, std::move(then));
 }

@@ -5,11 +5,13 @@
 
 #include "KeyboardShortcuts/ShortcutService.h"
 #include "app/AppShortcuts.h"
+#include "foundation/MainThread.h"
 
 namespace tovek {
 
 void HotkeyManager::registerShortcuts()
 {
+    Q_ASSERT(isMainThread());
     auto &service = KeyboardShortcuts::ShortcutService::shared();
     service.onPrepare = [this] {
         if (onPrepare)

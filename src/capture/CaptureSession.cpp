@@ -5,6 +5,7 @@
 
 #include "capture/ScreenshotService.h"
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 #include "foundation/WhenReady.h"
 #include "overlay/OverlayWindow.h"
 #include "platform/Clock.h"
@@ -29,10 +30,12 @@ CaptureSession::CaptureSession(const CaptureServices &services, CaptureMode mode
     : m_services(services)
     , m_mode(mode)
 {
+    Q_ASSERT(isMainThread());
 }
 
 CaptureSession::~CaptureSession()
 {
+    Q_ASSERT(isMainThread());
     stopTexts();
     qDeleteAll(m_windows);
 }
@@ -81,6 +84,7 @@ void CaptureSession::openOtherScreens(const Screen &starting, const ShareableCon
 
 void CaptureSession::openWindow(const CapturedDisplay &captured, Keyboard keyboard)
 {
+    Q_ASSERT(captured.screenshot);
     m_displays.add(captured);
     const OverlayContext context{captured.screen,  captured.screenshot, m_mode,
                                  m_services.clock, m_services.defaults, m_services.keyboardLayout};

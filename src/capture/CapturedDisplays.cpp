@@ -3,6 +3,8 @@
 
 #include "capture/CapturedDisplays.h"
 
+#include "foundation/MainThread.h"
+
 #include <algorithm>
 
 namespace tovek {
@@ -17,6 +19,7 @@ std::optional<CapturedDisplay> CapturedDisplays::find(const Screen &screen) cons
 
 void CapturedDisplays::remove(const Screen &screen)
 {
+    Q_ASSERT(isMainThread());
     std::erase_if(m_captured,
                   [&](const CapturedDisplay &captured) { return captured.screen == screen; });
 }

@@ -6,6 +6,7 @@
 #include "capture/ImageOutput.h"
 #include "capture/ScreenshotService.h"
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 #include "foundation/WhenReady.h"
 #include "overlay/OverlayWindow.h"
 #include "platform/Clipboard.h"
@@ -52,6 +53,7 @@ void OverlayController::prepare()
 
 void OverlayController::startCapture(CaptureMode mode)
 {
+    Q_ASSERT(isMainThread());
     if (isCapturing())
         return;
     if (m_services.hasPermission && !m_services.hasPermission()) {
@@ -67,6 +69,7 @@ void OverlayController::startCapture(CaptureMode mode)
 
 void OverlayController::giveWayToLocker()
 {
+    Q_ASSERT(isMainThread());
     m_waiting.reset();
     if (m_session) {
         logLine(QStringLiteral("The capture ends: the screen is being locked"));
@@ -304,6 +307,7 @@ void OverlayController::keyboardDenied(const Screen &screen)
 
 void OverlayController::cleanUp()
 {
+    Q_ASSERT(isMainThread());
     if (const auto &previousApp = m_session->previousApp())
         m_services.frontmostApp.activate(*previousApp);
     std::erase(m_leaving.windows, nullptr);

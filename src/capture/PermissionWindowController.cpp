@@ -5,6 +5,7 @@
 
 #include "capture/PermissionManager.h"
 #include "capture/PermissionRequestView.h"
+#include "foundation/MainThread.h"
 #include "platform/FrontmostApp.h"
 
 #include <QGuiApplication>
@@ -35,6 +36,7 @@ PermissionWindowController::~PermissionWindowController()
 
 void PermissionWindowController::show()
 {
+    Q_ASSERT(isMainThread());
     if (m_window && m_window->isVisible()) {
         bringForward();
         return;
@@ -74,6 +76,7 @@ void PermissionWindowController::bringForward()
 
 void PermissionWindowController::close()
 {
+    Q_ASSERT(isMainThread());
     if (!m_window)
         return;
     m_window->hide();

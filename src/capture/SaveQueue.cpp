@@ -4,6 +4,7 @@
 #include "capture/SaveQueue.h"
 
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 #include "foundation/Unfinished.h"
 
 namespace tovek {
@@ -19,6 +20,7 @@ SaveQueue::SaveQueue() : m_threads(1) { }
 
 SaveQueue::~SaveQueue()
 {
+    Q_ASSERT(isMainThread());
     const bool isWritten = Unfinished::waitForAll(writingLimit);
     if (!isWritten)
         logLine(QStringLiteral("Gave up a save: its folder does not answer"));
@@ -29,6 +31,7 @@ SaveQueue::~SaveQueue()
 
 bool SaveQueue::start(std::function<void()> job)
 {
+    Q_ASSERT(isMainThread());
     return m_threads.start(std::move(job));
 }
 

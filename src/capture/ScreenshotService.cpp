@@ -4,6 +4,7 @@
 #include "capture/ScreenshotService.h"
 
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 #include "foundation/WhenReady.h"
 
 #include <algorithm>
@@ -51,6 +52,7 @@ ScreenshotService::captureScreen(const Screen &screen, const ShareableContent &c
 QFuture<ScreenshotService::Captured>
 ScreenshotService::captureScreen(const Screen &screen, const std::vector<quint32> &excludingWindows)
 {
+    Q_ASSERT(isMainThread());
     const auto content = shareableContent();
     return content ? captureScreen(screen, *content, excludingWindows) : readyFuture(Captured());
 }

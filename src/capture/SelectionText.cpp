@@ -3,6 +3,7 @@
 
 #include "capture/SelectionText.h"
 
+#include "foundation/MainThread.h"
 #include "foundation/WhenReady.h"
 
 namespace tovek {
@@ -11,6 +12,7 @@ SelectionText::SelectionText(Recognize recognize) : m_recognize(std::move(recogn
 
 void SelectionText::start(const Request &request)
 {
+    Q_ASSERT(isMainThread());
     stop();
     const auto isCurrent = [this, serial = m_serial] { return serial == m_serial; };
     whenReady(request.pixels, this, [=, this](const QImage &pixels) {
@@ -31,6 +33,7 @@ void SelectionText::start(const Request &request)
 
 void SelectionText::stop()
 {
+    Q_ASSERT(isMainThread());
     m_recognition.cancel();
     m_recognition = {};
     ++m_serial;

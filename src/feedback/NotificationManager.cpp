@@ -4,6 +4,7 @@
 #include "feedback/NotificationManager.h"
 
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 #include "platform/FileRevealer.h"
 
 #include <QUuid>
@@ -32,6 +33,7 @@ NotificationManager::~NotificationManager()
 
 void NotificationManager::requestAuthorization()
 {
+    Q_ASSERT(isMainThread());
     m_center.requestAuthorization([](const std::optional<QString> &error) {
         if (error)
             logLine(QStringLiteral("Notification permission error: ") + *error);
@@ -40,6 +42,7 @@ void NotificationManager::requestAuthorization()
 
 void NotificationManager::showSavedNotification(const QString &message, const QUrl &fileUrl)
 {
+    Q_ASSERT(isMainThread());
     m_pendingFileUrl = fileUrl;
     NotificationRequest request;
     request.identifier = QUuid::createUuid().toString(QUuid::WithoutBraces);

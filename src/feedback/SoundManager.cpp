@@ -4,6 +4,7 @@
 #include "feedback/SoundManager.h"
 
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 
 #include <QFile>
 
@@ -23,6 +24,7 @@ SoundManager::SoundManager(SoundOutput &output, const QString &asset)
 
 void SoundManager::playCopySound()
 {
+    Q_ASSERT(isMainThread());
     if (m_audioPlayer)
         m_audioPlayer->playFromStart();
 }

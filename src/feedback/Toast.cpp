@@ -5,6 +5,7 @@
 
 #include "feedback/ToastGeometry.h"
 #include "feedback/ToastView.h"
+#include "foundation/MainThread.h"
 #include "foundation/Spring.h"
 #include "platform/Clock.h"
 #include "platform/ToastWindow.h"
@@ -131,6 +132,7 @@ Toast::~Toast() = default;
 
 void Toast::show(const QString &message, const QString &icon, const std::optional<Screen> &screen)
 {
+    Q_ASSERT(isMainThread());
     m_window.reset();
     const ToastView view{message, icon, false};
     const std::optional<Screen> target = screen ? screen : m_screens.main();

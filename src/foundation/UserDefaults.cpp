@@ -4,6 +4,7 @@
 #include "foundation/UserDefaults.h"
 
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 
 #include <QDir>
 #include <QFile>
@@ -57,6 +58,7 @@ bool UserDefaults::contains(const QString &key) const
 
 void UserDefaults::remove(const QString &key)
 {
+    Q_ASSERT(isMainThread());
     load();
     if (!m_values.contains(key))
         return;
@@ -72,6 +74,7 @@ QString UserDefaults::standardPath()
 
 void UserDefaults::load() const
 {
+    Q_ASSERT(isMainThread());
     if (m_isLoaded)
         return;
     m_isLoaded = true;
@@ -126,6 +129,7 @@ void UserDefaults::setAside() const
 
 void UserDefaults::set(const QString &key, const QJsonValue &value)
 {
+    Q_ASSERT(isMainThread());
     load();
     m_values.insert(key, value);
     write();

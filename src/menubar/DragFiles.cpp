@@ -4,6 +4,7 @@
 #include "menubar/DragFiles.h"
 
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 
 #include <QDir>
 #include <QFile>
@@ -54,6 +55,7 @@ void DragFiles::removeLeft()
 
 std::optional<QString> DragFiles::write(const QString &name, const QByteArray &contents)
 {
+    Q_ASSERT(isMainThread());
     // Where somebody else has taken the parent's name, one of a chance name serves.
     auto folder = std::make_unique<QTemporaryDir>(
         openParent() ? parentPath() + QStringLiteral("/XXXXXX")
@@ -71,6 +73,7 @@ std::optional<QString> DragFiles::write(const QString &name, const QByteArray &c
 
 void DragFiles::removeOldest()
 {
+    Q_ASSERT(isMainThread());
     if (!m_folders.empty())
         m_folders.erase(m_folders.begin());
 }

@@ -4,6 +4,7 @@
 #include "menubar/StatusBarController.h"
 
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 #include "foundation/Settings.h"
 #include "menubar/ItemMenu.h"
 #include "menubar/ItemPictures.h"
@@ -118,6 +119,7 @@ void StatusBarController::dragFile(const DragOut &out)
 
 void StatusBarController::setup()
 {
+    Q_ASSERT(isMainThread() && !m_statusItem.menuRows);
     DragFiles::removeLeft();
     m_statusItem.setToolTip(QStringLiteral("Tovek"));
     m_statusItem.setPicture(m_defaultIcon);
@@ -157,6 +159,7 @@ void StatusBarController::setVisible(bool isVisible)
 
 void StatusBarController::showPreview(const Image &image, std::chrono::milliseconds duration)
 {
+    Q_ASSERT(isMainThread());
     if (image.isEmpty())
         return;
     m_revertTimer.reset();
@@ -208,6 +211,7 @@ void StatusBarController::release()
 
 void StatusBarController::openMenu()
 {
+    Q_ASSERT(isMainThread());
     if (m_menu)
         return;
     buildMenu();

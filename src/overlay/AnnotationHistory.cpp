@@ -7,6 +7,7 @@ namespace tovek {
 
 void AnnotationHistory::record(const State &state)
 {
+    Q_ASSERT(m_current < m_states.size());
     State unselected = state;
     for (Annotation &annotation : unselected)
         fieldsOf(annotation).isSelected = false;

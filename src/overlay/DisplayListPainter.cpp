@@ -18,6 +18,7 @@ struct ItemPainter
     void operator()(const DisplayList::Fill &fill) const { paint(fill.rect, fill.color); }
     void operator()(const DisplayList::Fills &fills) const
     {
+        Q_ASSERT(fills.rects);
         for (const QRect &rect : *fills.rects)
             paint(rect, fills.color);
     }

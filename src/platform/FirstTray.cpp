@@ -3,6 +3,8 @@
 
 #include "platform/FirstTray.h"
 
+#include "foundation/MainThread.h"
+
 #include <algorithm>
 
 namespace tovek {
@@ -76,6 +78,7 @@ Tray *FirstTray::best() const
 
 void FirstTray::choose()
 {
+    Q_ASSERT(isMainThread());
     if (Tray *tray = best(); tray != m_current)
         moveTo(tray);
     if (onHostChanged)

@@ -4,6 +4,7 @@
 #include "text/OCRService.h"
 
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 #include "foundation/WhenReady.h"
 #include "platform/TextRecognizer.h"
 #include "text/ObservedWords.h"
@@ -41,6 +42,7 @@ void OCRService::prepare()
 
 QString OCRService::takeMissingPackage()
 {
+    Q_ASSERT(isMainThread());
     const QStringList missing = m_recognizer.missingPackages();
     if (m_hasTold || missing.isEmpty())
         return {};
@@ -50,6 +52,7 @@ QString OCRService::takeMissingPackage()
 
 QFuture<std::vector<TextRegion>> OCRService::recognizeText(const Image &image)
 {
+    Q_ASSERT(isMainThread());
     using Regions = std::vector<TextRegion>;
     if (image.isEmpty())
         return readyFuture(Regions{});

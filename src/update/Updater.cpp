@@ -4,6 +4,7 @@
 #include "update/Updater.h"
 
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 #include "foundation/UserDefaults.h"
 #include "platform/Clock.h"
 
@@ -78,6 +79,7 @@ void Updater::setAutomaticallyChecksForUpdates(bool isOn)
 
 void Updater::start()
 {
+    Q_ASSERT(isMainThread() && !m_isStarted);
     m_isStarted = true;
     Q_EMIT canCheckForUpdatesChanged();
     if (std::exchange(m_isAsked, false))
@@ -88,6 +90,7 @@ void Updater::start()
 
 void Updater::checkForUpdates()
 {
+    Q_ASSERT(isMainThread());
     if (!canCheckForUpdates())
         m_isAsked = !m_isStarted;
     else if (m_process)

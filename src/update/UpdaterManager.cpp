@@ -3,6 +3,7 @@
 
 #include "update/UpdaterManager.h"
 
+#include "foundation/MainThread.h"
 #include "platform/Clock.h"
 
 namespace tovek {
@@ -39,6 +40,7 @@ void UpdaterManager::setAutomaticallyChecksForUpdates(bool isOn)
 
 void UpdaterManager::checkForUpdates()
 {
+    Q_ASSERT(isMainThread());
     m_updaterController.checkForUpdates();
     m_clock.after(refreshDelay, this, [this] { refreshCanCheck(); });
 }

@@ -3,6 +3,8 @@
 
 #include "platform/linux/DBusMenu.h"
 
+#include "foundation/MainThread.h"
+
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusMetaType>
@@ -123,6 +125,7 @@ QString DBusMenu::introspect(const QString &) const
 
 bool DBusMenu::handleMessage(const QDBusMessage &message, const QDBusConnection &bus)
 {
+    Q_ASSERT(isMainThread());
     registerTypes();
     const QString method = message.member();
     const QVariantList arguments = message.arguments();

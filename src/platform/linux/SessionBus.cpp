@@ -5,6 +5,7 @@
 
 #include "foundation/AskAside.h"
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 #include "foundation/WhenReady.h"
 #include "platform/linux/BusProbe.h"
 
@@ -37,6 +38,7 @@ QDBusConnection firstConnection(const QByteArray &address)
 
 SessionBus::SessionBus() : m_address(sessionBusAddress()), m_connection(firstConnection(m_address))
 {
+    Q_ASSERT(isMainThread());
     theBus = this;
 }
 
@@ -70,6 +72,7 @@ void SessionBus::listen()
 
 void SessionBus::lost()
 {
+    Q_ASSERT(isMainThread());
     if (m_connection.isConnected())
         return;
     logLine(QStringLiteral("The session bus went away"));
@@ -92,6 +95,7 @@ void SessionBus::lookForAnother()
 
 void SessionBus::connectAgain()
 {
+    Q_ASSERT(isMainThread());
     const QDBusConnection bus = QDBusConnection::connectToBus(
         QString::fromLatin1(m_address), QStringLiteral("tovek-%1").arg(++m_serial));
     if (!bus.isConnected()) {

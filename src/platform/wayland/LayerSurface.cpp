@@ -4,6 +4,7 @@
 #include "platform/wayland/LayerSurface.h"
 
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 #include "wlr-layer-shell-unstable-v1-client.h"
 
 #include <QGuiApplication>
@@ -109,12 +110,14 @@ std::unique_ptr<LayerSurface> LayerSurface::create(std::shared_ptr<LayerShell> s
 
 LayerSurface::~LayerSurface()
 {
+    Q_ASSERT(isMainThread());
     if (m_handle && qApp)
         zwlr_layer_surface_v1_destroy(m_handle);
 }
 
 void LayerSurface::setKeyboard(Keyboard keyboard)
 {
+    Q_ASSERT(isMainThread());
     if (m_isClosed)
         return;
     zwlr_layer_surface_v1_set_keyboard_interactivity(m_handle,

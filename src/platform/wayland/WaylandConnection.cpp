@@ -4,6 +4,7 @@
 #include "platform/wayland/WaylandConnection.h"
 
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 
 #include <QAbstractEventDispatcher>
 #include <QDeadlineTimer>
@@ -108,6 +109,7 @@ bool WaylandConnection::readGlobals()
 
 void WaylandConnection::handleInMainLoop()
 {
+    Q_ASSERT(isMainThread());
     m_notifier =
         std::make_unique<QSocketNotifier>(wl_display_get_fd(m_display), QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
@@ -173,6 +175,7 @@ bool WaylandConnection::roundtrip(std::chrono::milliseconds limit)
 
 bool WaylandConnection::dispatch(std::chrono::milliseconds limit)
 {
+    Q_ASSERT(isMainThread());
     const auto prepare = [this] {
         return m_queue ? wl_display_prepare_read_queue(m_display, m_queue)
                        : wl_display_prepare_read(m_display);

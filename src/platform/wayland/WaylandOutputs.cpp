@@ -3,6 +3,7 @@
 
 #include "platform/wayland/WaylandOutputs.h"
 
+#include "foundation/MainThread.h"
 #include "xdg-output-unstable-v1-client.h"
 
 #include <QTimer>
@@ -199,6 +200,7 @@ std::vector<WaylandOutput> WaylandOutputs::list() const
 
 void WaylandOutputs::announce()
 {
+    Q_ASSERT(isMainThread());
     if (m_isAnnouncing)
         return;
     // One change comes as several events.

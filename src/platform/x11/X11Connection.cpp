@@ -3,6 +3,7 @@
 
 #include "platform/x11/X11Connection.h"
 
+#include "foundation/MainThread.h"
 #include "platform/x11/X11Connect.h"
 
 #include <QGuiApplication>
@@ -151,6 +152,7 @@ X11Connection::X11Connection(xcb_connection_t *connection, Ownership ownership)
 
 X11Connection::~X11Connection()
 {
+    Q_ASSERT(isMainThread());
     if (m_ownership == Ownership::own) {
         xcb_disconnect(m_connection);
         return;
@@ -177,6 +179,7 @@ const std::optional<X11RenderFormats> &X11Connection::renderFormats()
 
 void X11Connection::flush() const
 {
+    Q_ASSERT(isMainThread());
     if (xcb_connection_t *connection = xcb())
         xcb_flush(connection);
 }
@@ -190,6 +193,7 @@ void X11Connection::settle() const
 
 void X11Connection::read() const
 {
+    Q_ASSERT(isMainThread());
     if (m_ownership == Ownership::own)
         X11Reply<xcb_generic_event_t>(xcb_poll_for_event(m_connection));
     dropEvents();

@@ -3,6 +3,7 @@
 
 #include "platform/wayland/capture/CursorHider.h"
 
+#include "foundation/MainThread.h"
 #include "platform/wayland/SharedPixels.h"
 #include "viewporter-client.h"
 #include "wlr-layer-shell-unstable-v1-client.h"
@@ -156,6 +157,7 @@ std::unique_ptr<CursorHider> CursorHider::create(std::shared_ptr<WaylandConnecti
 
 void CursorHider::hide(const std::vector<WaylandOutput> &outputs)
 {
+    Q_ASSERT(isMainThread());
     if (!m_globals->pointer)
         return;
     m_globals->hasEntered = false;
@@ -168,6 +170,7 @@ void CursorHider::hide(const std::vector<WaylandOutput> &outputs)
 
 void CursorHider::show()
 {
+    Q_ASSERT(isMainThread());
     m_veils.clear();
     m_connection->flush();
 }

@@ -3,6 +3,7 @@
 
 #include "platform/wayland/capture/KWinScreenGrabber.h"
 
+#include "foundation/MainThread.h"
 #include "platform/wayland/capture/KWinPictures.h"
 
 #include <QDeadlineTimer>
@@ -66,6 +67,7 @@ KWinScreenGrabber::create(std::shared_ptr<WaylandConnection> connection,
 
 std::unique_ptr<OutputCapture> KWinScreenGrabber::begin(const WaylandOutput &output, Cursor)
 {
+    Q_ASSERT(isMainThread());
     return std::make_unique<KWinCapture>(output);
 }
 

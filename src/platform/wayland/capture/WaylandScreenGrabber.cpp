@@ -4,6 +4,7 @@
 #include "platform/wayland/capture/WaylandScreenGrabber.h"
 
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 #include "foundation/WhenReady.h"
 #include "platform/wayland/capture/WaylandFrozenDisplay.h"
 #include "platform/wayland/capture/WaylandPixelFormat.h"
@@ -151,6 +152,7 @@ std::optional<ShareableContent> WaylandScreenGrabber::shareableContent()
 
 std::vector<std::unique_ptr<OutputCapture>> WaylandScreenGrabber::takeAll(Cursor cursor)
 {
+    Q_ASSERT(isMainThread());
     // All of them are asked before any answer is looked at: one instant for all.
     std::vector<std::unique_ptr<OutputCapture>> captures;
     for (const WaylandOutput &output : m_outputs->list())

@@ -3,6 +3,7 @@
 
 #include "platform/wayland/overlay/LayerCanvas.h"
 
+#include "foundation/MainThread.h"
 #include "viewporter-client.h"
 
 #include <QGuiApplication>
@@ -152,6 +153,7 @@ void LayerCanvas::becomeIndependent()
 
 void LayerCanvas::present(const DisplayList &list)
 {
+    Q_ASSERT(isMainThread());
     // One frame a refresh: what comes in between would not be seen.
     if (m_callback || !freeFrame())
         m_waiting = list;
@@ -234,6 +236,7 @@ void LayerCanvas::showWaiting()
 
 void LayerCanvas::frameDone(void *data, wl_callback *callback, uint32_t)
 {
+    Q_ASSERT(isMainThread());
     auto &self = *static_cast<LayerCanvas *>(data);
     wl_callback_destroy(callback);
     self.m_callback = nullptr;

@@ -3,6 +3,8 @@
 
 #include "platform/x11/capture/X11Monitors.h"
 
+#include "foundation/MainThread.h"
+
 #include <QCoreApplication>
 #include <QTimer>
 
@@ -44,6 +46,7 @@ X11Monitors::~X11Monitors()
 
 const std::vector<X11Monitor> &X11Monitors::list() const
 {
+    Q_ASSERT(isMainThread());
     if (!m_isKnown) {
         m_list = query();
         m_isKnown = true;
@@ -108,6 +111,7 @@ bool X11Monitors::nativeEventFilter(const QByteArray &, void *message, qintptr *
 
 void X11Monitors::announce()
 {
+    Q_ASSERT(isMainThread());
     m_isKnown = false;
     // One change comes as several events; and the toolkit has to see them first.
     if (std::exchange(m_isAnnouncing, true))

@@ -4,6 +4,7 @@
 #include "platform/x11/capture/X11PixelFetcher.h"
 
 #include "foundation/Log.h"
+#include "foundation/MainThread.h"
 #include "platform/x11/X11Connect.h"
 #include "platform/x11/X11PixelFormat.h"
 #include "platform/x11/capture/X11SharedMemory.h"
@@ -231,12 +232,14 @@ X11PixelFetcher::~X11PixelFetcher() = default;
 
 void X11PixelFetcher::prepare(const std::vector<QSize> &sizes)
 {
+    Q_ASSERT(isMainThread());
     m_pool.start([this, sizes] { m_worker->prepare(sizes); });
 }
 
 QFuture<QImage> X11PixelFetcher::fetch(std::shared_ptr<X11Pixmap> pixmap,
                                        std::shared_ptr<X11Barrier> barrier)
 {
+    Q_ASSERT(isMainThread());
     auto promise = std::make_shared<QPromise<QImage>>();
     promise->start();
     // Servers take 256 clients by default; where there are so many, the toolkit's connection does.
@@ -266,6 +269,7 @@ QFuture<QImage> X11PixelFetcher::fetch(std::shared_ptr<X11Pixmap> pixmap,
 
 void X11PixelFetcher::release()
 {
+    Q_ASSERT(isMainThread());
     m_pool.start([this] { m_worker->close(); });
 }
 

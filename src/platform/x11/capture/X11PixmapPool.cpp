@@ -3,6 +3,8 @@
 
 #include "platform/x11/capture/X11PixmapPool.h"
 
+#include "foundation/MainThread.h"
+
 #include <algorithm>
 
 namespace tovek {
@@ -20,6 +22,7 @@ X11PixmapPool::X11PixmapPool(std::shared_ptr<X11Connection> connection)
 
 void X11PixmapPool::prepare(const std::vector<QSize> &sizes)
 {
+    Q_ASSERT(isMainThread());
     std::vector<std::shared_ptr<X11Pixmap>> ready;
     for (const QSize size : sizes) {
         const auto kept = std::find_if(m_ready.begin(), m_ready.end(),
@@ -44,6 +47,7 @@ void X11PixmapPool::prepare(const std::vector<QSize> &sizes)
 
 std::shared_ptr<X11Pixmap> X11PixmapPool::take(QSize size)
 {
+    Q_ASSERT(isMainThread());
     const auto ready = std::find_if(m_ready.begin(), m_ready.end(),
                                     [size](const auto &p) { return p->size() == size; });
     if (ready == m_ready.end())

@@ -3,6 +3,8 @@
 
 #include "platform/x11/overlay/X11FrameGate.h"
 
+#include "foundation/MainThread.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <xcb/xcbext.h>
@@ -31,6 +33,7 @@ X11FrameGate::~X11FrameGate()
 
 bool X11FrameGate::isOpen()
 {
+    Q_ASSERT(isMainThread());
     // Timers of that interval are not exact: a frame a little early must not wait for one more.
     if (m_sinceLast.isValid() && m_sinceLast.elapsed() < m_interval.count() * 3 / 4)
         return false;

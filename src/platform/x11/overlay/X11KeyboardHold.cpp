@@ -3,6 +3,7 @@
 
 #include "platform/x11/overlay/X11KeyboardHold.h"
 
+#include "foundation/MainThread.h"
 #include "platform/x11/X11ForeignWindows.h"
 #include "platform/x11/X11Requests.h"
 
@@ -58,6 +59,7 @@ X11KeyboardHold::~X11KeyboardHold()
 
 void X11KeyboardHold::take(QWindow &window, std::function<void()> onDenied)
 {
+    Q_ASSERT(isMainThread());
     if (holds(window))
         return;
     m_lingering.stop();
@@ -100,6 +102,7 @@ void X11KeyboardHold::attempt()
 
 void X11KeyboardHold::release(QWindow &window)
 {
+    Q_ASSERT(isMainThread());
     if (m_window != &window)
         return;
     m_retry.stop();

@@ -139,6 +139,7 @@ void X11OverlayCanvas::composeItem(const DisplayList::Item &item, const QRegion 
         return !part.isEmpty() && damage.intersects(part) ? part : QRect();
     };
     if (const auto *fills = std::get_if<DisplayList::Fills>(&item)) {
+        Q_ASSERT(fills->rects);
         for (const QRect &rect : *fills->rects) {
             if (const QRect part = visible(rect); !part.isNull())
                 composeFill(fills->color, part);

@@ -3,6 +3,8 @@
 
 #include "platform/x11/overlay/X11PointerFollower.h"
 
+#include "foundation/MainThread.h"
+
 #include <cstring>
 #include <vector>
 
@@ -30,6 +32,7 @@ X11PointerFollower::~X11PointerFollower() = default;
 
 void X11PointerFollower::start(xcb_window_t window)
 {
+    Q_ASSERT(isMainThread());
     xcb_connection_t *xcb = m_toolkit->xcb();
     const xcb_query_extension_reply_t *input = xcb_get_extension_data(xcb, &xcb_input_id);
     if (m_window || !input || !input->present)
@@ -61,6 +64,7 @@ void X11PointerFollower::takeFromToolkit()
 
 void X11PointerFollower::stop()
 {
+    Q_ASSERT(isMainThread());
     if (m_inputEvents && m_toolkit->xcb())
         select(~0u, ~0u);
     m_tick.stop();

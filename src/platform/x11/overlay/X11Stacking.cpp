@@ -3,6 +3,7 @@
 
 #include "platform/x11/overlay/X11Stacking.h"
 
+#include "foundation/MainThread.h"
 #include "platform/x11/X11ForeignWindows.h"
 
 #include <QCoreApplication>
@@ -44,6 +45,7 @@ X11Stacking::~X11Stacking()
 
 void X11Stacking::add(xcb_window_t overlay, QRect native)
 {
+    Q_ASSERT(isMainThread());
     if (m_overlays.empty())
         setWatching(true);
     m_look.start();
@@ -52,6 +54,7 @@ void X11Stacking::add(xcb_window_t overlay, QRect native)
 
 void X11Stacking::remove(xcb_window_t overlay)
 {
+    Q_ASSERT(isMainThread());
     if (m_overlays.erase(overlay) && m_overlays.empty()) {
         m_answered.clear();
         m_look.stop();
