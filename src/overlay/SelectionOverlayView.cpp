@@ -4,14 +4,12 @@
 #include "overlay/SelectionOverlayView.h"
 
 #include "overlay/AnnotationKeys.h"
-#include "overlay/DisplayListPainter.h"
 #include "overlay/InputFromQt.h"
 #include "overlay/OverlayCursor.h"
 #include "overlay/SelectionResult.h"
 #include "overlay/SizeLabel.h"
 
 #include <QMouseEvent>
-#include <QPainter>
 
 namespace tovek {
 
@@ -21,9 +19,9 @@ SelectionOverlayView::SelectionOverlayView(const OverlayContext &context, QWidge
     , m_space(context.screen.space())
     , m_state(m_space)
     , m_animations(context.clock)
-    , m_artist(font())
+    , m_shown(font(), context)
     , m_cursor(*this, m_space.scale, context.screen.cursorScale)
-    , m_toolbar(*this, m_editor, [this](QRect native) { return backdrop(native); })
+    , m_toolbar(*this, m_editor, [this](QRect native) { return m_shown.part(native); })
     , m_textInput(*this, m_editor)
 {
     setMouseTracking(true);
@@ -37,8 +35,6 @@ SelectionOverlayView::SelectionOverlayView(const OverlayContext &context, QWidge
     setCaptureCursor();
 }
 
-SelectionOverlayView::~SelectionOverlayView() = default;
-
 void SelectionOverlayView::setCaptureCursor()
 {
     m_cursor.showAgain(Qt::CrossCursor); // somebody else may have changed it
@@ -51,17 +47,16 @@ std::optional<OverlayDrawing> SelectionOverlayView::takeDrawing()
     m_editor.release();
     m_editor.deselect();
     const auto selection = m_state.selectionOnScreen();
-    if (!m_state.isSelectionFinalized || !selection || m_editor.annotations().empty())
+    if (!m_state.isSelectionFinalized() || !selection || m_editor.annotations().empty())
         return std::nullopt;
     return OverlayDrawing{*selection, m_editor};
 }
 
 void SelectionOverlayView::resume(const OverlayDrawing &drawing)
 {
-    if (m_state.selectionRect)
+    if (m_state.selectionRect())
         return;
-    m_state.selectionRect = drawing.selection;
-    m_state.isSelectionFinalized = true;
+    m_state.accept(drawing.selection);
     m_editor = drawing.editor;
     m_animations.startDimming();
     finalise();
@@ -219,15 +214,7 @@ void SelectionOverlayView::handleCommand(OverlayKeyAction action, const KeyPress
 
 void SelectionOverlayView::paintEvent(QPaintEvent *event)
 {
-    QPainter painter(this);
-    if (m_surface && m_surface->liesBelow()) {
-        painter.setCompositionMode(QPainter::CompositionMode_Source);
-        painter.fillRect(event->rect(), Qt::transparent);
-        return;
-    }
-    // Only a platform that cannot draw the list itself gets here before the pixels are there.
-    paintDisplayList(painter, m_list, m_context.screenshot->pixels().result(), m_space.scale,
-                     event->region());
+    m_shown.paint(*this, *event);
 }
 
 PointerOwner SelectionOverlayView::pointerOwner(Point at) const
@@ -262,8 +249,8 @@ void SelectionOverlayView::finalise()
     setAccessibleDescription(
         describedSelection(m_space.pixelsFromRect(*m_state.selectionRect()).toRect()));
     // From now on, there are things to point at.
-    if (m_surface)
-        m_surface->setFollowsPointer(false);
+    if (m_shown.surface())
+        m_shown.surface()->setFollowsPointer(false);
     if (m_context.captureMode == CaptureMode::normal)
         showToolbar();
     if (callbacks.onSelectionComplete)
@@ -373,30 +360,19 @@ void SelectionOverlayView::removeTextRegions()
     redraw();
 }
 
-QImage SelectionOverlayView::backdrop(const QRect &native) const
-{
-    return renderDisplayList(m_list, m_context.screenshot->pixels().result(), native);
-}
-
 void SelectionOverlayView::coverChanged()
 {
-    if (!m_surface)
-        return;
-    const QRegion covered = m_toolbar.coveredRegion() + m_textInput.coveredRegion();
-    m_surface->setCovered(scaled(covered, m_space.scale));
+    m_shown.setCovered(m_toolbar.coveredRegion() + m_textInput.coveredRegion());
 }
 
 void SelectionOverlayView::redraw()
 {
-    DisplayList list = m_artist.draw(picture());
-    const bool isShown = m_surface && m_surface->present(list);
-    const bool isUnderToolbar = toolbar()
-        && damageBetween(m_list, list).intersects(scaled(toolbar()->geometry(), m_space.scale));
-    m_list = std::move(list);
-    if (!isShown)
+    const QRegion below = toolbar() ? QRegion(toolbar()->geometry()) : QRegion();
+    const ShownPicture::Change change = m_shown.show(picture(), scaled(below, m_space.scale));
+    if (!change.isOnScreen)
         return update();
     m_textInput.backdropChanged();
-    if (isUnderToolbar)
+    if (change.touchesWatched)
         toolbar()->backdropChanged();
 }
 

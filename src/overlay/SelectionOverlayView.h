@@ -9,11 +9,11 @@
 #include "overlay/OverlayContext.h"
 #include "overlay/OverlayDrawing.h"
 #include "overlay/OverlayKeys.h"
-#include "overlay/OverlayPicture.h"
 #include "overlay/OverlayTextInput.h"
 #include "overlay/OverlayToolbar.h"
 #include "overlay/PointerOwner.h"
 #include "overlay/ShownCursor.h"
+#include "overlay/ShownPicture.h"
 #include "text/TextRegionOverlayView.h"
 
 #include <QWidget>
@@ -27,10 +27,9 @@ class SelectionOverlayView : public QWidget
 {
 public:
     SelectionOverlayView(const OverlayContext &context, QWidget *parent);
-    ~SelectionOverlayView() override;
 
     /// Draws from now on; without a surface, or on one that cannot draw, the widget paints itself.
-    void setSurface(OverlaySurface *surface) { m_surface = surface; }
+    void setSurface(OverlaySurface *surface) { m_shown.setSurface(surface); }
     /// The cursor of a screen on which nothing is selected yet.
     void setCaptureCursor();
     /// The words of the selection, once they are recognised. Without a selection, or while it is
@@ -98,7 +97,6 @@ private:
     void showToolbar();
     void removeToolbar();
     void removeTextRegions();
-    QImage backdrop(const QRect &native) const;
     /// Tells the surface which part of the picture child widgets paint.
     void coverChanged();
 
@@ -108,14 +106,12 @@ private:
 
     OverlayContext m_context;
     ViewSpace m_space;
-    OverlaySurface *m_surface = nullptr;
     SelectionState m_state;
     bool m_isTextSelectionMode = false;
     OverlayAnimations m_animations;
     AnnotationEditor m_editor;
     AnnotationLayer m_annotationLayer;
-    OverlayArtist m_artist;
-    DisplayList m_list; ///< what is shown
+    ShownPicture m_shown;
     ShownCursor m_cursor;
     OverlayToolbar m_toolbar;
     OverlayTextInput m_textInput;

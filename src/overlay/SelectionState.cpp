@@ -68,6 +68,13 @@ SelectionState::Release SelectionState::release()
     return hadAttempt ? Release::discarded : Release::nothing;
 }
 
+void SelectionState::accept(const Rect &selection)
+{
+    Q_ASSERT(!m_selectionStart && !m_selectionRect);
+    m_selectionRect = selection;
+    m_isSelectionFinalized = true;
+}
+
 bool SelectionState::hover(std::optional<Point> pointer)
 {
     const auto handle = pointer ? handleUnder(*pointer) : std::nullopt;

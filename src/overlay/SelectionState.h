@@ -32,6 +32,8 @@ public:
     /// True when the selection changed.
     bool moveTo(Point pointer);
     Release release();
+    /// The selection of an earlier capture, as if it had just been made.
+    void accept(const Rect &selection);
     /// True when the handle under the pointer changed; only a finalised selection has handles, and
     /// none is under a pointer that is elsewhere.
     bool hover(std::optional<Point> pointer);
