@@ -12,6 +12,7 @@
 #include "reading/Plausibility.h"
 #include "reading/Scripts.h"
 #include "reading/SharedReadings.h"
+#include "reading/SpeckField.h"
 #include "reading/WordBreaks.h"
 
 #include <QImage>
@@ -120,9 +121,13 @@ Page pageOf(const QImage &image)
 {
     Page page;
     page.ink = inkMapOf(image);
-    for (const auto &patches : byPanel(inkPatches(page.ink, faintestInk), page.ink.panels)) {
-        for (TextRun &run : textRuns(patches))
-            add(page, std::move(run));
+    const std::vector<InkPatch> all = inkPatches(page.ink, faintestInk);
+    const SpeckField specks(all, page.ink.size);
+    for (const auto &patches : byPanel(all, page.ink.panels)) {
+        for (TextRun &run : textRuns(patches)) {
+            if (!specks.covers(run))
+                add(page, std::move(run));
+        }
     }
     settle(page.runs);
     page.widestFirst.resize(page.runs.size());

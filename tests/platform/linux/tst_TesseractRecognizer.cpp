@@ -106,6 +106,48 @@ private Q_SLOTS:
         }
     }
 
+    /// Alone on a line, the small letters are as low as specks.
+    void readsSmallWordsOfNinePixelText_data()
+    {
+        QTest::addColumn<QString>("family");
+        for (const char *family : {"DejaVu Sans", "Noto Sans", "Liberation Sans"})
+            QTest::addRow("%s", family) << family;
+    }
+    void readsSmallWordsOfNinePixelText()
+    {
+        QFETCH(QString, family);
+        QFont font(family);
+        if (!QFontInfo(font).family().startsWith(family))
+            QSKIP("the font is not installed");
+        font.setPixelSize(9);
+        for (const char *text : {"none", "more", "scan", "move"}) {
+            const QImage image = lineOf(text, font, Qt::white, QColor(30, 30, 30));
+            // At this size hinting may move letters apart like words; none is to vanish.
+            const QString read = textOf(m_recognizer->recognize(image, 1).result());
+            QCOMPARE(QString(read).remove(' '), QString(text));
+        }
+    }
+
+    void readsNothingIntoSpecks()
+    {
+        QImage image(1920, 1080, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        std::mt19937 random(7);
+        const auto upTo = [&](int most) { return int(random() % unsigned(most)); };
+        QPainter painter(&image);
+        for (int i = 0; i < 20000; ++i)
+            painter.fillRect(upTo(1900), upTo(1060), 1 + upTo(3), 1 + upTo(3),
+                             QColor(0, 0, upTo(160)));
+        painter.fillRect(1000, 500, 300, 40, Qt::white);
+        QFont font(QStringLiteral("DejaVu Sans"));
+        font.setPixelSize(13);
+        painter.setFont(font);
+        painter.drawText(1010, 525, QStringLiteral("Read the label of a photo"));
+        painter.end();
+        QCOMPARE(textOf(m_recognizer->recognize(image, 1).result()),
+                 QStringLiteral("Read the label of a photo"));
+    }
+
     void givesRepeatedWordsTheirPlaces()
     {
         QFont font("DejaVu Sans");
