@@ -12,9 +12,6 @@
 #include <algorithm>
 #include <chrono>
 #include <xcb/xinput.h>
-#define explicit explicit_
-#include <xcb/xkb.h>
-#undef explicit
 
 namespace tovek {
 
@@ -49,6 +46,7 @@ std::unique_ptr<X11HotKeys> X11HotKeys::create()
 X11HotKeys::X11HotKeys(xcb_connection_t *connection)
     : m_connection(connection, &xcb_disconnect)
     , m_root(xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root)
+    , m_keyEvents(connection, m_root)
     , m_grabs(connection)
     , m_rawKeys(connection, [this](KeyCombo combo, bool isDown) {
         dispatchLater();
@@ -60,56 +58,16 @@ X11HotKeys::X11HotKeys(xcb_connection_t *connection)
     QObject::connect(&m_holdTimer, &QTimer::timeout, &m_context, [this] { holdKeyboard(); });
     m_freedTimer.setSingleShot(true);
     QObject::connect(&m_freedTimer, &QTimer::timeout, &m_context, [this] { tellMayBeFree(); });
-    setUpExtensions();
 }
 
 X11HotKeys::~X11HotKeys() = default;
-
-void X11HotKeys::setUpExtensions()
-{
-    xcb_connection_t *connection = m_connection.get();
-    const auto xkbCookie = xcb_xkb_use_extension(connection, 1, 0);
-    const auto inputCookie = xcb_input_xi_query_version(connection, 2, 2);
-    const X11Reply<xcb_xkb_use_extension_reply_t> xkb(
-        xcb_xkb_use_extension_reply(connection, xkbCookie, nullptr));
-    if (xkb && xkb->supported) {
-        // A key that is held sends presses only, and one release at its end.
-        constexpr quint32 flag = XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT;
-        const auto cookie =
-            xcb_xkb_per_client_flags(connection, XCB_XKB_ID_USE_CORE_KBD, flag, flag, 0, 0, 0);
-        xcb_discard_reply(connection, cookie.sequence);
-        selectKeyMap();
-    }
-    // Since 2.1, raw events come whoever holds the keyboard.
-    const X11Reply<xcb_input_xi_query_version_reply_t> version(
-        xcb_input_xi_query_version_reply(connection, inputCookie, nullptr));
-    if (version
-        && std::pair<int, int>(version->major_version, version->minor_version) >= std::pair(2, 1))
-        m_inputOpcode = xcb_get_extension_data(connection, &xcb_input_id)->major_opcode;
-    xcb_flush(connection);
-}
-
-void X11HotKeys::selectKeyMap()
-{
-    // A client that has made itself known to this extension gets no core event for a new map.
-    xcb_connection_t *connection = m_connection.get();
-    m_mapEvent = xcb_get_extension_data(connection, &xcb_xkb_id)->first_event;
-    xcb_xkb_select_events_details_t details{};
-    details.affectNewKeyboard = XCB_XKB_NKN_DETAIL_KEYCODES;
-    details.newKeyboardDetails = XCB_XKB_NKN_DETAIL_KEYCODES;
-    constexpr quint16 map = XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
-    xcb_xkb_select_events_aux(connection, XCB_XKB_ID_USE_CORE_KBD,
-                              XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY
-                                  | XCB_XKB_EVENT_TYPE_MAP_NOTIFY,
-                              0, 0, map, map, &details);
-}
 
 int X11HotKeys::grab(quint32 id, KeyCombo combo)
 {
     // Before the grab, whose answer then is the server's for both. The release of a key that is
     // down now must not pass before it is waited for.
-    setRawMask(m_rawMask | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS
-               | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
+    m_keyEvents.selectRaw(m_keyEvents.rawMask() | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS
+                          | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
     const int status = m_grabs.grab(id, combo);
     if (status == 0)
         noteKeysDown(id);
@@ -182,21 +140,7 @@ void X11HotKeys::selectRawKeys()
     quint32 mask = m_grabs.isEmpty() ? 0 : XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS;
     if (!m_presses.empty() || !m_stale.empty())
         mask |= XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
-    setRawMask(mask);
-}
-
-void X11HotKeys::setRawMask(quint32 mask)
-{
-    if (!m_inputOpcode || mask == m_rawMask)
-        return;
-    m_rawMask = mask;
-    const struct
-    {
-        xcb_input_event_mask_t head;
-        quint32 mask;
-    } selection{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, mask};
-    xcb_input_xi_select_events(m_connection.get(), m_root, 1, &selection.head);
-    xcb_flush(m_connection.get());
+    m_keyEvents.selectRaw(mask);
 }
 
 void X11HotKeys::takeEvents()
@@ -260,7 +204,7 @@ void X11HotKeys::handle(const xcb_generic_event_t &event)
         break;
     case XCB_GE_GENERIC: {
         const auto &raw = reinterpret_cast<const xcb_input_raw_key_press_event_t &>(event);
-        if (raw.extension != m_inputOpcode)
+        if (raw.extension != m_keyEvents.rawExtension())
             break;
         if (raw.event_type == XCB_INPUT_RAW_KEY_PRESS)
             rawPress(xcb_keycode_t(raw.detail), raw.time);
@@ -269,7 +213,7 @@ void X11HotKeys::handle(const xcb_generic_event_t &event)
         break;
     }
     default:
-        if (m_mapEvent && (event.response_type & 0x7f) == m_mapEvent)
+        if (m_keyEvents.isNewMap(event))
             m_hasNewMapping = true;
         break;
     }
@@ -317,8 +261,8 @@ void X11HotKeys::rawPress(xcb_keycode_t keycode, xcb_timestamp_t time)
 
 void X11HotKeys::arm(quint32 id, xcb_keycode_t keycode, xcb_timestamp_t time)
 {
-    m_presses.push_back({id, keycode, time, m_inputOpcode == 0});
-    if (m_inputOpcode) {
+    m_presses.push_back({id, keycode, time, !m_keyEvents.hasRaw()});
+    if (m_keyEvents.hasRaw()) {
         // In this order there is no moment in which a release could get lost.
         selectRawKeys();
         ungrabKeyboard();

@@ -5,6 +5,7 @@
 
 #include "platform/HotKeys.h"
 #include "platform/x11/X11Reply.h"
+#include "platform/x11/keys/X11KeyEvents.h"
 #include "platform/x11/keys/X11KeyGrabs.h"
 #include "platform/x11/keys/X11RawKeyFilter.h"
 
@@ -61,11 +62,7 @@ private:
     using Event = X11Reply<xcb_generic_event_t>;
 
     explicit X11HotKeys(xcb_connection_t *connection);
-    void setUpExtensions();
-    void selectKeyMap();
-
     void selectRawKeys();
-    void setRawMask(quint32 mask);
 
     void takeEvents();
     void dispatchLater();
@@ -85,9 +82,7 @@ private:
 
     std::unique_ptr<xcb_connection_t, decltype(&xcb_disconnect)> m_connection;
     xcb_window_t m_root = XCB_WINDOW_NONE;
-    quint8 m_inputOpcode = 0; ///< 0 without raw events
-    quint8 m_mapEvent = 0; ///< 0 where only core events tell of a new map
-    quint32 m_rawMask = 0;
+    X11KeyEvents m_keyEvents;
     X11KeyGrabs m_grabs;
     std::vector<Press> m_presses;
     std::set<xcb_keycode_t> m_stale; ///< down since before their grab; they only repeat
