@@ -22,6 +22,10 @@ constexpr double leftmostStem = 0.4;
 /// Of the ring's ink: what the mark in a zero has at least.
 constexpr double leastMarkOfZero = 0.5;
 
+/// In cap heights: ascenders are hardly ever as tall; and how many letters must be.
+constexpr double tallerThanCapitals = 1.2;
+constexpr std::ptrdiff_t leastTaller = 3;
+
 /// A word as indices into the symbols.
 struct Span
 {
@@ -240,6 +244,18 @@ void settleByNeighbours(std::vector<InkSymbol> &symbols, const Span &word, std::
     }
 }
 
+/// Two fonts of different sizes on one line, as code within a sentence: some letters reach clearly
+/// above what was taken for the capitals' height, which may be the other font's.
+bool hasTwoSizes(const std::vector<InkSymbol> &symbols, const LetterMetrics &metrics)
+{
+    const auto count = std::count_if(symbols.begin(), symbols.end(), [&](const InkSymbol &symbol) {
+        static const QString tall = QStringLiteral("bdfhkltABCDEFGHIKLMNOPRSTUVWXYZ");
+        return symbol.text.size() == 1 && tall.contains(symbol.text)
+            && heightOnLine(symbol, metrics) > metrics.capHeight * tallerThanCapitals + 0.5;
+    });
+    return count >= leastTaller;
+}
+
 } // namespace
 
 void settleLookAlikes(std::vector<InkSymbol> &symbols, const LetterMetrics &metrics)
@@ -252,8 +268,9 @@ void settleLookAlikes(std::vector<InkSymbol> &symbols, const LetterMetrics &metr
             && symbol.unit.width() <= metrics.capHeight * widestBar && hasEmptyRow(symbol))
             symbol.text = QStringLiteral("i");
     }
+    const bool isOneSize = !hasTwoSizes(symbols, metrics);
     for (const Span &word : wordsIn(symbols)) {
-        for (std::size_t i = word.from; i < word.to; ++i)
+        for (std::size_t i = word.from; isOneSize && i < word.to; ++i)
             settleCase(symbols, word, i, metrics);
         for (std::size_t i = word.from; i < word.to; ++i)
             settleByNeighbours(symbols, word, i);

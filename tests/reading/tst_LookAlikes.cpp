@@ -43,6 +43,22 @@ class TestLookAlikes : public QObject
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(".*")); }
 
+    void leavesCaseAloneWhereFontsOfTwoSizesStandOnALine()
+    {
+        // Capitals of code 10 high; small letters of the sentence are as high, its ascenders 13.
+        const auto read = [](int tallOnes) {
+            std::vector<InkSymbol> symbols;
+            for (int i = 0; i < tallOnes; ++i)
+                symbols.push_back(symbol(QStringLiteral("d"), QRect(i * 9, -3, 7, 13)));
+            symbols.push_back(symbol(QStringLiteral("s"), QRect(60, 0, 7, 10)));
+            symbols.back().startsWord = true;
+            settleLookAlikes(symbols, metrics);
+            return symbols.back().text;
+        };
+        QCOMPARE(read(3), QStringLiteral("s"));
+        QCOMPARE(read(2), QStringLiteral("S"));
+    }
+
     void tellsLIAndOneByTheirNeighbours_data()
     {
         QTest::addColumn<QString>("read");
