@@ -13,6 +13,7 @@
 #include "reading/Scripts.h"
 #include "reading/SharedReadings.h"
 #include "reading/SpeckField.h"
+#include "reading/Underlines.h"
 #include "reading/WordBreaks.h"
 
 #include <QImage>
@@ -121,6 +122,7 @@ Page pageOf(const QImage &image)
 {
     Page page;
     page.ink = inkMapOf(image);
+    eraseUnderlines(page.ink);
     const std::vector<InkPatch> all = inkPatches(page.ink, faintestInk);
     const SpeckField specks(all, page.ink.size);
     for (const auto &patches : byPanel(all, page.ink.panels)) {

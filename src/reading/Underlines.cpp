@@ -1,0 +1,125 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "reading/Underlines.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace tovek {
+
+namespace {
+
+/// In pixels.
+constexpr int shortest = 14;
+constexpr int thickest = 4;
+constexpr int lowestText = 5;
+constexpr int thinnestText = 3; ///< in the line's own height
+constexpr int highestText = 60;
+/// Rows without ink between a line and its text.
+constexpr int widestGap = 4;
+/// Of the line's length: what belongs to the line itself, what may hang into the row below it and
+/// stand on it (the feet of letters that touch stand for strokes), and above how much of it there
+/// must be text.
+constexpr double ownShare = 0.8;
+constexpr double crossingShare = 0.3;
+constexpr double standingShare = 0.2;
+constexpr double textShare = 0.5;
+/// A letter has a foot like that too, but is not as much wider than high.
+constexpr double leastRatio = 1.5;
+
+class Underlines
+{
+public:
+    explicit Underlines(InkMap &map) : m_map(map) { }
+
+    void erase()
+    {
+        for (int y = 1; y < m_map.size.height(); ++y) {
+            for (int x = 0; x < m_map.size.width();) {
+                int end = x;
+                while (end < m_map.size.width() && hasInk(end, y))
+                    ++end;
+                if (end - x >= shortest)
+                    eraseIfLine(x, end, y);
+                x = end + 1;
+            }
+        }
+    }
+
+private:
+    bool hasInk(int x, int y) const { return m_map.at(x, y) >= faintestInk; }
+    /// Of the columns from `from` to before `to`, 0 outside of the picture.
+    double share(int from, int to, int y) const
+    {
+        if (y < 0 || y >= m_map.size.height())
+            return 0;
+        const auto *row = m_map.row(y);
+        return double(std::count_if(row + from, row + to,
+                                    [](std::uint8_t ink) { return ink >= faintestInk; }))
+            / (to - from);
+    }
+
+    /// `top` is the first row of ink from above.
+    void eraseIfLine(int from, int to, int top)
+    {
+        if (share(from, to, top - 1) > standingShare)
+            return;
+        int bottom = top;
+        while (bottom - top < thickest && share(from, to, bottom + 1) >= ownShare)
+            ++bottom;
+        if (bottom - top >= thickest || share(from, to, bottom + 1) > crossingShare)
+            return;
+        const int foot = textFoot(from, to, top);
+        const int height = textHeight(from, to, foot);
+        // The bars of an equals sign are as thick as each other.
+        if (height < std::max(lowestText, (bottom - top + 1) * thinnestText) || height > highestText
+            || to - from < (top - foot - 1 + height) * leastRatio
+            || !isUnderText(from, to, top, foot + 1 - height))
+            return;
+        for (int x = from; x < to; ++x) {
+            const bool isCrossed =
+                hasInk(x, top - 1) && bottom + 1 < m_map.size.height() && hasInk(x, bottom + 1);
+            for (int y = top; !isCrossed && y <= bottom; ++y)
+                m_map.contrast[std::size_t(y) * m_map.size.width() + x] = 0;
+        }
+    }
+
+    /// The last row of what stands above the line, which may touch it.
+    int textFoot(int from, int to, int top) const
+    {
+        int y = top - 1;
+        while (y > 0 && top - y <= widestGap && share(from, to, y) == 0)
+            --y;
+        return y;
+    }
+    int textHeight(int from, int to, int foot) const
+    {
+        int y = foot;
+        while (y >= 0 && foot - y <= highestText && share(from, to, y) > 0)
+            --y;
+        return foot - y;
+    }
+    bool isUnderText(int from, int to, int top, int textTop) const
+    {
+        int columns = 0;
+        for (int x = from; x < to; ++x) {
+            bool isUnder = false;
+            for (int y = textTop; y < top && !isUnder; ++y)
+                isUnder = hasInk(x, y);
+            columns += isUnder;
+        }
+        return columns >= (to - from) * textShare;
+    }
+
+    InkMap &m_map;
+};
+
+} // namespace
+
+void eraseUnderlines(InkMap &map)
+{
+    Underlines(map).erase();
+}
+
+} // namespace tovek
