@@ -23,6 +23,13 @@ desktop_packages=(
 )
 # For bench/run, which installs nothing: a notification server is not for everybody's desktop.
 bench_packages=(dunst)
+# For scripts/train-glyphs: what it draws (resources/reading/README.md).
+glyph_packages=(
+    fonts-cantarell fonts-dejavu-extra fonts-firacode fonts-hack fonts-jetbrains-mono
+    fonts-noto-core fonts-urw-base35 libqt6svg6
+    adwaita-icon-theme breeze-icon-theme elementary-xfce-icon-theme gnome-icon-theme
+    mate-icon-theme oxygen-icon-theme tango-icon-theme
+)
 # For continuous integration alone.
 ci_packages=(clang clang-format clang-tidy git)
 

@@ -3,11 +3,13 @@
 
 #include "reading/PageReading.h"
 
+#include "reading/GlyphNet.h"
 #include "reading/Hyphens.h"
 #include "reading/Icons.h"
 #include "reading/InkSegments.h"
 #include "reading/LookAlikes.h"
 #include "reading/Panels.h"
+#include "reading/PictureGlyphs.h"
 #include "reading/PictureShapes.h"
 #include "reading/Plausibility.h"
 #include "reading/Scripts.h"
@@ -101,11 +103,12 @@ void compareReadings(std::vector<std::vector<ReadPiece>> &readings)
 }
 
 /// The words of a piece, without what is no text.
-std::vector<ReadWord> wordsOf(ReadPiece &piece)
+std::vector<ReadWord> wordsOf(ReadPiece &piece, PictureGlyphs &pictures)
 {
     if (!piece.words.empty())
         return std::move(piece.words);
     erasePictures(piece.symbols, piece.metrics);
+    pictures.erase(piece.symbols, piece.metrics);
     settleLookAlikes(piece.symbols, piece.metrics);
     std::vector<ReadWord> words = readWords(piece.symbols);
     for (ReadWord &word : words)
@@ -145,12 +148,13 @@ std::vector<std::vector<ReadWord>> linesOf(const Page &page,
 {
     compareReadings(readings);
     const double cap = usualCap(page.runs);
+    PictureGlyphs pictures(GlyphNet::trained());
     std::vector<std::vector<ReadWord>> lines;
     for (std::size_t i = 0; i < readings.size(); ++i) {
         const auto &[text, metrics] = page.runs[i];
         std::vector<ReadWord> line;
         for (ReadPiece &piece : readings[i]) {
-            std::vector<ReadWord> words = wordsOf(piece);
+            std::vector<ReadWord> words = wordsOf(piece, pictures);
             line.insert(line.end(), words.begin(), words.end());
         }
         if (line.empty() || isPictureRun(text, line, metrics, cap))

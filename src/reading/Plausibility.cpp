@@ -91,12 +91,6 @@ double sureness(const std::vector<ReadWord> &words)
     return count > 0 ? sum / count : 100;
 }
 
-bool isMarks(const QString &text)
-{
-    static const QString marks = QStringLiteral("!\"'()*+,-./:;<=>?[\\]^_`{|}~\u2014\u2013");
-    return std::all_of(text.begin(), text.end(), [](QChar c) { return marks.contains(c); });
-}
-
 /// A chevron beside a button or an entry that can be unfolded.
 bool isArrow(const ReadWord &word)
 {
@@ -140,6 +134,12 @@ bool isLowText(const QRect &box, const std::vector<ReadWord> &words)
 }
 
 } // namespace
+
+bool isMarks(const QString &text)
+{
+    static const QString marks = QStringLiteral("!\"'()*+,-./:;<=>?[\\]^_`{|}~\u2014\u2013");
+    return std::all_of(text.begin(), text.end(), [](QChar c) { return marks.contains(c); });
+}
 
 void dropPictures(std::vector<ReadWord> &words, const LetterMetrics &metrics)
 {

@@ -7,6 +7,9 @@
 
 namespace tovek {
 
+/// Punctuation, dashes and bars alone.
+bool isMarks(const QString &text);
+
 /// Takes the words out of a run that are no text but what stands beside text on a screen: icons,
 /// arrows, switches, pieces of frames. The engine reads a character into each of them, but their
 /// shape or their place on the line is none that the character has.
