@@ -365,15 +365,19 @@ EarlyPlatform makeEarlyPlatform()
 
 void chooseToolkit(EarlyPlatform &early)
 {
-    if (!isWaylandSession() || qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+    // People set it to Wayland for all their programs; that is no reason to leave it to the
+    // toolkit.
+    const QString wanted = qEnvironmentVariable("QT_QPA_PLATFORM");
+    if (!isWaylandSession() || !(wanted.isEmpty() || wanted.startsWith(QLatin1String("wayland"))))
         return;
     early.wayland = openWayland();
     const bool hasXWayland = qEnvironmentVariableIsSet("DISPLAY");
     if (early.wayland) {
         // Windows above all others are ours to make; see LayerSurface.
         qputenv("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1");
-        qputenv("QT_QPA_PLATFORM", hasXWayland ? "wayland;xcb" : "wayland");
-    } else if (hasXWayland) {
+        if (wanted.isEmpty())
+            qputenv("QT_QPA_PLATFORM", hasXWayland ? "wayland;xcb" : "wayland");
+    } else if (hasXWayland && wanted.isEmpty()) {
         qputenv("QT_QPA_PLATFORM", "xcb");
     }
 }

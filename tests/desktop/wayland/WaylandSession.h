@@ -41,12 +41,15 @@ struct WaylandSession
             return fail(QStringLiteral("no input can be injected"));
         if (!showPictures())
             return fail(QStringLiteral("no picture came"));
-        const QByteArray settings = "{\"highlightText\": false}";
+        // A preview would lie over what is compared.
+        const QByteArray settings = hasPreviews
+            ? "{\"highlightText\": false}"
+            : "{\"highlightText\": false, \"showInMenuBar\": false}";
         QDir().mkpath(desktop.configFolder() + QStringLiteral("/tovek"));
         desktop.writeFile(desktop.configFolder() + QStringLiteral("/tovek/defaults.json"),
                           settings);
-        tovek =
-            desktop.run(qEnvironmentVariable("TOVEK_PROGRAM"), {QStringLiteral("--background")});
+        tovek = desktop.run(qEnvironmentVariable("TOVEK_PROGRAM"), {QStringLiteral("--background")},
+                            variables);
         return (tovek && waitUntil([&] { return act("no-such-action"); }))
             || fail(QStringLiteral("the program does not start"));
     }
@@ -157,6 +160,8 @@ struct WaylandSession
     }
 
     WaylandPlan plan;
+    bool hasPreviews = false;
+    std::map<QString, QString> variables; ///< of the program's environment
     WaylandDesktop desktop;
     std::unique_ptr<WaylandHand> hand;
     Program *tovek = nullptr;

@@ -110,6 +110,17 @@ private Q_SLOTS:
         QTRY_COMPARE(session.desktop.look().pixel(640, 700), qRgb(255, 0, 0));
     }
 
+    void worksWhereAllProgramsAreToldToUseWayland()
+    {
+        WaylandSession session;
+        session.variables = {{QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland")}};
+        QVERIFY2(session.start(), qPrintable(session.error));
+        QVERIFY(session.open());
+        session.select(0, {200, 200}, {400, 360});
+        QVERIFY(session.tap("Return"));
+        QCOMPARE(differentPixels(session.pasted(), session.expected(0, {200, 200, 200, 160})), 0);
+    }
+
     void bringsTheKeyboardToTheScreenOfThePointer()
     {
         WaylandSession session({{{QSize(1280, 800), 1}, {QSize(1600, 1200), 2}}});
