@@ -26,6 +26,7 @@ OverlayWindow::OverlayWindow(const OverlayContext &context, OverlayShell &shell)
     setCursor(m_selectionView->cursor());
     setWindowTitle(QStringLiteral("Tovek"));
     resize(qRound(m_targetScreen.frame.width), qRound(m_targetScreen.frame.height));
+    setAttribute(Qt::WA_TranslucentBackground, shell.presentsBelow());
     winId(); // the surface needs the native window, before anything is shown
     m_surface = shell.create(*windowHandle(), m_targetScreen, context.screenshot);
     m_surface->onScreenGone = [this] {

@@ -123,6 +123,9 @@ public:
     virtual ~OverlayShell() = default;
     /// See ScreenGrabber::prepare.
     virtual void prepare() = 0;
+    /// True where surfaces present below their window (see OverlaySurface::liesBelow): the window
+    /// must be one that can be transparent, from its making on.
+    virtual bool presentsBelow() const { return false; }
     /// The window must not have been shown; its geometry and flags are set here.
     virtual std::unique_ptr<OverlaySurface> create(QWindow &window, const Screen &screen,
                                                    std::shared_ptr<FrozenDisplay> frozen) = 0;

@@ -58,10 +58,6 @@ LayerOverlaySurface::~LayerOverlaySurface()
 void LayerOverlaySurface::setUpWindow()
 {
     const QRect before = m_window.geometry();
-    // The frozen display shines through from below.
-    QSurfaceFormat format = m_window.requestedFormat();
-    format.setAlphaBufferSize(8);
-    m_window.setFormat(format);
     m_window.setFlags(m_window.flags() | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint);
     m_layer = LayerSurface::create(m_services->shell, m_window, toolkitScreen(m_screen.name), {});
     if (!m_layer)

@@ -70,6 +70,7 @@ public:
            std::function<void(uint32_t displayId)> pointerSeenOn);
 
     void prepare() override { }
+    bool presentsBelow() const override { return true; }
     std::unique_ptr<OverlaySurface> create(QWindow &window, const Screen &screen,
                                            std::shared_ptr<FrozenDisplay> frozen) override;
 
