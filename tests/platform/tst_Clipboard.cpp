@@ -12,11 +12,15 @@
 #include "platform/wayland/clipboard/DataControlClipboard.h"
 #include "support/WaylandClipboardReader.h"
 #include "support/WaylandDesktop.h"
+#include "support/compositor/TestCompositor.h"
 #endif
 
+#include <QFile>
 #include <QPromise>
 #include <QRegularExpression>
 #include <QTest>
+
+#include <future>
 
 using namespace tovek;
 
@@ -100,6 +104,50 @@ private:
         return connection;
     }
     WaylandClipboardReader m_reader;
+    std::unique_ptr<DataControlClipboard> m_clipboard;
+};
+
+/// On a compositor that offers one of the two protocols alone.
+class SeenOneProtocol : public Seen
+{
+public:
+    explicit SeenOneProtocol(const char *withheld)
+        : m_compositor({.outputs = {}, .withheld = {QString::fromLatin1(withheld)}})
+    {
+        if (!m_compositor.start())
+            qFatal("no compositor");
+        const UseCompositor use(m_compositor);
+        const auto connection = WaylandConnection::open();
+        connection->handleInMainLoop();
+        m_clipboard = DataControlClipboard::create(connection, {});
+    }
+    Clipboard &clipboard() override { return *m_clipboard; }
+    QStringList targets() override
+    {
+        QCoreApplication::processEvents();
+        return m_compositor.clipboardTypes();
+    }
+    QByteArray png() override { return read("image/png"); }
+    QString text() override { return QString::fromUtf8(read("UTF8_STRING")); }
+
+private:
+    QByteArray read(const char *type)
+    {
+        QCoreApplication::processEvents();
+        const int pipe = m_compositor.paste(type);
+        if (pipe < 0)
+            return {};
+        auto bytes = std::async(std::launch::async, [pipe] {
+            QFile file;
+            return file.open(pipe, QIODevice::ReadOnly, QFile::AutoCloseHandle) ? file.readAll()
+                                                                                : QByteArray();
+        });
+        while (bytes.wait_for(std::chrono::milliseconds(0)) != std::future_status::ready)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        return bytes.get();
+    }
+
+    TestCompositor m_compositor;
     std::unique_ptr<DataControlClipboard> m_clipboard;
 };
 #endif
@@ -239,6 +287,8 @@ private:
         QTest::newRow("fake") << QStringLiteral("fake");
         QTest::newRow("X11") << QStringLiteral("X11");
         QTest::newRow("Wayland") << QStringLiteral("Wayland");
+        QTest::newRow("ext-data-control") << QStringLiteral("ext");
+        QTest::newRow("wlr-data-control") << QStringLiteral("wlr");
     }
     std::unique_ptr<Seen> make()
     {
@@ -252,6 +302,10 @@ private:
 #ifdef TOVEK_WITH_WAYLAND
         if (kind == QLatin1String("Wayland") && !m_desktop.socket().isEmpty())
             return std::make_unique<SeenWayland>(m_desktop);
+        if (kind == QLatin1String("ext"))
+            return std::make_unique<SeenOneProtocol>("zwlr_data_control_manager_v1");
+        if (kind == QLatin1String("wlr"))
+            return std::make_unique<SeenOneProtocol>("ext_data_control_manager_v1");
 #endif
         return nullptr;
     }

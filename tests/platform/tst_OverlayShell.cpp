@@ -8,6 +8,12 @@
 #include "platform/x11/TwoMonitors.h"
 #include "platform/x11/capture/X11Screens.h"
 #include "platform/x11/overlay/X11OverlaySurface.h"
+#ifdef TOVEK_WITH_WAYLAND
+#include "platform/wayland/capture/WaylandFrozenDisplay.h"
+#include "platform/wayland/capture/WaylandScreens.h"
+#include "platform/wayland/overlay/LayerOverlayShell.h"
+#include "support/compositor/TestCompositor.h"
+#endif
 
 #include <QWindow>
 
@@ -19,6 +25,9 @@ using namespace tovek;
 namespace {
 
 X11TestDesktop *desktop = nullptr;
+#ifdef TOVEK_WITH_WAYLAND
+TestCompositor *compositor = nullptr;
+#endif
 
 constexpr int deadline = 20000;
 
@@ -133,6 +142,77 @@ private:
     X11OverlayShell m_shell;
 };
 
+#ifdef TOVEK_WITH_WAYLAND
+CompositorOutput outputOf(const char *name, QSize size, QPoint at)
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(0xff000000);
+    return {QString::fromLatin1(name), image, 1, at};
+}
+
+class WaylandDesk : public Desk
+{
+public:
+    WaylandDesk()
+        : m_connection(WaylandConnection::open())
+        , m_outputs(std::make_shared<WaylandOutputs>(m_connection))
+        , m_screens(m_outputs)
+        , m_shell(LayerOverlayShell::create(m_outputs, nullptr))
+    {
+        m_connection->handleInMainLoop();
+    }
+    OverlayShell &shell() override { return *m_shell; }
+    std::vector<Screen> screens() override { return m_screens.all(); }
+    std::shared_ptr<FrozenDisplay> freeze(const Screen &screen) override
+    {
+        return std::make_shared<WaylandFrozenDisplay>(
+            SharedPixels::fromImage(compositor->look(indexOf(screen))));
+    }
+    void paintBelow(const Screen &screen, QRgb color) override
+    {
+        QImage image(screen.native.size(), QImage::Format_RGB32);
+        image.fill(color);
+        compositor->setPicture(indexOf(screen), image);
+    }
+    QRgb pixel(const Screen &screen, QPoint at) override
+    {
+        return compositor->look(indexOf(screen)).pixel(at);
+    }
+    bool removeSecondMonitor() override
+    {
+        compositor->removeOutput(1);
+        return true;
+    }
+    bool addSecondMonitor() override
+    {
+        compositor->addOutput(outputOf("Right", {726, 600}, {640, 0}));
+        return true;
+    }
+
+private:
+    static int indexOf(const Screen &screen)
+    {
+        return screen.name == QLatin1String("Left") ? 0 : 1;
+    }
+
+    std::shared_ptr<WaylandConnection> m_connection;
+    std::shared_ptr<WaylandOutputs> m_outputs;
+    WaylandScreens m_screens;
+    std::unique_ptr<LayerOverlayShell> m_shell;
+};
+#endif
+
+std::unique_ptr<Desk> makeDesk(const QString &implementation)
+{
+#ifdef TOVEK_WITH_WAYLAND
+    if (implementation == QLatin1String("layer shell"))
+        return std::make_unique<WaylandDesk>();
+#endif
+    if (implementation == QLatin1String("x11"))
+        return std::make_unique<X11Desk>();
+    return std::make_unique<FakeDesk>();
+}
+
 } // namespace
 
 /// What every implementation of the overlays' windows keeps to.
@@ -143,13 +223,19 @@ class TestOverlayShell : public QObject
 private Q_SLOTS:
     void initTestCase_data()
     {
-        addImplementations(desktop ? QString() : QStringLiteral("Xvfb or xrandr is missing"));
+#ifdef TOVEK_WITH_WAYLAND
+        if (compositor)
+            return addImplementations(std::vector<RealImplementation>{{"layer shell", {}}});
+#endif
+        addImplementations(std::vector<RealImplementation>{
+            {"x11", desktop ? QString() : QStringLiteral("Xvfb or xrandr is missing")}});
     }
 
     void init()
     {
         QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
-        m_desk = makeDesk<Desk, FakeDesk, X11Desk>();
+        QFETCH_GLOBAL(QString, implementation);
+        m_desk = makeDesk(implementation);
         m_screens = m_desk->screens();
         QCOMPARE(m_screens.size(), size_t(2));
         for (size_t index = 0; index < 2; ++index) {
@@ -272,8 +358,14 @@ private:
     static constexpr QRgb before = 0xff336699;
     static constexpr QRgb after = 0xffee1122;
 
-    OverlaySurface &first() { return *m_surfaces[0]; }
-    OverlaySurface &second() { return *m_surfaces[1]; }
+    OverlaySurface &first()
+    {
+        return *m_surfaces[0];
+    }
+    OverlaySurface &second()
+    {
+        return *m_surfaces[1];
+    }
 
     std::unique_ptr<Desk> m_desk;
     std::vector<Screen> m_screens;
@@ -281,8 +373,30 @@ private:
     std::array<std::unique_ptr<OverlaySurface>, 2> m_surfaces;
 };
 
+#ifdef TOVEK_WITH_WAYLAND
+/// The toolkit can have but one window system a process.
+int runOnWayland(int argc, char **argv)
+{
+    TestCompositor own(
+        {{outputOf("Left", {640, 768}, {}), outputOf("Right", {726, 600}, {640, 0})}});
+    if (!own.start())
+        return 1;
+    compositor = &own;
+    const UseCompositor use(own);
+    qputenv("QT_QPA_PLATFORM", "wayland");
+    qputenv("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1");
+    QGuiApplication application(argc, argv);
+    TestOverlayShell test;
+    return QTest::qExec(&test, argc, argv);
+}
+#endif
+
 int main(int argc, char **argv)
 {
+#ifdef TOVEK_WITH_WAYLAND
+    if (qEnvironmentVariableIsSet("TOVEK_TEST_WAYLAND"))
+        return runOnWayland(argc, argv);
+#endif
     return runOnTwoMonitors<TestOverlayShell>(argc, argv, desktop, {"*Left", "640/200x768/200+0+0"},
                                               {"Right", "726/200x600/200+640+100"});
 }

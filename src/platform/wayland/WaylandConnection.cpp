@@ -112,8 +112,10 @@ void WaylandConnection::handleInMainLoop()
     Q_ASSERT(isMainThread());
     m_notifier =
         std::make_unique<QSocketNotifier>(wl_display_get_fd(m_display), QSocketNotifier::Read);
-    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
-                     [this] { dispatch(std::chrono::milliseconds(0)); });
+    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(), [this] {
+        dispatch(std::chrono::milliseconds(0));
+        flush();
+    });
     // Requests made while other events are handled go out before the program sleeps.
     if (auto *dispatcher = QAbstractEventDispatcher::instance())
         QObject::connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, m_notifier.get(),

@@ -72,9 +72,10 @@ private:
     static void failed(void *data, Frame *, uint32_t reason)
     {
         ExtCapture &capture = self(data);
-        const bool mayRetry = reason != EXT_IMAGE_COPY_CAPTURE_FRAME_V1_FAILURE_REASON_STOPPED;
         capture.m_frame.reset();
-        if (mayRetry && !std::exchange(capture.m_hasRetried, true))
+        if (reason == EXT_IMAGE_COPY_CAPTURE_FRAME_V1_FAILURE_REASON_STOPPED)
+            return capture.fail(QStringLiteral("the compositor ended the capture"));
+        if (!std::exchange(capture.m_hasRetried, true))
             return capture.copy();
         capture.fail(QStringLiteral("the compositor refused the picture"));
     }

@@ -223,11 +223,12 @@ QFuture<ScreenGrabber::Result> WaylandScreenGrabber::capture(const ShareableCont
                                                              const CaptureDisplay &display,
                                                              const std::vector<quint32> &)
 {
-    const auto snapshot = std::static_pointer_cast<Snapshot>(content.snapshot);
-    const auto found = snapshot->results.find(display.displayId);
-    if (found == snapshot->results.end())
-        return readyFuture(Result{nullptr, QStringLiteral("the screen was not there")});
-    return readyFuture(found->second);
+    if (const auto snapshot = std::static_pointer_cast<Snapshot>(content.snapshot)) {
+        const auto found = snapshot->results.find(display.displayId);
+        if (found != snapshot->results.end())
+            return readyFuture(found->second);
+    }
+    return readyFuture(Result{nullptr, QStringLiteral("the screen was not there")});
 }
 
 std::shared_ptr<FrozenDisplay> WaylandScreenGrabber::frozenFromImage(const QImage &image)
