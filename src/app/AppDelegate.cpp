@@ -103,13 +103,19 @@ OverlayController::Services AppDelegate::overlayServices()
     services.willFreeze = [this] {
         if (m_services.toast)
             m_services.toast->hideForCapture();
+        if (m_services.statusBarController)
+            m_services.statusBarController->hideForCapture();
     };
     services.didOpen = [this](CaptureMode mode) {
         m_services.prepareSound();
         if (m_services.ocrService && mode != CaptureMode::copyImage)
             m_services.ocrService->prepare();
     };
-    services.didClose = [this] { restSoon(); };
+    services.didClose = [this] {
+        if (m_services.statusBarController)
+            m_services.statusBarController->captureEnded();
+        restSoon();
+    };
     if (m_services.ocrService) {
         services.takeMissingPackage = [this] {
             return m_services.ocrService->takeMissingPackage();

@@ -22,8 +22,8 @@ AppServices::AppServices(Platform &desktop, const UserDefaults &defaults) : plat
         notificationManager =
             std::make_unique<NotificationManager>(*platform.notifications, *platform.fileRevealer);
     if (platform.tray)
-        statusBarController = std::make_unique<StatusBarController>(*platform.tray, *platform.clock,
-                                                                    defaults, &symbolImage);
+        statusBarController = std::make_unique<StatusBarController>(
+            *platform.tray, *platform.clock, defaults, &symbolImage, platform.previewShell.get());
     if (platform.capturePermission) {
         permissionManager = std::make_unique<PermissionManager>(*platform.capturePermission);
         permissionWindowController = std::make_unique<PermissionWindowController>(

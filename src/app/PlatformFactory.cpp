@@ -35,6 +35,7 @@
 #include "platform/wayland/keys/SwayHotKeys.h"
 #include "platform/wayland/keys/WaylandKeyboardLayout.h"
 #include "platform/wayland/overlay/LayerOverlayShell.h"
+#include "platform/wayland/overlay/LayerPreviewShell.h"
 #include "platform/wayland/overlay/LayerToastShell.h"
 #include "platform/wayland/overlay/WaylandKeyboardHold.h"
 #endif
@@ -155,6 +156,7 @@ bool addWaylandDesktop(Platform &platform, const EarlyPlatform &early)
     if (!platform.clipboard)
         platform.clipboard = std::make_unique<NullClipboard>();
     platform.toastShell = LayerToastShell::create(connection, outputs);
+    platform.previewShell = LayerPreviewShell::create();
     platform.keyboardHold = WaylandKeyboardHold::create();
     platform.soundOutput = std::make_unique<CanberraSoundOutput>([] { return true; });
     // Only the panel can put the menu where the item is.

@@ -7,6 +7,13 @@
 
 namespace tovek {
 
+void ItemMenu::setVisible(bool isVisible)
+{
+    if (!isVisible && onLeaving)
+        onLeaving();
+    QMenu::setVisible(isVisible);
+}
+
 void ItemMenu::initStyleOption(QStyleOptionMenuItem *option, const QAction *action) const
 {
     QMenu::initStyleOption(option, action);

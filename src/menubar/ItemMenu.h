@@ -16,6 +16,10 @@ public:
     using QMenu::QMenu;
 
     std::function<QString(const QKeySequence &keys)> describeKeys;
+    /// It is about to be hidden; its window is still there.
+    std::function<void()> onLeaving;
+
+    void setVisible(bool isVisible) override;
 
     void initStyleOption(QStyleOptionMenuItem *option, const QAction *action) const override;
 };

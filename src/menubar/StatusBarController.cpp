@@ -6,6 +6,7 @@
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
 #include "foundation/Settings.h"
+#include "menubar/FloatingPreview.h"
 #include "menubar/ItemMenu.h"
 #include "menubar/ItemPictures.h"
 #include "menubar/PreviewRow.h"
@@ -29,6 +30,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto fileLifetime = 2000ms;
+constexpr auto returnDelay = 400ms;
 
 struct MenuRow
 {
@@ -83,13 +85,15 @@ QByteArray pngOf(const Image &image)
 } // namespace
 
 StatusBarController::StatusBarController(Tray &statusItem, Clock &clock,
-                                         const UserDefaults &defaults, SymbolSource symbols)
+                                         const UserDefaults &defaults, SymbolSource symbols,
+                                         PreviewShell *previewShell)
     : encodePng(pngOf)
     , performDrag(dragFile)
     , m_statusItem(statusItem)
     , m_clock(clock)
     , m_defaults(defaults)
     , m_defaultIcon(iconPicture(symbols))
+    , m_previewShell(previewShell)
 {
 }
 
@@ -167,12 +171,46 @@ void StatusBarController::showPreview(const Image &image, std::chrono::milliseco
     m_isInPreviewMode = true;
     m_png = {};
     m_statusItem.setPicture(thumbnailPicture(image, m_defaultIcon));
+    showFloatingPreview();
     m_revertTimer = std::make_unique<QObject>();
     m_clock.after(duration, m_revertTimer.get(), [this] { endPreviewMode(); });
 }
 
+void StatusBarController::showFloatingPreview()
+{
+    hideFloatingPreview();
+    if (!m_previewShell || m_statusItem.canDrag() || !Settings::showInMenuBar.in(m_defaults))
+        return;
+    m_floatingPreview = FloatingPreview::show(*m_previewShell, m_currentPreviewImage.bitmap);
+    if (!m_floatingPreview)
+        return;
+    m_floatingPreview->onPressed = [this] { encodeAhead(); };
+    m_floatingPreview->onDragged = [this] { startDragOut(); };
+    m_floatingPreview->onClicked = [this] { openMenu(); };
+    m_floatingPreview->onClosed = [this] { hideFloatingPreview(); };
+}
+
+void StatusBarController::hideFloatingPreview()
+{
+    if (!m_floatingPreview)
+        return;
+    if (m_menu)
+        m_menu->close();
+    m_floatingPreview->leave();
+    m_floatingPreview.release()->deleteLater(); // an event of its own may have led here
+}
+
+void StatusBarController::captureEnded()
+{
+    if (!m_isInPreviewMode || m_floatingPreview)
+        return;
+    // Unless the capture's own takes its place.
+    m_clock.after(returnDelay, m_revertTimer.get(), [this] { showFloatingPreview(); });
+}
+
 void StatusBarController::endPreviewMode()
 {
+    hideFloatingPreview();
     m_revertTimer.reset();
     m_currentPreviewImage = {};
     m_png = {};
@@ -214,7 +252,12 @@ void StatusBarController::openMenu()
     Q_ASSERT(isMainThread());
     if (m_menu)
         return;
-    buildMenu();
+    ItemMenu &menu = buildMenu();
+    if (m_floatingPreview) {
+        if (!m_floatingPreview->openMenu(menu))
+            menuClosed();
+        return;
+    }
     const QRect item = m_statusItem.geometry();
     const QPoint pointer = QCursor::pos();
     const QRect anchor = item.isEmpty() ? QRect(pointer, QSize(1, 1)) : item;
@@ -224,7 +267,7 @@ void StatusBarController::openMenu()
     m_menu->popup(menuOrigin(anchor, m_menu->sizeHint(), screen->geometry()));
 }
 
-void StatusBarController::buildMenu()
+ItemMenu &StatusBarController::buildMenu()
 {
     auto *menu = new ItemMenu;
     menu->describeKeys = describeKeys;
@@ -233,9 +276,10 @@ void StatusBarController::buildMenu()
     m_menu->setToolTipsVisible(true);
     m_menu->installEventFilter(this);
     connect(m_menu, &QMenu::aboutToHide, this, [this] { menuClosed(); });
-    if (m_isInPreviewMode && !showsThumbnail())
+    if (m_isInPreviewMode && !showsThumbnail() && !m_floatingPreview)
         addPreviewRow();
     addRows(*m_menu);
+    return *menu;
 }
 
 void StatusBarController::addRows(QMenu &menu)
@@ -360,6 +404,7 @@ void StatusBarController::startDragOut()
         (QSizeF(size.width, size.height) * scale).toSize().expandedTo(QSize(1, 1)),
         Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     image.setDevicePixelRatio(scale);
+    m_revertTimer.reset(); // nothing goes from under the hand
     performDrag({*m_currentDragFileUrl, image, m_statusItem.dragSource()});
     dragEnded();
 }

@@ -20,6 +20,9 @@ class QMenu;
 namespace tovek {
 
 class Clock;
+class FloatingPreview;
+class ItemMenu;
+class PreviewShell;
 class UserDefaults;
 
 /// What a drag out of the status item carries.
@@ -41,8 +44,9 @@ public:
         std::function<void()> checkForUpdates, openPreferences, openAbout, quit;
     };
 
+    /// `previewShell` may be null; it is used where nothing can be dragged out of the item.
     StatusBarController(Tray &statusItem, Clock &clock, const UserDefaults &defaults,
-                        SymbolSource symbols);
+                        SymbolSource symbols, PreviewShell *previewShell = nullptr);
     ~StatusBarController() override;
 
     /// Called once at launch, after the callbacks below have been set.
@@ -50,6 +54,10 @@ public:
     /// Shows the item or hides it, as its setting changes.
     void setVisible(bool isVisible);
     void showPreview(const Image &image, std::chrono::milliseconds duration);
+    /// Takes a preview off the screen that would be in a picture of it.
+    void hideForCapture() { hideFloatingPreview(); }
+    /// Brings it back.
+    void captureEnded();
     bool isInPreviewMode() const { return m_isInPreviewMode; }
     void openMenu();
     /// Null while the menu is closed.
@@ -79,7 +87,9 @@ private:
     void press(QPointF at);
     void moveTo(QPointF at);
     void release();
-    void buildMenu();
+    ItemMenu &buildMenu();
+    void showFloatingPreview();
+    void hideFloatingPreview();
     void addRows(QMenu &menu);
     void chosen();
     std::vector<TrayMenuRow> rowsForHost();
@@ -106,6 +116,8 @@ private:
     QFuture<QByteArray> m_png; ///< of the preview image; invalid until somebody may want it
     Workers m_encoder{1};
     DragFiles m_dragFiles;
+    PreviewShell *m_previewShell;
+    std::unique_ptr<FloatingPreview> m_floatingPreview;
 };
 
 } // namespace tovek

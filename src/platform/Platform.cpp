@@ -15,6 +15,7 @@
 #include "platform/LoginItem.h"
 #include "platform/Notifications.h"
 #include "platform/OverlaySurface.h"
+#include "platform/PreviewShell.h"
 #include "platform/ScreenGrabber.h"
 #include "platform/SoundPlayer.h"
 #include "platform/SystemShortcuts.h"

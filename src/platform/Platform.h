@@ -20,6 +20,7 @@ class LockSignals;
 class LoginItem;
 class Notifications;
 class OverlayShell;
+class PreviewShell;
 class ScreenGrabber;
 class Screens;
 class SoundOutput;
@@ -51,6 +52,7 @@ struct Platform
 
     std::unique_ptr<CapturePermission> capturePermission;
     std::unique_ptr<ToastShell> toastShell;
+    std::unique_ptr<PreviewShell> previewShell;
     std::unique_ptr<KeyboardHold> keyboardHold;
     std::unique_ptr<SoundOutput> soundOutput;
     std::unique_ptr<Notifications> notifications;

@@ -92,7 +92,8 @@ std::unique_ptr<LayerSurface> LayerSurface::create(std::shared_ptr<LayerShell> s
     zwlr_layer_surface_v1_set_size(layer->m_handle, uint32_t(place.size.width()),
                                    uint32_t(place.size.height()));
     zwlr_layer_surface_v1_set_anchor(layer->m_handle, place.anchors);
-    zwlr_layer_surface_v1_set_exclusive_zone(layer->m_handle, -1);
+    zwlr_layer_surface_v1_set_exclusive_zone(layer->m_handle,
+                                             place.panels == Panels::areCovered ? -1 : 0);
     zwlr_layer_surface_v1_set_margin(layer->m_handle, place.top, place.right, place.bottom,
                                      place.left);
     zwlr_layer_surface_v1_set_keyboard_interactivity(layer->m_handle, 0);

@@ -44,12 +44,14 @@ private:
 class LayerSurface
 {
 public:
+    enum class Panels { areCovered, areLeftFree };
     struct Place
     {
         uint32_t anchors = 15; ///< zwlr_layer_surface_v1.anchor; all four: fills the output
         QSize size{0, 0}; ///< in points; 0 where two anchors decide
         int top = 0, right = 0, bottom = 0, left = 0; ///< margins, in points
         const char *nameSpace = "tovek-overlay"; ///< under which users know it in their rules
+        Panels panels = Panels::areCovered;
     };
     /// Null, with one log line, when the compositor does not want it: without an answer for long,
     /// or where nobody manages such windows.
@@ -58,6 +60,7 @@ public:
     ~LayerSurface();
 
     wl_surface *surface() const { return m_surface; }
+    zwlr_layer_surface_v1 *handle() const { return m_handle; }
     /// In points, as the compositor wants it.
     QSize configuredSize() const { return m_configured; }
     enum class Keyboard { none, exclusive };

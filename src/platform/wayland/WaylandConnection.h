@@ -63,6 +63,15 @@ public:
     {
         wl_proxy_set_queue(reinterpret_cast<wl_proxy *>(object), nullptr);
     }
+    /// What is made of this is handled by `waitFor` until it is adopted. The caller destroys it
+    /// with wl_proxy_wrapper_destroy.
+    template <typename T>
+    T *waitable(T *object) const
+    {
+        auto *wrapper = static_cast<T *>(wl_proxy_create_wrapper(object));
+        wl_proxy_set_queue(reinterpret_cast<wl_proxy *>(wrapper), m_queue);
+        return wrapper;
+    }
     void flush() const;
     /// Handles events until the condition holds. False at the deadline, or when the connection is
     /// lost.

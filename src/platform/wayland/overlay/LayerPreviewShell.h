@@ -1,0 +1,31 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/PreviewShell.h"
+
+namespace tovek {
+
+class LayerShell;
+struct MenuGlobals;
+
+/// Previews as surfaces of the layer shell, below the panels in the upper right corner of the
+/// screen that the compositor thinks the user looks at. Their menus are popups of theirs.
+class LayerPreviewShell : public PreviewShell
+{
+public:
+    /// Null where the compositor offers no such surfaces.
+    static std::unique_ptr<LayerPreviewShell> create();
+    ~LayerPreviewShell() override;
+
+    std::unique_ptr<PreviewSurface> create(QWindow &window, QSize points) override;
+
+private:
+    explicit LayerPreviewShell(std::shared_ptr<LayerShell> shell);
+
+    std::shared_ptr<LayerShell> m_shell;
+    std::shared_ptr<MenuGlobals> m_menus;
+};
+
+} // namespace tovek
