@@ -23,6 +23,27 @@ private Q_SLOTS:
         m_layout.characters = {{17, QStringLiteral("t")}, {27, QStringLiteral("-")}};
     }
 
+    void writesCombinations_data()
+    {
+        QTest::addColumn<quint32>("keyCode");
+        QTest::addColumn<quint32>("modifiers");
+        QTest::addColumn<QString>("accelerator");
+        QTest::newRow("a letter") << 17U << 0x1800U << "<Control><Alt>t";
+        QTest::newRow("a sign") << 27U << 0x300U << "<Shift><Super>minus";
+        QTest::newRow("Print") << 105U << 0U << "Print";
+        QTest::newRow("a key of the keypad") << 82U << 0x1000U << "<Control>KP_0";
+        QTest::newRow("a key without a name") << 200U << 0x1000U << "";
+    }
+    void writesCombinations()
+    {
+        QFETCH(quint32, keyCode);
+        QFETCH(quint32, modifiers);
+        QFETCH(QString, accelerator);
+        QCOMPARE(acceleratorOf({keyCode, modifiers}, m_layout), accelerator);
+        QCOMPARE(isAccelerator(accelerator, {keyCode, modifiers}, m_layout),
+                 !accelerator.isEmpty());
+    }
+
     void readsCombinations_data()
     {
         QTest::addColumn<QString>("accelerator");

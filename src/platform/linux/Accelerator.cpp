@@ -8,6 +8,7 @@
 #include <QStringList>
 
 #include <optional>
+#include <xkbcommon/xkbcommon.h>
 
 namespace tovek {
 
@@ -101,6 +102,42 @@ bool isAccelerator(const QString &accelerator, KeyCombo combo, const KeyboardLay
     const auto modifiers = takeModifiers(key);
     return modifiers && *modifiers == combo.modifiers && !key.isEmpty()
         && isKey(key, combo.keyCode, layout);
+}
+
+QString symbolNameOf(quint32 keyCode, const KeyboardLayout &layout)
+{
+    xkb_keysym_t symbol = XKB_KEY_NoSymbol;
+    for (const KeyName &key : keyNames) {
+        if (key.keyCode == keyCode)
+            symbol = xkb_keysym_from_name(QByteArray(key.names).split(' ').first().constData(),
+                                          XKB_KEYSYM_CASE_INSENSITIVE);
+    }
+    if (symbol == XKB_KEY_NoSymbol) {
+        const auto typed = layout.character(int(keyCode));
+        const auto character = typed ? typed->toLower().toUcs4().value(0) : 0;
+        symbol = character ? xkb_utf32_to_keysym(character) : XKB_KEY_NoSymbol;
+    }
+    char name[64] = {};
+    const bool isNamed =
+        symbol != XKB_KEY_NoSymbol && xkb_keysym_get_name(symbol, name, sizeof name) > 0;
+    return isNamed ? QString::fromLatin1(name) : QString();
+}
+
+QString acceleratorOf(KeyCombo combo, const KeyboardLayout &layout)
+{
+    const QString key = symbolNameOf(combo.keyCode, layout);
+    if (key.isEmpty())
+        return {};
+    constexpr ModifierName written[] = {{"<Control>", ComboModifier::control},
+                                        {"<Alt>", ComboModifier::option},
+                                        {"<Shift>", ComboModifier::shift},
+                                        {"<Super>", ComboModifier::command}};
+    QString accelerator;
+    for (const ModifierName &modifier : written) {
+        if (combo.modifiers & modifier.bit)
+            accelerator += QLatin1String(modifier.name);
+    }
+    return accelerator + key;
 }
 
 } // namespace tovek

@@ -16,4 +16,11 @@ class KeyboardLayout;
 /// layout; a combination with a modifier that shortcuts do not know is none of ours.
 bool isAccelerator(const QString &accelerator, KeyCombo combo, const KeyboardLayout &layout);
 
+/// The name of a key as keyboards' own tables have it ("Print", "3", "numbersign"), by what it
+/// types without modifiers in the layout; empty for one that has none.
+QString symbolNameOf(quint32 keyCode, const KeyboardLayout &layout);
+
+/// A combination as GNOME and its kin write it; empty where the key has no name.
+QString acceleratorOf(KeyCombo combo, const KeyboardLayout &layout);
+
 } // namespace tovek
