@@ -16,6 +16,8 @@ using tovek::KeyCombo;
 
 namespace {
 
+constexpr int laterRefusal = 10; // as an X server says it
+
 quint32 unsigned32(qint64 value, const char *what)
 {
     if (value < 0 || value > std::numeric_limits<quint32>::max())
@@ -45,6 +47,7 @@ CarbonKeyboardShortcuts::~CarbonKeyboardShortcuts()
     m_hotKeys.onPressed = {};
     m_hotKeys.onReleased = {};
     m_hotKeys.onRawKey = {};
+    m_hotKeys.onRefused = {};
 }
 
 void CarbonKeyboardShortcuts::registerShortcut(const Shortcut &shortcut, Action onKeyDown,
@@ -128,6 +131,7 @@ void CarbonKeyboardShortcuts::installHandler()
     m_hotKeys.onReleased = [takeHotKey](quint32 id) {
         takeHotKey(KeyboardEvent::hotKeyReleased, id);
     };
+    m_hotKeys.onRefused = [this](quint32 id) { drop(id); };
     m_hotKeys.onRawKey = [this](KeyCombo key, bool isDown) {
         const auto kind = isDown ? KeyboardEvent::rawKeyDown : KeyboardEvent::rawKeyUp;
         return handle(KeyboardEvent{kind, {}, key.keyCode, key.modifiers}) == noError;
@@ -175,6 +179,17 @@ void CarbonKeyboardShortcuts::unregisterAll()
             m_hotKeys.release(id);
         hotKey.hasHandle = false;
     }
+}
+
+void CarbonKeyboardShortcuts::drop(quint32 id)
+{
+    const auto found = m_table.find(id);
+    if (found == m_table.end())
+        return;
+    logRefusal(found->second.shortcut, laterRefusal);
+    m_table.erase(found);
+    if (onDropped)
+        onDropped();
 }
 
 int CarbonKeyboardShortcuts::grab(const HotKey &hotKey)

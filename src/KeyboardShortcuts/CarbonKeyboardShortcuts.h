@@ -71,7 +71,7 @@ public:
     /// The one handler of all events; a status, noError when the event was taken.
     int handle(const std::optional<KeyboardEvent> &event);
 
-    /// After a menu the system gave some hot key to somebody else.
+    /// The system gave some hot key to somebody else after all, as it can after a menu.
     std::function<void()> onDropped;
 
 private:
@@ -89,6 +89,7 @@ private:
     void registerAll();
     void unregisterAll();
     int grab(const HotKey &hotKey);
+    void drop(quint32 id);
     int handleHotKey(const KeyboardEvent &event);
     int handleRawKey(const KeyboardEvent &event);
     void logRefusal(const Shortcut &shortcut, int status) const;

@@ -112,6 +112,11 @@ void ShortcutService::retryRefused()
         m_notifications.post(registrationDidChange);
 }
 
+bool ShortcutService::reportsRelease() const
+{
+    return m_hotKeys.reportsRelease();
+}
+
 QString ShortcutService::likelyHolder() const
 {
     return m_hotKeys.likelyHolder();

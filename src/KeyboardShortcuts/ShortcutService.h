@@ -51,6 +51,9 @@ public:
     /// Asks the system once more for what it has refused, which also happens by itself when that
     /// may have become free. registrationDidChange is posted when something was.
     void retryRefused();
+    /// False where the desktop tells of presses only: what is for the release then starts with the
+    /// press.
+    bool reportsRelease() const;
     /// The program that most likely holds what was refused; mostly empty.
     QString likelyHolder() const;
 

@@ -35,6 +35,16 @@ struct CommandBinding
     bool operator==(const CommandBinding &) const = default;
 };
 
+/// What a combination starts, for a desktop that shows it to the user, or starts it by itself.
+struct HotKeyPurpose
+{
+    QString id; ///< the same in every run
+    QString title;
+    QString command; ///< a line for a shell
+
+    bool operator==(const HotKeyPurpose &) const = default;
+};
+
 /// System-wide keys. Main thread only.
 ///
 /// A combination fires whatever the lock keys are; a key held down fires once, and one that was
@@ -67,6 +77,11 @@ public:
     /// The name of the program that holds most of what is taken, the window manager; mostly empty.
     virtual QString likelyHolder() const { return {}; }
 
+    /// What a combination is for; to be set by the owner.
+    std::function<std::optional<HotKeyPurpose>(KeyCombo combo)> purposeOf;
+    /// A combination that was given is not ours after all: the desktop was asked, and took its
+    /// time.
+    std::function<void(quint32 id)> onRefused;
     std::function<void()> onMayBeFree;
     std::function<void(quint32 id)> onPressed;
     std::function<void(quint32 id)> onReleased;

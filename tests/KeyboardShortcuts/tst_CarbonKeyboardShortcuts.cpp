@@ -115,6 +115,21 @@ private Q_SLOTS:
         QCOMPARE(ids(), QList<quint32>{2});
     }
 
+    void dropsWhatIsRefusedLater()
+    {
+        add(copy);
+        add(paste);
+        bool isTold = false;
+        m_carbon->onDropped = [&] { isTold = true; };
+        tovek::StdoutCapture output;
+        m_hotKeys->onRefused(1);
+        QCOMPARE(output.take(), QByteArray("Error registering hotkey key8: 10\n"));
+        QVERIFY(isTold);
+        QVERIFY(!m_carbon->isRegistered(copy));
+        QVERIFY(m_carbon->isRegistered(paste));
+        m_hotKeys->onRefused(77); // of one that is not ours any more
+    }
+
     void takesNothingWhileItIsNotEnabled()
     {
         add(copy);
