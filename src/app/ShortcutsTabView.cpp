@@ -100,7 +100,7 @@ ShortcutsTabView::ShortcutsTabView(KeyboardShortcuts::ShortcutService &service,
     m_registrationToken = service.notifications().observe(
         KeyboardShortcuts::registrationDidChange, [this](const QVariantMap &) { showRefusals(); });
     showUsePrint();
-    setHint(tr(hint));
+    setHint(usualHint());
 }
 
 void ShortcutsTabView::changeEvent(QEvent *event)
@@ -162,7 +162,15 @@ void ShortcutsTabView::showRefusals()
         if (isRefused && text.isEmpty())
             text = explanation(*shortcut);
     }
-    setHint(text.isEmpty() ? tr(hint) : text);
+    setHint(text.isEmpty() ? usualHint() : text);
+}
+
+QString ShortcutsTabView::usualHint() const
+{
+    if (m_service.reportsRelease())
+        return tr(hint);
+    return tr(hint)
+        + tr(". On this desktop a capture starts when the keys go down, not when they come up.");
 }
 
 void ShortcutsTabView::setHint(const QString &text)

@@ -38,6 +38,7 @@ private:
     void showRefusals();
     /// Of a combination that cannot be had, or not without a question.
     QString explanation(const KeyboardShortcuts::Shortcut &shortcut) const;
+    QString usualHint() const;
     void setHint(const QString &text);
     void colorHint();
 

@@ -64,6 +64,18 @@ private Q_SLOTS:
         QVERIFY(hasHint);
     }
 
+    void saysWhereACaptureStartsAtThePress()
+    {
+        m_hotKeys.canReportRelease = false;
+        ShortcutsTabView view(service(), {});
+        m_hotKeys.canReportRelease = true;
+        const auto labels = view.findChildren<QLabel *>();
+        QVERIFY(std::any_of(labels.begin(), labels.end(), [](const QLabel *label) {
+            return label->text().endsWith(
+                QStringLiteral("when the keys go down, not when they come up."));
+        }));
+    }
+
     void recordsPrintScreenWithOneClick()
     {
         auto *usePrint = m_view->findChild<QPushButton *>();
