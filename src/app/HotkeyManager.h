@@ -4,8 +4,7 @@
 #pragma once
 
 #include "overlay/CaptureMode.h"
-
-#include <functional>
+#include "platform/HotKeys.h"
 
 namespace tovek {
 
@@ -15,6 +14,10 @@ class HotkeyManager
 public:
     /// Once per process, and before there is an application: keys are taken from this call on.
     void registerShortcuts();
+
+    /// What a combination starts now, for HotKeys::purposeOf; absent when nothing does. Needs the
+    /// application.
+    static std::optional<HotKeyPurpose> purposeOf(KeyCombo combo);
 
     /// The key of a shortcut came up: the capture starts.
     std::function<void(CaptureMode mode)> onCapture;

@@ -25,6 +25,7 @@
 #include "platform/null/NullClipboard.h"
 #include "platform/null/NullDesktop.h"
 #include "platform/null/NullKeyboard.h"
+#include "platform/portal/PortalBus.h"
 #ifdef TOVEK_WITH_WAYLAND
 #include "platform/wayland/capture/ExtScreenGrabber.h"
 #include "platform/wayland/capture/KWinCapturePermission.h"
@@ -108,6 +109,28 @@ void waitForUnfinished()
     std::_Exit(1);
 }
 
+/// As a Wayland desktop gives them, whatever the toolkit runs on.
+std::unique_ptr<HotKeys> makeWaylandHotKeys(EarlyPlatform &early, const KeyboardLayout &layout)
+{
+    if (auto keys = KGlobalAccelHotKeys::create(early.bus->connection(), layout)) {
+        QObject::connect(early.bus.get(), &SessionBus::changed, keys.get(),
+                         &KGlobalAccelHotKeys::setBus);
+        logLine(QStringLiteral("Wayland: shortcuts over KGlobalAccel"));
+        return keys;
+    }
+#ifdef TOVEK_WITH_WAYLAND
+    if (auto keys = SwayHotKeys::create(qEnvironmentVariable("SWAYSOCK"), layout)) {
+        logLine(QStringLiteral("Wayland: shortcuts over sway's socket"));
+        return keys;
+    }
+#endif
+    if (auto keys = makePortalHotKeys(early, layout))
+        return keys;
+    logLine(QStringLiteral("Wayland: this desktop gives its keys to no program; the Shortcuts tab "
+                           "tells how to give one to Tovek"));
+    return std::make_unique<UserBoundHotKeys>(qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
+}
+
 #ifdef TOVEK_WITH_WAYLAND
 std::unique_ptr<ScreenGrabber> makeWaylandGrabber(std::shared_ptr<WaylandConnection> connection,
                                                   std::shared_ptr<WaylandOutputs> outputs)
@@ -132,7 +155,7 @@ std::unique_ptr<ScreenGrabber> makeWaylandGrabber(std::shared_ptr<WaylandConnect
 }
 
 /// False where the toolkit does not run on Wayland, or the compositor lacks what a capture takes.
-bool addWaylandDesktop(Platform &platform, const EarlyPlatform &early)
+bool addWaylandDesktop(Platform &platform, EarlyPlatform &early)
 {
     const std::shared_ptr<WaylandConnection> &connection = early.wayland;
     if (!connection)
@@ -171,7 +194,7 @@ bool addWaylandDesktop(Platform &platform, const EarlyPlatform &early)
     return true;
 }
 
-bool addWaylandCapture(Platform &platform, const EarlyPlatform &early)
+bool addWaylandCapture(Platform &platform, EarlyPlatform &early)
 {
     if (!early.wayland)
         return false;
@@ -184,24 +207,6 @@ bool addWaylandCapture(Platform &platform, const EarlyPlatform &early)
     platform.frontmostApp = std::make_unique<NullFrontmostApp>();
     early.wayland->handleInMainLoop();
     return true;
-}
-
-std::unique_ptr<HotKeys> makeWaylandHotKeys(const EarlyPlatform &early,
-                                            const KeyboardLayout &layout)
-{
-    if (auto keys = KGlobalAccelHotKeys::create(early.bus->connection(), layout)) {
-        QObject::connect(early.bus.get(), &SessionBus::changed, keys.get(),
-                         &KGlobalAccelHotKeys::setBus);
-        logLine(QStringLiteral("Wayland: shortcuts over KGlobalAccel"));
-        return keys;
-    }
-    if (auto keys = SwayHotKeys::create(qEnvironmentVariable("SWAYSOCK"), layout)) {
-        logLine(QStringLiteral("Wayland: shortcuts over sway's socket"));
-        return keys;
-    }
-    logLine(QStringLiteral("Wayland: this desktop gives its keys to no program; the Shortcuts tab "
-                           "tells how to give one to Tovek"));
-    return std::make_unique<UserBoundHotKeys>(qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
 }
 
 bool openWaylandKeyboard(EarlyPlatform &early)
@@ -221,12 +226,12 @@ std::shared_ptr<WaylandConnection> openWayland()
     return connection && connection->offers("zwlr_layer_shell_v1") ? connection : nullptr;
 }
 #else
-bool addWaylandDesktop(Platform &, const EarlyPlatform &)
+bool addWaylandDesktop(Platform &, EarlyPlatform &)
 {
     return false;
 }
 
-bool addWaylandCapture(Platform &, const EarlyPlatform &)
+bool addWaylandCapture(Platform &, EarlyPlatform &)
 {
     return false;
 }
@@ -251,8 +256,14 @@ void exitWithTheServer()
 
 bool openX11Keyboard(EarlyPlatform &early)
 {
-    auto hotKeys = X11HotKeys::create();
     auto layout = X11KeyboardLayout::create();
+    if (layout && isWaylandSession()) {
+        // The X server is a guest there, and sees the keys of its own windows only.
+        early.hotKeys = makeWaylandHotKeys(early, *layout);
+        early.keyboardLayout = std::move(layout);
+        return true;
+    }
+    auto hotKeys = X11HotKeys::create();
     if (!hotKeys || !layout)
         return false;
     hotKeys->onConnectionLost = &exitWithTheServer;
@@ -262,7 +273,7 @@ bool openX11Keyboard(EarlyPlatform &early)
 }
 
 /// What takes pictures. Null where the session is not one of X11.
-std::shared_ptr<X11Connection> addX11Screens(Platform &platform, const EarlyPlatform &early,
+std::shared_ptr<X11Connection> addX11Screens(Platform &platform, EarlyPlatform &early,
                                              std::shared_ptr<X11Monitors> &monitors)
 {
     const std::shared_ptr<X11Connection> connection = X11Connection::create();
@@ -281,16 +292,15 @@ std::shared_ptr<X11Connection> addX11Screens(Platform &platform, const EarlyPlat
 }
 
 /// False where the session is not one of X11.
-bool addX11Desktop(Platform &platform, const EarlyPlatform &early)
+bool addX11Desktop(Platform &platform, EarlyPlatform &early)
 {
     std::shared_ptr<X11Monitors> monitors;
     const std::shared_ptr<X11Connection> connection = addX11Screens(platform, early, monitors);
     auto clipboard = X11Clipboard::create();
-    auto *hotKeys = dynamic_cast<X11HotKeys *>(platform.hotKeys.get());
     auto *layout = dynamic_cast<X11KeyboardLayout *>(platform.keyboardLayout.get());
     if (auto *revealer = dynamic_cast<DBusFileRevealer *>(platform.fileRevealer.get()))
         revealer->newActivationToken = &newX11ActivationToken;
-    if (!connection || !clipboard || !hotKeys || !layout)
+    if (!connection || !clipboard || !layout)
         return false;
     platform.overlayShell = std::make_unique<X11OverlayShell>(connection, monitors);
     platform.clipboard = std::move(clipboard);
@@ -303,12 +313,13 @@ bool addX11Desktop(Platform &platform, const EarlyPlatform &early)
     platform.tray = std::make_unique<FirstTray>(std::move(trays));
     // The toolkit, should it be the first to miss its server, calls exit by itself.
     std::atexit(&waitForUnfinished);
-    hotKeys->startDispatching();
+    if (auto *hotKeys = dynamic_cast<X11HotKeys *>(platform.hotKeys.get()))
+        hotKeys->startDispatching();
     layout->startDispatching();
     return true;
 }
 
-bool addX11Capture(Platform &platform, const EarlyPlatform &early)
+bool addX11Capture(Platform &platform, EarlyPlatform &early)
 {
     std::shared_ptr<X11Monitors> monitors;
     return addX11Screens(platform, early, monitors) != nullptr;
@@ -319,12 +330,12 @@ bool openX11Keyboard(EarlyPlatform &)
     return false;
 }
 
-bool addX11Desktop(Platform &, const EarlyPlatform &)
+bool addX11Desktop(Platform &, EarlyPlatform &)
 {
     return false;
 }
 
-bool addX11Capture(Platform &, const EarlyPlatform &)
+bool addX11Capture(Platform &, EarlyPlatform &)
 {
     return false;
 }
@@ -392,7 +403,7 @@ void openKeyboard(EarlyPlatform &early)
     early.keyboardLayout = std::make_unique<NullKeyboardLayout>();
 }
 
-Platform makeCapturePlatform(const EarlyPlatform &early)
+Platform makeCapturePlatform(EarlyPlatform &early)
 {
     Platform platform;
     if (!isWithoutDesktop()

@@ -9,6 +9,7 @@
 
 namespace tovek {
 
+class PortalBus;
 class SessionBus;
 class SingleInstance;
 class WaylandConnection;
@@ -23,6 +24,7 @@ struct EarlyPlatform
     EarlyPlatform(EarlyPlatform &&) noexcept;
 
     std::unique_ptr<SessionBus> bus;
+    std::shared_ptr<PortalBus> portal; ///< null until something uses it
     std::unique_ptr<SingleInstance> singleInstance;
     std::unique_ptr<HotKeys> hotKeys;
     std::unique_ptr<KeyboardLayout> keyboardLayout;
@@ -43,7 +45,7 @@ void openKeyboard(EarlyPlatform &early);
 
 /// Only what takes pictures, for a process that has no window: screens, grabber and the frontmost
 /// program are set. Needs a QGuiApplication, before which `chooseToolkit` was called.
-Platform makeCapturePlatform(const EarlyPlatform &early);
+Platform makeCapturePlatform(EarlyPlatform &early);
 /// Null in builds that recognise no text. Needs a QCoreApplication.
 std::unique_ptr<TextRecognizer> makeTextRecognizer();
 

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "platform/HotKeys.h"
 #include "platform/Platform.h"
 
 namespace tovek {
@@ -11,9 +12,10 @@ struct EarlyPlatform;
 
 /// Pictures from the desktop's portal, and the permission for them, in place of what the platform
 /// has; its screens must be set. False, changing nothing, where there is no portal.
-bool usePortalPictures(Platform &platform, const EarlyPlatform &early);
+bool usePortalPictures(Platform &platform, EarlyPlatform &early);
 
-/// Whether the desktop is GNOME, or made of its shell.
-bool isGnome();
+/// Shortcuts from the desktop's portal, or from the settings of a GNOME whose portal has none. Null
+/// where there are neither. Needs no application.
+std::unique_ptr<HotKeys> makePortalHotKeys(EarlyPlatform &early, const KeyboardLayout &layout);
 
 } // namespace tovek

@@ -8,6 +8,7 @@
 #include "app/BundleInformation.h"
 #include "app/CommandsTabView.h"
 #include "app/GeneralTabView.h"
+#include "app/ProgramCommand.h"
 #include "app/ShortcutsTabView.h"
 #include "foundation/Symbol.h"
 #include "foundation/UserDefaults.h"
@@ -22,9 +23,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QDesktopServices>
-#include <QFileInfo>
 #include <QIcon>
-#include <QStandardPaths>
 
 namespace tovek {
 
@@ -43,17 +42,6 @@ QString symbolOf(SettingsTab tab)
         return QStringLiteral("info.circle");
     }
     Q_UNREACHABLE();
-}
-
-/// How the user starts this program from a command line.
-QString programCommand()
-{
-    const QString image = qEnvironmentVariable("APPIMAGE");
-    const QString file = image.isEmpty() ? QCoreApplication::applicationFilePath() : image;
-    const QString name = QStringLiteral("tovek");
-    const QString found = QStandardPaths::findExecutable(name);
-    return QFileInfo(found).canonicalFilePath() == QFileInfo(file).canonicalFilePath() ? name
-                                                                                       : file;
 }
 
 } // namespace

@@ -69,6 +69,7 @@ int run(int &argc, char **argv, const Wish &wish, QString &successor)
     KeyboardShortcuts::ShortcutService::setShared(
         std::make_unique<KeyboardShortcuts::ShortcutService>(defaults, *early.hotKeys,
                                                              *early.keyboardLayout));
+    early.hotKeys->purposeOf = &HotkeyManager::purposeOf;
     HotkeyManager hotkeyManager;
     hotkeyManager.registerShortcuts();
 

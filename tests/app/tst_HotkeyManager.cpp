@@ -56,6 +56,22 @@ private Q_SLOTS:
         QVERIFY(!QFile::exists(m_defaults->path()));
     }
 
+    void tellsWhatAKeyIsFor()
+    {
+        int argumentCount = 1;
+        char *arguments[] = {const_cast<char *>("tovek"), nullptr};
+        const QCoreApplication application(argumentCount, arguments);
+        QVERIFY(!HotkeyManager::purposeOf({101, 0x1000}));
+        m_service->setShortcut(AppShortcuts::captureText(), Shortcut{101, 0x1000});
+        const auto purpose = HotkeyManager::purposeOf({101, 0x1000});
+        QVERIFY(purpose);
+        QCOMPARE(purpose->id, QStringLiteral("capture-text"));
+        QCOMPARE(purpose->title, QStringLiteral("Capture Text"));
+        QCOMPARE(purpose->command,
+                 QCoreApplication::applicationFilePath() + QStringLiteral(" --capture-text"));
+        QVERIFY(!HotkeyManager::purposeOf({101, 0}));
+    }
+
     void startsTheCaptureOfTheName_data()
     {
         QTest::addColumn<int>("index");

@@ -19,12 +19,14 @@ namespace tovek {
 struct PortalScript
 {
     bool offersScreenshots = true;
+    bool offersShortcuts = true;
     bool takesNames = true; ///< as portals do since 1.20
     bool isSilent = false; ///< takes the request and never answers it
     std::chrono::milliseconds delay{0}; ///< before the answer
     uint code = 0;
     int answers = 1;
     QVariantMap results = {};
+    QStringList refusedShortcuts = {}; ///< by their triggers
     QString permissionAfterwards = {}; ///< what the store then has for the program that asked
 };
 
@@ -42,6 +44,11 @@ public:
     QString permission(const QString &appId) const;
     /// The methods that were called, in their order, with "Register" first where names are told.
     QStringList calls() const;
+    /// The shortcuts of the sessions that are open: name, description and trigger of each.
+    QStringList shortcuts() const;
+    /// The key of such a shortcut goes down, or comes up.
+    void press(const QString &name);
+    void letGo(const QString &name);
     /// Goes and comes back, having forgotten who told it a name.
     void restart();
 
@@ -49,7 +56,16 @@ public:
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override;
 
 private:
-    void answerRequest(const QDBusMessage &message, const PortalScript &script);
+    struct Session
+    {
+        QString client;
+        QStringList shortcuts; ///< each by name, description and trigger
+    };
+    QVariantMap resultsOf(const QDBusMessage &message, const PortalScript &script);
+    void answerRequest(const QDBusMessage &message, const PortalScript &script,
+                       const QVariantMap &results);
+    QDBusMessage version(const QDBusMessage &message, const PortalScript &script) const;
+    void tellKey(const char *signal, const QString &name);
     QDBusMessage answerOfStore(const QDBusMessage &message);
 
     const QString m_appId;
@@ -57,6 +73,7 @@ private:
     PortalScript m_script;
     QMap<QString, QStringList> m_permissions;
     QStringList m_calls;
+    QMap<QString, Session> m_sessions; ///< by path
 
     QThread m_thread;
     QString m_name;

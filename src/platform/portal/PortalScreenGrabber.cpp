@@ -122,8 +122,8 @@ void PortalScreenGrabber::take(const QString &uri)
 {
     const std::vector<PortalDisplay> displays = m_displays();
     // The disk may be slow, and the picture large.
-    const auto cut = askAside<Cut>([uri, displays] { return Cut::of(uri, displays); });
-    whenOver(cut, this, [this, displays](const QFuture<Cut> &finished) {
+    const auto work = askAside<Cut>([uri, displays] { return Cut::of(uri, displays); });
+    whenOver(work, this, [this, displays](const QFuture<Cut> &finished) {
         const Cut cut = finished.resultCount() > 0
             ? finished.result()
             : Cut{{}, QStringLiteral("there is not enough memory")};
