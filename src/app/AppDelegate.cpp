@@ -12,7 +12,6 @@
 #include "foundation/AppImage.h"
 #include "foundation/Log.h"
 #include "foundation/UserDefaults.h"
-#include "look/Look.h"
 #include "overlay/OverlayCursor.h"
 #include "overlay/OverlayPicture.h"
 #include "platform/Clipboard.h"
@@ -159,9 +158,8 @@ void AppDelegate::applicationDidFinishLaunching(Launch launch, HotkeyManager &ho
 
 void AppDelegate::showPermissionWindow()
 {
-    useModernLook(m_platform.areDarkWindowsWanted && m_platform.areDarkWindowsWanted()
-                      ? Windows::dark
-                      : Windows::asThePalette);
+    if (prepareWindow)
+        prepareWindow();
     m_services.permissionWindowController->show();
 }
 

@@ -41,6 +41,8 @@ public:
     /// Of the setting that shows the program in the panel.
     void setStatusItemVisible(bool isVisible);
 
+    std::function<void()> prepareWindow; ///< before each window of the delegate's
+
     OverlayController &overlayController() { return m_overlayController; }
     /// What is being saved; to be kept until the clipboard has been handed over.
     std::shared_ptr<SaveQueue> saves() const { return m_imageOutput.saves(); }

@@ -435,7 +435,7 @@ Platform makePlatform(EarlyPlatform &early)
         AutostartLoginItem::standardFolder(), AutostartLoginItem::standardProgram());
     platform.systemShortcuts = std::make_unique<DesktopShortcuts>(
         qEnvironmentVariable("XDG_CURRENT_DESKTOP"), *platform.keyboardLayout);
-    platform.areDarkWindowsWanted = &areDarkWindowsWanted;
+    platform.windowColors = onBus<DesktopColors>(*early.bus);
     platform.notifications = onBus<DBusNotifications>(*early.bus);
     platform.lockSignals = onBus<DBusLockSignals>(*early.bus);
     platform.fileRevealer = onBus<DBusFileRevealer>(*early.bus);

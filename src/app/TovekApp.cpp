@@ -5,7 +5,6 @@
 
 #include "app/SettingsPlacement.h"
 #include "app/SettingsWindow.h"
-#include "look/Look.h"
 #include "platform/Clock.h"
 #include "platform/FrontmostApp.h"
 #include "platform/Platform.h"
@@ -31,12 +30,14 @@ TovekApp::TovekApp(Platform &platform, UserDefaults &defaults, UpdateConfigurati
     , m_appState(AppState::shared())
     , m_updaterDefaults(QFileInfo(defaults.path()).dir().filePath(QStringLiteral("updates.json")))
     , m_updaterManager(std::move(updates), m_updaterDefaults, *platform.clock)
+    , m_windowLook(platform.windowColors.get(), m_updaterManager.updaterController().updater())
     , m_appDelegate(platform, defaults, m_appState, m_updaterManager)
     , m_settingsTabs(platform, defaults, m_updaterManager)
 {
     m_updaterManager.updaterController().updater().onRelaunch = [this](const QString &program) {
         makeWayFor(program);
     };
+    m_appDelegate.prepareWindow = [this] { m_windowLook.prepare(); };
     m_settingsTabs.setStatusItemVisible = [this](bool isVisible) {
         m_appDelegate.setStatusItemVisible(isVisible);
     };
@@ -57,9 +58,7 @@ void TovekApp::openSettings()
 {
     m_platform.frontmostApp->setActivationPolicy(ActivationPolicy::regular);
     if (!m_settingsWindow) {
-        useModernLook(m_platform.areDarkWindowsWanted && m_platform.areDarkWindowsWanted()
-                          ? Windows::dark
-                          : Windows::asThePalette);
+        m_windowLook.prepare();
         m_settingsWindow = new SettingsWindow(
             m_appState,
             {[this](SettingsTab tab, QWidget *parent) { return m_settingsTabs.make(tab, parent); },

@@ -6,6 +6,7 @@
 #include "app/AppDelegate.h"
 #include "app/SettingsTabs.h"
 #include "app/SettingsWindow.h"
+#include "app/WindowLook.h"
 #include "foundation/UserDefaults.h"
 #include "update/UpdaterManager.h"
 
@@ -35,6 +36,7 @@ private:
     AppState &m_appState;
     UserDefaults m_updaterDefaults; ///< the updater's own store
     UpdaterManager m_updaterManager;
+    WindowLook m_windowLook;
     AppDelegate m_appDelegate;
     SettingsTabs m_settingsTabs;
     QString m_successor;

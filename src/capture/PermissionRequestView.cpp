@@ -10,6 +10,8 @@
 #include <QPushButton>
 #include <QWindow>
 
+#include <algorithm>
+
 namespace tovek {
 
 namespace {
@@ -26,6 +28,7 @@ constexpr int blockGap = 8;
 constexpr int stepGap = 3;
 constexpr int headlineSize = 13;
 constexpr int subheadlineSize = 11;
+constexpr int usualSize = 13; ///< of the desktop's font, in pixels
 
 CaptureAdvice askForPermission()
 {
@@ -53,18 +56,12 @@ QLabel *makeLabel(const QString &text, int size, QWidget *parent)
 {
     auto *label = new QLabel(text, parent);
     QFont font = label->font();
-    font.setPixelSize(size);
+    // The sizes are for the usual font; who has a larger one needs it here too.
+    font.setPixelSize(size * std::max(usualSize, QFontInfo(font).pixelSize()) / usualSize);
     label->setFont(font);
     // The window is moved by its background, and that is everything but the buttons.
     label->setAttribute(Qt::WA_TransparentForMouseEvents);
     return label;
-}
-
-void makeSecondary(QLabel &label)
-{
-    QPalette palette = label.palette();
-    palette.setColor(QPalette::WindowText, secondaryColor(label));
-    label.setPalette(palette);
 }
 
 } // namespace
@@ -73,26 +70,31 @@ PermissionRequestView::PermissionRequestView(const SymbolSource &symbols,
                                              const std::optional<CaptureAdvice> &advice,
                                              QWidget *parent)
     : QWidget(parent)
+    , m_symbols(symbols)
     , m_advice(advice ? *advice : askForPermission())
 {
     setAccessibleName(m_advice.title);
     auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, topPadding, 0, bottomPadding);
     column->setSpacing(blockGap);
-    addExplanation(*column, symbols);
+    addExplanation(*column);
     column->addLayout(makeSteps());
     column->addStretch(1);
     addButtons(*column);
+    updateColors();
 }
 
-void PermissionRequestView::addExplanation(QVBoxLayout &column, const SymbolSource &symbols)
+QSize PermissionRequestView::sizeFor(QSize least) const
 {
-    auto *symbol = makeLabel({}, headlineSize, this);
-    symbol->setPixmap(
-        QPixmap::fromImage(symbols(QStringLiteral("rectangle.dashed.badge.record"),
-                                   secondaryColor(*this), symbolSize, devicePixelRatioF())));
-    symbol->setAlignment(Qt::AlignCenter);
-    column.addWidget(symbol);
+    const int width = std::max(least.width(), layout()->minimumSize().width());
+    return {width, std::max(least.height(), layout()->totalHeightForWidth(width))};
+}
+
+void PermissionRequestView::addExplanation(QVBoxLayout &column)
+{
+    m_symbol = makeLabel({}, headlineSize, this);
+    m_symbol->setAlignment(Qt::AlignCenter);
+    column.addWidget(m_symbol);
 
     auto *headline = makeLabel(m_advice.title, headlineSize, this);
     QFont bold = headline->font();
@@ -102,7 +104,7 @@ void PermissionRequestView::addExplanation(QVBoxLayout &column, const SymbolSour
     column.addWidget(headline);
 
     auto *text = makeLabel(m_advice.explanation, subheadlineSize, this);
-    makeSecondary(*text);
+    m_secondary.push_back(text);
     text->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
     text->setWordWrap(true);
     text->setContentsMargins(sidePadding, 0, sidePadding, 0);
@@ -121,7 +123,7 @@ QGridLayout *PermissionRequestView::makeSteps()
     for (const QString &step : std::as_const(m_advice.steps)) {
         auto *number = makeLabel({}, subheadlineSize, this);
         number->setText(QStringLiteral("%1.").arg(row + 1));
-        makeSecondary(*number);
+        m_secondary.push_back(number);
         grid->addWidget(number, row, 0, Qt::AlignRight | Qt::AlignTop);
         auto *text = makeLabel(step, subheadlineSize, this);
         text->setWordWrap(true);
@@ -151,10 +153,7 @@ void PermissionRequestView::addButtons(QVBoxLayout &column)
         });
     }
     row->addStretch(1);
-    QPalette palette = prominent->palette();
-    palette.setColor(QPalette::Button, palette.color(QPalette::Highlight));
-    palette.setColor(QPalette::ButtonText, palette.color(QPalette::HighlightedText));
-    prominent->setPalette(palette);
+    m_prominent = prominent;
     prominent->setDefault(true);
     prominent->setFocus();
     column.addLayout(row);
@@ -167,6 +166,29 @@ QPushButton *PermissionRequestView::addButton(QHBoxLayout &row, const QString &t
     button->setMinimumWidth(button->sizeHint().width() + buttonPadding);
     row.addWidget(button);
     return button;
+}
+
+/// The desktop may turn dark while the window is open.
+void PermissionRequestView::updateColors()
+{
+    m_symbol->setPixmap(
+        QPixmap::fromImage(m_symbols(QStringLiteral("rectangle.dashed.badge.record"),
+                                     secondaryColor(*this), symbolSize, devicePixelRatioF())));
+    QPalette secondary;
+    secondary.setColor(QPalette::WindowText, secondaryColor(*this));
+    for (QLabel *label : m_secondary)
+        label->setPalette(secondary);
+    QPalette prominent;
+    prominent.setColor(QPalette::Button, palette().color(QPalette::Highlight));
+    prominent.setColor(QPalette::ButtonText, palette().color(QPalette::HighlightedText));
+    m_prominent->setPalette(prominent);
+}
+
+void PermissionRequestView::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::PaletteChange && m_prominent)
+        updateColors();
+    QWidget::changeEvent(event);
 }
 
 void PermissionRequestView::keyPressEvent(QKeyEvent *event)

@@ -10,6 +10,7 @@
 
 class QGridLayout;
 class QHBoxLayout;
+class QLabel;
 class QPushButton;
 class QVBoxLayout;
 
@@ -28,17 +29,26 @@ public:
     std::function<void()> onOpenSettings;
     std::function<void()> onDismiss;
 
+    /// What all texts need, and no less than that.
+    QSize sizeFor(QSize least) const;
+
 protected:
+    void changeEvent(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
 
 private:
-    void addExplanation(QVBoxLayout &column, const SymbolSource &symbols);
+    void addExplanation(QVBoxLayout &column);
     QGridLayout *makeSteps();
     void addButtons(QVBoxLayout &column);
     QPushButton *addButton(QHBoxLayout &row, const QString &text);
+    void updateColors();
 
+    SymbolSource m_symbols;
     CaptureAdvice m_advice;
+    QLabel *m_symbol = nullptr;
+    std::vector<QLabel *> m_secondary;
+    QPushButton *m_prominent = nullptr;
 };
 
 } // namespace tovek

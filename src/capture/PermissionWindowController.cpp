@@ -15,7 +15,8 @@ namespace tovek {
 
 namespace {
 
-constexpr QSize windowSize(420, 280);
+/// With the usual fonts its size.
+constexpr QSize leastSize(420, 280);
 
 } // namespace
 
@@ -51,9 +52,9 @@ void PermissionWindowController::show()
     view->setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint
                          | Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint);
     view->setWindowTitle(QStringLiteral("Tovek"));
-    view->setFixedSize(windowSize);
+    view->setFixedSize(view->sizeFor(leastSize));
     if (const QScreen *screen = QGuiApplication::primaryScreen())
-        view->move(screen->availableGeometry().center() - QRect(QPoint(), windowSize).center());
+        view->move(screen->availableGeometry().center() - view->rect().center());
     m_window = std::move(view);
     m_window->show();
     bringForward();

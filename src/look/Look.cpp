@@ -10,7 +10,6 @@
 #include <QIcon>
 #include <QPalette>
 
-#include <optional>
 #include <utility>
 
 namespace tovek {
@@ -42,13 +41,13 @@ QPalette darkPalette()
 void useModernLook(Windows windows)
 {
     static bool isUsed = false;
-    static std::optional<QPalette> before; // of the desktop, while ours is used
-    const bool isDark = ModernStyle::isDark(before.value_or(QApplication::palette()));
-    if (windows == Windows::dark && !isDark && !before) {
-        before = QApplication::palette();
+    static bool isOurs = false; // the palette
+    if (windows == Windows::dark && !isOurs && !ModernStyle::isDark(QApplication::palette())) {
         QApplication::setPalette(darkPalette());
-    } else if (windows == Windows::asThePalette && before) {
-        QApplication::setPalette(*std::exchange(before, std::nullopt));
+        isOurs = true;
+    } else if (windows == Windows::asThePalette && isOurs) {
+        QApplication::setPalette(QPalette()); // the desktop's, whichever that is by now
+        isOurs = false;
     }
     if (std::exchange(isUsed, true))
         return;

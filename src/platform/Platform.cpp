@@ -22,6 +22,7 @@
 #include "platform/TextRecognizer.h"
 #include "platform/ToastWindow.h"
 #include "platform/Tray.h"
+#include "platform/WindowColors.h"
 
 namespace tovek {
 

@@ -28,6 +28,7 @@ class SystemShortcuts;
 class TextRecognizer;
 class ToastShell;
 class Tray;
+class WindowColors;
 
 /// The desktop's services, each chosen for the session that the program runs in. Made once by
 /// main. Those of the first group are always set; of the second, what the session does not have is
@@ -48,7 +49,6 @@ struct Platform
     std::unique_ptr<Clipboard> clipboard;
     std::unique_ptr<FrontmostApp> frontmostApp;
     std::unique_ptr<LoginItem> loginItem;
-    std::function<bool()> areDarkWindowsWanted; ///< may wait for a moment
 
     std::unique_ptr<CapturePermission> capturePermission;
     std::unique_ptr<ToastShell> toastShell;
@@ -61,6 +61,7 @@ struct Platform
     std::unique_ptr<Tray> tray;
     std::unique_ptr<TextRecognizer> textRecognizer;
     std::unique_ptr<SystemShortcuts> systemShortcuts;
+    std::unique_ptr<WindowColors> windowColors;
 };
 
 } // namespace tovek

@@ -24,6 +24,8 @@ const QByteArray offeredLine = QByteArrayLiteral("offered");
 const QByteArray relaunchLine = QByteArrayLiteral("relaunch ");
 /// What it is told, as a line.
 const QByteArray showLine = QByteArrayLiteral("show\n");
+const QByteArray darkLine = QByteArrayLiteral("dark\n");
+const QByteArray lightLine = QByteArrayLiteral("light\n");
 constexpr auto retryDelay = 1h;
 /// Timers stand still while the machine sleeps; the clock on the wall does not.
 constexpr auto longestWait = 1h;
@@ -151,6 +153,14 @@ void Updater::check(Reason reason)
         arguments.append(QStringLiteral("--quiet"));
     m_process->start(m_configuration.program, arguments);
     Q_EMIT canCheckForUpdatesChanged();
+    if (onStarted)
+        onStarted();
+}
+
+void Updater::setWindows(bool areDark)
+{
+    if (m_process)
+        m_process->write(areDark ? darkLine : lightLine);
 }
 
 void Updater::readOutput()

@@ -50,7 +50,12 @@ public:
     /// True from the start of a check to its end, windows included; but not while an offer that
     /// nobody asked for waits for its answer. A request then brings that to the front.
     bool isChecking() const { return m_process && !m_isOffering; }
+    /// Its program runs, with windows or without.
+    bool isRunning() const { return m_process != nullptr; }
+    /// Dark windows for that program, or those of the palette; nothing while it does not run.
+    void setWindows(bool areDark);
 
+    std::function<void()> onStarted; ///< the program, which has no window yet
     /// A check that somebody asked for came to no result, and no window has said so.
     std::function<void(const QString &text)> onFailed;
     /// A new version is in place, and the check is over: the program shall quit, and then this one

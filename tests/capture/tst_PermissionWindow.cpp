@@ -7,6 +7,8 @@
 #include "fakes/FakeCapturePermission.h"
 #include "fakes/FakeFrontmostApp.h"
 
+#include <QApplication>
+#include <QFontDatabase>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
@@ -52,6 +54,73 @@ private Q_SLOTS:
         s.permission.isGranted = true;
         QVERIFY(s.manager.hasPermission());
         QVERIFY(s.permission.calls.isEmpty());
+    }
+
+    void fitsItsTexts_data()
+    {
+        QTest::addColumn<QString>("family");
+        QTest::addColumn<int>("points");
+        QTest::addColumn<Qt::LayoutDirection>("direction");
+        for (const char *family : {"DejaVu Sans", "Noto Sans", "Cantarell"}) {
+            for (int points : {10, 12, 16, 22}) {
+                for (auto direction : {Qt::LeftToRight, Qt::RightToLeft})
+                    QTest::addRow("%s %d %s", family, points,
+                                  direction == Qt::LeftToRight ? "ltr" : "rtl")
+                        << family << points << direction;
+            }
+        }
+    }
+    void fitsItsTexts()
+    {
+        QFETCH(QString, family);
+        QFETCH(int, points);
+        QFETCH(Qt::LayoutDirection, direction);
+        if (!QFontDatabase::families().contains(family))
+            QSKIP("the font is not installed");
+        const QFont font = QApplication::font();
+        QApplication::setFont(QFont(family, points));
+        QApplication::setLayoutDirection(direction);
+        Setup s;
+        s.permission.given = CaptureAdvice{
+            QStringLiteral("A long title that says why there can be no picture of this screen"),
+            QStringLiteral("What to do about it, told in many words that take more than one line, "
+                           "whatever the font of the desktop is and whichever way it runs."),
+            {QStringLiteral("Do this first, which is explained at some length so that it wraps"),
+             QStringLiteral("Then do that")},
+            true};
+        s.controller.show();
+        QWidget *window = s.controller.window();
+        QApplication::processEvents();
+        for (const auto *label : window->findChildren<QLabel *>()) {
+            const int height = label->wordWrap() ? label->heightForWidth(label->width())
+                                                 : label->sizeHint().height();
+            QVERIFY2(label->height() >= height, qPrintable(label->text()));
+            QVERIFY2(label->wordWrap() || label->width() >= label->sizeHint().width(),
+                     qPrintable(label->text()));
+            const QRect place(label->mapTo(window, QPoint()), label->size());
+            QVERIFY2(window->rect().contains(place), qPrintable(label->text()));
+        }
+        for (const auto *button : window->findChildren<QPushButton *>()) {
+            QVERIFY2(button->width() >= button->sizeHint().width(), qPrintable(button->text()));
+            QVERIFY(window->rect().contains(button->geometry()));
+        }
+        QApplication::setFont(font);
+        QApplication::setLayoutDirection(Qt::LeftToRight);
+    }
+
+    void followsThePalette()
+    {
+        Setup s;
+        s.controller.show();
+        const auto *label = s.controller.window()->findChildren<QLabel *>().at(2);
+        const QPalette before = QApplication::palette();
+        QPalette dark = before;
+        dark.setColor(QPalette::WindowText, Qt::white);
+        QApplication::setPalette(dark);
+        QApplication::processEvents();
+        const QColor color = label->palette().color(QPalette::WindowText);
+        QApplication::setPalette(QPalette());
+        QCOMPARE(color.rgb(), QColor(Qt::white).rgb());
     }
 
     void showsOneWindowHoweverOften()
@@ -135,17 +204,6 @@ private Q_SLOTS:
         s.controller.window()->close();
         s.permission.answer(false);
         QVERIFY(!s.controller.window());
-    }
-
-    void fitsItsTexts()
-    {
-        Setup s;
-        s.controller.show();
-        for (const auto *label : s.controller.window()->findChildren<QLabel *>()) {
-            const int needed = label->wordWrap() ? label->heightForWidth(label->width())
-                                                 : label->sizeHint().height();
-            QVERIFY2(label->height() >= needed, qPrintable(label->text()));
-        }
     }
 
     void obeysItsKeysAndButtons_data()

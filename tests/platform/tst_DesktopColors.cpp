@@ -5,6 +5,7 @@
 #include "support/SessionBus.h"
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDBusVariant>
 #include <QTest>
 #include <QThread>
@@ -84,11 +85,61 @@ private Q_SLOTS:
                                    QDBusConnection::ExportAllSlots);
             QVERIFY(service.registerService(name));
         }
-        const bool isDark = areDarkWindowsWanted();
+        const bool isDark = DesktopColors(QDBusConnection::sessionBus()).areDark();
         service.unregisterService(name);
         QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
         qunsetenv("QT_STYLE_OVERRIDE");
         QTEST(isDark, "isDark");
+    }
+
+    void hearsOfChanges_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("signal");
+        QTest::addColumn<QVariantList>("arguments");
+        QTest::addColumn<bool>("isHeard");
+        const QString portal = QStringLiteral("/org/freedesktop/portal/desktop");
+        const QString changed = QStringLiteral("org.freedesktop.portal.Settings.SettingChanged");
+        const auto setting = [](const char *space) {
+            return QVariantList{QString::fromLatin1(space), QStringLiteral("color-scheme"),
+                                QVariant::fromValue(QDBusVariant(1U))};
+        };
+        QTest::newRow("the portal")
+            << portal << changed << setting("org.freedesktop.appearance") << true;
+        QTest::newRow("the portal, of something else")
+            << portal << changed << setting("org.gnome.desktop.interface") << false;
+        const QString store = QStringLiteral("/ca/desrt/dconf/Writer/user");
+        const QString notify = QStringLiteral("ca.desrt.dconf.Writer.Notify");
+        const auto keys = [](const char *path, const QStringList &names) {
+            return QVariantList{QString::fromLatin1(path), names, QString()};
+        };
+        QTest::newRow("the key") << store << notify
+                                 << keys("/org/gnome/desktop/interface/color-scheme", {}) << true;
+        QTest::newRow("several keys")
+            << store << notify
+            << keys("/org/gnome/desktop/interface/", {"gtk-theme", "color-scheme"}) << true;
+        QTest::newRow("all keys") << store << notify << keys("/", {}) << true;
+        QTest::newRow("another key")
+            << store << notify << keys("/org/gnome/desktop/interface/gtk-theme", {}) << false;
+    }
+    void hearsOfChanges()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, signal);
+        QFETCH(QVariantList, arguments);
+        QFETCH(bool, isHeard);
+        DesktopColors colors(QDBusConnection::sessionBus());
+        int heard = 0;
+        colors.onChanged = [&] { ++heard; };
+        const qsizetype dot = signal.lastIndexOf(QLatin1Char('.'));
+        QDBusMessage message =
+            QDBusMessage::createSignal(path, signal.left(dot), signal.mid(dot + 1));
+        message.setArguments(arguments);
+        QVERIFY(QDBusConnection::sessionBus().send(message));
+        if (isHeard)
+            QTRY_COMPARE(heard, 1);
+        QTest::qWait(isHeard ? 0 : 200);
+        QCOMPARE(heard, isHeard ? 1 : 0);
     }
 
 private:

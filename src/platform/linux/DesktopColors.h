@@ -3,11 +3,34 @@
 
 #pragma once
 
+#include "platform/WindowColors.h"
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QStringList>
+
 namespace tovek {
 
-/// True when the user wants dark windows and the toolkit may not know: as the portal of the desktop
-/// says, or else GNOME's key where no portal runs, or the name of the style that the toolkit was
-/// told to use. Waits for each, a third of a second at most. Main thread.
-bool areDarkWindowsWanted();
+/// As the style asked for in the environment has it, then the settings portal, then GNOME's own
+/// setting, which other desktops keep too. Nothing is started by asking or listening.
+class DesktopColors : public QObject, public WindowColors
+{
+    Q_OBJECT
+
+public:
+    explicit DesktopColors(const QDBusConnection &bus);
+    void setBus(const QDBusConnection &bus);
+
+    bool areDark() const override;
+    QFuture<bool> ask() const override;
+
+private Q_SLOTS:
+    void settingChanged();
+    /// The store of GNOME's settings; paths of keys, or of folders of them.
+    void storeChanged(const QString &path, const QStringList &keys, const QString &tag);
+
+private:
+    QDBusConnection m_bus;
+};
 
 } // namespace tovek

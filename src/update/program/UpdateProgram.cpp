@@ -17,6 +17,7 @@
 #include <QProcessEnvironment>
 #include <QSocketNotifier>
 
+#include <algorithm>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -30,17 +31,25 @@ bool isPipe(int descriptor)
     return fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode);
 }
 
-/// Calls back when somebody writes into the pipe, and when its other end has closed.
-void watchInput(QObject &context, std::function<void()> spoken, std::function<void()> closed)
+/// Calls back for each line that somebody writes into the pipe, and when its other end has closed.
+void watchInput(QObject &context, std::function<void(const QByteArray &)> told,
+                std::function<void()> closed)
 {
     if (!isPipe(STDIN_FILENO))
         return;
     auto *notifier = new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read, &context);
     QObject::connect(notifier, &QSocketNotifier::activated, &context,
-                     [notifier, spoken = std::move(spoken), closed = std::move(closed)] {
-                         char ignored[64];
-                         if (read(STDIN_FILENO, ignored, sizeof ignored) > 0)
-                             return spoken();
+                     [notifier, told = std::move(told), closed = std::move(closed)] {
+                         // Lines are short, and come in one piece.
+                         char bytes[64];
+                         const ssize_t count = read(STDIN_FILENO, bytes, sizeof bytes);
+                         for (const QByteArray &line :
+                              QByteArray(bytes, std::max<ssize_t>(count, 0)).split('\n')) {
+                             if (!line.isEmpty())
+                                 told(line);
+                         }
+                         if (count > 0)
+                             return;
                          notifier->setEnabled(false);
                          closed();
                      });
@@ -87,8 +96,13 @@ int runUpdateProgram(int &argc, char **argv, const UpdateBuild &build)
     session.onEnded = [] { QCoreApplication::quit(); };
     session.onChecked = [] { logLine(QStringLiteral("checked")); };
     session.onOffered = [] { logLine(QStringLiteral("offered")); };
-    watchInput(
-        session, [&windows] { windows.bringForward(); }, [&session] { session.cancel(); });
+    const auto obey = [&windows](const QByteArray &line) {
+        if (line == "dark" || line == "light")
+            useModernLook(line == "dark" ? Windows::dark : Windows::asThePalette);
+        else
+            windows.bringForward();
+    };
+    watchInput(session, obey, [&session] { session.cancel(); });
     // From the main loop, which alone can be quit.
     QMetaObject::invokeMethod(&session, &UpdateSession::start, Qt::QueuedConnection);
     QApplication::exec();
