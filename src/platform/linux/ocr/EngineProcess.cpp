@@ -3,7 +3,7 @@
 
 #include "platform/linux/ocr/EngineProcess.h"
 
-#include "platform/linux/ocr/LineProtocol.h"
+#include "platform/linux/ocr/LineAnswer.h"
 #include "platform/linux/ocr/RecognitionModels.h"
 
 #include <QDeadlineTimer>
@@ -190,9 +190,8 @@ int EngineProcess::hangs()
 
 std::optional<std::vector<EngineSymbol>> EngineProcess::read(const LineStrip &strip, Models models)
 {
-    std::vector<EngineSymbol> result;
     if (strip.width <= 0 || strip.width > int(widestStrip))
-        return result;
+        return std::vector<EngineSymbol>();
     const LineRequest request{std::uint32_t(strip.width), std::uint32_t(models)};
     LineReply reply;
     Exchange exchange(m_socket, m_patience);
@@ -206,14 +205,7 @@ std::optional<std::vector<EngineSymbol>> EngineProcess::read(const LineStrip &st
     std::vector<Symbol> symbols(reply.count);
     if (!exchange.receive(symbols.data(), symbols.size() * sizeof(Symbol)))
         return std::nullopt;
-    for (const Symbol &symbol : symbols) {
-        const auto length = std::min<qsizetype>(symbol.length, sizeof(symbol.text));
-        const QString text = QString::fromUtf8(symbol.text, length).simplified().remove(' ');
-        if (!text.isEmpty())
-            result.push_back(
-                {text, symbol.left, symbol.right, symbol.confidence, symbol.startsWord != 0});
-    }
-    return result;
+    return lineAnswer(symbols, strip.width);
 }
 
 } // namespace tovek
