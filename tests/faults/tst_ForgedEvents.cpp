@@ -57,6 +57,12 @@ struct Intruder
         connection.sync();
     }
 
+    void hide() const
+    {
+        xcb_unmap_window(connection, overlay);
+        connection.sync();
+    }
+
     xcb_window_t overlay = 0;
 
 private:
@@ -97,6 +103,7 @@ private Q_SLOTS:
         QTest::newRow("of a huge size") << 1;
         QTest::newRow("a key that nobody pressed") << 2;
         QTest::newRow("a size that is real") << 3;
+        QTest::newRow("hidden by another program") << 4;
     }
     void areWithoutEffect()
     {
@@ -108,8 +115,9 @@ private Q_SLOTS:
         QVERIFY(intruder.overlay);
         const qint64 pid = s.tovek->program().pid();
         const qint64 before = residentMegabytes(pid);
-        constexpr void (Intruder::*acts[])() const {&Intruder::close, &Intruder::claimSize,
-                                                    &Intruder::pressEscape, &Intruder::enlarge};
+        constexpr void (Intruder::*acts[])()
+            const {&Intruder::close, &Intruder::claimSize, &Intruder::pressEscape,
+                   &Intruder::enlarge, &Intruder::hide};
         (intruder.*acts[kind])();
         QTest::qWait(300);
         QVERIFY(waitUntil([&] { return s.tovek->covers(s.monitors()); }));

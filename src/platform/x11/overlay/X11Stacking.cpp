@@ -22,6 +22,9 @@ constexpr int roundedPixels = 4;
 constexpr uint32_t watched = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_FOCUS_CHANGE;
 /// No sooner: opening waits for no answer.
 constexpr auto lookDelay = 50ms;
+/// Before the keyboard, which went with the overlay, is given up; not at once, lest two programs
+/// that both insist take all of the processor.
+constexpr auto showAgainDelay = 10ms;
 
 } // namespace
 
@@ -35,6 +38,9 @@ X11Stacking::X11Stacking(std::shared_ptr<X11Connection> connection)
         m_focus = focus();
         m_savers.findDaemon();
     });
+    m_showAgain.setSingleShot(true);
+    m_showAgain.setInterval(showAgainDelay);
+    m_showAgain.callOnTimeout([this] { showAgain(); });
 }
 
 X11Stacking::~X11Stacking()
@@ -58,6 +64,7 @@ void X11Stacking::remove(xcb_window_t overlay)
     if (m_overlays.erase(overlay) && m_overlays.empty()) {
         m_answered.clear();
         m_look.stop();
+        m_showAgain.stop();
         m_focus = XCB_NONE;
         m_onTop.clear();
         setWatching(false);
@@ -113,7 +120,10 @@ bool X11Stacking::nativeEventFilter(const QByteArray &, void *message, qintptr *
             && !m_ignoresFocus && isFocusTaken())
             tellLocker();
     } else if (type == XCB_UNMAP_NOTIFY) {
-        m_onTop.erase(static_cast<xcb_unmap_notify_event_t *>(message)->window);
+        const xcb_window_t hidden = static_cast<xcb_unmap_notify_event_t *>(message)->window;
+        m_onTop.erase(hidden);
+        if (m_overlays.contains(hidden))
+            m_showAgain.start();
     } else if (type == XCB_DESTROY_NOTIFY) {
         // Another window may get its number.
         const xcb_window_t gone = static_cast<xcb_destroy_notify_event_t *>(message)->window;
@@ -152,6 +162,16 @@ void X11Stacking::raise(xcb_window_t window)
 {
     const uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(m_connection->xcb(), window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+}
+
+/// What hides it ends its hold of the keyboard too, which is taken again once it is back.
+void X11Stacking::showAgain()
+{
+    for (const auto &[overlay, native] : m_overlays) {
+        xcb_map_window(m_connection->xcb(), overlay);
+        raise(overlay);
+    }
+    m_connection->flush();
 }
 
 /// Sent by a client: to close, to be of another size, a key that nobody pressed. The windows of all

@@ -18,7 +18,8 @@ namespace tovek {
 /// Keeps our overlays above windows that other programs put on top later (notifications, docks),
 /// and what we put on top of them ourselves (toasts) above both. Each foreign window is answered
 /// once, so that two programs that both insist do not flicker. A locker is told instead of
-/// answered. Watches the desktop only while an overlay shows. Main thread only.
+/// answered. An overlay that another program hides comes back. Watches the desktop only while an
+/// overlay shows. Main thread only.
 class X11Stacking : public QObject, private QAbstractNativeEventFilter
 {
 public:
@@ -43,6 +44,7 @@ private:
     bool isOurs(xcb_window_t window) const;
     void cameOnTop(xcb_window_t window, bool isUnmanaged);
     void raise(xcb_window_t window);
+    void showAgain();
 
     bool isForgedForOverlay(const xcb_generic_event_t &event) const;
     bool undoes(const xcb_configure_notify_event_t &event);
@@ -52,6 +54,7 @@ private:
     std::set<xcb_window_t> m_answered;
     QTimer m_look; ///< at the focus and for screen savers, once the overlays are up
     xcb_window_t m_focus = XCB_NONE; ///< since then
+    QTimer m_showAgain; ///< what another program has hidden
     X11SaverWatch m_savers;
     bool m_ignoresFocus = false;
     std::set<xcb_window_t> m_onTop; ///< ours, over the overlays
