@@ -108,10 +108,22 @@ class TestScarcity : public QObject
     }
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(TestDesktop::missing()); }
-    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+    void initTestCase()
+    {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+        QSKIP("The sanitizers give out the memory themselves");
+#endif
+        skipBecause(TestDesktop::missing());
+    }
+    void init()
+    {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+    }
 
-    void isToldForACopy_data() { addWantsOfFiles(); }
+    void isToldForACopy_data()
+    {
+        addWantsOfFiles();
+    }
     void isToldForACopy()
     {
         ScarceSession s;
@@ -128,7 +140,10 @@ private Q_SLOTS:
         QVERIFY2(s.worksAgain(), s.log());
     }
 
-    void isToldForADrawing_data() { addWants(); }
+    void isToldForADrawing_data()
+    {
+        addWants();
+    }
     void isToldForADrawing()
     {
         ScarceSession s;
@@ -147,7 +162,10 @@ private Q_SLOTS:
         QVERIFY2(s.worksAgain(), s.log());
     }
 
-    void isToldForASave_data() { addWantsOfFiles(); }
+    void isToldForASave_data()
+    {
+        addWantsOfFiles();
+    }
     void isToldForASave()
     {
         ScarceSession s;
@@ -166,7 +184,10 @@ private Q_SLOTS:
     }
 
     /// From before its start on: the server keeps the frozen screen, but its pixels do not come.
-    void isToldForAWholeCapture_data() { addWants(); }
+    void isToldForAWholeCapture_data()
+    {
+        addWants();
+    }
     void isToldForAWholeCapture()
     {
         ScarceSession s;
@@ -181,7 +202,10 @@ private Q_SLOTS:
         QVERIFY2(s.worksAgain(), s.log());
     }
 
-    void isToldForText_data() { addWants(); }
+    void isToldForText_data()
+    {
+        addWants();
+    }
     void isToldForText()
     {
         ScarceSession s;

@@ -109,7 +109,8 @@ bool TestDesktop::start()
         return fail(m_server.error());
 
     const QProcessEnvironment own = QProcessEnvironment::systemEnvironment();
-    for (const char *name : {"PATH", "LD_LIBRARY_PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS", "USER"}) {
+    for (const char *name :
+         {"PATH", "LD_LIBRARY_PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "USER"}) {
         if (own.contains(QLatin1String(name)))
             m_environment.insert(QLatin1String(name), own.value(QLatin1String(name)));
     }
