@@ -3,7 +3,8 @@
 
 #include "platform/wayland/capture/KWinPictures.h"
 
-#include <QDBusConnection>
+#include "platform/linux/SessionBus.h"
+
 #include <QDBusMessage>
 #include <QDBusPendingReply>
 #include <QDBusUnixFileDescriptor>
@@ -67,7 +68,7 @@ KWinPicture::KWinPicture(const QString &output, QSize likely)
     QDBusUnixFileDescriptor writer;
     writer.giveFileDescriptor(ends[1]);
     message.setArguments({output, options(), QVariant::fromValue(writer)});
-    m_call.reset(new Call{QDBusConnection::sessionBus().asyncCall(message)});
+    m_call.reset(new Call{SessionBus::current().asyncCall(message)});
 }
 
 KWinPicture::~KWinPicture()
@@ -151,7 +152,7 @@ KWinAccess kwinAccess()
     writer.giveFileDescriptor(ends[1]);
     message.setArguments({0, 0, 1U, 1U, options(), QVariant::fromValue(writer)});
     const QDBusMessage reply =
-        QDBusConnection::sessionBus().call(message, QDBus::Block, probeLimitMs);
+        SessionBus::current().call(message, QDBus::Block, probeLimitMs);
     close(ends[0]);
     if (reply.type() == QDBusMessage::ReplyMessage)
         return KWinAccess::granted;
