@@ -4,16 +4,19 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 namespace tovek {
 
 /// What must hold whatever the input is.
-inline void require(bool condition)
+inline void require(bool condition, int line = __builtin_LINE())
 {
-    if (!condition)
-        std::abort();
+    if (condition)
+        return;
+    std::fprintf(stderr, "Not so: line %d\n", line);
+    std::abort();
 }
 
 /// Reads an input piece by piece; zeros behind its end.

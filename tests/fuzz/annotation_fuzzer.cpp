@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cmath>
+#include <utility>
 
 using namespace tovek;
 
@@ -42,57 +43,70 @@ void check(const AnnotationEditor &editor)
     require(editor.drawnAnnotations().size() == drawn);
 }
 
-void happen(AnnotationEditor &editor, FuzzInput &input)
+/// Someone with a mouse, whose button goes down and up in turn, and a keyboard.
+struct Hand
 {
-    const uint8_t kind = input.take<uint8_t>();
-    const Point at{double(input.take<uint8_t>()) * 1.5 - 20, double(input.take<uint8_t>())};
-    switch (kind % 13) {
-    case 0:
-        editor.press(at, 1, selection);
-        break;
-    case 1:
-        editor.press(at, 2, selection);
-        break;
-    case 2:
-    case 3:
-        editor.moveTo(at, selection);
-        break;
-    case 4:
-    case 5:
-        editor.release();
-        break;
-    case 6:
-        editor.selectTool(tools.at(size_t(kind / 13) % tools.size()));
-        break;
-    case 7:
-        editor.toggleTool(tools.at(size_t(kind / 13) % tools.size()));
-        break;
-    case 8:
-        editor.chooseColor(QColor::fromRgb(QRgb(kind) * 0x10101),
-                           kind & 1 ? ColorTarget::newAnnotations
-                                    : ColorTarget::selectedAnnotation);
-        break;
-    case 9:
-        editor.deleteSelected();
-        break;
-    case 10:
-        editor.nudgeSelected(AnnotationEditor::ArrowKey(kind / 13 % 4),
-                             AnnotationEditor::Step::large);
-        break;
-    case 11:
-        if (editor.isTextBoxOpen())
-            editor.setTypedText(QString(int(at.y) % 20, QChar(0x40 + kind)));
+    void act(FuzzInput &input)
+    {
+        const uint8_t kind = input.take<uint8_t>();
+        const Point at{double(input.take<uint8_t>()) * 1.5 - 20, double(input.take<uint8_t>())};
+        if (kind % 13 < 6)
+            useMouse(kind % 13, at);
         else
-            editor.deselect();
-        break;
-    default:
-        if (kind & 1)
-            editor.undo();
-        else
-            editor.redo();
-        break;
+            useKeyboard(kind, int(at.y));
     }
-}
+
+    AnnotationEditor editor;
+
+private:
+    void useMouse(int way, Point at)
+    {
+        if (way < 2 && !std::exchange(m_isDown, true))
+            editor.press(at, 1 + way, selection);
+        else if (way < 4 && m_isDown)
+            editor.moveTo(at, selection);
+        else if (way >= 4 && std::exchange(m_isDown, false))
+            editor.release();
+    }
+    void useKeyboard(uint8_t kind, int number)
+    {
+        const AnnotationTool tool = tools.at(size_t(kind / 13) % tools.size());
+        switch (kind % 13) {
+        case 6:
+            editor.selectTool(tool);
+            break;
+        case 7:
+            editor.toggleTool(tool);
+            break;
+        case 8:
+            editor.chooseColor(QColor::fromRgb(QRgb(kind) * 0x10101),
+                               kind & 1 ? ColorTarget::newAnnotations
+                                        : ColorTarget::selectedAnnotation);
+            break;
+        case 9:
+            editor.deleteSelected();
+            break;
+        case 10:
+            editor.nudgeSelected(AnnotationEditor::ArrowKey(kind / 13 % 4),
+                                 AnnotationEditor::Step::large);
+            break;
+        case 11:
+            if (editor.isTextBoxOpen())
+                editor.setTypedText(QString(number % 20, QChar(0x40 + kind)));
+            else
+                editor.deselect();
+            break;
+        default:
+            if (kind & 1)
+                editor.undo();
+            else
+                editor.redo();
+            break;
+        }
+    }
+
+    bool m_isDown = false;
+};
 
 /// Back to the beginning and forth again.
 void checkHistory(AnnotationEditor &editor)
@@ -139,9 +153,10 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     FuzzInput input(data, size < 600 ? size : 600);
-    AnnotationEditor editor;
+    Hand hand;
+    AnnotationEditor &editor = hand.editor;
     while (!input.isAtEnd()) {
-        happen(editor, input);
+        hand.act(input);
         check(editor);
     }
     checkHistory(editor);
