@@ -151,8 +151,7 @@ KWinAccess kwinAccess()
     QDBusUnixFileDescriptor writer;
     writer.giveFileDescriptor(ends[1]);
     message.setArguments({0, 0, 1U, 1U, options(), QVariant::fromValue(writer)});
-    const QDBusMessage reply =
-        SessionBus::current().call(message, QDBus::Block, probeLimitMs);
+    const QDBusMessage reply = SessionBus::current().call(message, QDBus::Block, probeLimitMs);
     close(ends[0]);
     if (reply.type() == QDBusMessage::ReplyMessage)
         return KWinAccess::granted;
