@@ -22,8 +22,18 @@ using namespace std::chrono_literals;
 
 constexpr Spring spring{0.25, 0.6};
 constexpr auto shownFor = 1500ms;
+/// Who did not expect more than a confirmation reads about fifteen characters a second.
+constexpr qsizetype readAtAGlance = 48;
+constexpr auto perCharacter = 70ms;
+constexpr auto shownAtMost = 6000ms;
 constexpr auto hidingFor = 300ms;
 constexpr auto frame = 16ms;
+
+std::chrono::milliseconds durationOf(const QString &message)
+{
+    const auto more = std::max<qsizetype>(message.size() - readAtAGlance, 0) * perCharacter;
+    return std::min<std::chrono::milliseconds>(shownFor + more, shownAtMost);
+}
 
 ToastAppearance systemAppearance()
 {
@@ -153,7 +163,7 @@ void Toast::show(const QString &message, const QString &icon, const std::optiona
     panel->open(m_shell, content, scale, m_symbols, frozenPixels ? frozenPixels(native) : QImage());
     // The panel is the context of all that follows: what a replaced toast had coming dies with it.
     m_clock.after(0ms, panel, [panel] { panel->setVisible(true); });
-    m_clock.after(shownFor, panel, [this, panel] {
+    m_clock.after(durationOf(message), panel, [this, panel] {
         panel->setVisible(false);
         m_clock.after(hidingFor, panel, [this] { m_window.reset(); });
     });

@@ -24,8 +24,8 @@ public:
     Toast(Clock &clock, Screens &screens, ToastShell &shell, SymbolSource symbols);
     ~Toast();
 
-    /// Shows a message after a system symbol for about a second and a half, on the main screen
-    /// when none is given.
+    /// Shows a message after a system symbol for about a second and a half, a long one for as long
+    /// as it takes to be read, on the main screen when none is given.
     void show(const QString &message, const QString &icon,
               const std::optional<Screen> &screen = std::nullopt);
     /// Takes the toast off the screen before a picture of the screen is taken; returns when it is

@@ -103,6 +103,27 @@ private Q_SLOTS:
         QVERIFY(!s.toast.isShown());
     }
 
+    void staysUntilALongMessageIsRead_data()
+    {
+        QTest::addColumn<int>("length");
+        QTest::addColumn<int>("milliseconds");
+        QTest::newRow("a confirmation") << 24 << 1500;
+        QTest::newRow("the name of a file") << 48 << 1500;
+        QTest::newRow("advice") << 73 << 3250;
+        QTest::newRow("the text of an error") << 400 << 6000;
+    }
+    void staysUntilALongMessageIsRead()
+    {
+        QFETCH(int, length);
+        QFETCH(int, milliseconds);
+        Setup s;
+        s.show(QString(length, QLatin1Char('x')));
+        s.clock.advance(std::chrono::milliseconds(milliseconds + 299));
+        QVERIFY(s.toast.isShown());
+        s.clock.advance(1ms);
+        QVERIFY(!s.toast.isShown());
+    }
+
     void leavesNothingRunning()
     {
         Setup s;
