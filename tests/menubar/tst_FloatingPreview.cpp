@@ -32,6 +32,8 @@ private:
             };
             controller.setup();
         }
+        // Previews that have left are still to be deleted, and know their shell.
+        ~Setup() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
         void preview(QSize size = QSize(1600, 400))
         {
             Image image{QImage(size, QImage::Format_RGB32),
