@@ -5,6 +5,7 @@
 
 #include "platform/linux/SessionBus.h"
 
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusPendingReply>
 #include <QDBusUnixFileDescriptor>
@@ -36,6 +37,23 @@ QVariantMap options()
             {QStringLiteral("include-cursor"), false},
             // Our settings are windows like any other.
             {QStringLiteral("hide-caller-windows"), false}};
+}
+
+/// True when nobody serves it.
+bool isMissing(const QDBusMessage &reply)
+{
+    using Error = QDBusError;
+    switch (Error(reply).type()) {
+    case Error::ServiceUnknown:
+    case Error::UnknownInterface:
+    case Error::UnknownMethod:
+    case Error::UnknownObject:
+    case Error::Disconnected:
+    case Error::AccessDenied:
+        return true;
+    default:
+        return false;
+    }
 }
 
 /// Both ends of a pipe from which reading never waits.
@@ -104,7 +122,9 @@ void KWinPicture::readReply()
     const QDBusPendingReply<QVariantMap> reply = m_call->pending;
     if (reply.isError()) {
         m_isRefused = reply.error().name().endsWith(QLatin1String("NoAuthorized"));
-        return fail(QStringLiteral("KWin refused the picture (%1)").arg(reply.error().name()));
+        return fail((m_isRefused ? QStringLiteral("KWin refused the picture (%1)")
+                                 : QStringLiteral("KWin can take no picture now (%1)"))
+                        .arg(reply.error().name()));
     }
     const QVariantMap values = reply.value();
     m_size = QSize(values.value(QStringLiteral("width")).toInt(),
@@ -153,10 +173,11 @@ KWinAccess kwinAccess()
     message.setArguments({0, 0, 1U, 1U, options(), QVariant::fromValue(writer)});
     const QDBusMessage reply = SessionBus::current().call(message, QDBus::Block, probeLimitMs);
     close(ends[0]);
-    if (reply.type() == QDBusMessage::ReplyMessage)
-        return KWinAccess::granted;
-    return reply.errorName().endsWith(QLatin1String("NoAuthorized")) ? KWinAccess::refused
-                                                                     : KWinAccess::absent;
+    if (reply.errorName().endsWith(QLatin1String("NoAuthorized")))
+        return KWinAccess::refused;
+    // It may be busy, or unable to draw for a moment, as with a screen that sleeps at login: a
+    // capture then tells so. Only where there is no such service will there be none later on.
+    return isMissing(reply) ? KWinAccess::absent : KWinAccess::granted;
 }
 
 } // namespace tovek
