@@ -17,7 +17,7 @@ build_packages=(
 # For the virtual desktops of the tests and of the tour.
 desktop_packages=(
     appstream dbus dbus-bin dbus-x11 desktop-file-utils fish fonts-cantarell fonts-noto-core grim
-    i3lock libglib2.0-bin mandoc mold openbox openssl picom pulseaudio pulseaudio-utils sway swaybg
+    i3lock kwin-wayland libglib2.0-bin mandoc mold openbox openssl picom pulseaudio pulseaudio-utils sway swaybg
     thunar trayer wl-clipboard wtype x11-xkb-utils x11-xserver-utils xauth xclip xfonts-base xfonts-terminus xscreensaver xvfb
     xwayland zsh
 )

@@ -70,9 +70,12 @@ WaylandDesktop::~WaylandDesktop()
 
 QString WaylandDesktop::missing(const WaylandPlan &plan)
 {
-    QStringList needed{QStringLiteral("dbus-daemon"), QStringLiteral("sway"),
-                       QStringLiteral("swaymsg"),     QStringLiteral("swaybg"),
-                       QStringLiteral("grim"),        QStringLiteral("setpriv")};
+    QStringList needed{QStringLiteral("dbus-daemon"), QStringLiteral("swaybg"),
+                       QStringLiteral("setpriv")};
+    if (plan.compositor == WaylandPlan::Compositor::sway)
+        needed << QStringLiteral("sway") << QStringLiteral("swaymsg") << QStringLiteral("grim");
+    else
+        needed << QStringLiteral("kwin_wayland");
     if (plan.hasXWayland)
         needed << QStringLiteral("Xwayland");
     for (const QString &name : std::as_const(needed)) {
@@ -140,7 +143,7 @@ bool WaylandDesktop::start()
         {"XDG_DATA_HOME", home() + QStringLiteral("/.local/share")},
         {"XDG_CACHE_HOME", home() + QStringLiteral("/.cache")},
         {"XDG_SESSION_TYPE", QStringLiteral("wayland")},
-        {"XDG_CURRENT_DESKTOP", QStringLiteral("sway")},
+        {"XDG_CURRENT_DESKTOP", isKWin() ? QStringLiteral("KDE") : QStringLiteral("sway")},
         // Always set: a program that finds no address may start a bus of its own.
         {"DBUS_SESSION_BUS_ADDRESS", QStringLiteral("unix:path=%1/bus").arg(run)},
         {"LANG", QStringLiteral("C.UTF-8")},
@@ -148,7 +151,7 @@ bool WaylandDesktop::start()
     };
     for (const auto &[name, value] : values)
         m_environment.insert(QLatin1String(name), value);
-    return startBus() && startSway();
+    return startBus() && (isKWin() ? startKWin() : startSway());
 }
 
 bool WaylandDesktop::startBus()
@@ -211,6 +214,49 @@ bool WaylandDesktop::startSway()
     };
     return waitUntil([&] { return outputs().array().size() == int(m_plan.monitors.size()); })
         || fail(QStringLiteral("sway has not the outputs that it was told to have"));
+}
+
+bool WaylandDesktop::startKWin()
+{
+    // The installed one may carry a right that cannot be had here, and then is not run at all.
+    const QString program = home() + QStringLiteral("/kwin_wayland");
+    QFile::copy(QStandardPaths::findExecutable(QStringLiteral("kwin_wayland")), program);
+    giveAway(program);
+    const WaylandMonitor &monitor = m_plan.monitors.front();
+    const QSize points = pointsOf(monitor);
+    const QString display = m_folder.filePath(QStringLiteral("run/wayland-0"));
+    if (!run(program,
+             {QStringLiteral("--virtual"), QStringLiteral("--no-lockscreen"),
+              QStringLiteral("--socket"), QStringLiteral("wayland-0"), QStringLiteral("--width"),
+              QString::number(points.width()), QStringLiteral("--height"),
+              QString::number(points.height()), QStringLiteral("--scale"),
+              QString::number(monitor.scale), QStringLiteral("--output-count"),
+              QString::number(m_plan.monitors.size())},
+             {{QStringLiteral("KWIN_COMPOSE"), QStringLiteral("O2")},
+              {QStringLiteral("KWIN_WAYLAND_NO_PERMISSION_CHECKS"), QStringLiteral("1")},
+              {QStringLiteral("KWIN_SCREENSHOT_NO_PERMISSION_CHECKS"), QStringLiteral("1")}}))
+        return false;
+    m_environment.insert(QStringLiteral("WAYLAND_DISPLAY"), display);
+    m_kwinEye =
+        std::make_unique<KWinEye>(m_environment.value(QStringLiteral("DBUS_SESSION_BUS_ADDRESS")));
+    return waitUntil([&] { return QFile::exists(display) && !look(0).isNull(); },
+                     std::chrono::seconds(20))
+        || fail(QStringLiteral("KWin shows nothing here"));
+}
+
+bool WaylandDesktop::showPicture(int output, const QString &path)
+{
+    if (!isKWin())
+        return !tell({QStringLiteral("output %1 bg %2 fill").arg(outputName(output), path)})
+                    .isNull();
+    return run(QStringLiteral("swaybg"),
+               {QStringLiteral("-o"), outputName(output), QStringLiteral("-i"), path,
+                QStringLiteral("-m"), QStringLiteral("fill")});
+}
+
+QString WaylandDesktop::outputName(int index) const
+{
+    return isKWin() ? QStringLiteral("Virtual-%1").arg(index) : monitorName(index);
 }
 
 QStringList WaylandDesktop::asUser(const QString &path, const QStringList &arguments) const
@@ -278,6 +324,8 @@ QString WaylandDesktop::xDisplay()
 
 QImage WaylandDesktop::look(int monitor)
 {
+    if (m_kwinEye)
+        return m_kwinEye->look(outputName(monitor));
     const QByteArray picture =
         output(QStringLiteral("grim"),
                {QStringLiteral("-t"), QStringLiteral("ppm"), QStringLiteral("-o"),

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "support/KWinEye.h"
 #include "support/Program.h"
 
 #include <QImage>
@@ -27,11 +28,13 @@ struct WaylandPlan
 {
     std::vector<WaylandMonitor> monitors{{}};
     bool hasXWayland = false;
+    enum class Compositor { sway, kwin };
+    Compositor compositor = Compositor::sway; ///< KWin has outputs of one kind only
 };
 
-/// A Wayland desktop of a test's own: sway without a screen, a session bus, and a home that nobody
-/// else uses. Everything in it ends with it. Since sway refuses to run as root, a test that does
-/// runs all of the desktop as a user without rights.
+/// A Wayland desktop of a test's own: sway or KWin without a screen, a session bus, and a home that
+/// nobody else uses. Everything in it ends with it. Since sway refuses to run as root, a test that
+/// does runs all of the desktop as a user without rights.
 class WaylandDesktop
 {
 public:
@@ -67,7 +70,10 @@ public:
     static QSize pointsOf(const WaylandMonitor &monitor);
     /// Of its XWayland; empty until that is there.
     QString xDisplay();
-    static QString monitorName(int index);
+    static QString monitorName(int index); ///< of sway
+    QString outputName(int index) const;
+    /// Has a picture cover an output.
+    [[nodiscard]] bool showPicture(int output, const QString &path);
     /// The pixels of an output as Format_RGB32, without the pointer where sway can leave it out.
     QImage look(int monitor = 0);
     /// Waits until two looks are alike, and gives that picture; null at the deadline.
@@ -76,16 +82,19 @@ public:
     QStringList windowTitles();
 
 private:
+    bool isKWin() const { return m_plan.compositor == WaylandPlan::Compositor::kwin; }
     bool fail(const QString &error);
     bool makeFolders();
     bool startBus();
     bool startSway();
+    bool startKWin();
     QStringList asUser(const QString &path, const QStringList &arguments) const;
 
     WaylandPlan m_plan;
     QTemporaryDir m_folder;
     QProcessEnvironment m_environment;
     QString m_error;
+    std::unique_ptr<KWinEye> m_kwinEye;
     std::vector<std::unique_ptr<Program>> m_programs;
 };
 

@@ -24,7 +24,8 @@ public:
     WaylandHand(const WaylandHand &) = delete;
     WaylandHand &operator=(const WaylandHand &) = delete;
 
-    /// False where the compositor takes no injected input.
+    /// False where the compositor takes no injected input. KWin takes it where it was told not to
+    /// ask who injects.
     bool isWorking() const;
 
     void move(QPointF to);

@@ -12,6 +12,7 @@
 #include <QBuffer>
 #include <QDir>
 #include <QFile>
+#include <QJsonObject>
 
 #include <cmath>
 
@@ -41,13 +42,9 @@ struct WaylandSession
             return fail(QStringLiteral("no input can be injected"));
         if (!showPictures())
             return fail(QStringLiteral("no picture came"));
-        // A preview would lie over what is compared.
-        const QByteArray settings = hasPreviews
-            ? "{\"highlightText\": false}"
-            : "{\"highlightText\": false, \"showInMenuBar\": false}";
         QDir().mkpath(desktop.configFolder() + QStringLiteral("/tovek"));
         desktop.writeFile(desktop.configFolder() + QStringLiteral("/tovek/defaults.json"),
-                          settings);
+                          QJsonDocument(settings).toJson());
         tovek = desktop.run(qEnvironmentVariable("TOVEK_PROGRAM"), {QStringLiteral("--background")},
                             variables);
         return (tovek && waitUntil([&] { return act("no-such-action"); }))
@@ -72,9 +69,7 @@ struct WaylandSession
             QBuffer png;
             png.open(QIODevice::WriteOnly);
             picture.save(&png, "PNG");
-            const QString name = WaylandDesktop::monitorName(int(i));
-            if (!desktop.writeFile(path, png.data())
-                || desktop.tell({QStringLiteral("output %1 bg %2 fill").arg(name, path)}).isNull()
+            if (!desktop.writeFile(path, png.data()) || !desktop.showPicture(int(i), path)
                 || !waitUntil([&] { return isFine(desktop.look(int(i))); }))
                 return false;
         }
@@ -160,7 +155,9 @@ struct WaylandSession
     }
 
     WaylandPlan plan;
-    bool hasPreviews = false;
+    /// A preview would lie over what is compared.
+    QJsonObject settings{{QStringLiteral("highlightText"), false},
+                         {QStringLiteral("showInMenuBar"), false}};
     std::map<QString, QString> variables; ///< of the program's environment
     WaylandDesktop desktop;
     std::unique_ptr<WaylandHand> hand;

@@ -27,6 +27,7 @@ private Q_SLOTS:
     void openingChangesNotOnePixel()
     {
         QFETCH(WaylandPlan, plan);
+        skipBecause(WaylandDesktop::missing(plan));
         WaylandSession session(plan);
         QVERIFY2(session.start(), qPrintable(session.error));
         QVERIFY(session.open());
@@ -44,6 +45,7 @@ private Q_SLOTS:
     void copiesExactlyTheSelection()
     {
         QFETCH(WaylandPlan, plan);
+        skipBecause(WaylandDesktop::missing(plan));
         WaylandSession session(plan);
         QVERIFY2(session.start(), qPrintable(session.error));
         const int last = int(plan.monitors.size()) - 1;
@@ -159,6 +161,12 @@ private:
         for (const char *transform : {"90", "270", "flipped"})
             QTest::addRow("turned %s", transform)
                 << WaylandPlan{{{QSize(800, 1280), 1, QString::fromLatin1(transform)}}};
+        const auto onKWin = [](std::vector<WaylandMonitor> monitors) {
+            return WaylandPlan{std::move(monitors), false, WaylandPlan::Compositor::kwin};
+        };
+        QTest::newRow("KWin") << onKWin({{size, 1}});
+        QTest::newRow("KWin, scale 2") << onKWin({{QSize(1600, 1200), 2}});
+        QTest::newRow("KWin, two") << onKWin({{size, 1}, {size, 1}});
     }
 };
 

@@ -35,7 +35,7 @@ QString focusedTitle(const QJsonObject &node)
 /// A desktop that a window fills, of which a part was copied: the upper right corner shows it.
 struct PreviewSession : WaylandSession
 {
-    PreviewSession() { hasPreviews = true; }
+    PreviewSession() { settings.remove(QStringLiteral("showInMenuBar")); }
 
     [[nodiscard]] bool startWithWindow()
     {

@@ -1,0 +1,80 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+// What the desktops of Wayland do for the program beside showing it: keys, clipboard.
+
+#include "desktop/wayland/WaylandSession.h"
+#include "support/Skip.h"
+
+#include <QRegularExpression>
+
+using namespace tovek;
+
+namespace {
+
+const char chord[] = "Control_L+Alt_L+5";
+/// 5 with Control and Alt, as it is stored.
+const QString storedChord = QStringLiteral("{\"carbonKeyCode\":23,\"carbonModifiers\":6144}");
+
+} // namespace
+
+class TestWaylandServices : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void startsWhenTheKeyIsLetGo_data() { desktops(); }
+    void startsWhenTheKeyIsLetGo()
+    {
+        QFETCH(WaylandPlan, plan);
+        skipBecause(WaylandDesktop::missing(plan));
+        WaylandSession session(plan);
+        session.settings.insert(QStringLiteral("KeyboardShortcuts_captureScreenshot"), storedChord);
+        QVERIFY2(session.start(), qPrintable(session.error));
+        session.point(0, WaylandSession::corner);
+        const QImage before = session.desktop.lookWhenStill();
+        QVERIFY(session.hand->hold(QLatin1String(chord)));
+        for (int look = 0; look < 5; ++look)
+            QCOMPARE(session.desktop.look(), before);
+        QVERIFY(session.hand->letGo(QLatin1String(chord)));
+        QTRY_VERIFY(session.desktop.look() != before); // the cross
+        QCOMPARE(WaylandSession::differences(session.desktop.look(), before), 0);
+        // The veil shows that it is no other picture.
+        session.select(0, {200, 200}, {400, 360});
+        QTRY_VERIFY(WaylandSession::differences(session.desktop.look(), before) > 0);
+        session.point(0, WaylandSession::corner);
+        QVERIFY(session.tap("Escape"));
+        QVERIFY(session.tap("Escape"));
+        QTRY_COMPARE(WaylandSession::differences(session.desktop.look(), before), 0);
+    }
+
+    void keepsTheClipboardAfterQuitting_data() { desktops(); }
+    void keepsTheClipboardAfterQuitting()
+    {
+        QFETCH(WaylandPlan, plan);
+        skipBecause(WaylandDesktop::missing(plan));
+        WaylandSession session(plan);
+        QVERIFY2(session.start(), qPrintable(session.error));
+        QVERIFY(session.open());
+        session.select(0, {200, 200}, {400, 360});
+        QVERIFY(session.tap("Return"));
+        const QImage expected = session.expected(0, {200, 200, 200, 160});
+        QCOMPARE(differentPixels(session.pasted(), expected), 0);
+        QVERIFY(session.act("quit"));
+        QVERIFY(session.tovek->waitForExit());
+        QCOMPARE(differentPixels(session.pasted(), expected), 0);
+    }
+
+private:
+    static void desktops()
+    {
+        QTest::addColumn<WaylandPlan>("plan");
+        QTest::newRow("sway") << WaylandPlan{};
+        QTest::newRow("KWin") << WaylandPlan{{{}}, false, WaylandPlan::Compositor::kwin};
+    }
+};
+
+QTEST_GUILESS_MAIN(TestWaylandServices)
+#include "tst_WaylandServices.moc"
