@@ -5,6 +5,7 @@
 
 #include "app/SettingsPlacement.h"
 #include "app/SettingsWindow.h"
+#include "app/WindowAccess.h"
 #include "platform/Clock.h"
 #include "platform/FrontmostApp.h"
 #include "platform/Platform.h"
@@ -34,6 +35,7 @@ TovekApp::TovekApp(Platform &platform, UserDefaults &defaults, UpdateConfigurati
     , m_appDelegate(platform, defaults, m_appState, m_updaterManager)
     , m_settingsTabs(platform, defaults, m_updaterManager)
 {
+    installWindowAccess();
     m_updaterManager.updaterController().updater().onRelaunch = [this](const QString &program) {
         makeWayFor(program);
     };
