@@ -105,6 +105,7 @@ void complain(const QString &reason)
 {
     const QByteArray line = "tovek: " + reason.toUtf8() + '\n';
     std::fwrite(line.constData(), 1, size_t(line.size()), stderr);
+    tellUnreadError(reason);
 }
 
 } // namespace tovek

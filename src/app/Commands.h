@@ -30,7 +30,7 @@ std::optional<int> leaveToTheFirst(SingleInstance &instance, const Wish &wish);
 /// a failure, 2 for a command line that says nothing that can be done.
 int runCommand(const Command &command, int &argc, char **argv);
 
-/// One line on standard error.
+/// One line on standard error; a notification where nobody reads that.
 void complain(const QString &reason);
 
 } // namespace tovek

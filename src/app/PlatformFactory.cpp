@@ -20,6 +20,7 @@
 #include "platform/linux/SessionBus.h"
 #include "platform/linux/StatusNotifierItem.h"
 #include "platform/linux/TesseractRecognizer.h"
+#include "platform/linux/UnreadErrors.h"
 #include "platform/linux/UserBoundHotKeys.h"
 #include "platform/null/NullCapturePermission.h"
 #include "platform/null/NullClipboard.h"
@@ -363,6 +364,12 @@ QString missingDisplay()
             return {};
     }
     return QStringLiteral("No display: neither DISPLAY nor WAYLAND_DISPLAY is set");
+}
+
+void tellUnreadError(const QString &error)
+{
+    if (areErrorsUnread())
+        notifyOfError(error);
 }
 
 EarlyPlatform makeEarlyPlatform()

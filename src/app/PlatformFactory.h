@@ -35,6 +35,10 @@ struct EarlyPlatform
 /// otherwise an empty text.
 QString missingDisplay();
 
+/// Tells an error to who started this process where nobody reads what it writes. Needs no
+/// application.
+void tellUnreadError(const QString &error);
+
 /// Every member but the keyboard, for which see `openKeyboard`.
 EarlyPlatform makeEarlyPlatform();
 /// Has the toolkit run on the window system that the desktop is to be served by; QT_QPA_PLATFORM in

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "desktop/Launched.h"
+#include "support/DesktopServices.h"
 #include "support/Skip.h"
 
 #include <QDir>
@@ -71,6 +72,29 @@ private Q_SLOTS:
         QCOMPARE(shell.last->lines(), QStringList());
         QCOMPARE(shell.run({"--quit"}), 1);
         QCOMPARE(shell.last->errorLines(), QStringList{"tovek: Tovek is not running"});
+    }
+
+    void tellsTheDesktopWhatNobodyWouldRead()
+    {
+        Shell shell;
+        QVERIFY(shell.startDesktop());
+        const QProcessEnvironment environment = shell.desktop->environment();
+        QDBusConnection bus = QDBusConnection::connectToBus(
+            environment.value(QStringLiteral("DBUS_SESSION_BUS_ADDRESS")),
+            QStringLiteral("server"));
+        NotificationServer server;
+        QVERIFY(server.start(bus));
+        // A shell's reader sees the line.
+        QCOMPARE(shell.run({"--nonsense"}), 2);
+        QVERIFY(server.shown.empty());
+        // A key of the desktop has none.
+        Program unread;
+        QVERIFY(unread.start(qEnvironmentVariable("TOVEK_PROGRAM"), {"--quit"}, environment));
+        QVERIFY(waitUntil([&] { return !server.shown.empty(); }));
+        QCOMPARE(server.shown.front().body, QStringLiteral("Tovek is not running"));
+        QCOMPARE(unread.waitForExit(), std::optional(1));
+        server.stop(bus);
+        QDBusConnection::disconnectFromBus(QStringLiteral("server"));
     }
 
     void needsADisplayToStart_data()
