@@ -6,16 +6,11 @@
 #include "platform/x11/X11Connect.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace tovek {
 
 namespace {
 
-/// A reader that takes nothing for so long has hung or forgotten.
-constexpr std::chrono::seconds patience(60);
-constexpr size_t requestHeaderBytes = 64;
-constexpr size_t incrementBytes = 1024 * 1024;
 constexpr uint8_t eventTypeMask = 0x7f; // the top bit marks events sent by clients
 
 /// Null without a display.
@@ -59,7 +54,6 @@ bool SelectionServer::reconnect()
     m_content.clear();
     m_isOwner = false;
     m_waiting.clear();
-    m_transfers.clear();
     m_backlog.clear();
     setUp(screen);
     if (onReconnected)
@@ -71,7 +65,6 @@ void SelectionServer::setUp(int screen)
 {
     xcb_connection_t *const connection = m_connection;
     m_window = xcb_generate_id(connection);
-    m_largestPiece = 4 * size_t(xcb_get_maximum_request_length(connection)) - requestHeaderBytes;
     auto roots = xcb_setup_roots_iterator(xcb_get_setup(connection));
     for (; screen > 0 && roots.rem > 1; --screen)
         xcb_screen_next(&roots);
@@ -96,6 +89,7 @@ void SelectionServer::setUp(int screen)
                 xcb_intern_atom_reply(connection, cookies[i], nullptr)})
             m_atoms[names[i]] = reply->atom;
     }
+    m_transfers = SelectionTransfers(connection, atom("INCR"));
 }
 
 SelectionServer::~SelectionServer()
@@ -176,8 +170,7 @@ void SelectionServer::processEvents()
         if (events.empty())
             break;
     }
-    const auto now = std::chrono::steady_clock::now();
-    endTransfers([now](const Transfer &transfer) { return now - transfer.lastUse > patience; });
+    m_transfers.endForgotten();
 }
 
 xcb_atom_t SelectionServer::atom(const std::string &name)
@@ -237,14 +230,12 @@ void SelectionServer::handle(const xcb_generic_event_t *event)
     case XCB_PROPERTY_NOTIFY: {
         const auto &notify = *reinterpret_cast<const xcb_property_notify_event_t *>(event);
         if (notify.state == XCB_PROPERTY_DELETE)
-            propertyDeleted(notify.window, notify.atom);
+            m_transfers.propertyDeleted(notify.window, notify.atom);
         break;
     }
-    case XCB_DESTROY_NOTIFY: {
-        const auto gone = reinterpret_cast<const xcb_destroy_notify_event_t *>(event)->window;
-        endTransfers([gone](const Transfer &transfer) { return transfer.requestor == gone; });
+    case XCB_DESTROY_NOTIFY:
+        m_transfers.endOf(reinterpret_cast<const xcb_destroy_notify_event_t *>(event)->window);
         break;
-    }
     default:
         break; // errors among them: a reader that vanished is no concern of ours
     }
@@ -340,70 +331,12 @@ bool SelectionServer::deliver(xcb_window_t requestor, xcb_atom_t target, xcb_ato
         if (target != atom(offered.name))
             continue;
         const SelectionBytes &bytes = offered.bytes;
-        if (bytes.size <= m_largestPiece)
+        if (bytes.size <= m_transfers.largestPiece())
             return put(atom(offered.type), 8, bytes.size, bytes.data);
-        beginTransfer({requestor, property, atom(offered.type), bytes, 0, {}});
+        m_transfers.begin({requestor, property, atom(offered.type), bytes});
         return true;
     }
     return false;
-}
-
-void SelectionServer::beginTransfer(Transfer transfer)
-{
-    // A reader that asks again has given up what it got so far.
-    std::erase_if(m_transfers, [&](const Transfer &other) {
-        return other.requestor == transfer.requestor && other.property == transfer.property;
-    });
-    const uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-    xcb_change_window_attributes(m_connection, transfer.requestor, XCB_CW_EVENT_MASK, &events);
-    const auto atLeast =
-        uint32_t(std::min<size_t>(transfer.bytes.size, std::numeric_limits<uint32_t>::max()));
-    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, transfer.requestor, transfer.property,
-                        atom("INCR"), 32, 1, &atLeast);
-    transfer.lastUse = std::chrono::steady_clock::now();
-    m_transfers.push_back(std::move(transfer));
-}
-
-void SelectionServer::propertyDeleted(xcb_window_t requestor, xcb_atom_t property)
-{
-    const auto found =
-        std::find_if(m_transfers.begin(), m_transfers.end(), [&](const Transfer &transfer) {
-            return transfer.requestor == requestor && transfer.property == property;
-        });
-    if (found == m_transfers.end())
-        return;
-    // The empty piece at the end tells the reader that it has everything.
-    const size_t size =
-        std::min({found->bytes.size - found->offset, m_largestPiece, incrementBytes});
-    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, requestor, property, found->type, 8,
-                        uint32_t(size), found->bytes.data + found->offset);
-    found->offset += size;
-    found->lastUse = std::chrono::steady_clock::now();
-    if (size == 0)
-        endTransfers([=](const Transfer &transfer) {
-            return transfer.requestor == requestor && transfer.property == property;
-        });
-}
-
-void SelectionServer::endTransfers(const std::function<bool(const Transfer &)> &matches)
-{
-    std::vector<xcb_window_t> requestors;
-    for (const Transfer &transfer : m_transfers) {
-        if (matches(transfer))
-            requestors.push_back(transfer.requestor);
-    }
-    if (requestors.empty())
-        return;
-    std::erase_if(m_transfers, matches);
-    for (const xcb_window_t requestor : requestors) {
-        const bool isUsed =
-            std::any_of(m_transfers.begin(), m_transfers.end(),
-                        [&](const Transfer &transfer) { return transfer.requestor == requestor; });
-        const uint32_t events = XCB_EVENT_MASK_NO_EVENT;
-        if (!isUsed)
-            xcb_change_window_attributes(m_connection, requestor, XCB_CW_EVENT_MASK, &events);
-    }
-    xcb_flush(m_connection);
 }
 
 void SelectionServer::answerWaiting()

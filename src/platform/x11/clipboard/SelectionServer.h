@@ -5,8 +5,8 @@
 
 #include "platform/linux/clipboard/Selection.h"
 #include "platform/x11/X11Reply.h"
+#include "platform/x11/clipboard/SelectionTransfers.h"
 
-#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -37,7 +37,7 @@ public:
     void clear() override;
 
     bool isOwner() const override { return m_isOwner; }
-    bool isTransferring() const override { return !m_transfers.empty(); }
+    bool isTransferring() const override { return !m_transfers.isEmpty(); }
     /// The owner of the selection in the eyes of the display server.
     xcb_window_t window() const { return m_window; }
     int fileDescriptor() const;
@@ -52,17 +52,6 @@ public:
     std::function<void()> onReconnected;
 
 private:
-    /// A content on its way to one reader that takes the next piece when it has deleted the last.
-    struct Transfer
-    {
-        xcb_window_t requestor;
-        xcb_atom_t property;
-        xcb_atom_t type;
-        SelectionBytes bytes;
-        size_t offset = 0;
-        std::chrono::steady_clock::time_point lastUse;
-    };
-
     SelectionServer(std::string displayName, xcb_connection_t *connection, int screen);
     void setUp(int screen);
 
@@ -75,9 +64,6 @@ private:
     bool serve(const xcb_selection_request_event_t &request);
     bool serveMultiple(const xcb_selection_request_event_t &request);
     bool deliver(xcb_window_t requestor, xcb_atom_t target, xcb_atom_t property);
-    void beginTransfer(Transfer transfer);
-    void propertyDeleted(xcb_window_t requestor, xcb_atom_t property);
-    void endTransfers(const std::function<bool(const Transfer &)> &matches);
     void answerWaiting();
 
     std::string m_displayName;
@@ -85,13 +71,12 @@ private:
     xcb_window_t m_root = XCB_WINDOW_NONE;
     xcb_window_t m_window = XCB_WINDOW_NONE;
     std::map<std::string, xcb_atom_t> m_atoms;
-    size_t m_largestPiece = 0;
     SelectionContent m_content;
     xcb_timestamp_t m_ownedSince = XCB_CURRENT_TIME;
     bool m_isOwner = false;
     bool m_isReady = true;
     std::vector<xcb_selection_request_event_t> m_waiting;
-    std::vector<Transfer> m_transfers;
+    SelectionTransfers m_transfers;
     std::vector<X11Reply<xcb_generic_event_t>> m_backlog;
 };
 
