@@ -114,12 +114,32 @@ private Q_SLOTS:
         QVERIFY(holderProcesses().isEmpty());
     }
 
+    void quitsWithoutAHolderToo_data()
+    {
+        QTest::addColumn<QByteArray>("script");
+        QTest::newRow("there is none") << QByteArray();
+        QTest::newRow("it stands still") << QByteArray("kill -STOP $$");
+        QTest::newRow("it is killed") << QByteArray("kill -KILL $$");
+        QTest::newRow("it lies") << QByteArray("exit 0");
+    }
     void quitsWithoutAHolderToo()
     {
+        QFETCH(QByteArray, script);
+        const QTemporaryDir folder;
+        QFile holder(folder.filePath(QStringLiteral("holder")));
+        if (!script.isEmpty()) {
+            QVERIFY(holder.open(QIODevice::WriteOnly));
+            holder.write("#!/bin/sh\n" + script + "\n");
+            QVERIFY(holder.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+            holder.close();
+        }
         const auto clipboard =
-            X11Clipboard::create(QStringLiteral("/nowhere"), QString::fromLatin1(m_display));
+            X11Clipboard::create(holder.fileName(), QString::fromLatin1(m_display));
         clipboard->setText(QStringLiteral("x"));
+        QElapsedTimer timer;
+        timer.start();
         clipboard->handOver();
+        QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
         QVERIFY(holderProcesses().isEmpty());
     }
 
