@@ -27,8 +27,6 @@ public:
     virtual void movePointer(const Screen &screen, QPoint pixel) = 0;
     /// False where nobody is told where the pointer is.
     virtual bool knowsPointer() const { return true; }
-    /// The pixels of the common plane that a distance of a point takes: 1 where it is a real one.
-    virtual int planeScale() const { return 1; }
     /// Named "Below", of 726 x 168 pixels.
     virtual bool addMonitor() = 0;
     virtual bool removeMonitor() = 0;
@@ -105,7 +103,6 @@ public:
     Screens &screens() override { return *m_screens; }
     void movePointer(const Screen &, QPoint) override { }
     bool knowsPointer() const override { return false; }
-    int planeScale() const override { return 2; } // that of the screen with the most pixels
     bool addMonitor() override
     {
         m_compositor.addOutput(output("Below", {726, 168}, 1, {0, 600}));
@@ -204,9 +201,9 @@ private Q_SLOTS:
         const Screen lower = all()[0];
         const Screen higher = all()[1];
         QCOMPARE(higher.frame.maxY() - lower.frame.maxY(), 100.0);
-        QCOMPARE(lower.native.top() - higher.native.top(), 100 * m_desk->planeScale());
+        QCOMPARE(lower.native.top() - higher.native.top(), 100);
         QCOMPARE(higher.frame.maxX(), lower.frame.minX());
-        QCOMPARE(lower.native.left() - higher.native.left(), 726 * m_desk->planeScale());
+        QCOMPARE(lower.native.left() - higher.native.left(), 726);
     }
 
     void keepsTheVisibleFrameInsideOfTheFrame()

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "platform/wayland/WaylandOutputs.h"
+#include "platform/wayland/capture/WaylandScreenGrabber.h"
 
 #include <QTest>
 
@@ -35,6 +36,62 @@ private Q_SLOTS:
         QFETCH(QSize, native);
         QFETCH(QSize, logical);
         QTEST(outputScale(native, logical), "scale");
+    }
+
+    void arrangesNativePixelsAsTheOutputsAre_data()
+    {
+        using Outputs = std::vector<WaylandOutput>;
+        QTest::addColumn<Outputs>("outputs");
+        QTest::addColumn<std::vector<QPoint>>("corners");
+        const auto row = [](const char *name, const Outputs &outputs,
+                            const std::vector<QPoint> &corners) {
+            QTest::newRow(name) << outputs << corners;
+        };
+        row("none", {}, {});
+        row("one, far from the origin", {output({1280, 800}, {300, 200}, 1)}, {{0, 0}});
+        row("a larger scale at the right",
+            {output({1280, 800}, {0, 0}, 1), output({1600, 1200}, {1280, 0}, 2)},
+            {{0, 0}, {1280, 0}});
+        row("a larger scale at the left",
+            {output({1600, 1200}, {0, 0}, 2), output({1280, 800}, {800, 0}, 1)},
+            {{0, 0}, {1600, 0}});
+        row("the first one at the right",
+            {output({1280, 800}, {800, 0}, 1), output({1600, 1200}, {0, 0}, 2)},
+            {{1600, 0}, {0, 0}});
+        row("lower", {output({800, 600}, {0, 0}, 1), output({800, 600}, {800, 100}, 1)},
+            {{0, 0}, {800, 100}});
+        row("above", {output({800, 600}, {0, 0}, 1), output({1600, 1200}, {100, -600}, 2)},
+            {{0, 1200}, {100, 0}});
+        row("fractions", {output({1600, 1200}, {0, 0}, 1.5), output({1366, 768}, {1066, 0}, 1.25)},
+            {{0, 0}, {1600, 0}});
+        row("three in a corner",
+            {output({1600, 1200}, {0, 0}, 2), output({800, 600}, {800, 0}, 1),
+             output({800, 600}, {0, 600}, 1)},
+            {{0, 0}, {1600, 0}, {0, 1200}});
+    }
+    void arrangesNativePixelsAsTheOutputsAre()
+    {
+        QFETCH(std::vector<WaylandOutput>, outputs);
+        QFETCH(std::vector<QPoint>, corners);
+        const std::vector<QRect> rects = nativeRects(outputs);
+        QCOMPARE(rects.size(), outputs.size());
+        for (size_t i = 0; i < rects.size(); ++i) {
+            QCOMPARE(rects[i].topLeft(), corners[i]);
+            QCOMPARE(rects[i].size(), outputs[i].native);
+            for (size_t other = 0; other < i; ++other)
+                QVERIFY(!rects[i].intersects(rects[other]));
+        }
+    }
+
+private:
+    static WaylandOutput output(QSize native, QPoint at, double scale)
+    {
+        WaylandOutput output;
+        output.native = native;
+        output.scale = scale;
+        output.logical =
+            QRect(at, QSize(int(native.width() / scale), int(native.height() / scale)));
+        return output;
     }
 };
 

@@ -12,6 +12,7 @@
 #include <cmath>
 #include <cstring>
 #include <map>
+#include <numeric>
 
 namespace tovek {
 
@@ -61,15 +62,50 @@ QFuture<QImage> WaylandFrozenDisplay::pixels()
     return *m_future;
 }
 
+namespace {
+
+/// Where each output begins along one axis: right behind those that end before it, or as far from
+/// the first as it is in points, whichever is more.
+std::vector<int> packed(const std::vector<WaylandOutput> &outputs, double scale,
+                        const std::function<int(const QRect &)> &start,
+                        const std::function<int(const QSize &)> &length)
+{
+    std::vector<size_t> order(outputs.size());
+    std::iota(order.begin(), order.end(), size_t(0));
+    std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
+        return start(outputs[a].logical) < start(outputs[b].logical);
+    });
+    std::vector<int> starts(outputs.size());
+    for (size_t i = 0; i < order.size(); ++i) {
+        const QRect &logical = outputs[order[i]].logical;
+        const int distance = start(logical) - start(outputs[order.front()].logical);
+        int at = int(std::lround(distance * scale));
+        for (size_t before = 0; before < i; ++before) {
+            const WaylandOutput &other = outputs[order[before]];
+            if (start(other.logical) + length(other.logical.size()) <= start(logical))
+                at = std::max(at, starts[order[before]] + length(other.native));
+        }
+        starts[order[i]] = at;
+    }
+    return starts;
+}
+
+} // namespace
+
 std::vector<QRect> nativeRects(const std::vector<WaylandOutput> &outputs)
 {
-    double largest = 1;
+    double smallest = outputs.empty() ? 1 : outputs.front().scale;
     for (const WaylandOutput &output : outputs)
-        largest = std::max(largest, output.scale);
+        smallest = std::min(smallest, output.scale);
+    const std::vector<int> lefts = packed(
+        outputs, smallest, [](const QRect &rect) { return rect.x(); },
+        [](const QSize &size) { return size.width(); });
+    const std::vector<int> tops = packed(
+        outputs, smallest, [](const QRect &rect) { return rect.y(); },
+        [](const QSize &size) { return size.height(); });
     std::vector<QRect> rects;
-    for (const WaylandOutput &output : outputs)
-        rects.emplace_back((QPointF(output.logical.topLeft()) * std::ceil(largest)).toPoint(),
-                           output.native);
+    for (size_t i = 0; i < outputs.size(); ++i)
+        rects.emplace_back(QPoint(lefts[i], tops[i]), outputs[i].native);
     return rects;
 }
 

@@ -82,8 +82,8 @@ private:
     QString m_failure;
 };
 
-/// The native pixels of each output in one plane without overlap: Wayland has no such plane of its
-/// own.
+/// The native pixels of each output in one plane, arranged as the outputs are, without overlaps and
+/// without gaps that the outputs have not: Wayland has no such plane of its own.
 std::vector<QRect> nativeRects(const std::vector<WaylandOutput> &outputs);
 
 } // namespace tovek
