@@ -42,8 +42,8 @@ const Entry entries[] = {
     {"arrow.up.right",     QT_TRANSLATE_NOOP("SelectionToolbar", "Arrow"),     QT_TRANSLATE_NOOP("SelectionToolbar", "Arrow (A)"),     &SelectionToolbar::onArrow,     AnnotationTool::arrow},
     {"character.textbox",  QT_TRANSLATE_NOOP("SelectionToolbar", "Text"),      QT_TRANSLATE_NOOP("SelectionToolbar", "Text (T)"),      &SelectionToolbar::onText,      AnnotationTool::text},
     {"",                   QT_TRANSLATE_NOOP("SelectionToolbar", "Colour"),    QT_TRANSLATE_NOOP("SelectionToolbar", "Colour"),        nullptr,                        {}},
-    {"doc.on.doc",         QT_TRANSLATE_NOOP("SelectionToolbar", "Copy"),      QT_TRANSLATE_NOOP("SelectionToolbar", "Copy (Ctrl+C)"), &SelectionToolbar::onCopy,      {}},
-    {"xmark",              QT_TRANSLATE_NOOP("SelectionToolbar", "Close"),     QT_TRANSLATE_NOOP("SelectionToolbar", "Close (Esc)"),   &SelectionToolbar::onClose,     {}},
+    {"doc.on.doc",         QT_TRANSLATE_NOOP("SelectionToolbar", "Copy"),      QT_TRANSLATE_NOOP("SelectionToolbar", "Copy (\u2303C)"), &SelectionToolbar::onCopy,      {}},
+    {"xmark",              QT_TRANSLATE_NOOP("SelectionToolbar", "Close"),     QT_TRANSLATE_NOOP("SelectionToolbar", "Close (\u238b)"),   &SelectionToolbar::onClose,     {}},
 };
 // clang-format on
 constexpr size_t colorButton = 5;
