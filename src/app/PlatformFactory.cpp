@@ -28,6 +28,7 @@
 #include "platform/null/NullKeyboard.h"
 #include "platform/portal/PortalBus.h"
 #ifdef TOVEK_WITH_WAYLAND
+#include "platform/wayland/ToolkitDrawing.h"
 #include "platform/wayland/capture/ExtScreenGrabber.h"
 #include "platform/wayland/capture/KWinCapturePermission.h"
 #include "platform/wayland/capture/KWinScreenGrabber.h"
@@ -161,6 +162,7 @@ bool addWaylandDesktop(Platform &platform, EarlyPlatform &early)
     const std::shared_ptr<WaylandConnection> &connection = early.wayland;
     if (!connection)
         return false;
+    keepToShmBuffers();
     const auto outputs = std::make_shared<WaylandOutputs>(connection);
     auto screens = std::make_unique<WaylandScreens>(outputs);
     auto grabber = makeWaylandGrabber(connection, outputs);

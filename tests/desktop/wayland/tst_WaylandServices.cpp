@@ -50,6 +50,25 @@ private Q_SLOTS:
         QTRY_COMPARE(WaylandSession::differences(session.desktop.look(), before), 0);
     }
 
+    void loadsNoGraphicsDriver_data() { desktops(); }
+    void loadsNoGraphicsDriver()
+    {
+        QFETCH(WaylandPlan, plan);
+        skipBecause(WaylandDesktop::missing(plan));
+        WaylandSession session(plan);
+        QVERIFY2(session.start(), qPrintable(session.error));
+        QVERIFY(session.open());
+        QVERIFY(session.tap("Escape"));
+        QFile maps(QStringLiteral("/proc/%1/maps").arg(session.tovek->pid()));
+        QVERIFY2(maps.open(QIODevice::ReadOnly), qPrintable(maps.errorString()));
+        const QByteArray files = maps.readAll();
+        QVERIFY(files.contains("bin/tovek"));
+        for (const char *part : {"_dri.so", "libgallium", "libLLVM", "libEGL_"})
+            QVERIFY2(!files.contains(part), part);
+        QVERIFY2(session.tovek->errorLines().isEmpty(),
+                 qPrintable(session.tovek->errorLines().join(QLatin1Char('\n'))));
+    }
+
     void keepsTheClipboardAfterQuitting_data() { desktops(); }
     void keepsTheClipboardAfterQuitting()
     {
