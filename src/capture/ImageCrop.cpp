@@ -10,12 +10,12 @@ namespace tovek {
 namespace {
 
 /// The nearest pixel boundary inside 0 to limit.
-int edge(double position, int limit)
+int wholeEdge(double position, int limit)
 {
     return int(std::lround(std::clamp(position, 0.0, double(limit))));
 }
 
-QImage cut(const QImage &bitmap, const QRect &rect)
+QImage cutOut(const QImage &bitmap, const QRect &rect)
 {
     if (rect == bitmap.rect())
         return bitmap;
@@ -39,10 +39,10 @@ QRect cropRect(const PixelRect &rect, QSize imageSize)
         if (!std::isfinite(value))
             return {};
     }
-    const int left = edge(rect.x, imageSize.width());
-    const int right = edge(rect.x + rect.width, imageSize.width());
-    const int top = edge(imageSize.height() - rect.y - rect.height, imageSize.height());
-    const int bottom = edge(imageSize.height() - rect.y, imageSize.height());
+    const int left = wholeEdge(rect.x, imageSize.width());
+    const int right = wholeEdge(rect.x + rect.width, imageSize.width());
+    const int top = wholeEdge(imageSize.height() - rect.y - rect.height, imageSize.height());
+    const int bottom = wholeEdge(imageSize.height() - rect.y, imageSize.height());
     if (right <= left || bottom <= top)
         return {};
     return {left, top, right - left, bottom - top};
@@ -56,7 +56,7 @@ std::optional<Image> crop(const Image &screenshot, const PixelRect &rect,
     const QRect source = cropRect(rect, screenshot.bitmap.size());
     if (source.isEmpty())
         return std::nullopt;
-    const QImage part = cut(screenshot.bitmap, source);
+    const QImage part = cutOut(screenshot.bitmap, source);
     if (part.isNull()) // for want of memory
         return std::nullopt;
     return Image{part, points.value_or(Size{rect.width, rect.height})};

@@ -21,7 +21,7 @@ struct State
     uint8_t buffer[levelBytes];
 };
 
-bool compress(const uint8_t *data, size_t size, bool isLast, std::vector<uint8_t> &out)
+bool isalCompress(const uint8_t *data, size_t size, bool isLast, std::vector<uint8_t> &out)
 {
     // Left uninitialised: isal_deflate_init sets what is read.
     const std::unique_ptr<State> state(new State);
@@ -46,12 +46,12 @@ bool compress(const uint8_t *data, size_t size, bool isLast, std::vector<uint8_t
     return result == COMP_OK && stream.avail_in == 0 && stream.avail_out > 0;
 }
 
-uint32_t adler(const uint8_t *data, size_t size)
+uint32_t isalAdler(const uint8_t *data, size_t size)
 {
     return isal_adler32(1, data, size);
 }
 
-uint32_t crc(uint32_t before, const uint8_t *data, size_t size)
+uint32_t isalCrc(uint32_t before, const uint8_t *data, size_t size)
 {
     return crc32_gzip_refl(before, data, size);
 }
@@ -60,7 +60,7 @@ uint32_t crc(uint32_t before, const uint8_t *data, size_t size)
 
 const Deflater &fastestDeflater()
 {
-    static constexpr Deflater deflater{"ISA-L", compress, adler, crc};
+    static constexpr Deflater deflater{"ISA-L", isalCompress, isalAdler, isalCrc};
     return deflater;
 }
 

@@ -13,17 +13,12 @@ namespace {
 const auto head = QStringLiteral("# SPDX-FileCopyrightText: 2026 The Tovek developers\n"
                                  "# SPDX-License-Identifier: MIT\n");
 
-QString latin(const char *text)
-{
-    return QString::fromLatin1(text);
-}
-
 QStringList namesOf(const OptionInfo &option)
 {
     QStringList names;
     for (const char *name : {option.shortName, option.name}) {
         if (*name)
-            names += latin(name);
+            names += tableText(name);
     }
     return names;
 }
@@ -42,7 +37,7 @@ QStringList commandNames()
 {
     QStringList names;
     for (const CommandInfo &info : allCommands())
-        names += latin(info.name);
+        names += tableText(info.name);
     return names;
 }
 
@@ -55,7 +50,7 @@ QString bashValues(const OptionInfo &option)
                               " | awk 'NR > 1 {print $NF}')\" -- \"$cur\"))");
     case ValueKind::window:
         return QStringLiteral("COMPREPLY=($(compgen -W '%1' -- \"$cur\"))")
-            .arg(latin(option.value));
+            .arg(tableText(option.value));
     case ValueKind::file:
         return QStringLiteral("compopt -o filenames; COMPREPLY=($(compgen -f -- \"$cur\"))");
     case ValueKind::none:
@@ -74,7 +69,7 @@ QString zshValues(const OptionInfo &option)
         return QStringLiteral("(${(f)\"$(xrandr --listactivemonitors 2>/dev/null"
                               " | awk 'NR > 1 {print $NF}')\"})");
     case ValueKind::window:
-        return QStringLiteral("(%1)").arg(latin(option.value));
+        return QStringLiteral("(%1)").arg(tableText(option.value));
     case ValueKind::file:
         return QStringLiteral("_files");
     case ValueKind::none:
@@ -91,11 +86,11 @@ QString zshSpec(const OptionInfo &option)
     QString spec = names.size() > 1
         ? QStringLiteral("'(%1)'{%2}'").arg(names.join(' '), names.join(','))
         : QLatin1Char('\'') + names.first();
-    QString help = latin(option.help);
+    QString help = tableText(option.help);
     help.replace(QLatin1String("'"), QLatin1String("'\\''"));
     spec += '[' + help + ']';
     if (option.kind != ValueKind::none)
-        spec += ':' + latin(option.value).replace(':', QLatin1String("\\:")) + ':'
+        spec += ':' + tableText(option.value).replace(':', QLatin1String("\\:")) + ':'
             + zshValues(option).replace('\'', QLatin1String("'\\''"));
     return spec + '\'';
 }
@@ -117,13 +112,13 @@ QString fishLine(const OptionInfo &option, const QString &condition)
     if (option.kind == ValueKind::file)
         line += QStringLiteral(" -r -F");
     else if (option.kind == ValueKind::window)
-        line += QStringLiteral(" -x -a %1").arg(latin(option.value));
+        line += QStringLiteral(" -x -a %1").arg(tableText(option.value));
     else if (option.kind == ValueKind::screen)
         line += QStringLiteral(" -x -a '(xrandr --listactivemonitors 2>/dev/null"
                                " | string match -r \"\\S+\\$\")'");
     else if (option.kind != ValueKind::none)
         line += QStringLiteral(" -x");
-    return line + QStringLiteral(" -d '%1'\n").arg(latin(option.help));
+    return line + QStringLiteral(" -d '%1'\n").arg(tableText(option.help));
 }
 
 } // namespace
@@ -171,8 +166,8 @@ QString zshCompletion()
 {
     QString commands, cases;
     for (const CommandInfo &info : allCommands()) {
-        const QString name = latin(info.name);
-        commands += QStringLiteral(" '%1:%2'").arg(name, latin(info.help));
+        const QString name = tableText(info.name);
+        commands += QStringLiteral(" '%1:%2'").arg(name, tableText(info.help));
         cases += QStringLiteral("    %1)\n        shift words; (( CURRENT-- ))\n"
                                 "        _arguments -s \\\n            %2%3 ;;\n")
                      .arg(name, zshOptions(name),
@@ -199,14 +194,15 @@ QString fishCompletion()
     QString text = head + QStringLiteral("complete -c tovek -f\n");
     for (const CommandInfo &info : allCommands())
         text += QStringLiteral("complete -c tovek -n __fish_use_subcommand -a %1 -d '%2'\n")
-                    .arg(latin(info.name), latin(info.help));
+                    .arg(tableText(info.name), tableText(info.help));
     for (const OptionInfo &option : optionsOf(QString()))
         text += fishLine(option, QStringLiteral("not __fish_seen_subcommand_from ") + names);
     for (const CommandInfo &info : allCommands()) {
-        const QString isCommand = QStringLiteral("__fish_seen_subcommand_from ") + latin(info.name);
+        const QString isCommand =
+            QStringLiteral("__fish_seen_subcommand_from ") + tableText(info.name);
         if (*info.arguments)
             text += QStringLiteral("complete -c tovek -n '%1' -F\n").arg(isCommand);
-        for (const OptionInfo &option : optionsOf(latin(info.name)))
+        for (const OptionInfo &option : optionsOf(tableText(info.name)))
             text += fishLine(option, isCommand);
     }
     return text;
@@ -222,11 +218,11 @@ QString manualOptions(const QString &command)
             if (*option.value)
                 form += (option.kind == ValueKind::window ? QStringLiteral(" Cm ")
                                                           : QStringLiteral(" Ar "))
-                    + latin(option.value);
+                    + tableText(option.value);
             forms += form;
         }
         text += QStringLiteral(".It ") + forms.join(QStringLiteral(" , ")) + '\n'
-            + latin(option.help) + QStringLiteral(".\n");
+            + tableText(option.help) + QStringLiteral(".\n");
     }
     return text + QStringLiteral(".El\n");
 }

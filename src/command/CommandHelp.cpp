@@ -11,18 +11,14 @@ namespace tovek {
 
 namespace {
 
-QString latin(const char *text)
-{
-    return QString::fromLatin1(text);
-}
-
 /// "-o, --output FILE".
 QString written(const OptionInfo &option)
 {
-    QString text = *option.shortName ? latin(option.shortName) + QStringLiteral(", ") : QString();
-    text += latin(option.name);
+    QString text =
+        *option.shortName ? tableText(option.shortName) + QStringLiteral(", ") : QString();
+    text += tableText(option.name);
     if (*option.value)
-        text += ' ' + latin(option.value);
+        text += ' ' + tableText(option.value);
     return text;
 }
 
@@ -40,8 +36,8 @@ QString table(const QList<std::pair<QString, QString>> &rows)
 
 QString usage(const CommandInfo &command)
 {
-    const QString arguments = *command.arguments ? ' ' + latin(command.arguments) : QString();
-    return QStringLiteral("tovek %1 [OPTION]...%2").arg(latin(command.name), arguments);
+    const QString arguments = *command.arguments ? ' ' + tableText(command.arguments) : QString();
+    return QStringLiteral("tovek %1 [OPTION]...%2").arg(tableText(command.name), arguments);
 }
 
 QString optionTable(const QString &command)
@@ -49,7 +45,7 @@ QString optionTable(const QString &command)
     QList<std::pair<QString, QString>> rows;
     for (const OptionInfo &option : allOptions()) {
         if (command == QLatin1String(option.command))
-            rows.append({written(option), latin(option.help)});
+            rows.append({written(option), tableText(option.help)});
     }
     return QStringLiteral("\nOptions:\n") + table(rows);
 }
@@ -60,12 +56,12 @@ QString helpText(const QString &command)
 {
     for (const CommandInfo &info : allCommands()) {
         if (command == QLatin1String(info.name))
-            return QStringLiteral("Usage: %1\n%2.\n").arg(usage(info), latin(info.help))
+            return QStringLiteral("Usage: %1\n%2.\n").arg(usage(info), tableText(info.help))
                 + optionTable(command);
     }
     QList<std::pair<QString, QString>> commands;
     for (const CommandInfo &info : allCommands())
-        commands.append({usage(info), latin(info.help)});
+        commands.append({usage(info), tableText(info.help)});
     return QStringLiteral("Usage: tovek [OPTION]...\n"
                           "Freezes the screen and copies or saves a part of it. Starts Tovek, or "
                           "asks the running one.\n")

@@ -13,7 +13,7 @@ namespace tovek {
 namespace {
 
 /// Beyond any desktop; its square still fits an int.
-constexpr int mostPixels = 46340;
+constexpr int mostRegionPixels = 46340;
 
 WrongCommand wrong(const QString &reason)
 {
@@ -94,7 +94,7 @@ QRect parseRegion(const QString &text)
         return {};
     const QRect region(match.captured(1).toInt(), match.captured(2).toInt(),
                        match.captured(3).toInt(), match.captured(4).toInt());
-    return std::max(region.width(), region.height()) > mostPixels ? QRect() : region;
+    return std::max(region.width(), region.height()) > mostRegionPixels ? QRect() : region;
 }
 
 Command parseShot(const QStringList &rest)

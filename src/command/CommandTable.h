@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include <QLatin1String>
+#include <QString>
 
 #include <span>
 
@@ -32,6 +32,12 @@ struct CommandInfo
     const char *arguments; ///< as in its line of usage, after the options
     const char *help;
 };
+
+/// A text of the table.
+inline QString tableText(const char *text)
+{
+    return QString::fromLatin1(text);
+}
 
 std::span<const OptionInfo> allOptions();
 std::span<const CommandInfo> allCommands();
