@@ -23,6 +23,8 @@ using namespace std::chrono_literals;
 constexpr xcb_keysym_t escapeSymbol = 0xff1b;
 /// Menus let go within 25 ms; the later tries are for a desktop that is busy. 400 ms in all.
 constexpr std::array retryDelays{10ms, 20ms, 40ms, 70ms, 110ms, 150ms};
+constexpr auto focusCheckDelay = 50ms;
+constexpr size_t focusChecks = 10;
 constexpr auto longestLinger = 500ms;
 /// After the overlays are on the screen; then as long as a menu may take to let go.
 constexpr std::array mouseDelays{60ms, 150ms, 250ms};
@@ -40,6 +42,9 @@ X11KeyboardHold::X11KeyboardHold(std::shared_ptr<X11Connection> connection)
     m_retry.setSingleShot(true);
     m_retry.setTimerType(Qt::PreciseTimer);
     m_retry.callOnTimeout([this] { attempt(); });
+    m_focusCheck.setSingleShot(true);
+    m_focusCheck.setInterval(focusCheckDelay);
+    m_focusCheck.callOnTimeout([this] { checkFocus(); });
     m_mouseCheck.setSingleShot(true);
     m_mouseCheck.callOnTimeout([this] { checkMouse(); });
     m_lingering.setSingleShot(true);
@@ -77,13 +82,9 @@ void X11KeyboardHold::attempt()
     const uint8_t status = grab(xcb_window_t(m_window->winId()));
     m_hasKeyboard = status == XCB_GRAB_STATUS_SUCCESS;
     if (m_hasKeyboard) {
-        if (m_takesFocus) {
-            // With the present time: the toolkit's own request carries that of the last event it
-            // saw, which the server takes for an old one.
-            xcb_set_input_focus(m_connection->xcb(), XCB_INPUT_FOCUS_POINTER_ROOT,
-                                xcb_window_t(m_window->winId()), XCB_CURRENT_TIME);
-            m_connection->flush();
-        }
+        m_focusChecks = 0;
+        if (m_takesFocus)
+            takeFocus();
         m_mouseChecks = 0;
         m_mouseCheck.start(mouseDelays.front());
         return;
@@ -98,6 +99,34 @@ void X11KeyboardHold::attempt()
     m_window.clear();
     if (m_onDenied)
         m_onDenied();
+}
+
+void X11KeyboardHold::takeFocus()
+{
+    // With the present time: the toolkit's own request carries that of the last event it saw, which
+    // the server takes for an old one.
+    xcb_set_input_focus(m_connection->xcb(), XCB_INPUT_FOCUS_POINTER_ROOT,
+                        xcb_window_t(m_window->winId()), XCB_CURRENT_TIME);
+    m_connection->flush();
+    m_focusCheck.start();
+}
+
+/// Mutter (43) overlooks a window that takes the focus while it moves the focus itself, and learns
+/// of it only when the focus moves once more.
+void X11KeyboardHold::checkFocus()
+{
+    xcb_connection_t *xcb = m_connection->xcb();
+    if (!m_hasKeyboard || !m_window || !xcb || m_focusChecks++ == focusChecks)
+        return;
+    const auto cookie =
+        xcb_get_property(xcb, 0, m_connection->root(), m_connection->atom(X11Atom::activeWindow),
+                         XCB_ATOM_WINDOW, 0, 1);
+    const X11Reply<xcb_get_property_reply_t> active(xcb_get_property_reply(xcb, cookie, nullptr));
+    if (active && xcb_get_property_value_length(active.get()) == sizeof(xcb_window_t)
+        && *static_cast<xcb_window_t *>(xcb_get_property_value(active.get())) == m_window->winId())
+        return;
+    xcb_set_input_focus(xcb, XCB_INPUT_FOCUS_NONE, XCB_NONE, XCB_CURRENT_TIME);
+    takeFocus();
 }
 
 void X11KeyboardHold::release(QWindow &window)

@@ -42,6 +42,8 @@ private:
     bool nativeEventFilter(const QByteArray &type, void *message, qintptr *result) override;
     uint8_t grab(xcb_window_t window);
     void attempt();
+    void takeFocus();
+    void checkFocus();
     void sendEscape();
     void checkMouse();
     bool isMouseHeld() const;
@@ -54,6 +56,8 @@ private:
     bool m_hasKeyboard = false;
     size_t m_attempts = 0;
     QTimer m_retry;
+    size_t m_focusChecks = 0;
+    QTimer m_focusCheck;
     size_t m_mouseChecks = 0;
     QTimer m_mouseCheck;
     QTimer m_lingering; ///< runs while the last key is waited for
