@@ -21,6 +21,9 @@ desktop_packages=(
     thunar trayer wl-clipboard wtype x11-xkb-utils x11-xserver-utils xauth xclip xfonts-base xfonts-terminus xscreensaver xvfb
     xwayland zsh
 )
+# For the tests on GNOME, which skip without them: some hundred megabytes, which nothing installs by
+# itself.
+gnome_packages=(gnome-settings-daemon gnome-shell xdg-desktop-portal xdg-desktop-portal-gnome)
 # For bench/run, which installs nothing: a notification server is not for everybody's desktop.
 bench_packages=(dunst)
 # For scripts/train-glyphs: what it draws (resources/reading/README.md).
