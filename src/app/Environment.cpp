@@ -15,6 +15,7 @@ namespace {
 
 constexpr double leastScale = 0.25;
 constexpr double mostScale = 8;
+constexpr int usualDotsPerInch = 96; ///< at which the toolkit's scale is 1
 
 constexpr const char *baseFolders[] = {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME",
                                        "XDG_STATE_HOME", "XDG_RUNTIME_DIR"};
@@ -44,12 +45,23 @@ bool isPossibleScale(const QByteArray &text)
     return isNumber && scale >= leastScale && scale <= mostScale; // false for what is no number
 }
 
+void forgetImpossibleDensity(double dotsPerInch)
+{
+    if (dotsPerInch <= usualDotsPerInch * mostScale)
+        return;
+    logLine(QStringLiteral("%1 dots per inch are ignored: no window can be drawn at this scale")
+                .arg(dotsPerInch));
+    qputenv("QT_FONT_DPI", QByteArray::number(usualDotsPerInch));
+}
+
 void forgetImpossibleEnvironment()
 {
     for (const char *name : {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS"}) {
         if (!areAllPossible(qgetenv(name)))
             forget(name, "no window can be drawn at this scale");
     }
+    if (qEnvironmentVariableIntValue("QT_FONT_DPI") > usualDotsPerInch * mostScale)
+        forget("QT_FONT_DPI", "no window can be drawn at this scale");
     for (const char *name : baseFolders) {
         const QByteArray folder = qgetenv(name);
         if (!folder.isEmpty() && !folder.startsWith('/'))

@@ -15,4 +15,8 @@ bool isPossibleScale(const QByteArray &text);
 /// those who defined them want ignored. Before anything reads the environment.
 void forgetImpossibleEnvironment();
 
+/// The same for what the desktop states of its dots per inch, from which the toolkit would make a
+/// scale. Before there is an application.
+void forgetImpossibleDensity(double dotsPerInch);
+
 } // namespace tovek

@@ -44,6 +44,7 @@
 #endif
 #ifdef TOVEK_WITH_X11
 #include "platform/x11/X11ActivationToken.h"
+#include "platform/x11/X11Resources.h"
 #include "platform/x11/capture/X11CapturePermission.h"
 #include "platform/x11/capture/X11FrontmostApp.h"
 #include "platform/x11/capture/X11ScreenGrabber.h"
@@ -402,6 +403,15 @@ void chooseToolkit(EarlyPlatform &early)
     } else if (hasXWayland && wanted.isEmpty()) {
         qputenv("QT_QPA_PLATFORM", "xcb");
     }
+}
+
+double statedDotsPerInch([[maybe_unused]] const EarlyPlatform &early)
+{
+#ifdef TOVEK_WITH_X11
+    if (!early.wayland && !isWithoutDesktop())
+        return x11DotsPerInch().value_or(0);
+#endif
+    return 0;
 }
 
 void openKeyboard(EarlyPlatform &early)

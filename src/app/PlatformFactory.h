@@ -46,6 +46,8 @@ EarlyPlatform makeEarlyPlatform();
 void chooseToolkit(EarlyPlatform &early);
 /// TOVEK_PLATFORM=null in the environment does without the X server, here and in `makePlatform`.
 void openKeyboard(EarlyPlatform &early);
+/// Of the X server that the toolkit is going to use; 0 where none is stated.
+double statedDotsPerInch(const EarlyPlatform &early);
 
 /// Only what takes pictures, for a process that has no window: screens, grabber and the frontmost
 /// program are set. Needs a QGuiApplication, before which `chooseToolkit` was called.

@@ -73,6 +73,7 @@ int run(int &argc, char **argv, const Wish &wish, QString &successor)
     HotkeyManager hotkeyManager;
     hotkeyManager.registerShortcuts();
 
+    forgetImpossibleDensity(statedDotsPerInch(early));
     auto startMessages = std::make_unique<StartMessages>();
     QApplication application(argc, argv);
     startMessages.reset();

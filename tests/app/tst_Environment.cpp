@@ -45,6 +45,9 @@ private Q_SLOTS:
         const QByteArray screens = "QT_SCREEN_SCALE_FACTORS";
         QTest::newRow("of screens") << screens << QByteArray("DP-1=1.5;DP-2=2") << true;
         QTest::newRow("of no screen") << screens << QByteArray("DP-1=1.5;DP-2=0") << false;
+        QTest::newRow("dots per inch") << QByteArray("QT_FONT_DPI") << QByteArray("144") << true;
+        QTest::newRow("no dots per inch")
+            << QByteArray("QT_FONT_DPI") << QByteArray("9600") << false;
         QTest::newRow("folder") << QByteArray("XDG_STATE_HOME") << QByteArray("/tmp/x") << true;
         QTest::newRow("relative folder")
             << QByteArray("XDG_STATE_HOME") << QByteArray("tmp/x") << false;
@@ -60,6 +63,26 @@ private Q_SLOTS:
         QCOMPARE(qEnvironmentVariableIsSet(name.constData()), isKept);
         QCOMPARE(log.lines().size(), isKept ? 0 : 1);
         qunsetenv(name.constData());
+    }
+
+    void forgetsADensityThatIsImpossibleAndSaysSo_data()
+    {
+        QTest::addColumn<double>("dotsPerInch");
+        QTest::addColumn<bool>("isKept");
+        QTest::newRow("usual") << 96.0 << true;
+        QTest::newRow("most") << 768.0 << true;
+        QTest::newRow("more") << 769.0 << false;
+    }
+    void forgetsADensityThatIsImpossibleAndSaysSo()
+    {
+        QFETCH(double, dotsPerInch);
+        QFETCH(bool, isKept);
+        qunsetenv("QT_FONT_DPI");
+        LogCapture log;
+        forgetImpossibleDensity(dotsPerInch);
+        QCOMPARE(qgetenv("QT_FONT_DPI"), isKept ? QByteArray() : QByteArray("96"));
+        QCOMPARE(log.lines().size(), isKept ? 0 : 1);
+        qunsetenv("QT_FONT_DPI");
     }
 };
 

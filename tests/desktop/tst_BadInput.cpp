@@ -5,6 +5,7 @@
 
 #include "desktop/Session.h"
 #include "support/Skip.h"
+#include "support/XConnection.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -41,6 +42,23 @@ private Q_SLOTS:
         skipBecause(TestDesktop::missing(plan));
     }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    /// A scale of a hundred: one window would be larger than what the X server can hold.
+    void livesWithAnImpossibleDensity()
+    {
+        Session session;
+        QVERIFY2(session.startDesktop(), qPrintable(session.error));
+        const QByteArray resources("Xft.dpi:\t9600\n");
+        const XConnection connection(session.desktop.displayName());
+        xcb_change_property(connection, XCB_PROP_MODE_REPLACE, connection.root(),
+                            XCB_ATOM_RESOURCE_MANAGER, XCB_ATOM_STRING, 8,
+                            uint32_t(resources.size()), resources.constData());
+        connection.sync();
+        QVERIFY2(session.tovek->start(), qPrintable(session.tovek->error()));
+        QVERIFY(capturesStill(session));
+        QVERIFY(session.tovek->program().lines().contains(QStringLiteral(
+            "9600 dots per inch are ignored: no window can be drawn at this scale")));
+    }
 
     void livesWithSettingsOfWrongTypes()
     {
