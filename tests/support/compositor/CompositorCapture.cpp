@@ -97,6 +97,11 @@ bool copyInto(wl_resource *buffer, const QImage &picture, uint32_t format, bool 
     for (int y = 0; y < converted.height(); ++y)
         std::memcpy(to + qsizetype(y) * stride, converted.constScanLine(y),
                     size_t(std::min<qsizetype>(stride, converted.bytesPerLine())));
+    // What an X stands for in a format is anything.
+    if (format == WL_SHM_FORMAT_XRGB8888 || format == WL_SHM_FORMAT_XBGR8888) {
+        for (qsizetype byte = 3; byte < qsizetype(stride) * converted.height(); byte += 4)
+            to[byte] = 0;
+    }
     wl_shm_buffer_end_access(shm);
     return true;
 }

@@ -9,6 +9,9 @@
 #include "platform/wayland/capture/WaylandFrozenDisplay.h"
 #include "platform/wayland/capture/WaylandPixelFormat.h"
 
+#include <QPromise>
+#include <QThreadPool>
+
 #include <cmath>
 #include <cstring>
 #include <map>
@@ -57,8 +60,21 @@ QRect differenceOf(const SharedPixels &one, const SharedPixels &other)
 
 QFuture<QImage> WaylandFrozenDisplay::pixels()
 {
-    if (!m_future)
-        m_future = readyFuture(SharedPixels::image(m_pixels, QImage::Format_RGB32));
+    if (m_future)
+        return *m_future;
+    const auto promise = std::make_shared<QPromise<QImage>>();
+    promise->start();
+    m_future = promise->future();
+    QThreadPool::globalInstance()->start([promise, pixels = m_pixels] {
+        // A compositor need not fill the byte that is not looked at; the toolkit takes it for
+        // opaque without looking, and copies it to where it counts. Nobody sees it change.
+        auto *pixel = reinterpret_cast<uint32_t *>(pixels->data());
+        const auto *end = pixel + pixels->bytesPerLine() / 4 * pixels->size().height();
+        for (; pixel != end; ++pixel)
+            *pixel |= 0xff000000U;
+        promise->addResult(SharedPixels::image(pixels, QImage::Format_RGB32));
+        promise->finish();
+    });
     return *m_future;
 }
 

@@ -46,6 +46,17 @@ CompositorPlan twoOutputs()
     return plan;
 }
 
+/// Also in the byte of each pixel that says nothing in its format.
+bool isOpaque(const QImage &image)
+{
+    for (int y = 0; y < image.height(); ++y) {
+        const auto *line = reinterpret_cast<const QRgb *>(image.constScanLine(y));
+        if (!std::all_of(line, line + image.width(), [](QRgb color) { return color >> 24 == 255; }))
+            return false;
+    }
+    return true;
+}
+
 /// A compositor, and the program's side of it.
 struct Desk
 {
@@ -121,6 +132,7 @@ private Q_SLOTS:
         for (int i = 0; i < 2; ++i) {
             QCOMPARE(images[i].format(), QImage::Format_RGB32);
             QCOMPARE(differentPixels(images[i], desk.compositor.look(i)), 0);
+            QVERIFY(isOpaque(images[i]));
         }
     }
 
