@@ -183,7 +183,7 @@ bool addWaylandDesktop(Platform &platform, EarlyPlatform &early)
     if (!platform.clipboard)
         platform.clipboard = std::make_unique<NullClipboard>();
     platform.toastShell = LayerToastShell::create(connection, outputs);
-    platform.previewShell = LayerPreviewShell::create();
+    platform.previewShell = LayerPreviewShell::create(*platform.screens);
     platform.keyboardHold = WaylandKeyboardHold::create();
     platform.soundOutput = std::make_unique<CanberraSoundOutput>([] { return true; });
     // Only the panel can put the menu where the item is.

@@ -120,6 +120,24 @@ private Q_SLOTS:
         QVERIFY(session.tovek->isRunning());
     }
 
+    void comesOnTheScreenOfTheCapture()
+    {
+        const QRect corner(1280 - 12 - 200, 12, 200, 100);
+        for (const int screen : {0, 1}) {
+            WaylandSession session({{{QSize(1280, 800), 1}, {QSize(1280, 800), 1}}});
+            session.settings.remove(QStringLiteral("showInMenuBar"));
+            QVERIFY2(session.start(), qPrintable(session.error));
+            QVERIFY(session.open());
+            session.select(screen, {100, 300}, {500, 500});
+            QVERIFY(session.tap("Return"));
+            QCOMPARE(session.pasted().size(), QSize(400, 200));
+            QTRY_VERIFY(session.desktop.look(screen).copy(corner)
+                        != session.before[screen].copy(corner));
+            QTRY_VERIFY(session.desktop.look(1 - screen).copy(corner)
+                        == session.before[1 - screen].copy(corner));
+        }
+    }
+
     void isInNoPicture()
     {
         PreviewSession session;

@@ -3,6 +3,7 @@
 
 #include "platform/wayland/overlay/LayerPreviewShell.h"
 
+#include "platform/Screens.h"
 #include "platform/wayland/overlay/LayerMenu.h"
 
 #include <QWindow>
@@ -66,16 +67,18 @@ private:
 
 } // namespace
 
-std::unique_ptr<LayerPreviewShell> LayerPreviewShell::create()
+std::unique_ptr<LayerPreviewShell> LayerPreviewShell::create(const Screens &screens)
 {
     auto shell = LayerShell::create();
+    if (!shell)
+        return nullptr;
     // The constructor is private.
-    return shell ? std::unique_ptr<LayerPreviewShell>(new LayerPreviewShell(std::move(shell)))
-                 : nullptr;
+    return std::unique_ptr<LayerPreviewShell>(new LayerPreviewShell(std::move(shell), screens));
 }
 
-LayerPreviewShell::LayerPreviewShell(std::shared_ptr<LayerShell> shell)
-    : m_shell(std::move(shell))
+LayerPreviewShell::LayerPreviewShell(std::shared_ptr<LayerShell> shell, const Screens &screens)
+    : m_screens(screens)
+    , m_shell(std::move(shell))
     , m_menus(std::make_shared<MenuGlobals>(m_shell))
 {
 }
@@ -92,7 +95,9 @@ std::unique_ptr<PreviewSurface> LayerPreviewShell::create(QWindow &window, QSize
     place.top = place.right = margin;
     place.nameSpace = "tovek-preview";
     place.panels = LayerSurface::Panels::areLeftFree;
-    auto layer = LayerSurface::create(m_shell, window, nullptr, place);
+    const auto screen = screenContaining(m_screens.all(), m_screens.mouseLocation());
+    auto layer = LayerSurface::create(m_shell, window,
+                                      screen ? toolkitScreen(screen->name) : nullptr, place);
     return layer ? std::make_unique<LayerPreview>(m_menus, window, std::move(layer)) : nullptr;
 }
 
