@@ -59,6 +59,8 @@
 #include "platform/x11/tray/XSettings.h"
 #endif
 
+#include <QCoreApplication>
+
 #include <cstdlib>
 
 namespace tovek {
@@ -295,6 +297,17 @@ std::shared_ptr<X11Connection> addX11Screens(Platform &platform, EarlyPlatform &
     return connection;
 }
 
+/// The toolkit may be the first to miss its server. It calls exit by itself then; newer ones
+/// (Qt 6.11) quit as if somebody had asked for it.
+void leaveInOrderWithout(const std::shared_ptr<X11Connection> &server)
+{
+    std::atexit(&waitForUnfinished);
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, [server] {
+        if (!server->xcb() || xcb_connection_has_error(server->xcb()))
+            exitWithTheServer();
+    });
+}
+
 /// False where the session is not one of X11.
 bool addX11Desktop(Platform &platform, EarlyPlatform &early)
 {
@@ -315,8 +328,7 @@ bool addX11Desktop(Platform &platform, EarlyPlatform &early)
     trays.push_back(X11TrayItem::create());
     trays.push_back(onBus<StatusNotifierItem>(*early.bus));
     platform.tray = std::make_unique<FirstTray>(std::move(trays));
-    // The toolkit, should it be the first to miss its server, calls exit by itself.
-    std::atexit(&waitForUnfinished);
+    leaveInOrderWithout(connection);
     if (auto *hotKeys = dynamic_cast<X11HotKeys *>(platform.hotKeys.get()))
         hotKeys->startDispatching();
     layout->startDispatching();
