@@ -30,6 +30,7 @@ namespace tovek {
 namespace {
 
 constexpr double iconSize = 15;
+const QString takenKeys = QStringLiteral("KeysTakenFromDesktop");
 
 QString symbolOf(SettingsTab tab)
 {
@@ -115,7 +116,17 @@ QWidget *SettingsTabs::makeShortcuts(QWidget *parent)
         if (hold)
             hold->hold(isHeld ? recorder.window()->windowHandle() : nullptr);
     };
-    return new ShortcutsTabView(KeyboardShortcuts::ShortcutService::shared(), setup, parent);
+    auto *view = new ShortcutsTabView(KeyboardShortcuts::ShortcutService::shared(), setup, parent);
+    view->setTakenKeys({
+        [this] { return m_defaults.string(takenKeys).value_or(QString()); },
+        [this](const QString &taken) {
+            if (taken.isEmpty())
+                m_defaults.remove(takenKeys);
+            else
+                m_defaults.setString(takenKeys, taken);
+        },
+    });
+    return view;
 }
 
 } // namespace tovek

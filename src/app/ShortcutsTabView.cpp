@@ -31,6 +31,7 @@ constexpr int rowHeight = 46;
 constexpr int margin = 16;
 constexpr double hintScale = 0.84;
 constexpr int tablesDelay = 300; // ms
+constexpr int giveBackDelay = 5000; // ms
 constexpr Shortcut printScreen{105, 0};
 const char hint[] = QT_TRANSLATE_NOOP(
     "ShortcutsTabView", "Click to record a shortcut, then press your desired key combination");
@@ -94,6 +95,7 @@ ShortcutsTabView::ShortcutsTabView(KeyboardShortcuts::ShortcutService &service,
 
     connect(m_observer, &ShortcutObserver::changed, this, [this] {
         m_wantsPrint = false;
+        givePrintBack();
         showUsePrint();
         showRefusals();
     });
@@ -123,7 +125,11 @@ void ShortcutsTabView::showEvent(QShowEvent *event)
     if (m_systemShortcuts)
         m_systemShortcuts->refresh();
     // Time for the desktop's tables, for which the window shall not wait.
-    QTimer::singleShot(tablesDelay, this, [this] { showRefusals(); });
+    QTimer::singleShot(tablesDelay, this, [this] {
+        tellWhatPrintCosts();
+        showRefusals();
+        givePrintBack();
+    });
 }
 
 void ShortcutsTabView::addUsePrint(RecorderCocoa *recorder, QWidget *row)
@@ -137,8 +143,58 @@ void ShortcutsTabView::addUsePrint(RecorderCocoa *recorder, QWidget *row)
     connect(m_usePrint, &QPushButton::clicked, recorder, [this, recorder] { usePrint(*recorder); });
 }
 
+void ShortcutsTabView::tellWhatPrintCosts()
+{
+    constexpr KeyCombo print{quint32(printScreen.carbonKeyCode),
+                             quint32(printScreen.carbonModifiers)};
+    const bool isTakeable =
+        m_taken.store && m_systemShortcuts && m_systemShortcuts->canTakeAway(print);
+    const auto use = isTakeable ? m_systemShortcuts->use(print) : std::nullopt;
+    m_printCosts = use ? tr("“Use Print” takes the key from %1, which gets it back when the "
+                            "shortcut is cleared.")
+                             .arg(use->user)
+                       : QString();
+    const QString purpose = tr("Start a capture with the Print Screen key");
+    m_usePrint->setToolTip(use ? purpose + QStringLiteral(". ") + m_printCosts : purpose);
+    m_usePrint->setAccessibleDescription(m_usePrint->toolTip());
+}
+
+void ShortcutsTabView::takePrintFromDesktop()
+{
+    const QString taken = m_systemShortcuts->takeAway(
+        {quint32(printScreen.carbonKeyCode), quint32(printScreen.carbonModifiers)});
+    if (!taken.isEmpty())
+        m_taken.store(taken);
+}
+
+bool ShortcutsTabView::isPrintIdle() const
+{
+    const bool isUsed = std::any_of(std::begin(rows), std::end(rows), [this](const Row &row) {
+        return m_service.shortcut(row.name()) == printScreen;
+    });
+    return !isUsed && m_taken.stored && !m_taken.stored().isEmpty();
+}
+
+void ShortcutsTabView::givePrintBack()
+{
+    if (!isPrintIdle())
+        return;
+    // The desktop takes it only when ours has gone, for which hot keys may take some seconds.
+    QTimer::singleShot(giveBackDelay, this, [this] {
+        if (!isPrintIdle() || !m_systemShortcuts)
+            return;
+        const QString taken = m_taken.stored();
+        m_taken.store({});
+        m_systemShortcuts->giveBack(taken);
+        tellWhatPrintCosts();
+        showRefusals();
+    });
+}
+
 void ShortcutsTabView::usePrint(RecorderCocoa &recorder)
 {
+    if (!m_printCosts.isEmpty())
+        takePrintFromDesktop();
     recorder.record(printScreen);
     m_wantsPrint = !m_service.shortcut(recorder.shortcutName());
     showRefusals();
@@ -167,10 +223,13 @@ void ShortcutsTabView::showRefusals()
 
 QString ShortcutsTabView::usualHint() const
 {
-    if (m_service.reportsRelease())
-        return tr(hint);
-    return tr(hint)
-        + tr(". On this desktop a capture starts when the keys go down, not when they come up.");
+    QString text = tr(hint);
+    if (m_usePrint->isVisibleTo(this) && !m_printCosts.isEmpty())
+        text += QStringLiteral(". ") + m_printCosts;
+    if (!m_service.reportsRelease())
+        text +=
+            tr(". On this desktop a capture starts when the keys go down, not when they come up.");
+    return text.replace(QStringLiteral(".."), QStringLiteral("."));
 }
 
 void ShortcutsTabView::setHint(const QString &text)

@@ -28,6 +28,13 @@ public:
     /// lists nothing.
     virtual std::optional<ShortcutUse> use(KeyCombo combo) = 0;
     bool contains(KeyCombo combo) { return use(combo).has_value(); }
+
+    /// Whether the desktop gives up its own use of a combination when a program asks. Waits as
+    /// `use` does.
+    virtual bool canTakeAway(KeyCombo) { return false; }
+    /// Does so, and gives what `giveBack` wants; empty when it did not work.
+    virtual QString takeAway(KeyCombo) { return {}; }
+    virtual void giveBack(const QString &) { }
 };
 
 } // namespace tovek

@@ -128,6 +128,31 @@ private Q_SLOTS:
         QVERIFY(!hasLabel(QStringLiteral("Held by another program")));
     }
 
+    void takesPrintFromTheDesktopUntilItIsCleared()
+    {
+        QString stored;
+        m_view->setTakenKeys(
+            {[&] { return stored; }, [&](const QString &taken) { stored = taken; }});
+        m_system.givesUp = true;
+        m_system.listed = {{105, 0}};
+        m_system.entry.user = QStringLiteral("the desktop");
+        m_view->hide();
+        m_view->show();
+        QTRY_VERIFY(hint().contains(QStringLiteral("takes the key from the desktop")));
+        auto *usePrint = m_view->findChild<QPushButton *>();
+        QVERIFY(usePrint->toolTip().contains(QStringLiteral("back when the shortcut is cleared")));
+        usePrint->click();
+        QCOMPARE(service().shortcut(AppShortcuts::captureScreenshot()),
+                 std::optional(Shortcut{105, 0}));
+        QVERIFY(m_system.listed.isEmpty());
+        QCOMPARE(stored, QStringLiteral("key 105"));
+        service().setShortcut(AppShortcuts::captureText(), Shortcut{96, 0});
+        QCOMPARE(stored, QStringLiteral("key 105"));
+        service().setShortcut(AppShortcuts::captureScreenshot(), std::nullopt);
+        QTRY_COMPARE_WITH_TIMEOUT(stored, QString(), 10000);
+        QCOMPARE(m_system.listed, (QList<KeyCombo>{{105, 0}}));
+    }
+
     void offersPrintOnlyWhileThereIsNoShortcutAtAll()
     {
         auto *usePrint = m_view->findChild<QPushButton *>();

@@ -7,6 +7,8 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -123,6 +125,49 @@ private Q_SLOTS:
         QCOMPARE(xfce.value(0).use.place,
                  QStringLiteral("Settings → Keyboard → Application Shortcuts"));
         QCOMPARE(xfce.value(1).use.user, QStringLiteral("the window manager"));
+    }
+
+    void knowsWhichSettingsAreListsOfTheDesktop()
+    {
+        const auto entries = DesktopShortcuts::fromGSettings(QStringLiteral(
+            "org.gnome.shell.keybindings show-screenshot-ui ['Print']\n"
+            "org.gnome.settings-daemon.plugins.media-keys.custom-keybinding binding 'F9'\n"));
+        QCOMPARE(entries.value(0).setting,
+                 QStringLiteral("org.gnome.shell.keybindings show-screenshot-ui"));
+        QCOMPARE(entries.value(1).setting, QString());
+    }
+
+    void takesAKeyFromGnomeAndGivesItBack()
+    {
+        if (QStandardPaths::findExecutable(QStringLiteral("glib-compile-schemas")).isEmpty())
+            QSKIP("glib-compile-schemas is not installed");
+        QTemporaryDir dir;
+        QFile file(dir.filePath(QStringLiteral("test.gschema.xml")));
+        QVERIFY(file.open(QFile::WriteOnly));
+        file.write("<schemalist><schema id='org.gnome.shell.keybindings' path='/k/'>"
+                   "<key name='show-screenshot-ui' type='as'><default>['Print', 'F9']</default>"
+                   "</key></schema></schemalist>");
+        file.close();
+        QCOMPARE(QProcess::execute(QStringLiteral("glib-compile-schemas"), {dir.path()}), 0);
+        qputenv("GSETTINGS_SCHEMA_DIR", dir.path().toLocal8Bit());
+        qputenv("GSETTINGS_BACKEND", "keyfile");
+        const QByteArray config = qgetenv("XDG_CONFIG_HOME");
+        qputenv("XDG_CONFIG_HOME", dir.path().toLocal8Bit());
+        DesktopShortcuts shortcuts(QStringLiteral("GNOME"), m_layout);
+        shortcuts.refresh();
+        QVERIFY(shortcuts.canTakeAway({105, 0}));
+        QVERIFY(!shortcuts.canTakeAway({17, 0}));
+        const QString taken = shortcuts.takeAway({105, 0});
+        QVERIFY(!shortcuts.use({105, 0}));
+        shortcuts.refresh();
+        QVERIFY(!shortcuts.use({105, 0}));
+        QVERIFY(shortcuts.use({101, 0}));
+        shortcuts.giveBack(taken);
+        QVERIFY(shortcuts.use({105, 0}));
+        QVERIFY(shortcuts.use({101, 0}));
+        qunsetenv("GSETTINGS_SCHEMA_DIR");
+        qunsetenv("GSETTINGS_BACKEND");
+        qputenv("XDG_CONFIG_HOME", config);
     }
 
     void asksGnomeOnGnomeOnly()

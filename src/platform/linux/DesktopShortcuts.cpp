@@ -39,6 +39,45 @@ constexpr XfceTable xfceTables[] = {
     {"xfwm4", false, "Settings → Window Manager → Keyboard"},
 };
 
+enum class Change { add, remove };
+
+/// What GNOME's tool prints; absent when it fails.
+std::optional<QString> gsettings(const QStringList &arguments)
+{
+    QProcess tool;
+    tool.setStandardErrorFile(QProcess::nullDevice());
+    tool.start(QStringLiteral("gsettings"), arguments);
+    if (!tool.waitForFinished(patienceMs)) {
+        tool.kill();
+        tool.waitForFinished(patienceMs);
+        return std::nullopt;
+    }
+    return tool.exitCode() == 0 ? std::optional(QString::fromUtf8(tool.readAllStandardOutput()))
+                                : std::nullopt;
+}
+
+/// Of a list of combinations, by schema and key. False when it could not be changed.
+bool changeList(const QString &setting, const QString &accelerator, Change change)
+{
+    const QStringList place = setting.split(QLatin1Char(' '));
+    const auto now = gsettings(QStringList{QStringLiteral("get")} + place);
+    if (place.size() != 2 || !now)
+        return false;
+    static const QRegularExpression quoted(QStringLiteral("'[^']*'"));
+    const QString changed = QLatin1Char('\'') + accelerator + QLatin1Char('\'');
+    QStringList values;
+    auto matches = quoted.globalMatch(*now);
+    while (matches.hasNext())
+        values << matches.next().captured();
+    values.removeAll(changed);
+    if (change == Change::add)
+        values << changed;
+    const QString list = values.isEmpty()
+        ? QStringLiteral("@as []")
+        : QLatin1Char('[') + values.join(QStringLiteral(", ")) + QLatin1Char(']');
+    return gsettings(QStringList{QStringLiteral("set")} + place + QStringList{list}).has_value();
+}
+
 } // namespace
 
 DesktopShortcuts::DesktopShortcuts(const QString &currentDesktop, const KeyboardLayout &layout)
@@ -82,10 +121,13 @@ QList<DesktopShortcuts::Entry> DesktopShortcuts::fromGSettings(const QString &ou
         // Schema, key, value.
         QString purpose = line.section(QLatin1Char(' '), 1, 1);
         purpose.replace(QLatin1Char('-'), QLatin1Char(' '));
-        auto values = quoted.globalMatch(line.section(QLatin1Char(' '), 2));
+        const QString value = line.section(QLatin1Char(' '), 2);
+        const bool isList = value.startsWith(QLatin1Char('['));
+        auto values = quoted.globalMatch(value);
         while (values.hasNext())
             found.append({values.next().captured(1),
-                          {QStringLiteral("the desktop (“%1”)").arg(purpose), gnomePlace}});
+                          {QStringLiteral("the desktop (“%1”)").arg(purpose), gnomePlace},
+                          isList ? line.section(QLatin1Char(' '), 0, 1) : QString()});
     }
     return found;
 }
@@ -108,10 +150,49 @@ QList<DesktopShortcuts::Entry> DesktopShortcuts::fromXfconf(const QVariantMap &p
             if (!table.isOfPrograms)
                 user = QStringLiteral("the window manager");
             found.append({key.mid(used.size()).section(QLatin1Char('/'), 0, 0),
-                          {user, QString::fromUtf8(table.place)}});
+                          {user, QString::fromUtf8(table.place)},
+                          {}});
         }
     }
     return found;
+}
+
+bool DesktopShortcuts::canTakeAway(KeyCombo combo)
+{
+    waitForTables();
+    bool isAny = false;
+    for (const Entry &entry : std::as_const(m_entries)) {
+        if (!isAccelerator(entry.accelerator, combo, m_layout))
+            continue;
+        if (entry.setting.isEmpty())
+            return false;
+        isAny = true;
+    }
+    return isAny;
+}
+
+QString DesktopShortcuts::takeAway(KeyCombo combo)
+{
+    if (!canTakeAway(combo))
+        return {};
+    QStringList taken;
+    for (const Entry &entry : std::as_const(m_entries)) {
+        if (isAccelerator(entry.accelerator, combo, m_layout)
+            && changeList(entry.setting, entry.accelerator, Change::remove))
+            taken << entry.setting + QLatin1Char(' ') + entry.accelerator;
+    }
+    m_entries.removeIf([&](const Entry &entry) {
+        return taken.contains(entry.setting + QLatin1Char(' ') + entry.accelerator);
+    });
+    return taken.join(QLatin1Char('\n'));
+}
+
+void DesktopShortcuts::giveBack(const QString &taken)
+{
+    for (const QString &line : taken.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
+        changeList(line.section(QLatin1Char(' '), 0, 1), line.section(QLatin1Char(' '), 2),
+                   Change::add);
+    refresh();
 }
 
 void DesktopShortcuts::readGSettings()

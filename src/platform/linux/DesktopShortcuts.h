@@ -28,10 +28,15 @@ public:
     void refresh() override;
     std::optional<ShortcutUse> use(KeyCombo combo) override;
 
+    bool canTakeAway(KeyCombo combo) override;
+    QString takeAway(KeyCombo combo) override;
+    void giveBack(const QString &taken) override;
+
     struct Entry
     {
         QString accelerator;
         ShortcutUse use;
+        QString setting; ///< of GNOME, a list of combinations: schema and key; may be empty
     };
     /// The combinations in what `gsettings list-recursively` prints.
     static QList<Entry> fromGSettings(const QString &output);
