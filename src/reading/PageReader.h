@@ -5,9 +5,11 @@
 
 #include "reading/EnginePool.h"
 #include "reading/ExactReading.h"
-#include "reading/PageReading.h"
+#include "reading/KnownGlyphs.h"
 
 #include <atomic>
+#include <condition_variable>
+#include <mutex>
 
 namespace tovek {
 
@@ -37,6 +39,12 @@ public:
 private:
     /// False when the engine is lost.
     bool readRun(LineEngine &engine, std::size_t run);
+    /// The same, of what looks like nothing that was read before.
+    bool readUnknown(LineEngine &engine, std::size_t run);
+    void putSampleFirst();
+    /// Until the sample has been read; then learns from it, once.
+    void waitForSample(const std::function<bool()> &isCancelled);
+    void endSampleRun();
 
     Page m_page;
     std::shared_ptr<EnginePool> m_engines;
@@ -46,6 +54,12 @@ private:
     std::atomic<int> m_readers = 0; ///< threads in read()
     std::vector<std::vector<ReadPiece>> m_readings; ///< one a run
     std::atomic<std::size_t> m_nextRun = 0;
+    std::size_t m_sample = 0; ///< so many in order tell what the rest looks like; 0 on small pages
+    std::mutex m_mutex; ///< for the next four
+    std::condition_variable m_sampleRead;
+    std::size_t m_sampleLeft = 0;
+    bool m_hasLearned = false;
+    KnownGlyphs m_known; ///< constant after that
     std::atomic<int> m_lost = 0;
     std::atomic<bool> m_isUnreadable = false;
 };

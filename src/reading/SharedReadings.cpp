@@ -50,15 +50,6 @@ bool isAlike(const QString &a, const QString &b)
     });
 }
 
-bool looksLike(const std::vector<std::uint8_t> &a, const std::vector<std::uint8_t> &b)
-{
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        if (std::abs(a[i] - b[i]) > mostDifference)
-            return false;
-    }
-    return a.size() == b.size();
-}
-
 std::vector<Unit> unitsOf(const std::vector<InkSymbol> &symbols, std::size_t run)
 {
     std::vector<Unit> units;
@@ -163,6 +154,15 @@ std::vector<InkSymbol> corrected(const std::vector<InkSymbol> &symbols, std::siz
 }
 
 } // namespace
+
+bool looksLike(const std::vector<std::uint8_t> &a, const std::vector<std::uint8_t> &b)
+{
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (std::abs(a[i] - b[i]) > mostDifference)
+            return false;
+    }
+    return a.size() == b.size();
+}
 
 void takeGlyphs(std::vector<InkSymbol> &symbols, const InkMap &ink, const TextRun &run)
 {

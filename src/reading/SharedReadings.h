@@ -11,6 +11,9 @@ namespace tovek {
 /// `ink` as from evenInk.
 void takeGlyphs(std::vector<InkSymbol> &symbols, const InkMap &ink, const TextRun &run);
 
+/// The same glyph twice, whatever the colours.
+bool looksLike(const std::vector<std::uint8_t> &a, const std::vector<std::uint8_t> &b);
+
 /// A screen draws the same character in the same font with the same pixels: what is read in most
 /// places is read in the others too, whether they were misread, read twice or passed over.
 /// `readings` and `metrics` have one entry a run. Afterwards no symbol is left without a text.
