@@ -61,8 +61,14 @@ QString runShot(const ShotCommand &command, int &argc, char **argv)
     chooseToolkit(early);
     const QGuiApplication application(argc, argv);
     const Platform platform = makeCapturePlatform(early);
-    if (platform.capturePermission && !platform.capturePermission->hasAccess())
-        return QStringLiteral("this session cannot be captured");
+    if (const CapturePermission *permission = platform.capturePermission.get();
+        permission && !permission->hasAccess()) {
+        const auto advice = permission->advice();
+        return advice && advice->hasSettings
+            ? QStringLiteral("the desktop was told to permit no screenshots; tovek --capture asks "
+                             "again")
+            : QStringLiteral("this session cannot be captured");
+    }
     const Shot shot =
         takeShot(command, {*platform.screens, *platform.grabber, *platform.frontmostApp});
     if (!shot.error.isEmpty())

@@ -57,10 +57,12 @@ bool usePortalPictures(Platform &platform, EarlyPlatform &early)
     logLine(QStringLiteral("Wayland: capturing over the desktop's portal"));
     platform.grabber = std::make_unique<PortalScreenGrabber>(
         bus, [screens = platform.screens.get()] { return displaysOf(*screens); });
+    // A process for one picture has no window that could ask.
+    const bool asksBefore = isGnome() && early.bus;
     platform.capturePermission = std::make_unique<PortalCapturePermission>(
         bus,
-        isGnome() ? PortalCapturePermission::Asking::before
-                  : PortalCapturePermission::Asking::withTheFirstPicture);
+        asksBefore ? PortalCapturePermission::Asking::before
+                   : PortalCapturePermission::Asking::withTheFirstPicture);
     return true;
 }
 
