@@ -135,6 +135,18 @@ private Q_SLOTS:
         }
     }
 
+    void keepsTheKeyboardWhereTheSelectionIs()
+    {
+        WaylandSession session({{{QSize(1280, 800), 1}, {QSize(1280, 800), 1}}});
+        QVERIFY2(session.start(), qPrintable(session.error));
+        QVERIFY(session.open());
+        session.select(0, {200, 200}, {400, 360});
+        session.point(1, {300, 300});
+        session.point(1, {320, 320});
+        QVERIFY(session.tap("Return"));
+        QCOMPARE(session.pasted().size(), QSize(200, 160));
+    }
+
     void survivesTheScreenThatGoes()
     {
         WaylandSession session({{{QSize(1280, 800), 1}, {QSize(1600, 1200), 2}}});

@@ -119,8 +119,10 @@ void LayerOverlaySurface::map()
 
 void LayerOverlaySurface::orderOut()
 {
-    if (m_services->key == this)
+    if (m_services->key == this) {
         m_services->key = nullptr;
+        m_services->knowsStart = false;
+    }
     m_window.removeEventFilter(this);
     const bool wasVisible = std::exchange(m_isVisible, false);
     m_canvas.reset();
@@ -163,10 +165,12 @@ bool LayerOverlaySurface::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {
     case QEvent::Enter:
-        // Nobody could tell before where the pointer is. A drag keeps what it began with.
+        // Nobody could tell before where the pointer is. From there on only a press brings the keys
+        // to another screen.
         if (m_screen.displayId && m_services->pointerSeenOn)
             m_services->pointerSeenOn(*m_screen.displayId);
-        if (m_isVisible && QGuiApplication::mouseButtons() == Qt::NoButton)
+        if (m_isVisible && QGuiApplication::mouseButtons() == Qt::NoButton
+            && !std::exchange(m_services->knowsStart, true))
             makeKey();
         return false;
     case QEvent::KeyPress:

@@ -20,6 +20,7 @@ struct LayerOverlayServices
     std::shared_ptr<WaylandOutputs> outputs;
     std::function<void(uint32_t displayId)> pointerSeenOn;
     LayerOverlaySurface *key = nullptr; ///< the one with the keyboard
+    bool knowsStart = false; ///< it is where the user began, and not just any that can have it
 };
 
 /// A surface of the layer shell over one output. The frozen display and what is drawn over it lie
