@@ -4,6 +4,7 @@
 #include "platform/linux/DesktopShortcuts.h"
 
 #include "platform/linux/Accelerator.h"
+#include "platform/linux/GSettingsTool.h"
 #include "platform/linux/KGlobalAccel.h"
 #include "platform/linux/QtKeys.h"
 #include "platform/linux/SessionBus.h"
@@ -41,26 +42,11 @@ constexpr XfceTable xfceTables[] = {
 
 enum class Change { add, remove };
 
-/// What GNOME's tool prints; absent when it fails.
-std::optional<QString> gsettings(const QStringList &arguments)
-{
-    QProcess tool;
-    tool.setStandardErrorFile(QProcess::nullDevice());
-    tool.start(QStringLiteral("gsettings"), arguments);
-    if (!tool.waitForFinished(patienceMs)) {
-        tool.kill();
-        tool.waitForFinished(patienceMs);
-        return std::nullopt;
-    }
-    return tool.exitCode() == 0 ? std::optional(QString::fromUtf8(tool.readAllStandardOutput()))
-                                : std::nullopt;
-}
-
 /// Of a list of combinations, by schema and key. False when it could not be changed.
 bool changeList(const QString &setting, const QString &accelerator, Change change)
 {
     const QStringList place = setting.split(QLatin1Char(' '));
-    const auto now = gsettings(QStringList{QStringLiteral("get")} + place);
+    const auto now = askGSettings(QStringList{QStringLiteral("get")} + place, patienceMs);
     if (place.size() != 2 || !now)
         return false;
     static const QRegularExpression quoted(QStringLiteral("'[^']*'"));
@@ -75,7 +61,8 @@ bool changeList(const QString &setting, const QString &accelerator, Change chang
     const QString list = values.isEmpty()
         ? QStringLiteral("@as []")
         : QLatin1Char('[') + values.join(QStringLiteral(", ")) + QLatin1Char(']');
-    return gsettings(QStringList{QStringLiteral("set")} + place + QStringList{list}).has_value();
+    return askGSettings(QStringList{QStringLiteral("set")} + place + QStringList{list}, patienceMs)
+        .has_value();
 }
 
 } // namespace

@@ -3,7 +3,8 @@
 
 #include "platform/portal/GnomeBindings.h"
 
-#include <QProcess>
+#include "platform/linux/GSettingsTool.h"
+
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -20,20 +21,9 @@ const QString folder =
     QStringLiteral("/org/gnome/settings-daemon/plugins/media-keys/custom-keybindings/");
 const QString ownPrefix = folder + QStringLiteral("tovek-");
 
-/// What the tool prints; absent when it fails.
 std::optional<QString> gsettings(const QStringList &arguments)
 {
-    QProcess tool;
-    tool.setStandardErrorFile(QProcess::nullDevice());
-    tool.start(QStringLiteral("gsettings"), arguments);
-    if (!tool.waitForFinished(patienceMs)) {
-        tool.kill();
-        tool.waitForFinished(patienceMs);
-        return std::nullopt;
-    }
-    if (tool.exitStatus() != QProcess::NormalExit || tool.exitCode() != 0)
-        return std::nullopt;
-    return QString::fromUtf8(tool.readAllStandardOutput()).trimmed();
+    return askGSettings(arguments, patienceMs);
 }
 
 QString schemaOf(const QString &path)

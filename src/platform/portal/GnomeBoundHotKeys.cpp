@@ -8,10 +8,9 @@
 #include "foundation/WhenReady.h"
 #include "platform/linux/Accelerator.h"
 #include "platform/linux/DesktopShortcuts.h"
+#include "platform/linux/GSettingsTool.h"
 #include "platform/portal/GnomeBindings.h"
 #include "platform/portal/HostAppId.h"
-
-#include <QProcess>
 
 #include <algorithm>
 #include <utility>
@@ -25,17 +24,11 @@ constexpr int patienceMs = 2000;
 /// Of the desktop itself, and of other programs.
 QStringList usedAccelerators()
 {
-    QProcess tool;
-    tool.setStandardErrorFile(QProcess::nullDevice());
-    tool.start(QStringLiteral("gsettings"), {QStringLiteral("list-recursively")});
-    if (!tool.waitForFinished(patienceMs))
-        tool.kill();
     QStringList used = GnomeBindings::accelerators();
-    const auto entries =
-        DesktopShortcuts::fromGSettings(QString::fromUtf8(tool.readAllStandardOutput()));
+    const auto printed = askGSettings({QStringLiteral("list-recursively")}, patienceMs);
+    const auto entries = DesktopShortcuts::fromGSettings(printed.value_or(QString()));
     for (const DesktopShortcuts::Entry &entry : entries)
         used << entry.accelerator;
-    tool.waitForFinished(patienceMs);
     return used;
 }
 
