@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "foundation/Workers.h"
 #include "platform/ScreenGrabber.h"
 #include "platform/wayland/SharedPixels.h"
 
@@ -23,6 +24,7 @@ public:
 private:
     std::shared_ptr<SharedPixels> m_pixels;
     std::optional<QFuture<QImage>> m_future;
+    Workers m_thread{1};
 };
 
 } // namespace tovek

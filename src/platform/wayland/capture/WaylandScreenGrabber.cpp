@@ -10,7 +10,6 @@
 #include "platform/wayland/capture/WaylandPixelFormat.h"
 
 #include <QPromise>
-#include <QThreadPool>
 
 #include <cmath>
 #include <cstring>
@@ -65,7 +64,7 @@ QFuture<QImage> WaylandFrozenDisplay::pixels()
     const auto promise = std::make_shared<QPromise<QImage>>();
     promise->start();
     m_future = promise->future();
-    QThreadPool::globalInstance()->start([promise, pixels = m_pixels] {
+    const auto fill = [promise, pixels = m_pixels] {
         // A compositor need not fill the byte that is not looked at; the toolkit takes it for
         // opaque without looking, and copies it to where it counts. Nobody sees it change.
         auto *pixel = reinterpret_cast<uint32_t *>(pixels->data());
@@ -74,7 +73,9 @@ QFuture<QImage> WaylandFrozenDisplay::pixels()
             *pixel |= 0xff000000U;
         promise->addResult(SharedPixels::image(pixels, QImage::Format_RGB32));
         promise->finish();
-    });
+    };
+    if (!m_thread.start(fill))
+        fill();
     return *m_future;
 }
 
