@@ -25,8 +25,13 @@ constexpr double ownShare = 0.8;
 constexpr double crossingShare = 0.3;
 constexpr double standingShare = 0.2;
 constexpr double textShare = 0.5;
+/// Of its strongest ink, and of its columns, but for its ends: strokes that cross it differ.
+constexpr double evenInkShare = 0.7;
+constexpr double unevenShare = 0.04;
+/// In heights of the text: a syllable's level stroke, as in Korean, has more of the syllable below.
+constexpr double belowLine = 0.4;
 /// A letter has a foot like that too, but is not as much wider than high.
-constexpr double leastRatio = 1.5;
+constexpr double leastRatio = 2.2;
 
 class Underlines
 {
@@ -70,12 +75,15 @@ private:
             ++bottom;
         if (bottom - top >= thickest || share(from, to, bottom + 1) > crossingShare)
             return;
+        if (!isEven(from, to, top, bottom))
+            return;
         const int foot = textFoot(from, to, top);
         const int height = textHeight(from, to, foot);
         // The bars of an equals sign are as thick as each other.
         if (height < std::max(lowestText, (bottom - top + 1) * thinnestText) || height > highestText
             || to - from < (top - foot - 1 + height) * leastRatio
-            || !isUnderText(from, to, top, foot + 1 - height))
+            || !hasInkIn(from, to, foot + 1 - height, top, textShare)
+            || hasInkIn(from, to, bottom + 1, bottom + 1 + int(height * belowLine), crossingShare))
             return;
         for (int x = from; x < to; ++x) {
             const bool isCrossed =
@@ -83,6 +91,24 @@ private:
             for (int y = top; !isCrossed && y <= bottom; ++y)
                 m_map.contrast[std::size_t(y) * m_map.size.width() + x] = 0;
         }
+    }
+
+    /// Drawn in one stroke: level strokes of letters that touch are fainter where they meet.
+    bool isEven(int from, int to, int top, int bottom) const
+    {
+        const auto strongest = [&](int x) {
+            int ink = 0;
+            for (int y = top; y <= bottom; ++y)
+                ink = std::max(ink, int(m_map.at(x, y)));
+            return ink;
+        };
+        int peak = 0;
+        for (int x = from; x < to; ++x)
+            peak = std::max(peak, strongest(x));
+        int even = 0;
+        for (int x = from; x < to; ++x)
+            even += strongest(x) >= peak * evenInkShare;
+        return even >= (to - from) - 2 - int((to - from) * unevenShare);
     }
 
     /// The last row of what stands above the line, which may touch it.
@@ -100,16 +126,17 @@ private:
             --y;
         return foot - y;
     }
-    bool isUnderText(int from, int to, int top, int textTop) const
+    /// In so much of the columns, between two rows.
+    bool hasInkIn(int from, int to, int top, int bottom, double least) const
     {
         int columns = 0;
         for (int x = from; x < to; ++x) {
-            bool isUnder = false;
-            for (int y = textTop; y < top && !isUnder; ++y)
-                isUnder = hasInk(x, y);
-            columns += isUnder;
+            bool isHere = false;
+            for (int y = top; y < std::min(bottom, m_map.size.height()) && !isHere; ++y)
+                isHere = hasInk(x, y);
+            columns += isHere;
         }
-        return columns >= (to - from) * textShare;
+        return columns > (to - from) * least;
     }
 
     InkMap &m_map;

@@ -85,6 +85,9 @@ private Q_SLOTS:
             << QRect(10, 20, 14, 2) << QList<QRect>{{10, 8, 14, 2}, {16, 10, 3, 10}};
         QTest::newRow("the feet of letters that touch")
             << QRect(10, 19, 18, 1) << QList<QRect>{{12, 10, 2, 9}, {18, 10, 2, 9}, {24, 10, 2, 9}};
+        QTest::newRow("the level strokes of two syllables, which have more below")
+            << QRect(10, 20, 26, 1)
+            << QList<QRect>{{11, 10, 10, 8}, {24, 10, 10, 8}, {11, 23, 10, 5}, {24, 23, 10, 5}};
         QTest::newRow("a bar") << QRect(10, 22, 30, 5) << QList<QRect>{{10, 10, 28, 10}};
     }
     void keepsWhatIsNoUnderline()
