@@ -91,7 +91,7 @@ private Q_SLOTS:
     void isTheSelectionsWhileThereIsNone()
     {
         Overlay overlay;
-        overlay.state = {};
+        overlay.state = SelectionState();
         QCOMPARE(overlay.at(onWord), PointerOwner::selection);
     }
 };
