@@ -199,7 +199,7 @@ void AppDelegate::setUpStatusBar()
     statusBar->updateObstacle = [this] { return m_updaterManager.checkObstacle(); };
     statusBar->actions.openPreferences = [this] { openSettings(SettingsTab::general); };
     statusBar->actions.openAbout = [this] { openSettings(SettingsTab::about); };
-    statusBar->actions.quit = [] { QCoreApplication::quit(); };
+    statusBar->actions.quit = [] { QCoreApplication::exit(); };
     statusBar->bindShortcut = [&shortcuts](QAction &item, const QString &name) {
         KeyboardShortcuts::setShortcut(item, shortcuts.createName(name), shortcuts);
     };
@@ -234,7 +234,8 @@ void AppDelegate::performAction(const QString &action, int delaySeconds)
         {"preferences", [this] { openSettings(SettingsTab::general); }},
         {"about", [this] { openSettings(SettingsTab::about); }},
         {"check-for-updates", [this] { checkForUpdates(); }},
-        {"quit", [] { QCoreApplication::quit(); }},
+        // Not quit(), which every window may refuse, as overlays do.
+        {"quit", [] { QCoreApplication::exit(); }},
     };
     for (const auto &[name, act] : actions) {
         if (action == QLatin1String(name))

@@ -44,7 +44,7 @@ TovekApp::TovekApp(Platform &platform, UserDefaults &defaults, UpdateConfigurati
         m_appDelegate.setStatusItemVisible(isVisible);
     };
     m_settingsTabs.openPreferences = [this] { m_appDelegate.openSettings(SettingsTab::general); };
-    m_settingsTabs.quit = [] { QCoreApplication::quit(); };
+    m_settingsTabs.quit = [] { QCoreApplication::exit(); };
     connect(&m_appState, &AppState::shouldOpenSettingsChanged, this, [this](bool should) {
         if (should)
             openSettings();
@@ -82,7 +82,7 @@ void TovekApp::makeWayFor(const QString &program)
         return;
     }
     m_successor = program;
-    QCoreApplication::quit();
+    QCoreApplication::exit();
 }
 
 void TovekApp::bringForward()

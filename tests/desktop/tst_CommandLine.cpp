@@ -159,6 +159,17 @@ private Q_SLOTS:
         QCOMPARE(shell.program->waitForExit(patience), std::optional(0));
     }
 
+    void quitsInTheMiddleOfACapture()
+    {
+        Shell shell;
+        QVERIFY(shell.open());
+        shell.program = shell.launch({"--background"});
+        QVERIFY(waitUntil([&] { return shell.run({"--capture"}) == 0; }, patience));
+        QVERIFY(shell.comesToCapture());
+        QCOMPARE(shell.run({"--quit"}), 0);
+        QCOMPARE(shell.program->waitForExit(std::chrono::seconds(10)), std::optional(0));
+    }
+
     void countsDownBeforeACapture()
     {
         Shell shell;
