@@ -16,8 +16,6 @@ namespace tovek {
 
 namespace {
 
-constexpr uint8_t eventTypeMask = 0x7f; ///< the top bit marks events that clients sent
-
 /// A connection with a window that nobody sees, for one announcement.
 class Announcer
 {
@@ -46,7 +44,7 @@ public:
                             XCB_ATOM_STRING, 8, 0, nullptr);
         xcb_flush(m_xcb);
         while (const X11Reply<xcb_generic_event_t> event{xcb_wait_for_event(m_xcb)}) {
-            if ((event->response_type & eventTypeMask) == XCB_PROPERTY_NOTIFY)
+            if ((event->response_type & x11EventType) == XCB_PROPERTY_NOTIFY)
                 return reinterpret_cast<const xcb_property_notify_event_t &>(*event).time;
         }
         return std::nullopt;
@@ -68,7 +66,10 @@ public:
             xcb_send_event(m_xcb, 0, m_root, XCB_EVENT_MASK_PROPERTY_CHANGE,
                            reinterpret_cast<const char *>(&message));
         }
-        xcb_flush(m_xcb);
+        // A connection that closes with events unread is reset, and the server throws away what it
+        // has not read yet. An answer says that it has read all.
+        const X11Reply<xcb_get_input_focus_reply_t> answer(
+            xcb_get_input_focus_reply(m_xcb, xcb_get_input_focus(m_xcb), nullptr));
     }
 
 private:
