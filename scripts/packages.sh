@@ -18,7 +18,7 @@ build_packages=(
 desktop_packages=(
     appstream dbus dbus-bin dbus-x11 desktop-file-utils fish fonts-cantarell fonts-noto-core grim
     i3lock kwin-wayland libglib2.0-bin mandoc mold openbox openssl picom pulseaudio pulseaudio-utils sway swaybg
-    thunar trayer wl-clipboard wtype x11-xkb-utils x11-xserver-utils xauth xclip xfonts-base xfonts-terminus xscreensaver xvfb
+    thunar trayer wl-clipboard wtype x11-xkb-utils x11-xserver-utils xauth xclip xfonts-base xfonts-terminus xscreensaver xterm xvfb
     xwayland zsh
 )
 # For the tests on GNOME, which skip without them: some hundred megabytes, which nothing installs by

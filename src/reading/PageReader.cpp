@@ -23,24 +23,38 @@ constexpr std::size_t sampleStep = 7;
 /// Of a run's width, what may be left to an engine word by word.
 constexpr double mostUnknown = 0.6;
 constexpr std::chrono::milliseconds checkInterval{20};
+/// Between two words of one line, in heights of a line.
+constexpr double widestBeside = 1.5;
 
 double columnsOf(const PageRun &run)
 {
     return run.text.box.width() * 20 / std::max(run.metrics.capHeight, 1.0);
 }
 
-/// What lies between two columns.
-TextRun partOf(const TextRun &run, const QRect &box)
+bool standsBeside(const QRect &word, const QRect &other)
 {
-    TextRun part;
-    for (const InkPatch &patch : run.patches) {
-        const int center = patch.box.center().x();
-        if (center < box.left() || center > box.right())
-            continue;
-        part.patches.push_back(patch);
-        part.box |= patch.box;
-    }
-    return part;
+    const int middle = word.center().y();
+    const int gap = std::max(word.left() - other.right(), other.left() - word.right());
+    return middle >= other.top() && middle <= other.bottom() && gap <= other.height() * widestBeside;
+}
+
+/// Words that the engine read beside words of a line that was read without it belong to that line.
+void giveToLines(std::vector<ReadWord> &words, std::vector<std::vector<ReadWord>> &lines)
+{
+    std::erase_if(words, [&lines](const ReadWord &word) {
+        for (std::vector<ReadWord> &line : lines) {
+            const auto at = std::find_if(line.begin(), line.end(), [&](const ReadWord &other) {
+                return word.box.left() < other.box.left();
+            });
+            const bool isBeside = (at != line.end() && standsBeside(word.box, at->box))
+                || (at != line.begin() && standsBeside(word.box, std::prev(at)->box));
+            if (!isBeside)
+                continue;
+            line.insert(at, word);
+            return true;
+        }
+        return false;
+    });
 }
 
 } // namespace
@@ -148,8 +162,11 @@ std::vector<std::vector<ReadWord>> PageReader::takeLines()
     std::vector<std::vector<ReadWord>> lines = linesOf(m_page, std::move(m_readings));
     for (std::vector<ReadWord> &line : lines)
         std::erase_if(line, [this](const ReadWord &word) { return m_exact->isIn(word.box); });
+    std::vector<std::vector<ReadWord>> exact = m_exact->takeLines();
+    for (std::vector<ReadWord> &line : lines)
+        giveToLines(line, exact);
     std::erase_if(lines, [](const auto &line) { return line.empty(); });
-    for (std::vector<ReadWord> &line : m_exact->takeLines())
+    for (std::vector<ReadWord> &line : exact)
         lines.push_back(std::move(line));
     return lines;
 }

@@ -19,22 +19,22 @@ namespace {
 
 /// The mean distance of a grid's cells from the font's characters: the right font is below, a
 /// similar one above. Without greys all pixels are the same.
-constexpr double sameFont = 0.08;
+constexpr double sameInstalledFont = 0.08;
 constexpr double sameWithoutGreys = 0.02;
 /// Nothing better needs to be looked for.
 constexpr double certainly = 0.04;
 constexpr double certainlyWithoutGreys = 0.005;
 /// The same for a few letters; what is above is not looked at in whole.
-constexpr double doubtful = 0.08;
+constexpr double doubtfulDistance = 0.08;
 /// A grid with fewer characters shows too little of its font.
-constexpr int leastLetters = 12;
+constexpr int leastAreaLetters = 12;
 /// Of the letters, in a font that was met before.
 constexpr double leastExplained = 0.3;
 constexpr std::size_t mostBitmapGuesses = 4;
 constexpr std::size_t mostRemembered = 16;
 
 /// Of a grid's letters: two terminals may stand in the same columns, each with a font of its own.
-constexpr double leastShare = 0.25;
+constexpr double leastReadShare = 0.25;
 
 /// The mean of all runs, or that of those which are certainly written in the font, where they are
 /// a good part of the grid.
@@ -50,8 +50,9 @@ double distanceOf(std::vector<RunDistance> runs)
             sum->letters += run.letters;
         }
     }
-    const bool isPart = certain.letters >= std::max(2.0 * leastLetters, leastShare * all.letters);
-    return all.mean() >= sameFont && isPart ? certain.mean() : all.mean();
+    const bool isPart =
+        certain.letters >= std::max(2.0 * leastAreaLetters, leastReadShare * all.letters);
+    return all.mean() >= sameInstalledFont && isPart ? certain.mean() : all.mean();
 }
 
 /// A font that was met in the cells of a certain width.
@@ -250,8 +251,8 @@ bool FontReader::Reading::attempt(const FixedGrid &grid, const FontChoice &choic
                  gridText(reader, cellRows(m_runs, grid, fit, shape, m_image.size()), shape), 1};
     const bool hasGreys = choice.style.hinting != Hinting::mono;
     made.distance = distanceOf(runDistances(made.text, m_runs, grid));
-    if (made.text.letters() < leastLetters
-        || made.distance >= (hasGreys ? sameFont : sameWithoutGreys))
+    if (made.text.letters() < leastAreaLetters
+        || made.distance >= (hasGreys ? sameInstalledFont : sameWithoutGreys))
         return false;
     if (!m_best || made.distance < m_best->distance)
         m_best = std::move(made);
@@ -293,7 +294,7 @@ bool FontReader::Reading::attemptBitmap(const FixedGrid &grid,
 bool FontReader::Reading::search(std::size_t at, FontSearch &fonts)
 {
     while (const auto guess = fonts.next(m_isTooLate)) {
-        if (guess->distance < doubtful && attempt(m_grids[at], guess->choice, guess->fit))
+        if (guess->distance < doubtfulDistance && attempt(m_grids[at], guess->choice, guess->fit))
             return true;
     }
     return fonts.isOver();
@@ -311,7 +312,7 @@ void FontReader::Reading::take(const GridText &text, const FixedGrid &grid)
         return std::any_of(m_boxes.begin(), m_boxes.end(),
                            [&](const QRect &word) { return word.intersects(box); });
     });
-    GridWords words = wordsIn(text, stretches);
+    GridWords words = wordsIn(text, stretches, cutRows(text, m_runs));
     const std::vector<bool> isCovered = coveredRuns(text, words, m_runs);
     for (std::vector<ReadWord> &line : words.lines) {
         for (const ReadWord &word : line)

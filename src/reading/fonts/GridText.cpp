@@ -13,14 +13,14 @@ namespace tovek {
 
 namespace {
 
-using Kind = ReadCell::Kind;
+using CellKind = ReadCell::Kind;
 
 /// Text that stands on a grid's lines belongs to it when it is no further from it than so many
 /// cells or lines.
 constexpr int nearCells = 12;
 constexpr int nearRows = 3;
 /// Blank cells that end a stretch: text of another program may begin behind them.
-constexpr std::size_t widestBlank = 1;
+constexpr std::size_t widestCellBlank = 1;
 /// The mean distance and the share of foreign cells in a stretch that is read.
 constexpr double mostDistance = 0.12;
 constexpr double mostForeign = 0.25;
@@ -30,12 +30,14 @@ constexpr double mostDistanceOfFew = 0.1;
 /// The share of a run's ink that must have been read: the rest is specks and soft edges.
 constexpr double mostOfRun = 0.9;
 
+/// A cut character is at least so small a part of the letters' height: what is lower is a speck.
+constexpr int leastOfCut = 3;
 /// What is no character and no wider stands by itself: a cursor, a symbol.
-constexpr std::size_t widestSymbol = 2;
+constexpr std::size_t widestCellSymbol = 2;
 
 bool isWritten(const ReadCell &cell)
 {
-    return cell.kind == Kind::letter || cell.kind == Kind::foreign;
+    return cell.kind == CellKind::letter || cell.kind == CellKind::foreign;
 }
 
 int modulo(int value, int divisor)
@@ -116,8 +118,9 @@ int GridText::letters() const
 {
     int count = 0;
     for (const GridRow &row : rows)
-        count += int(std::count_if(row.cells.begin(), row.cells.end(),
-                                   [](const ReadCell &cell) { return cell.kind == Kind::letter; }));
+        count += int(std::count_if(row.cells.begin(), row.cells.end(), [](const ReadCell &cell) {
+            return cell.kind == CellKind::letter;
+        }));
     return count;
 }
 
@@ -145,7 +148,7 @@ std::vector<RunDistance> runDistances(const GridText &text, const std::vector<Pa
             for (std::size_t i = 0; i < cells.size(); ++i) {
                 if (!isWritten(cells[i]) || !box.contains(boxOf(text, row, i, i + 1).center()))
                     continue;
-                distances[at].sum += cells[i].kind == Kind::letter ? cells[i].distance : 1;
+                distances[at].sum += cells[i].kind == CellKind::letter ? cells[i].distance : 1;
                 ++distances[at].letters;
             }
         }
@@ -166,13 +169,13 @@ std::vector<GridStretch> readableStretches(const GridText &text, const QRect &ow
             std::size_t letters = 0;
             std::size_t foreign = 0;
             double distance = 0;
-            for (std::size_t i = from; i < cells.size() && i <= to + widestBlank; ++i) {
+            for (std::size_t i = from; i < cells.size() && i <= to + widestCellBlank; ++i) {
                 if (!isWritten(cells[i]))
                     continue;
                 to = i + 1;
-                letters += cells[i].kind == Kind::letter;
-                foreign += cells[i].kind == Kind::foreign;
-                distance += cells[i].kind == Kind::letter ? cells[i].distance : 0;
+                letters += cells[i].kind == CellKind::letter;
+                foreign += cells[i].kind == CellKind::foreign;
+                distance += cells[i].kind == CellKind::letter ? cells[i].distance : 0;
             }
             const double mean = letters > 0 ? distance / double(letters) : 1;
             const bool isFew = letters <= fewCells;
@@ -204,7 +207,36 @@ QRect boxOf(const GridText &text, std::size_t row, std::size_t from, std::size_t
             int(to - from) * width, text.shape.height()};
 }
 
-GridWords wordsIn(const GridText &text, const std::vector<GridStretch> &stretches)
+std::vector<CutRow> cutRows(const GridText &text, const std::vector<PageRun> &runs)
+{
+    std::vector<CutRow> cuts;
+    for (std::size_t row = 0; row < text.rows.size(); ++row) {
+        const QRect line = boxOf(text, row, 0, text.rows[row].cells.size());
+        QRect left;
+        QRect right;
+        for (const PageRun &run : runs) {
+            if (!run.text.box.intersects(line))
+                continue;
+            for (const InkPatch &patch : run.text.patches) {
+                const QPoint center = patch.box.center();
+                if (center.y() < line.top() || center.y() > line.bottom())
+                    continue;
+                if (center.x() < line.left())
+                    left |= patch.box;
+                else if (center.x() > line.right())
+                    right |= patch.box;
+            }
+        }
+        const auto isHigh = [&](const QRect &ink) {
+            return ink.height() * leastOfCut >= text.shape.ascent;
+        };
+        cuts.push_back({isHigh(left), isHigh(right)});
+    }
+    return cuts;
+}
+
+GridWords wordsIn(const GridText &text, const std::vector<GridStretch> &stretches,
+                  const std::vector<CutRow> &cuts)
 {
     GridWords words;
     for (const GridStretch &stretch : stretches) {
@@ -218,16 +250,20 @@ GridWords wordsIn(const GridText &text, const std::vector<GridStretch> &stretche
             for (; to < stretch.to && isWritten(cells[to]); ++to) {
                 characters += cells[to].character;
                 distance += cells[to].distance;
-                isWhole = isWhole && cells[to].kind == Kind::letter;
+                isWhole = isWhole && cells[to].kind == CellKind::letter;
             }
             if (to == from)
                 continue;
             const QRect box = boxOf(text, stretch.row, from, to);
+            const CutRow cut = cuts[stretch.row];
+            const bool isCut = (from == 0 && cut.left) || (to == cells.size() && cut.right);
             settleAlphabet(characters);
-            if (isWhole)
+            if (isCut)
+                words.left.push_back(box);
+            else if (isWhole)
                 line.push_back({QString::fromStdU32String(characters), box,
                                 100 * (1 - distance / double(characters.size()))});
-            else if (characters.size() > widestSymbol)
+            else if (characters.size() > widestCellSymbol)
                 words.left.push_back(box);
             from = to;
         }
@@ -247,7 +283,7 @@ std::vector<bool> coveredRuns(const GridText &text, const GridWords &words,
     }
     for (std::size_t row = 0; row < text.rows.size(); ++row) {
         for (std::size_t i = 0; i < text.rows[row].cells.size(); ++i) {
-            if (text.rows[row].cells[i].kind == Kind::drawn)
+            if (text.rows[row].cells[i].kind == CellKind::drawn)
                 boxes.push_back(boxOf(text, row, i, i + 1));
         }
     }

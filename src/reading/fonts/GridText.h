@@ -66,13 +66,24 @@ std::vector<GridStretch> readableStretches(const GridText &text, const QRect &ow
 /// The box of cells from `from` to before `to`.
 QRect boxOf(const GridText &text, std::size_t row, std::size_t from, std::size_t to);
 
+/// Whether characters stand beside a row's first and last cell: cut by the picture's edge, they
+/// have no cell of their own.
+struct CutRow
+{
+    bool left = false;
+    bool right = false;
+};
+std::vector<CutRow> cutRows(const GridText &text, const std::vector<PageRun> &runs);
+
 /// The words of a grid that are read, by lines, and what must be read in another way.
 struct GridWords
 {
     std::vector<std::vector<ReadWord>> lines;
-    std::vector<QRect> left; ///< words with a cell that the font does not have
+    std::vector<QRect> left; ///< words with a cell that the font does not have, or with a cut one
 };
-GridWords wordsIn(const GridText &text, const std::vector<GridStretch> &stretches);
+/// `cuts`: one entry a row.
+GridWords wordsIn(const GridText &text, const std::vector<GridStretch> &stretches,
+                  const std::vector<CutRow> &cuts);
 
 /// True for the runs whose ink lies in the words and in what is drawn on the grid.
 std::vector<bool> coveredRuns(const GridText &text, const GridWords &words,

@@ -117,6 +117,17 @@ private Q_SLOTS:
         }
     }
 
+    void leavesWordsThatThePicturesEdgeCutsToTheEngine()
+    {
+        FontReader fonts(std::make_unique<FakeGlyphs>(std::vector{2, 1, 3}));
+        const QImage whole = pictureOf(lines, 1);
+        const QImage cut = whole.copy(11, 0, whole.width() - 11, whole.height());
+        const QStringList words = wordsOf(linesRead(fonts, cut));
+        QVERIFY2(words.contains("Home") && words.contains("Pictures"), qPrintable(words.join(' ')));
+        QVERIFY2(!words.contains("otal") && !words.contains("ocuments"),
+                 qPrintable(words.join(' ')));
+    }
+
     void findsAFontAgainThatItMet()
     {
         auto source = std::make_unique<FakeGlyphs>(std::vector{2, 3, 4, 5, 1});
