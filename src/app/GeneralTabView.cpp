@@ -27,8 +27,8 @@ namespace tovek {
 
 namespace {
 
-constexpr int rowHeight = 38;
-constexpr int margin = 16;
+constexpr int cardRowHeight = 38;
+constexpr int tabMargin = 16;
 constexpr int smallestPath = 56;
 constexpr double pathScale = 0.92;
 /// A folder answers in less than a millisecond; it then shows with the window.
@@ -73,9 +73,9 @@ GeneralTabView::GeneralTabView(const Services &services, QWidget *parent)
     : QWidget(parent)
     , m_services(services)
 {
-    auto *card = new FormCard(rowHeight, this);
+    auto *card = new FormCard(cardRowHeight, this);
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(margin, 4, margin, margin - 4);
+    layout->setContentsMargins(tabMargin, 4, tabMargin, tabMargin - 4);
     layout->addStretch();
     layout->addWidget(card);
     layout->addStretch();

@@ -42,7 +42,7 @@ void handle(int)
     setHandlers(SIG_DFL);
     const char byte = 0;
     // Nothing can be done about a pipe that does not take one byte.
-    static_cast<void>(!write(writeEnd, &byte, sizeof byte));
+    static_cast<void>(!::write(writeEnd, &byte, sizeof byte));
     errno = before;
 }
 

@@ -3,6 +3,8 @@
 
 #include "capture/FileWriter.h"
 
+#include "foundation/WriteAll.h"
+
 #include <QFile>
 
 #include <cerrno>
@@ -16,21 +18,6 @@ namespace tovek {
 namespace {
 
 constexpr mode_t permissions = 0666; // less what the user's mask takes away
-
-/// 0, or the error number.
-int writeAll(int descriptor, const QByteArray &bytes)
-{
-    for (qsizetype done = 0; done < bytes.size();) {
-        const ssize_t written =
-            write(descriptor, bytes.constData() + done, size_t(bytes.size() - done));
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return written < 0 ? errno : EIO;
-        done += written;
-    }
-    return 0;
-}
 
 /// Closes the descriptor too; some file systems report a full disk only then.
 int writeAndClose(int descriptor, const QByteArray &bytes)

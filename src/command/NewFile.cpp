@@ -3,6 +3,8 @@
 
 #include "command/NewFile.h"
 
+#include "foundation/WriteAll.h"
+
 #include <QFile>
 
 #include <cerrno>
@@ -29,16 +31,8 @@ bool isNoFileToLose(const QByteArray &name)
 
 std::optional<QString> writeTo(int descriptor, const QByteArray &bytes)
 {
-    for (qsizetype done = 0; done < bytes.size();) {
-        const ssize_t written =
-            write(descriptor, bytes.constData() + done, size_t(bytes.size() - done));
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return qt_error_string(written < 0 ? errno : EIO);
-        done += written;
-    }
-    return std::nullopt;
+    const int error = writeAll(descriptor, bytes);
+    return error ? std::optional(qt_error_string(error)) : std::nullopt;
 }
 
 std::optional<QString> writeNewFile(const QString &path, const QByteArray &bytes)

@@ -15,24 +15,24 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::milliseconds pollInterval(1);
 
 // Without a destructor: it is asked when the process takes its globals down.
-constinit std::atomic<int> count = 0;
+constinit std::atomic<int> unfinishedCount = 0;
 
 } // namespace
 
 Unfinished::Unfinished()
 {
-    ++count;
+    ++unfinishedCount;
 }
 
 Unfinished::~Unfinished()
 {
-    --count;
+    --unfinishedCount;
 }
 
 bool Unfinished::waitForAll(std::chrono::milliseconds limit)
 {
     const auto end = Clock::now() + limit;
-    while (count > 0) {
+    while (unfinishedCount > 0) {
         if (Clock::now() >= end)
             return false;
         std::this_thread::sleep_for(pollInterval);

@@ -19,15 +19,15 @@ constexpr double fontSize = 11;
 constexpr int paddingX = 12;
 constexpr int paddingY = 4;
 constexpr double fadeSeconds = 0.12;
-constexpr int frameMs = 16;
-constexpr Material::Look look{
+constexpr int tooltipFrameMs = 16;
+constexpr Material::Look tooltipLook{
     .radius = 1000, .margin = 0, .outlineAlpha = 0.4, .outlineWidth = 0.5};
 
 } // namespace
 
 ToolbarTooltip::ToolbarTooltip(const BackdropProvider &backdrop, QWidget *parent)
     : QWidget(parent)
-    , m_material(*this, backdrop, look)
+    , m_material(*this, backdrop, tooltipLook)
     , m_opacity(0, fadeSeconds)
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -70,7 +70,7 @@ void ToolbarTooltip::startFade(double target)
     m_opacity.start(target);
     if (!m_timer.isActive()) {
         m_clock.start();
-        m_timer.start(frameMs, Qt::PreciseTimer, this);
+        m_timer.start(tooltipFrameMs, Qt::PreciseTimer, this);
     }
 }
 

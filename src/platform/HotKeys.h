@@ -54,8 +54,12 @@ class HotKeys
 {
 public:
     virtual ~HotKeys() = default;
+    /// No key of the keyboard has the code.
+    static constexpr int noSuchKey = 1;
+    /// Another program holds the combination, as an X server says it.
+    static constexpr int heldElsewhere = 10;
     /// 0, or the window system's status: that of its error when another program holds the
-    /// combination, 1 when no key of the keyboard has the code.
+    /// combination, or noSuchKey.
     [[nodiscard]] virtual int grab(quint32 id, KeyCombo combo) = 0;
     virtual void release(quint32 id) = 0;
     /// While on, keys that go to this program itself (one of its menus is open) are offered to

@@ -3,6 +3,11 @@
 
 #include "platform/Screens.h"
 
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <algorithm>
+
 namespace tovek {
 
 std::optional<Screen> screenContaining(const std::vector<Screen> &screens, Point point)
@@ -20,6 +25,14 @@ std::optional<Screen> mainOrFirst(const Screens &screens)
         return screen;
     const std::vector<Screen> all = screens.all();
     return all.empty() ? std::nullopt : std::optional(all.front());
+}
+
+QScreen *toolkitScreen(const QString &name)
+{
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    const auto same = std::find_if(screens.begin(), screens.end(),
+                                   [&](const QScreen *s) { return s->name() == name; });
+    return same == screens.end() ? nullptr : *same;
 }
 
 } // namespace tovek

@@ -12,6 +12,8 @@
 #include <optional>
 #include <vector>
 
+class QScreen;
+
 namespace tovek {
 
 /// One monitor. A value: it stays valid as data after the monitor is gone.
@@ -51,5 +53,8 @@ std::optional<Screen> screenContaining(const std::vector<Screen> &screens, Point
 
 /// The main screen, or the first where none is; absent without any.
 std::optional<Screen> mainOrFirst(const Screens &screens);
+
+/// The toolkit's screen of this name; null when it knows none. Needs a QGuiApplication.
+QScreen *toolkitScreen(const QString &name);
 
 } // namespace tovek

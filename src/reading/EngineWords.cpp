@@ -4,6 +4,7 @@
 #include "reading/EngineWords.h"
 
 #include "reading/Scripts.h"
+#include "reading/TextRuns.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,11 +26,6 @@ constexpr double farthestInk = 1.5;
 
 /// Of the usual width of a line's characters.
 constexpr double mostOfUsualWidth = 2.0;
-
-double centerX(const QRect &box)
-{
-    return box.left() + box.width() / 2.0;
-}
 
 bool isMark(const QString &text)
 {

@@ -10,7 +10,7 @@
 #include <cstring>
 
 // The resources lie in a static library: without this call the linker would leave them out.
-static void initResources()
+static void initGlyphNetResource()
 {
     Q_INIT_RESOURCE(tovek);
 }
@@ -185,7 +185,7 @@ std::vector<std::uint8_t> GlyphNet::bytesOf(const Layers &layers)
 const GlyphNet &GlyphNet::trained()
 {
     static const GlyphNet net = [] {
-        initResources();
+        initGlyphNetResource();
         QFile file(QStringLiteral(":/reading/glyphs.weights"));
         const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
         auto layers = layersFrom(

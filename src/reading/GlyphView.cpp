@@ -10,8 +10,8 @@ namespace tovek {
 
 namespace {
 
-constexpr double capRows = 14;
-constexpr double baselineRow = 20;
+constexpr double viewCapRows = 14;
+constexpr double viewBaselineRow = 20;
 /// Of the shape's values: beyond it the net need not tell sizes apart.
 constexpr float largestShape = 4;
 
@@ -42,10 +42,10 @@ GlyphNet::Glyph glyphView(const std::vector<std::uint8_t> &ink, const QRect &box
                           const LetterMetrics &metrics)
 {
     const double cap = std::max(metrics.capHeight, 1.0);
-    const double step = cap / capRows;
+    const double step = cap / viewCapRows;
     const auto across = coversOf((box.width() - GlyphNet::side * step) / 2, step, box.width());
     const auto down =
-        coversOf(metrics.baseline - box.top() - baselineRow * step, step, box.height());
+        coversOf(metrics.baseline - box.top() - viewBaselineRow * step, step, box.height());
     GlyphNet::Glyph glyph;
     for (std::size_t row = 0; row < down.size(); ++row) {
         for (std::size_t column = 0; column < across.size(); ++column) {

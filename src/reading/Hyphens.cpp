@@ -4,6 +4,7 @@
 #include "reading/Hyphens.h"
 
 #include "reading/InkSegments.h"
+#include "reading/TextRuns.h"
 #include "reading/WordBreaks.h"
 
 #include <algorithm>
@@ -13,11 +14,9 @@ namespace tovek {
 
 namespace {
 
-/// How much the cap heights of two lines in the same font may differ.
-constexpr double sameFont = 0.12;
 /// Two hyphens and the gap between them, in widths of one; an en dash is narrower, an em dash
 /// wider. No single dash begins a word, so that less is needed there.
-constexpr double narrowestPair = 1.95;
+constexpr double narrowestHyphenPair = 1.95;
 constexpr double narrowestAtStart = 1.45;
 constexpr double widestPair = 2.9;
 /// In cap heights: what may be a pair where there is nothing to compare with.
@@ -84,7 +83,7 @@ bool isPair(const std::vector<InkSymbol> &symbols, std::size_t i, const Measure 
     const int width = symbols[i].unit.width();
     if (usual == 0)
         return isAtStart && width >= cap * narrowestAlone && width <= cap * widestAlone;
-    return width >= usual * (isAtStart ? narrowestAtStart : narrowestPair)
+    return width >= usual * (isAtStart ? narrowestAtStart : narrowestHyphenPair)
         && width <= usual * widestPair;
 }
 

@@ -20,7 +20,7 @@ constexpr double widest = 2.2;
 /// How far every side reaches above the baseline and below it.
 constexpr double leastAbove = 0.8;
 constexpr double leastBelow = 0.12;
-constexpr double leastHeight = 1.15;
+constexpr double leastIconHeight = 1.15;
 /// Of the icon's width, what its widest piece takes: a pair of brackets has none as wide.
 constexpr double widestPiece = 0.6;
 
@@ -43,7 +43,7 @@ bool reachesBeyondLine(const QRect &extent, const LetterMetrics &label)
     const double above = label.baseline - extent.top();
     const double below = extent.bottom() + 1 - label.baseline;
     return !extent.isEmpty() && above >= cap * leastAbove && below >= cap * leastBelow
-        && above + below >= cap * leastHeight;
+        && above + below >= cap * leastIconHeight;
 }
 
 /// The strokes before the first gap that is wider than one between letters; all where there is

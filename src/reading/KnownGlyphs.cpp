@@ -5,6 +5,7 @@
 
 #include "reading/InkSegments.h"
 #include "reading/SharedReadings.h"
+#include "reading/TextRuns.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,8 +14,6 @@ namespace tovek {
 
 namespace {
 
-/// How much the cap heights of two lines in the same font may differ.
-constexpr double sameFont = 0.12;
 /// What is less sure names nothing.
 constexpr double sureOfGlyph = 85;
 /// Half sure is what was named by its shape alone.
@@ -27,7 +26,7 @@ constexpr double agreement = 0.98;
 constexpr std::size_t leastGaps = 20;
 constexpr double misread = 0.02;
 /// The most pieces of one character, as the double quote has two.
-constexpr std::size_t mostPieces = 3;
+constexpr std::size_t mostGlyphPieces = 3;
 /// The confidence of what is known.
 constexpr double known = 97;
 
@@ -173,7 +172,7 @@ std::vector<KnownGlyphs::Unit> KnownGlyphs::unitsOf(const InkMap &ink, const Pag
         Unit unit{segments[i]};
         std::size_t pieces = 1;
         QRect box;
-        for (std::size_t n = 1; n <= mostPieces && i + n <= segments.size(); ++n) {
+        for (std::size_t n = 1; n <= mostGlyphPieces && i + n <= segments.size(); ++n) {
             box |= segments[i + n - 1];
             const QRect inRun = box.translated(-origin);
             if (!QRect(QPoint(), ink.size).contains(inRun))

@@ -11,10 +11,6 @@ namespace tovek {
 
 namespace {
 
-/// The engine's network was trained on lines scaled to 36 rows, of which the letters between
-/// ascender and descender took most.
-constexpr double capRows = 20;
-constexpr double baselineRow = 27.5;
 /// White beside the text. With more of it the network sees marks where there are none.
 constexpr double marginRows = 4;
 /// Of the strongest ink around: what has less is in another colour, what has hardly any is noise.
@@ -96,7 +92,7 @@ LineStrip lineStrip(const InkMap &ink, const TextRun &run, const LetterMetrics &
 {
     LineStrip strip;
     const QRect &box = run.box;
-    strip.scale = std::min(capRows / metrics.capHeight, largestScale);
+    strip.scale = std::min(LineStrip::capRows / metrics.capHeight, largestScale);
     const double margin = marginRows / strip.scale;
     strip.left = box.left() - margin;
     strip.width = int(std::ceil((box.width() + 2 * margin) * strip.scale));
@@ -117,7 +113,7 @@ LineStrip lineStrip(const InkMap &ink, const TextRun &run, const LetterMetrics &
         }
     }
     const std::vector<Tap> down =
-        taps(LineStrip::height, metrics.baseline - box.top() - baselineRow * step, step);
+        taps(LineStrip::height, metrics.baseline - box.top() - LineStrip::baselineRow * step, step);
     strip.grey.assign(std::size_t(strip.width) * LineStrip::height, 255);
     std::vector<float> row(std::size_t(strip.width), 0);
     for (int y = 0; y < LineStrip::height; ++y) {

@@ -11,7 +11,11 @@ namespace tovek {
 /// the baseline at the same row, grey values row by row.
 struct LineStrip
 {
+    /// The engine's network was trained on lines scaled to 36 rows, of which the letters between
+    /// ascender and descender took most.
     static constexpr int height = 36;
+    static constexpr double capRows = 20;
+    static constexpr double baselineRow = 27.5;
 
     int width = 0;
     std::vector<std::uint8_t> grey;

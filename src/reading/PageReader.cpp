@@ -35,7 +35,8 @@ bool standsBeside(const QRect &word, const QRect &other)
 {
     const int middle = word.center().y();
     const int gap = std::max(word.left() - other.right(), other.left() - word.right());
-    return middle >= other.top() && middle <= other.bottom() && gap <= other.height() * widestBeside;
+    return middle >= other.top() && middle <= other.bottom()
+        && gap <= other.height() * widestBeside;
 }
 
 /// Words that the engine read beside words of a line that was read without it belong to that line.

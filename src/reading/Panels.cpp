@@ -14,7 +14,7 @@ namespace {
 
 /// In pixels: a panel of less height has one line, and is one only beside other panels.
 constexpr int leastHeightOfLines = 48;
-constexpr int leastHeight = 14;
+constexpr int leastPanelHeight = 14;
 constexpr int leastWidth = 40;
 /// Round corners and what overlaps take less of a side than is left.
 constexpr double straightShare = 0.7;
@@ -33,7 +33,7 @@ public:
     bool isPanel(const Surfaces::Background &background) const
     {
         const QRect &box = background.box;
-        if (box.width() < leastWidth || box.height() < leastHeight || box.size() == m_picture
+        if (box.width() < leastWidth || box.height() < leastPanelHeight || box.size() == m_picture
             || !isUpright(background))
             return false;
         return box.height() >= leastHeightOfLines

@@ -23,7 +23,7 @@ constexpr float likelyPictureOfMarks = 0.8F;
 /// What takes one end of a longer word for one, and its least height and width in cap heights:
 /// the marks at a word's ends are smaller than icons.
 constexpr float certainPicture = 0.9F;
-constexpr double leastIconHeight = 0.8;
+constexpr double leastGlyphIconHeight = 0.8;
 constexpr double leastIconWidth = 0.6;
 /// In cap heights: an icon stands farther from its label than letters from each other.
 constexpr double leastIconGap = 0.2;
@@ -87,7 +87,7 @@ bool PictureGlyphs::isPicture(const std::vector<InkSymbol> &symbols, std::size_t
 bool PictureGlyphs::isIcon(const InkSymbol &symbol, const LetterMetrics &metrics)
 {
     return !symbol.glyph.empty() && isKnown(symbol.text)
-        && symbol.unit.height() >= metrics.capHeight * leastIconHeight
+        && symbol.unit.height() >= metrics.capHeight * leastGlyphIconHeight
         && symbol.unit.width() >= metrics.capHeight * leastIconWidth
         && viewOf(symbol, metrics).picture > certainPicture;
 }

@@ -16,7 +16,7 @@ namespace {
 /// The most characters that the engine reads into an icon.
 constexpr std::size_t mostInIcon = 3;
 /// Characters from here on may be squares themselves.
-constexpr char16_t firstIdeograph = 0x2E80;
+constexpr char16_t firstPictograph = 0x2E80;
 constexpr int leastSquare = 6;
 constexpr int leastTriangle = 4;
 /// Of half the width.
@@ -124,7 +124,7 @@ private:
 
 bool isSquare(const InkSymbol &symbol)
 {
-    if (symbol.glyph.empty() || (!symbol.text.isEmpty() && symbol.text.at(0) >= firstIdeograph))
+    if (symbol.glyph.empty() || (!symbol.text.isEmpty() && symbol.text.at(0) >= firstPictograph))
         return false;
     const Strokes strokes(symbol);
     return strokes.isSquare() && (strokes.filled() > 0.95 || strokes.hasAllSides());

@@ -12,7 +12,7 @@ namespace tovek {
 namespace {
 
 /// The most characters that the engine reads into an icon.
-constexpr qsizetype mostInIcon = 3;
+constexpr qsizetype mostLettersInIcon = 3;
 /// Below this a word of a few characters is noise.
 constexpr double leastConfidence = 25;
 
@@ -34,7 +34,7 @@ constexpr double narrowestComparison = 0.65;
 constexpr double mostCovered = 0.4;
 
 /// In pixels; no letter can be read that is lower.
-constexpr int leastHeight = 6;
+constexpr int leastLetterHeight = 6;
 constexpr int leastMark = 3;
 /// The small letters of 9 px text; three of them are no misread speck.
 constexpr int lowestLetter = 5;
@@ -72,7 +72,7 @@ bool isMarkOnLine(const QRect &box, const std::vector<ReadWord> &words,
                   const LetterMetrics &metrics)
 {
     static const QString marks = QStringLiteral("*\"^~+=");
-    return metrics.isCertain && metrics.capHeight >= leastHeight
+    return metrics.isCertain && metrics.capHeight >= leastLetterHeight
         && std::min(box.width(), box.height()) >= leastMark && words.size() == 1
         && marks.contains(words.front().text);
 }
@@ -83,7 +83,7 @@ double sureness(const std::vector<ReadWord> &words)
     double sum = 0;
     int count = 0;
     for (const ReadWord &word : words) {
-        if (word.text.size() <= mostInIcon)
+        if (word.text.size() <= mostLettersInIcon)
             continue;
         sum += word.confidence;
         ++count;
@@ -146,7 +146,7 @@ void dropPictures(std::vector<ReadWord> &words, const LetterMetrics &metrics)
     const double longWords = sureness(words);
     const bool isAlone = words.size() == 1;
     std::erase_if(words, [&](const ReadWord &word) {
-        if (word.text.size() > mostInIcon)
+        if (word.text.size() > mostLettersInIcon)
             return false;
         return isIcon(word, metrics) || floats(word, metrics) || word.confidence < leastConfidence
             || isArrow(word) || isUnsure(word, longWords, isAlone);
@@ -164,7 +164,7 @@ void dropCrowded(std::vector<std::vector<ReadWord>> &lines)
     for (std::size_t i = 0; i < lines.size(); ++i) {
         std::erase_if(lines[i], [&](const ReadWord &word) {
             // Ideographs are words by themselves, and their lines stand close.
-            if (word.text.size() > mostInIcon || scriptOf(word.text) == Script::words)
+            if (word.text.size() > mostLettersInIcon || scriptOf(word.text) == Script::words)
                 return false;
             for (std::size_t k = 0; k < all.size(); ++k) {
                 if (k != i && std::any_of(all[k].begin(), all[k].end(), [&](const ReadWord &other) {
@@ -209,7 +209,7 @@ bool isPictureRun(const TextRun &run, const std::vector<ReadWord> &words,
 {
     const QRect &box = run.box;
     const bool isDash = box.height() <= 3 && box.width() >= 4;
-    if (box.height() < leastHeight && !isDash && !isMarkOnLine(box, words, metrics)
+    if (box.height() < leastLetterHeight && !isDash && !isMarkOnLine(box, words, metrics)
         && !isLowText(box, words))
         return true;
     if (run.patches.size() == 1 && box.height() > box.width() * 6 && box.width() <= 3)

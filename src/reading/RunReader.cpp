@@ -21,9 +21,6 @@ constexpr double lineRows = 22;
 /// Below this mean confidence, letters may be what the engine made of a script that was scaled by
 /// heights which it does not have. What is text of the script itself lies above.
 constexpr double sureOfLetters = 95;
-/// As in LineStrip.cpp.
-constexpr double capRows = 20;
-constexpr double baselineRow = 27.5;
 
 QString textOf(const std::vector<EngineSymbol> &symbols)
 {
@@ -48,8 +45,9 @@ LetterMetrics wholeLine(const QRect &box)
 {
     LetterMetrics metrics;
     const double pixels = box.height() / lineRows; // a row
-    metrics.capHeight = capRows * pixels;
-    metrics.baseline = box.top() + (baselineRow - (LineStrip::height - lineRows) / 2) * pixels;
+    metrics.capHeight = LineStrip::capRows * pixels;
+    metrics.baseline =
+        box.top() + (LineStrip::baselineRow - (LineStrip::height - lineRows) / 2) * pixels;
     metrics.xHeight = metrics.capHeight;
     return metrics;
 }
@@ -98,19 +96,6 @@ LetterMetrics metricsOf(const InkMap &map, const TextRun &run)
     for (InkPatch &patch : strokes.patches)
         patch.box.translate(run.box.topLeft());
     return letterMetrics(strokes.patches.empty() ? run : strokes);
-}
-
-TextRun partOf(const TextRun &run, const QRect &box)
-{
-    TextRun part;
-    for (const InkPatch &patch : run.patches) {
-        const int center = patch.box.center().x();
-        if (center < box.left() || center > box.right())
-            continue;
-        part.patches.push_back(patch);
-        part.box |= patch.box;
-    }
-    return part;
 }
 
 /// The words of a line in scripts of their own.

@@ -4,6 +4,7 @@
 #include "reading/RunReading.h"
 
 #include "reading/Scripts.h"
+#include "reading/TextRuns.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,7 +18,7 @@ namespace {
 /// The most characters that one piece of ink is divided among, and the most pieces of one
 /// character ("%" and the double quote have several).
 constexpr int mostShared = 32;
-constexpr int mostPieces = 3;
+constexpr int mostReadPieces = 3;
 
 /// Costs of an alignment. The engine's places drift by up to a letter, so that the width of the
 /// ink counts as much as its distance.
@@ -31,14 +32,14 @@ constexpr double distanceWeight = 0.25;
 constexpr double farthest = 1.2;
 /// In cap heights: nothing that lies farther apart is compared.
 constexpr double widestDrift = 4;
-constexpr double widthWeight = 1.0;
+constexpr double runWidthWeight = 1.0;
 constexpr double widthTolerance = 0.15;
 /// In cap heights: no two characters fit into narrower ink.
-constexpr double narrowestPair = 0.3;
+constexpr double narrowestRunPair = 0.3;
 /// A character that starts a word has a gap before it, the others have none.
 constexpr double gapWeight = 0.5;
 constexpr double wordGap = 0.25;
-constexpr double widestGap = 0.7;
+constexpr double widestRunGap = 0.7;
 
 /// How wide the ink of a character usually is, in cap heights.
 double usualWidth(const QString &character)
@@ -53,11 +54,6 @@ double usualWidth(const QString &character)
     if (wide.contains(character))
         return 1.1;
     return character.at(0).isUpper() ? 0.85 : 0.67;
-}
-
-double centerX(const QRect &box)
-{
-    return box.left() + box.width() / 2.0;
 }
 
 /// Marks that are told by shape and place alone.
@@ -170,7 +166,7 @@ private:
                 break;
             offer(i, j, n, 1, shareCost(i, n, j));
         }
-        for (int n = 2; n <= mostPieces && j + n <= int(m_segments.size()); ++n) {
+        for (int n = 2; n <= mostReadPieces && j + n <= int(m_segments.size()); ++n) {
             const QRect box = m_segments[j] | m_segments[j + n - 1];
             offer(i, j, 1, n,
                   distance(m_symbols[i].center, centerX(box))
@@ -195,20 +191,20 @@ private:
             return 0;
         const double gap =
             (m_segments[segment].left() - m_segments[segment - 1].right() - 1) / m_capHeight;
-        const bool isWrong = m_symbols[symbol].startsWord ? gap < wordGap : gap > widestGap;
+        const bool isWrong = m_symbols[symbol].startsWord ? gap < wordGap : gap > widestRunGap;
         return isWrong ? gapWeight : 0.0;
     }
     /// Between what the characters need and what the ink has.
     double mismatch(double needed, const QRect &box) const
     {
         return std::max(0.0, std::abs(needed - box.width() / m_capHeight) - widthTolerance * needed)
-            * widthWeight;
+            * runWidthWeight;
     }
 
     double shareCost(int first, int count, int segment) const
     {
         const QRect &box = m_segments[segment];
-        if (count > 1 && box.width() < m_capHeight * narrowestPair)
+        if (count > 1 && box.width() < m_capHeight * narrowestRunPair)
             return std::numeric_limits<double>::infinity();
         double needed = 0.1 * (count - 1);
         for (int k = 0; k < count; ++k)

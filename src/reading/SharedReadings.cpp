@@ -4,6 +4,7 @@
 #include "reading/SharedReadings.h"
 
 #include "reading/Scripts.h"
+#include "reading/TextRuns.h"
 
 #include <QHash>
 
@@ -17,13 +18,11 @@ namespace {
 
 /// Of 255; the same pixel of the same glyph differs by less, whatever the colours.
 constexpr int mostDifference = 28;
-/// How much the cap heights of two lines in the same font may differ.
-constexpr double sameFont = 0.12;
 /// A reading is right where it has so many times the votes of another.
 constexpr double clearMajority = 1.5;
 /// Characters that many fonts draw alike: the words around them tell more than a vote.
 constexpr double clearAmongAlike = 6.0;
-constexpr double leastVotes = 1.5;
+constexpr double leastSharedVotes = 1.5;
 constexpr double doubtful = 0.3;
 
 /// A unit in `readings`: its first symbol and how many there are.
@@ -104,7 +103,7 @@ void vote(const Cluster &cluster, const std::vector<std::vector<InkSymbol>> &rea
     const auto best =
         std::max_element(votes.begin(), votes.end(),
                          [](const auto &a, const auto &b) { return a.second < b.second; });
-    if (best->first.isEmpty() || best->second < leastVotes)
+    if (best->first.isEmpty() || best->second < leastSharedVotes)
         return;
     static const QString bars = QStringLiteral("lI|");
     for (const Unit &unit : cluster.members) {

@@ -11,8 +11,8 @@ namespace tovek {
 namespace {
 
 /// In pixels: the small letters of 9 px text.
-constexpr int lowestLetter = 5;
-constexpr int narrowestDash = 4;
+constexpr int lowestFieldLetter = 5;
+constexpr int narrowestFieldDash = 4;
 /// Equal dots on one line closer than this are a row of them.
 constexpr int widestStep = 24;
 /// What is around is looked for in squares of nine cells.
@@ -25,12 +25,12 @@ constexpr int leastOnLine = 4;
 
 bool isLetterHigh(const InkPatch &patch)
 {
-    return patch.box.height() >= lowestLetter;
+    return patch.box.height() >= lowestFieldLetter;
 }
 
 bool isDash(const InkPatch &patch)
 {
-    return patch.box.width() >= std::max(narrowestDash, patch.box.height() * 2);
+    return patch.box.width() >= std::max(narrowestFieldDash, patch.box.height() * 2);
 }
 
 /// The patches that are no dash, as low as dots, and have no equal one beside them.

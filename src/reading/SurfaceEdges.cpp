@@ -18,7 +18,7 @@ constexpr std::uint32_t none = std::numeric_limits<std::uint32_t>::max();
 /// How far, in one channel, a mixture of two colours may lie outside of them.
 constexpr int mixTolerance = 8;
 /// The share of a patch's neighbours that the second surface must have.
-constexpr double leastShare = 0.15;
+constexpr double leastEdgeShare = 0.15;
 /// A piece of a frame has one surface on one side and another on the other.
 constexpr double leastShareOfFrame = 0.3;
 /// In pixels. A large letter may have a surface in it too, but has thicker strokes.
@@ -97,7 +97,7 @@ struct Surroundings
                   [](const Contact &a, const Contact &b) { return a.count > b.count; });
         const Contact &first = sorted[0];
         const Contact &second = sorted[1];
-        if (second.count < std::max(1.0, neighbours * leastShare))
+        if (second.count < std::max(1.0, neighbours * leastEdgeShare))
             return false;
         const bool isBetween = std::max(box.width(), box.height()) < leastAround
             || pixels * 2 <= neighbours * thickestFrame;

@@ -12,7 +12,7 @@ namespace tovek {
 
 namespace {
 
-using Patches = std::vector<InkPatch>;
+using PatchList = std::vector<InkPatch>;
 
 /// Letters taller than this are not read; larger patches are pictures.
 constexpr int tallestLetter = 110;
@@ -34,7 +34,7 @@ bool canBeText(const InkPatch &patch)
 }
 
 /// The height that half of the ink's width does not exceed: dots and dashes hardly count.
-int typicalHeight(const Patches &patches)
+int typicalHeight(const PatchList &patches)
 {
     std::map<int, int> widths;
     int total = 0;
@@ -51,7 +51,7 @@ int typicalHeight(const Patches &patches)
     return 1;
 }
 
-QRect boundsOf(const Patches &patches)
+QRect boundsOf(const PatchList &patches)
 {
     QRect box;
     for (const InkPatch &patch : patches)
@@ -61,14 +61,14 @@ QRect boundsOf(const Patches &patches)
 
 /// How tall a band counts beside another one. One that holds several lines (a side bar beside tall
 /// icons) is told by its letters: a whole line above it is not their dots.
-int heightOf(const Patches &band)
+int heightOf(const PatchList &band)
 {
     return std::min(boundsOf(band).height(), 2 * typicalHeight(band));
 }
 
 /// Dots and accents are cut from their letters where a line has nothing as tall: they go back to
 /// the band close below (or above) that is much taller.
-std::vector<Patches> joinedDots(std::vector<Patches> bands)
+std::vector<PatchList> joinedDots(std::vector<PatchList> bands)
 {
     for (std::size_t i = 0; i + 1 < bands.size();) {
         const QRect upper = boundsOf(bands[i]);
@@ -87,11 +87,11 @@ std::vector<Patches> joinedDots(std::vector<Patches> bands)
     return bands;
 }
 
-std::vector<Patches> bandsOf(Patches patches)
+std::vector<PatchList> bandsOf(PatchList patches)
 {
     std::sort(patches.begin(), patches.end(),
               [](const auto &a, const auto &b) { return a.box.top() < b.box.top(); });
-    std::vector<Patches> bands;
+    std::vector<PatchList> bands;
     int bottom = -1;
     for (const InkPatch &patch : patches) {
         if (bands.empty() || patch.box.top() > bottom + 1)
@@ -102,11 +102,11 @@ std::vector<Patches> bandsOf(Patches patches)
     return joinedDots(std::move(bands));
 }
 
-std::vector<Patches> columnsOf(Patches patches, int gap)
+std::vector<PatchList> columnsOf(PatchList patches, int gap)
 {
     std::sort(patches.begin(), patches.end(),
               [](const auto &a, const auto &b) { return a.box.left() < b.box.left(); });
-    std::vector<Patches> columns;
+    std::vector<PatchList> columns;
     int right = 0;
     for (const InkPatch &patch : patches) {
         if (columns.empty() || patch.box.left() - right - 1 > gap)
@@ -119,7 +119,7 @@ std::vector<Patches> columnsOf(Patches patches, int gap)
 
 /// Lines that stand so close that no empty row lies between them: every patch goes to the line
 /// whose middle is nearest. Lines are found as the peaks of the ink's height profile.
-std::vector<Patches> touchingLines(const Patches &patches, int letterHeight)
+std::vector<PatchList> touchingLines(const PatchList &patches, int letterHeight)
 {
     const QRect box = boundsOf(patches);
     std::vector<int> profile(std::size_t(box.height()), 0);
@@ -144,7 +144,7 @@ std::vector<Patches> touchingLines(const Patches &patches, int letterHeight)
     }
     if (middles.size() < 2)
         return {patches};
-    std::vector<Patches> lines(middles.size());
+    std::vector<PatchList> lines(middles.size());
     for (const InkPatch &patch : patches) {
         const auto distance = [&](int middle) { return std::abs(patch.box.center().y() - middle); };
         const auto nearest = std::min_element(middles.begin(), middles.end(), [&](int a, int b) {
@@ -152,38 +152,38 @@ std::vector<Patches> touchingLines(const Patches &patches, int letterHeight)
         });
         lines[nearest - middles.begin()].push_back(patch);
     }
-    std::erase_if(lines, [](const Patches &line) { return line.empty(); });
+    std::erase_if(lines, [](const PatchList &line) { return line.empty(); });
     return lines;
 }
 
 /// Icons and the sides of frames that hold lines of text together: apart from what they stand
 /// beside, when that is text. Brackets and bars are less than this much taller than letters.
-std::vector<Patches> withoutTallPatches(const Patches &patches, int letterHeight)
+std::vector<PatchList> withoutTallPatches(const PatchList &patches, int letterHeight)
 {
-    std::vector<Patches> parts(2);
+    std::vector<PatchList> parts(2);
     for (const InkPatch &patch : patches)
         parts[patch.box.height() > letterHeight * 2.2 ? 1 : 0].push_back(patch);
-    std::erase_if(parts, [](const Patches &part) { return part.empty(); });
+    std::erase_if(parts, [](const PatchList &part) { return part.empty(); });
     return parts;
 }
 
-void cut(Patches patches, std::vector<TextRun> &runs)
+void cut(PatchList patches, std::vector<TextRun> &runs)
 {
-    const auto recurse = [&runs](std::vector<Patches> parts) {
-        for (Patches &part : parts)
+    const auto recurse = [&runs](std::vector<PatchList> parts) {
+        for (PatchList &part : parts)
             cut(std::move(part), runs);
     };
-    std::vector<Patches> bands = bandsOf(patches);
+    std::vector<PatchList> bands = bandsOf(patches);
     if (bands.size() > 1)
         return recurse(std::move(bands));
     const int letterHeight = typicalHeight(patches);
-    std::vector<Patches> columns = columnsOf(patches, int(std::ceil(letterHeight * columnGap)));
+    std::vector<PatchList> columns = columnsOf(patches, int(std::ceil(letterHeight * columnGap)));
     if (columns.size() > 1)
         return recurse(std::move(columns));
-    if (std::vector<Patches> parts = withoutTallPatches(patches, letterHeight); parts.size() > 1)
+    if (std::vector<PatchList> parts = withoutTallPatches(patches, letterHeight); parts.size() > 1)
         return recurse(std::move(parts));
     if (boundsOf(patches).height() > letterHeight * 2.1) {
-        std::vector<Patches> lines = touchingLines(patches, letterHeight);
+        std::vector<PatchList> lines = touchingLines(patches, letterHeight);
         if (lines.size() > 1)
             return recurse(std::move(lines));
     }
@@ -252,9 +252,22 @@ const LetterMetrics *lineBeside(std::size_t at, const std::vector<TextRun> &runs
 
 } // namespace
 
+TextRun partOf(const TextRun &run, const QRect &box)
+{
+    TextRun part;
+    for (const InkPatch &patch : run.patches) {
+        const int center = patch.box.center().x();
+        if (center < box.left() || center > box.right())
+            continue;
+        part.patches.push_back(patch);
+        part.box |= patch.box;
+    }
+    return part;
+}
+
 std::vector<TextRun> textRuns(const std::vector<InkPatch> &patches)
 {
-    Patches text;
+    PatchList text;
     std::copy_if(patches.begin(), patches.end(), std::back_inserter(text), canBeText);
     std::vector<TextRun> runs;
     if (!text.empty())

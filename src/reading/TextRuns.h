@@ -14,6 +14,14 @@ struct TextRun
     std::vector<InkPatch> patches; ///< from left to right
 };
 
+/// Of the run, what has its middle between the box's sides: what lies between two columns.
+TextRun partOf(const TextRun &run, const QRect &box);
+
+inline double centerX(const QRect &box)
+{
+    return box.left() + box.width() / 2.0;
+}
+
 /// The runs in a picture as they are read: bands from the top, in each its columns from the left.
 /// Patches that no letter can be (frames, large pictures) are left out.
 std::vector<TextRun> textRuns(const std::vector<InkPatch> &patches);
@@ -28,6 +36,9 @@ struct LetterMetrics
 
     bool operator==(const LetterMetrics &) const = default;
 };
+
+/// How much the cap heights of two lines in the same font may differ, of either.
+inline constexpr double sameFont = 0.12;
 
 /// Measured from the patches' edges. A run with letters of one height only is taken for capitals.
 LetterMetrics letterMetrics(const TextRun &run);

@@ -17,7 +17,7 @@ constexpr int lowestText = 5;
 constexpr int thinnestText = 3; ///< in the line's own height
 constexpr int highestText = 60;
 /// Rows without ink between a line and its text.
-constexpr int widestGap = 4;
+constexpr int widestLineGap = 4;
 /// Of the line's length: what belongs to the line itself, what may hang into the row below it and
 /// stand on it (the feet of letters that touch stand for strokes), and above how much of it there
 /// must be text.
@@ -115,7 +115,7 @@ private:
     int textFoot(int from, int to, int top) const
     {
         int y = top - 1;
-        while (y > 0 && top - y <= widestGap && share(from, to, y) == 0)
+        while (y > 0 && top - y <= widestLineGap && share(from, to, y) == 0)
             --y;
         return y;
     }

@@ -3,6 +3,8 @@
 
 #include "reading/WordBreaks.h"
 
+#include "reading/TextRuns.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -29,11 +31,6 @@ constexpr double blankWithEngine = 0.07;
 constexpr double blankByItself = 0.18;
 constexpr double besideMarks = 0.15;
 constexpr double blankInProportional = 0.28;
-
-double centerX(const QRect &box)
-{
-    return box.left() + box.width() / 2.0;
-}
 
 /// What a gap lacks, in cap heights, because a letter's ink hangs over its edge, or has too much
 /// because the character stands in a wide cell of its own, as the 1 among digits.

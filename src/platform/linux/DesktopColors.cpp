@@ -16,7 +16,7 @@ namespace tovek {
 
 namespace {
 
-constexpr int patienceMs = 333;
+constexpr int colorsPatienceMs = 333;
 constexpr uint darkScheme = 1;
 
 /// Absent when no portal runs, or it knows nothing of colours. None is started for the question.
@@ -28,7 +28,7 @@ std::optional<uint> schemeOfPortal(const QDBusConnection &bus)
         QStringLiteral("org.freedesktop.portal.Settings"), QStringLiteral("Read"));
     ask.setAutoStartService(false);
     ask << QStringLiteral("org.freedesktop.appearance") << QStringLiteral("color-scheme");
-    const QDBusMessage answer = bus.call(ask, QDBus::Block, patienceMs);
+    const QDBusMessage answer = bus.call(ask, QDBus::Block, colorsPatienceMs);
     if (answer.type() != QDBusMessage::ReplyMessage || answer.arguments().isEmpty())
         return std::nullopt;
     // A variant in a variant, from the first days of that portal on.
@@ -47,9 +47,9 @@ bool isDarkInGSettings()
     tool.start(QStringLiteral("gsettings"),
                {QStringLiteral("get"), QStringLiteral("org.gnome.desktop.interface"),
                 QStringLiteral("color-scheme")});
-    if (!tool.waitForFinished(patienceMs)) {
+    if (!tool.waitForFinished(colorsPatienceMs)) {
         tool.kill();
-        tool.waitForFinished(patienceMs);
+        tool.waitForFinished(colorsPatienceMs);
         return false;
     }
     return tool.readAllStandardOutput().contains("prefer-dark");

@@ -20,7 +20,7 @@ namespace tovek {
 
 namespace {
 
-constexpr int patienceMs = 500;
+constexpr int holderPatienceMs = 500;
 const QString gnomeSchemas = QStringLiteral(
     "^org\\.gnome\\.(desktop\\.wm\\.keybindings|mutter\\.keybindings|mutter\\.wayland\\."
     "keybindings|"
@@ -46,7 +46,7 @@ enum class Change { add, remove };
 bool changeList(const QString &setting, const QString &accelerator, Change change)
 {
     const QStringList place = setting.split(QLatin1Char(' '));
-    const auto now = askGSettings(QStringList{QStringLiteral("get")} + place, patienceMs);
+    const auto now = askGSettings(QStringList{QStringLiteral("get")} + place, holderPatienceMs);
     if (place.size() != 2 || !now)
         return false;
     static const QRegularExpression quoted(QStringLiteral("'[^']*'"));
@@ -61,7 +61,8 @@ bool changeList(const QString &setting, const QString &accelerator, Change chang
     const QString list = values.isEmpty()
         ? QStringLiteral("@as []")
         : QLatin1Char('[') + values.join(QStringLiteral(", ")) + QLatin1Char(']');
-    return askGSettings(QStringList{QStringLiteral("set")} + place + QStringList{list}, patienceMs)
+    return askGSettings(QStringList{QStringLiteral("set")} + place + QStringList{list},
+                        holderPatienceMs)
         .has_value();
 }
 
@@ -195,19 +196,19 @@ void DesktopShortcuts::readXfconf()
         QStringLiteral("org.xfce.Xfconf"), QStringLiteral("/org/xfce/Xfconf"),
         QStringLiteral("org.xfce.Xfconf"), QStringLiteral("GetAllProperties"));
     ask << QStringLiteral("xfce4-keyboard-shortcuts") << QStringLiteral("/");
-    m_xfconf =
-        std::make_unique<QDBusPendingCallWatcher>(SessionBus::current().asyncCall(ask, patienceMs));
+    m_xfconf = std::make_unique<QDBusPendingCallWatcher>(
+        SessionBus::current().asyncCall(ask, holderPatienceMs));
 }
 
 void DesktopShortcuts::waitForTables()
 {
     if (m_gsettings) {
         if (m_gsettings->state() == QProcess::NotRunning
-            || m_gsettings->waitForFinished(patienceMs))
+            || m_gsettings->waitForFinished(holderPatienceMs))
             m_entries += fromGSettings(QString::fromUtf8(m_gsettings->readAllStandardOutput()));
         else
             m_gsettings->kill();
-        m_gsettings->waitForFinished(patienceMs);
+        m_gsettings->waitForFinished(holderPatienceMs);
         m_gsettings.reset();
     }
     if (m_xfconf) {
@@ -225,7 +226,7 @@ std::optional<ShortcutUse> DesktopShortcuts::useInKde(KeyCombo combo) const
         QDBusMessage ask = KGlobalAccel::call(QStringLiteral("action"));
         ask << key;
         const QDBusReply<QStringList> owner =
-            SessionBus::current().call(ask, QDBus::Block, patienceMs);
+            SessionBus::current().call(ask, QDBus::Block, holderPatienceMs);
         // Component and action by their identifiers, then both by their names.
         const QStringList names = owner.isValid() ? owner.value() : QStringList();
         if (!names.isEmpty() && names.first() != KGlobalAccel::ownComponent)

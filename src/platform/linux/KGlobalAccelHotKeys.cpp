@@ -19,9 +19,7 @@ using KGlobalAccel::Sequence;
 
 namespace {
 
-constexpr int patienceMs = 1000;
-constexpr int noSuchKey = 1;
-constexpr int heldElsewhere = 10; // as an X server says it
+constexpr int kdePatienceMs = 1000;
 
 /// The action's key is in force, and it is this one, not one that was stored before.
 constexpr uint setPresent = 2;
@@ -88,7 +86,7 @@ void KGlobalAccelHotKeys::release(quint32 id)
     m_repeats.release(id);
     QDBusMessage forget = KGlobalAccel::call(QStringLiteral("unregister"));
     forget << KGlobalAccel::ownComponent << actionId(id).at(1);
-    m_bus.call(forget, QDBus::Block, patienceMs);
+    m_bus.call(forget, QDBus::Block, kdePatienceMs);
 }
 
 bool KGlobalAccelHotKeys::isTaken(KeyCombo combo)
@@ -99,7 +97,7 @@ bool KGlobalAccelHotKeys::isTaken(KeyCombo combo)
     return std::any_of(keys.begin(), keys.end(), [this](int key) {
         QDBusMessage ask = KGlobalAccel::call(QStringLiteral("globalShortcutAvailable"));
         ask << QVariant::fromValue(KGlobalAccel::sequence(key)) << KGlobalAccel::ownComponent;
-        const QDBusReply<bool> isAvailable = m_bus.call(ask, QDBus::Block, patienceMs);
+        const QDBusReply<bool> isAvailable = m_bus.call(ask, QDBus::Block, kdePatienceMs);
         return isAvailable.isValid() && !isAvailable.value();
     });
 }
@@ -172,7 +170,7 @@ bool KGlobalAccelHotKeys::registerKeys(quint32 id, const QList<int> &keys)
         wanted.append(KGlobalAccel::sequence(key));
     QDBusMessage set = KGlobalAccel::call(QStringLiteral("setShortcutKeys"));
     set << action << QVariant::fromValue(wanted) << (setPresent | noAutoloading);
-    const QDBusReply<QList<Sequence>> given = m_bus.call(set, QDBus::Block, patienceMs);
+    const QDBusReply<QList<Sequence>> given = m_bus.call(set, QDBus::Block, kdePatienceMs);
     // What another program has comes back as a sequence of no keys.
     const QList<Sequence> sequences = given.value();
     const bool isGiven =

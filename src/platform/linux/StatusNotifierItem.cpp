@@ -23,7 +23,7 @@ const QString watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
 const QString itemPath = QStringLiteral("/StatusNotifierItem");
 const QString itemInterface = QStringLiteral("org.kde.StatusNotifierItem");
-const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
+const QString itemProperties = QStringLiteral("org.freedesktop.DBus.Properties");
 
 constexpr int iconSizes[]{16, 22, 24, 32, 44, 48};
 
@@ -64,7 +64,7 @@ public:
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override
     {
         const QVariantList arguments = message.arguments();
-        if (message.interface() == propertiesInterface)
+        if (message.interface() == itemProperties)
             return handleProperties(message, bus);
         if (message.interface() != itemInterface && !message.interface().isEmpty())
             return false;

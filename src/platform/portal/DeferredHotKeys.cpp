@@ -16,7 +16,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int noSuchKey = 1;
 /// As long as a menu may be open.
 constexpr auto releaseDelay = 3s;
 

@@ -14,7 +14,7 @@ namespace tovek {
 
 namespace {
 
-constexpr int patienceMs = 2000;
+constexpr int settingsPatienceMs = 2000;
 const QString mediaKeys = QStringLiteral("org.gnome.settings-daemon.plugins.media-keys");
 const QString listKey = QStringLiteral("custom-keybindings");
 const QString folder =
@@ -23,7 +23,7 @@ const QString ownPrefix = folder + QStringLiteral("tovek-");
 
 std::optional<QString> gsettings(const QStringList &arguments)
 {
-    return askGSettings(arguments, patienceMs);
+    return askGSettings(arguments, settingsPatienceMs);
 }
 
 QString schemaOf(const QString &path)

@@ -19,13 +19,13 @@ namespace tovek {
 
 namespace {
 
-constexpr int patienceMs = 2000;
+constexpr int bindingPatienceMs = 2000;
 
 /// Of the desktop itself, and of other programs.
 QStringList usedAccelerators()
 {
     QStringList used = GnomeBindings::accelerators();
-    const auto printed = askGSettings({QStringLiteral("list-recursively")}, patienceMs);
+    const auto printed = askGSettings({QStringLiteral("list-recursively")}, bindingPatienceMs);
     const auto entries = DesktopShortcuts::fromGSettings(printed.value_or(QString()));
     for (const DesktopShortcuts::Entry &entry : entries)
         used << entry.accelerator;

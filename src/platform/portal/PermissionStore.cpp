@@ -11,7 +11,7 @@ namespace tovek {
 
 namespace {
 
-constexpr int patienceMs = 500;
+constexpr int storePatienceMs = 500;
 const QString table = QStringLiteral("screenshot");
 const QString notFound = QStringLiteral("org.freedesktop.portal.Error.NotFound");
 
@@ -28,7 +28,7 @@ StoredAnswer storedScreenshotAnswer(QDBusConnection bus, const QString &appId)
 {
     QDBusMessage look = callOfStore(QStringLiteral("Lookup"));
     look << table << table;
-    const QDBusMessage reply = bus.call(look, QDBus::Block, patienceMs);
+    const QDBusMessage reply = bus.call(look, QDBus::Block, storePatienceMs);
     if (reply.type() == QDBusMessage::ErrorMessage)
         return reply.errorName() == notFound ? StoredAnswer::none : StoredAnswer::unknown;
     QMap<QString, QStringList> answers;
@@ -46,7 +46,7 @@ QString forgetScreenshotAnswer(QDBusConnection bus, const QString &appId)
 {
     QDBusMessage forget = callOfStore(QStringLiteral("DeletePermission"));
     forget << table << table << appId;
-    const QDBusMessage reply = bus.call(forget, QDBus::Block, patienceMs);
+    const QDBusMessage reply = bus.call(forget, QDBus::Block, storePatienceMs);
     return reply.type() == QDBusMessage::ErrorMessage ? reply.errorMessage() : QString();
 }
 

@@ -22,8 +22,8 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto sessionLimit = 5s;
-constexpr auto thinkingTime = 10min;
-constexpr int patienceMs = 1000;
+constexpr auto shortcutThinkingTime = 10min;
+constexpr int shortcutPatienceMs = 1000;
 const QString shortcutsInterface = QStringLiteral("GlobalShortcuts");
 
 struct PortalShortcut
@@ -92,8 +92,9 @@ std::unique_ptr<PortalHotKeys> PortalHotKeys::create(std::shared_ptr<PortalBus> 
 {
     if (!bus->isOffered())
         return nullptr;
-    const QDBusReply<QDBusVariant> version = bus->connection().call(
-        Portal::get(shortcutsInterface, QStringLiteral("version")), QDBus::Block, patienceMs);
+    const QDBusReply<QDBusVariant> version =
+        bus->connection().call(Portal::get(shortcutsInterface, QStringLiteral("version")),
+                               QDBus::Block, shortcutPatienceMs);
     if (!version.isValid() || version.value().variant().toUInt() < 1)
         return nullptr;
     return std::unique_ptr<PortalHotKeys>(new PortalHotKeys(std::move(bus), layout));
@@ -184,7 +185,7 @@ void PortalHotKeys::bind()
     QDBusMessage call = Portal::call(shortcutsInterface, QStringLiteral("BindShortcuts"));
     call << QVariant::fromValue(QDBusObjectPath(m_session)) << QVariant::fromValue(shortcuts)
          << QString();
-    PortalRequest::send(*m_bus, call, {}, thinkingTime, this,
+    PortalRequest::send(*m_bus, call, {}, shortcutThinkingTime, this,
                         [this](const PortalAnswer &answer) { bound(answer); });
 }
 

@@ -27,7 +27,7 @@ constexpr auto pictureLimit = 8s;
 /// A person may be asked first.
 constexpr auto questionLimit = 60s;
 
-struct Snapshot
+struct PortalSnapshot
 {
     std::map<quint32, std::shared_ptr<FrozenDisplay>> displays;
 };
@@ -129,7 +129,7 @@ void PortalScreenGrabber::take(const QString &uri)
             : Cut{{}, QStringLiteral("there is not enough memory")};
         if (cut.images.empty())
             return fail(cut.error);
-        const auto snapshot = std::make_shared<Snapshot>();
+        const auto snapshot = std::make_shared<PortalSnapshot>();
         ShareableContent content;
         for (size_t i = 0; i < displays.size(); ++i) {
             content.displays.push_back({displays[i].id, displays[i].native});
@@ -160,7 +160,7 @@ QFuture<ScreenGrabber::Result> PortalScreenGrabber::capture(const ShareableConte
                                                             const CaptureDisplay &display,
                                                             const std::vector<quint32> &excluded)
 {
-    const auto *snapshot = static_cast<Snapshot *>(content.snapshot.get());
+    const auto *snapshot = static_cast<PortalSnapshot *>(content.snapshot.get());
     if (!excluded.empty())
         return readyFuture(Result{nullptr, QStringLiteral("windows cannot be left out")});
     if (!snapshot || !snapshot->displays.contains(display.displayId))

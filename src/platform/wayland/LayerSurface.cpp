@@ -19,17 +19,9 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr uint32_t knownVersion = 4;
-constexpr auto answerLimit = 2s;
+constexpr auto surfaceAnswerLimit = 2s;
 
 } // namespace
-
-QScreen *toolkitScreen(const QString &name)
-{
-    const QList<QScreen *> screens = QGuiApplication::screens();
-    const auto same = std::find_if(screens.begin(), screens.end(),
-                                   [&](const QScreen *s) { return s->name() == name; });
-    return same == screens.end() ? nullptr : *same;
-}
 
 wl_surface *surfaceOf(QWindow &window)
 {
@@ -98,7 +90,8 @@ std::unique_ptr<LayerSurface> LayerSurface::create(std::shared_ptr<LayerShell> s
                                      place.left);
     zwlr_layer_surface_v1_set_keyboard_interactivity(layer->m_handle, 0);
     wl_surface_commit(surface);
-    connection.waitFor([&] { return layer->m_isConfigured || layer->m_isClosed; }, answerLimit);
+    connection.waitFor([&] { return layer->m_isConfigured || layer->m_isClosed; },
+                       surfaceAnswerLimit);
     if (!layer->m_isConfigured) {
         logLine(QStringLiteral("The compositor shows no window above the others%1")
                     .arg(layer->m_isClosed ? QString() : QStringLiteral(": it does not answer")));

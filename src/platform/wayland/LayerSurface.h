@@ -84,8 +84,6 @@ private:
     bool m_isClosed = false;
 };
 
-/// The toolkit's screen of this name; null when it knows none.
-QScreen *toolkitScreen(const QString &name);
 /// The surface of a window of the toolkit; null before it is created.
 wl_surface *surfaceOf(QWindow &window);
 

@@ -15,11 +15,9 @@ namespace tovek {
 
 namespace {
 
-constexpr int fractions = 120; // in which compositors count scales
-
 bool agrees(int native, int logical, int numerator)
 {
-    return std::abs(double(native) * fractions / numerator - logical) < 1;
+    return std::abs(double(native) * scaleFractions / numerator - logical) < 1;
 }
 
 bool isTurnedAside(int32_t transform)
@@ -33,16 +31,16 @@ double outputScale(QSize native, QSize logical)
 {
     if (native.isEmpty() || logical.isEmpty())
         return 1;
-    const double ratio =
-        double(native.width() + native.height()) / (logical.width() + logical.height()) * fractions;
+    const double ratio = double(native.width() + native.height())
+        / (logical.width() + logical.height()) * scaleFractions;
     // Whole scales first, then halves, quarters and so on: what people set.
     for (const int step : {120, 60, 30, 24, 20, 15, 12, 10, 6, 5, 4, 3, 2, 1}) {
         const int numerator = int(std::round(ratio / step)) * step;
         if (numerator > 0 && agrees(native.width(), logical.width(), numerator)
             && agrees(native.height(), logical.height(), numerator))
-            return double(numerator) / fractions;
+            return double(numerator) / scaleFractions;
     }
-    return ratio / fractions;
+    return ratio / scaleFractions;
 }
 
 struct WaylandOutputs::Entry

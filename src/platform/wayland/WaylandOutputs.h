@@ -14,6 +14,9 @@ struct zxdg_output_v1;
 
 namespace tovek {
 
+/// In which compositors count scales.
+inline constexpr int scaleFractions = 120;
+
 /// An output of the compositor as the user sees it: `native` is the way it is turned.
 struct WaylandOutput
 {

@@ -17,4 +17,9 @@ inline xcb_connection_t *x11Connect(const char *displayName = nullptr, int *scre
     return xcb_connect(displayName, screen);
 }
 
+struct X11Disconnect
+{
+    void operator()(xcb_connection_t *connection) const { xcb_disconnect(connection); }
+};
+
 } // namespace tovek

@@ -14,11 +14,6 @@ namespace {
 
 constexpr uint32_t mostWords = 16 * 1024;
 
-struct Disconnect
-{
-    void operator()(xcb_connection_t *connection) const { xcb_disconnect(connection); }
-};
-
 } // namespace
 
 std::optional<double> dotsPerInchIn(const QByteArray &resources)
@@ -37,7 +32,7 @@ std::optional<double> dotsPerInchIn(const QByteArray &resources)
 
 std::optional<double> x11DotsPerInch()
 {
-    const std::unique_ptr<xcb_connection_t, Disconnect> connection(x11Connect());
+    const std::unique_ptr<xcb_connection_t, X11Disconnect> connection(x11Connect());
     if (xcb_connection_has_error(connection.get()))
         return std::nullopt;
     const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection.get())).data->root;

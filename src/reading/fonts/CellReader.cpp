@@ -22,7 +22,7 @@ constexpr double certainlyOther = 0.05;
 /// A row is still read when this part of its height is cut off.
 constexpr int mostOutside = 4;
 
-using Kind = ReadCell::Kind;
+using CellKind = ReadCell::Kind;
 
 int contrastBetween(QRgb a, QRgb b)
 {
@@ -34,10 +34,10 @@ int contrastBetween(QRgb a, QRgb b)
 ReadCell named(const GlyphTable::Match &match)
 {
     if (match.distance > sameCharacter)
-        return {Kind::foreign, match.character, match.distance};
+        return {CellKind::foreign, match.character, match.distance};
     if (GlyphTable::isDrawn(match.character))
-        return {Kind::drawn, 0, 0};
-    return {Kind::letter, match.character, match.distance};
+        return {CellKind::drawn, 0, 0};
+    return {CellKind::letter, match.character, match.distance};
 }
 
 /// Rows from the baseline on that are all ink, from side to side: an underline.
@@ -208,14 +208,14 @@ ReadCell CellReader::compared(std::vector<std::uint8_t> cell, std::uint64_t outs
         return named(match);
     const CellShape &shape = m_table.shape();
     if (isFrame(cell, shape))
-        return {Kind::drawn, 0, 0};
+        return {CellKind::drawn, 0, 0};
     if (const std::uint64_t hidden = underline(cell, shape)) {
         for (int y = 0; y < shape.height() && y < 64; ++y) {
             if (hidden >> y & 1)
                 std::fill_n(cell.begin() + std::ptrdiff_t(y) * shape.width, shape.width, 0);
         }
         if (*std::max_element(cell.begin(), cell.end()) < 64)
-            return {Kind::drawn, 0, 0};
+            return {CellKind::drawn, 0, 0};
         const GlyphTable::Match above = m_table.nearest(cell, hidden | outside);
         if (above.distance < match.distance)
             match = above;

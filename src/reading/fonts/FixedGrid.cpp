@@ -28,7 +28,7 @@ constexpr double mostInkAtBorders = 0.3;
 /// Baselines that tell the step between lines.
 constexpr int leastLines = 3;
 /// Letters in all that are worth a grid.
-constexpr int leastLetters = 24;
+constexpr int leastGridLetters = 24;
 
 /// Ink by columns of a run's box.
 std::vector<int> columnsOf(const InkMap &ink, const TextRun &run)
@@ -96,7 +96,7 @@ std::optional<Candidate> bestOf(const std::map<int, Support> &widths)
     for (const auto &[cellWidth, support] : widths) {
         for (const auto &[border, count] : support.letters) {
             const int letters = nearLetters(support, border, cellWidth);
-            if (letters >= leastLetters && (!best || letters > best->letters * 1.1))
+            if (letters >= leastGridLetters && (!best || letters > best->letters * 1.1))
                 best = {cellWidth, border, letters};
         }
     }

@@ -27,7 +27,7 @@ constexpr int roughSizes = 4;
 /// The right font has nearly always been among the first two or three.
 constexpr std::size_t mostFonts = 6;
 /// Common letters that must be there before a font is looked at closely.
-constexpr int leastLetters = 4;
+constexpr int leastSampleLetters = 4;
 /// After so many common letters, so many must have been there, or the font is given up.
 constexpr std::array<std::pair<int, int>, 3> giveUp{{{3, 1}, {5, 2}, {8, 3}}};
 
@@ -192,7 +192,7 @@ double FontSearch::scoreOf(FontGuess &guess, double tolerance)
     }
     double best = 0;
     for (const auto &[place, agreement] : places) {
-        if (agreement.letters >= leastLetters && agreement.score > best) {
+        if (agreement.letters >= leastSampleLetters && agreement.score > best) {
             best = agreement.score;
             guess.fit = {place.first, place.second, double(agreement.letters) / tried};
             guess.distance = tolerance - agreement.score / agreement.letters;

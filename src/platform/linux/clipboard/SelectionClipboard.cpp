@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::chrono::seconds encodingLimit(10);
 constexpr std::chrono::seconds readersLimit(2);
-constexpr std::chrono::milliseconds pollInterval(1);
+constexpr std::chrono::milliseconds readerPollInterval(1);
 
 SelectionBytes shared(const QByteArray &bytes)
 {
@@ -151,7 +151,7 @@ void SelectionClipboard::waitUntil(const std::function<bool()> &condition,
         if (condition() || !isConnected())
             loop.quit();
     });
-    poll.start(pollInterval);
+    poll.start(readerPollInterval);
     QTimer::singleShot(limit, &loop, &QEventLoop::quit);
     loop.exec(QEventLoop::ExcludeUserInputEvents);
 }

@@ -36,7 +36,7 @@ const QHash<QString, QString> &namesByCode()
 }
 // clang-format on
 
-const QString english = QStringLiteral("eng");
+const QString englishModel = QStringLiteral("eng");
 
 } // namespace
 
@@ -60,8 +60,8 @@ QStringList modelsFor(const QStringList &languages, const QStringList &installed
         if (!name.isEmpty() && installed.contains(name) && !models.contains(name))
             models += name;
     }
-    if (installed.contains(english) && !models.contains(english))
-        models += english;
+    if (installed.contains(englishModel) && !models.contains(englishModel))
+        models += englishModel;
     return models;
 }
 

@@ -22,12 +22,12 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto answerLimit = 3s;
+constexpr auto captureAnswerLimit = 3s;
 constexpr auto spareLimit = 5s;
 constexpr auto comparisonDelay = 3s; // the program has started, or the capture is over
 constexpr int largestCursor = 256; // what changes more than that is something else
 
-struct Snapshot
+struct WaylandSnapshot
 {
     std::map<quint32, ScreenGrabber::Result> results;
 };
@@ -181,7 +181,7 @@ std::optional<ShareableContent> WaylandScreenGrabber::shareableContent()
     }
     m_spare.clear();
 
-    const auto snapshot = std::make_shared<Snapshot>();
+    const auto snapshot = std::make_shared<WaylandSnapshot>();
     const std::vector<QRect> rects = nativeRects(outputs);
     ShareableContent content;
     content.snapshot = snapshot;
@@ -210,7 +210,7 @@ std::vector<std::unique_ptr<OutputCapture>> WaylandScreenGrabber::takeAll(Cursor
     std::vector<std::unique_ptr<OutputCapture>> captures;
     for (const WaylandOutput &output : m_outputs->list())
         captures.push_back(begin(output, cursor));
-    wait(captures, answerLimit);
+    wait(captures, captureAnswerLimit);
     return captures;
 }
 
@@ -276,7 +276,7 @@ QFuture<ScreenGrabber::Result> WaylandScreenGrabber::capture(const ShareableCont
                                                              const CaptureDisplay &display,
                                                              const std::vector<quint32> &)
 {
-    if (const auto snapshot = std::static_pointer_cast<Snapshot>(content.snapshot)) {
+    if (const auto snapshot = std::static_pointer_cast<WaylandSnapshot>(content.snapshot)) {
         const auto found = snapshot->results.find(display.displayId);
         if (found != snapshot->results.end())
             return readyFuture(found->second);

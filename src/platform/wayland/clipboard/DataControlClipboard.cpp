@@ -16,7 +16,7 @@ namespace {
 using namespace std::chrono_literals;
 
 /// A reader that takes nothing for so long has hung or forgotten.
-constexpr auto patience = 60s;
+constexpr auto pipePatience = 60s;
 constexpr auto stalledCheck = 10s;
 
 } // namespace
@@ -49,7 +49,7 @@ DataControlClipboard::DataControlClipboard(std::shared_ptr<WaylandConnection> co
 {
     m_writers.onChanged = [this] { watchWriters(); };
     m_stalledCheck.setInterval(stalledCheck);
-    connect(&m_stalledCheck, &QTimer::timeout, this, [this] { m_writers.drop(patience); });
+    connect(&m_stalledCheck, &QTimer::timeout, this, [this] { m_writers.drop(pipePatience); });
 }
 
 DataControlClipboard::~DataControlClipboard()

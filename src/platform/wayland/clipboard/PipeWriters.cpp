@@ -23,7 +23,7 @@ ssize_t writeQuietly(int descriptor, const uint8_t *data, size_t size)
     sigemptyset(&pipeSignal);
     sigaddset(&pipeSignal, SIGPIPE);
     pthread_sigmask(SIG_BLOCK, &pipeSignal, &before);
-    const ssize_t written = write(descriptor, data, size);
+    const ssize_t written = ::write(descriptor, data, size);
     const int error = errno;
     if (written < 0 && error == EPIPE && !sigismember(&before, SIGPIPE)) {
         const timespec atOnce{};

@@ -16,13 +16,13 @@ namespace tovek {
 
 namespace {
 
-struct ModifierName
+struct SwayModifier
 {
     const char *name;
     quint32 modifier;
 };
 
-constexpr ModifierName modifierNames[] = {
+constexpr SwayModifier swayModifiers[] = {
     {"control", ComboModifier::control}, {"ctrl", ComboModifier::control},
     {"alt", ComboModifier::option},      {"mod1", ComboModifier::option},
     {"shift", ComboModifier::shift},     {"super", ComboModifier::command},
@@ -50,10 +50,10 @@ std::optional<SwayBinding> bindingOf(const QString &combination, bool isCode)
     const QString key = parts.takeLast();
     for (const QString &part : std::as_const(parts)) {
         const auto known = std::find_if(
-            std::begin(modifierNames), std::end(modifierNames), [&](const ModifierName &name) {
+            std::begin(swayModifiers), std::end(swayModifiers), [&](const SwayModifier &name) {
                 return part.compare(QLatin1String(name.name), Qt::CaseInsensitive) == 0;
             });
-        if (known == std::end(modifierNames))
+        if (known == std::end(swayModifiers))
             return std::nullopt;
         binding.modifiers |= known->modifier;
     }

@@ -23,8 +23,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr int noSuchKey = 1;
-constexpr int heldElsewhere = 10; // as an X server says it
 constexpr auto reconnectDelay = 1s;
 constexpr int mostAttempts = 5;
 constexpr int deepestInclude = 8;

@@ -4,6 +4,7 @@
 #include "platform/wayland/overlay/LayerCanvas.h"
 
 #include "foundation/MainThread.h"
+#include "platform/wayland/WaylandOutputs.h"
 #include "viewporter-client.h"
 
 #include <QGuiApplication>
@@ -18,7 +19,6 @@ namespace tovek {
 namespace {
 
 constexpr size_t mostFrames = 3; // one shown, one about to be, one to paint
-constexpr int fractions = 120; // in which compositors count scales
 
 /// Paints what of the item lies inside a rectangle; the painter's clip is that rectangle.
 struct ItemPainter
@@ -48,8 +48,8 @@ struct ItemPainter
 /// The fewest points that cover so many pixels and are a whole number of pixels themselves.
 int wholePoints(int native, double scale)
 {
-    const int numerator = int(std::lround(scale * fractions));
-    const int step = fractions / std::gcd(numerator, fractions);
+    const int numerator = int(std::lround(scale * scaleFractions));
+    const int step = scaleFractions / std::gcd(numerator, scaleFractions);
     const int points = int(std::ceil(native / scale - 1e-6));
     return (points + step - 1) / step * step;
 }

@@ -16,7 +16,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto answerLimit = 1s;
+constexpr auto menuAnswerLimit = 1s;
 constexpr int gap = 5; // points between the surface and its menu
 
 /// Of the press or release that the menu is opened by.
@@ -78,7 +78,7 @@ std::unique_ptr<LayerMenu> LayerMenu::create(std::shared_ptr<MenuGlobals> global
     std::unique_ptr<LayerMenu> opened(new LayerMenu(std::move(globals)));
     opened->open(parent, surface, points);
     opened->m_globals->shell->connection().waitFor(
-        [&] { return opened->m_isConfigured || opened->m_isDismissed; }, answerLimit);
+        [&] { return opened->m_isConfigured || opened->m_isDismissed; }, menuAnswerLimit);
     if (!opened->m_isConfigured || opened->m_isDismissed)
         return nullptr;
     opened->m_globals->shell->connection().adopt(opened->m_surface);

@@ -3,6 +3,7 @@
 
 #include "platform/wayland/overlay/LayerOverlayShell.h"
 
+#include "platform/Screens.h"
 #include "platform/wayland/capture/WaylandFrozenDisplay.h"
 #include "viewporter-client.h"
 

@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto answerLimit = 500ms;
+constexpr auto previewAnswerLimit = 500ms;
 constexpr int margin = 12; // points to the edges, or to the panels
 constexpr uint32_t upperRight = 1 | 8; // of the anchors
 
@@ -43,7 +43,7 @@ public:
         // The role before the surface, which the toolkit takes along when it hides the window.
         m_layer.reset();
         m_window.setVisible(false);
-        m_menus->shell->connection().roundtrip(answerLimit);
+        m_menus->shell->connection().roundtrip(previewAnswerLimit);
     }
     bool placeMenu(QWindow &menu, QSize points) override
     {

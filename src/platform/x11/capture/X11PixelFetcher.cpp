@@ -20,11 +20,7 @@ namespace tovek {
 
 namespace {
 
-struct Disconnect
-{
-    void operator()(xcb_connection_t *connection) const { xcb_disconnect(connection); }
-};
-using Connection = std::unique_ptr<xcb_connection_t, Disconnect>;
+using Connection = std::unique_ptr<xcb_connection_t, X11Disconnect>;
 
 struct Mapping
 {

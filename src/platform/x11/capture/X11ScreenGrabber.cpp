@@ -16,7 +16,7 @@ namespace tovek {
 namespace {
 
 /// All monitors at one instant.
-struct Snapshot
+struct X11Snapshot
 {
     std::map<quint32, std::shared_ptr<X11Pixmap>> pixmaps;
     std::shared_ptr<X11Barrier> barrier;
@@ -100,7 +100,7 @@ std::optional<ShareableContent> X11ScreenGrabber::shareableContent()
         return std::nullopt;
 
     ShareableContent content;
-    const auto snapshot = std::make_shared<Snapshot>();
+    const auto snapshot = std::make_shared<X11Snapshot>();
     for (const X11Monitor &monitor : monitors) {
         content.displays.push_back({monitor.id, monitor.native});
         snapshot->pixmaps[monitor.id] = m_pool.take(monitor.native.size());
@@ -130,7 +130,7 @@ X11ScreenGrabber::capture(const ShareableContent &content, const CaptureDisplay 
 ScreenGrabber::Result X11ScreenGrabber::frozenResult(const ShareableContent &content,
                                                      const CaptureDisplay &display)
 {
-    const auto *snapshot = static_cast<Snapshot *>(content.snapshot.get());
+    const auto *snapshot = static_cast<X11Snapshot *>(content.snapshot.get());
     if (!snapshot || !snapshot->pixmaps.contains(display.displayId))
         return {nullptr, QStringLiteral("the display is not part of the content")};
     const std::shared_ptr<X11Pixmap> &pixmap = snapshot->pixmaps.at(display.displayId);

@@ -11,8 +11,6 @@ namespace tovek {
 
 namespace {
 
-constexpr uint8_t eventTypeMask = 0x7f; // the top bit marks events sent by clients
-
 /// Null without a display.
 xcb_connection_t *connectTo(const std::string &displayName, int &screen)
 {
@@ -188,7 +186,7 @@ xcb_timestamp_t SelectionServer::currentTime()
     xcb_flush(m_connection);
     while (auto *const event = xcb_wait_for_event(m_connection)) {
         m_backlog.emplace_back(event);
-        if ((event->response_type & eventTypeMask) != XCB_PROPERTY_NOTIFY)
+        if ((event->response_type & x11EventType) != XCB_PROPERTY_NOTIFY)
             continue;
         const auto &notify = *reinterpret_cast<xcb_property_notify_event_t *>(event);
         if (notify.window == m_window && notify.atom == property) {
@@ -210,7 +208,7 @@ xcb_window_t SelectionServer::currentOwner()
 
 void SelectionServer::handle(const xcb_generic_event_t *event)
 {
-    switch (event->response_type & eventTypeMask) {
+    switch (event->response_type & x11EventType) {
     case XCB_SELECTION_REQUEST:
         selectionRequested(*reinterpret_cast<const xcb_selection_request_event_t *>(event));
         break;

@@ -11,8 +11,8 @@ namespace tovek {
 namespace {
 
 /// A reader that takes nothing for so long has hung or forgotten.
-constexpr std::chrono::seconds patience(60);
-constexpr size_t requestHeaderBytes = 64;
+constexpr std::chrono::seconds readerPatience(60);
+constexpr size_t transferHeaderBytes = 64;
 constexpr size_t incrementBytes = 1024 * 1024;
 
 } // namespace
@@ -20,7 +20,7 @@ constexpr size_t incrementBytes = 1024 * 1024;
 SelectionTransfers::SelectionTransfers(xcb_connection_t *connection, xcb_atom_t increment)
     : m_connection(connection)
     , m_increment(increment)
-    , m_largestPiece(4 * size_t(xcb_get_maximum_request_length(connection)) - requestHeaderBytes)
+    , m_largestPiece(4 * size_t(xcb_get_maximum_request_length(connection)) - transferHeaderBytes)
 {
 }
 
@@ -63,7 +63,7 @@ void SelectionTransfers::endOf(xcb_window_t requestor)
 void SelectionTransfers::endForgotten()
 {
     const auto now = std::chrono::steady_clock::now();
-    end([now](const Transfer &one) { return now - one.lastUse > patience; });
+    end([now](const Transfer &one) { return now - one.lastUse > readerPatience; });
 }
 
 void SelectionTransfers::end(const std::function<bool(const Transfer &)> &matches)

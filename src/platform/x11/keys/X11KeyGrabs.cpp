@@ -13,7 +13,6 @@ namespace tovek {
 
 namespace {
 
-constexpr int noSuchKey = 1;
 constexpr int badAccess = 10;
 
 } // namespace
@@ -35,7 +34,7 @@ void X11KeyGrabs::readModifiers()
     m_modifiers = modifiers;
     for (auto &[id, grab] : m_grabs) {
         const auto resolved = resolve(grab.combo);
-        const int status = resolved ? grabKeys(*resolved) : noSuchKey;
+        const int status = resolved ? grabKeys(*resolved) : HotKeys::noSuchKey;
         if (status != 0)
             logLine(QStringLiteral("A shortcut does not work with the new keyboard map: %1")
                         .arg(status));
@@ -48,7 +47,7 @@ int X11KeyGrabs::grab(quint32 id, KeyCombo combo)
 {
     const auto grab = resolve(combo);
     if (!grab)
-        return noSuchKey;
+        return HotKeys::noSuchKey;
     // The server would let this connection grab a combination twice, and lose both at once.
     if (isOurs(combo))
         return badAccess;

@@ -3,6 +3,7 @@
 
 #include "platform/x11/overlay/X11OverlaySurface.h"
 
+#include "platform/Screens.h"
 #include "platform/x11/capture/XWayland.h"
 
 #include <QExposeEvent>
@@ -16,14 +17,6 @@
 namespace tovek {
 
 namespace {
-
-QScreen *toolkitScreen(const QString &name)
-{
-    const QList<QScreen *> screens = QGuiApplication::screens();
-    const auto same = std::find_if(screens.begin(), screens.end(),
-                                   [&name](const QScreen *s) { return s->name() == name; });
-    return same == screens.end() ? nullptr : *same;
-}
 
 std::chrono::milliseconds frameIntervalOf(const QScreen *screen)
 {

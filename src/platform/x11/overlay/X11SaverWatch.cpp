@@ -4,6 +4,7 @@
 #include "platform/x11/overlay/X11SaverWatch.h"
 
 #include "platform/x11/X11ForeignWindows.h"
+#include "platform/x11/X11Reply.h"
 
 #include <algorithm>
 #include <vector>
@@ -12,8 +13,6 @@
 namespace tovek {
 
 namespace {
-
-constexpr uint8_t eventTypeMask = 0x7f; ///< the top bit marks events that clients sent
 
 } // namespace
 
@@ -80,7 +79,7 @@ void X11SaverWatch::listenToDaemon(uint32_t events)
 
 bool X11SaverWatch::announcesBlanking(const xcb_generic_event_t &event) const
 {
-    const int type = event.response_type & eventTypeMask;
+    const int type = event.response_type & x11EventType;
     if (m_serverEvent && type == m_serverEvent) {
         const auto &saver = reinterpret_cast<const xcb_screensaver_notify_event_t &>(event);
         return saver.state == XCB_SCREENSAVER_STATE_ON;

@@ -5,6 +5,7 @@
 
 #include "foundation/MainThread.h"
 #include "platform/x11/X11ForeignWindows.h"
+#include "platform/x11/X11Reply.h"
 
 #include <QCoreApplication>
 
@@ -16,7 +17,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr uint8_t eventTypeMask = 0x7f; ///< the top bit marks events that clients sent
 /// The toolkit's own rounding of a size in logical pixels.
 constexpr int roundedPixels = 4;
 constexpr uint32_t watched = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_FOCUS_CHANGE;
@@ -95,7 +95,7 @@ void X11Stacking::setWatching(bool isOn)
 bool X11Stacking::nativeEventFilter(const QByteArray &, void *message, qintptr *)
 {
     const auto &event = *static_cast<xcb_generic_event_t *>(message);
-    const int type = event.response_type & eventTypeMask;
+    const int type = event.response_type & x11EventType;
     if (isForgedForOverlay(event))
         return true;
     if (m_savers.announcesBlanking(event))
@@ -178,7 +178,7 @@ void X11Stacking::showAgain()
 /// such events stand in the three words after the sequence number.
 bool X11Stacking::isForgedForOverlay(const xcb_generic_event_t &event) const
 {
-    if (!(event.response_type & ~eventTypeMask))
+    if (!(event.response_type & ~x11EventType))
         return false;
     const auto *words = reinterpret_cast<const uint32_t *>(&event);
     return std::any_of(words + 1, words + 4,
