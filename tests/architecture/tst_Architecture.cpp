@@ -153,9 +153,9 @@ private:
         if (fromRoom == toRoom)
             return true;
         // The one place that chooses between the desktop's implementations.
-        if ((from.startsWith(QStringLiteral("app/PlatformFactory."))
-             || from.startsWith(QStringLiteral("app/PortalPlatform.")))
-            && toRoom.startsWith("platform"))
+        static const QRegularExpression factory(
+            QStringLiteral("^app/(Platform(Factory|Parts)|(X11|Wayland|Portal)Platform)\\."));
+        if (factory.match(from).hasMatch() && toRoom.startsWith("platform"))
             return true;
         return rooms().value(fromRoom).contains(toRoom);
     }

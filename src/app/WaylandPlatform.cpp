@@ -1,0 +1,176 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "app/WaylandPlatform.h"
+
+#include "app/PlatformFactory.h"
+#include "app/PlatformParts.h"
+#include "app/PortalPlatform.h"
+#include "foundation/Log.h"
+#include "platform/linux/CanberraSoundOutput.h"
+#include "platform/linux/KGlobalAccelHotKeys.h"
+#include "platform/linux/StatusNotifierItem.h"
+#include "platform/linux/UserBoundHotKeys.h"
+#include "platform/null/NullClipboard.h"
+#include "platform/null/NullDesktop.h"
+#ifdef TOVEK_WITH_WAYLAND
+#include "platform/wayland/ToolkitDrawing.h"
+#include "platform/wayland/capture/ExtScreenGrabber.h"
+#include "platform/wayland/capture/KWinCapturePermission.h"
+#include "platform/wayland/capture/KWinScreenGrabber.h"
+#include "platform/wayland/capture/WaylandScreens.h"
+#include "platform/wayland/capture/WlrScreenGrabber.h"
+#include "platform/wayland/clipboard/DataControlClipboard.h"
+#include "platform/wayland/keys/SwayHotKeys.h"
+#include "platform/wayland/keys/WaylandKeyboardLayout.h"
+#include "platform/wayland/overlay/LayerOverlayShell.h"
+#include "platform/wayland/overlay/LayerPreviewShell.h"
+#include "platform/wayland/overlay/LayerToastShell.h"
+#include "platform/wayland/overlay/WaylandKeyboardHold.h"
+#endif
+
+#include <cstdlib>
+
+namespace tovek {
+
+std::unique_ptr<HotKeys> makeWaylandHotKeys(EarlyPlatform &early, const KeyboardLayout &layout)
+{
+    if (auto keys = KGlobalAccelHotKeys::create(early.bus->connection(), layout)) {
+        QObject::connect(early.bus.get(), &SessionBus::changed, keys.get(),
+                         &KGlobalAccelHotKeys::setBus);
+        logLine(QStringLiteral("Wayland: shortcuts over KGlobalAccel"));
+        return keys;
+    }
+#ifdef TOVEK_WITH_WAYLAND
+    if (auto keys = SwayHotKeys::create(qEnvironmentVariable("SWAYSOCK"), layout)) {
+        logLine(QStringLiteral("Wayland: shortcuts over sway's socket"));
+        return keys;
+    }
+#endif
+    if (auto keys = makePortalHotKeys(early, layout))
+        return keys;
+    logLine(QStringLiteral("Wayland: this desktop gives its keys to no program; the Shortcuts tab "
+                           "tells how to give one to Tovek"));
+    return std::make_unique<UserBoundHotKeys>(qEnvironmentVariable("XDG_CURRENT_DESKTOP"));
+}
+
+#ifdef TOVEK_WITH_WAYLAND
+namespace {
+
+std::unique_ptr<ScreenGrabber> makeWaylandGrabber(std::shared_ptr<WaylandConnection> connection,
+                                                  std::shared_ptr<WaylandOutputs> outputs)
+{
+    const struct
+    {
+        const char *way;
+        std::unique_ptr<ScreenGrabber> (*create)(std::shared_ptr<WaylandConnection>,
+                                                 std::shared_ptr<WaylandOutputs>);
+    } ways[] = {
+        {"ext-image-copy-capture", &ExtScreenGrabber::create},
+        {"wlr-screencopy", &WlrScreenGrabber::create},
+        {"KWin's screenshot service", &KWinScreenGrabber::create},
+    };
+    for (const auto &[way, create] : ways) {
+        if (auto grabber = create(connection, outputs)) {
+            logLine(QStringLiteral("Wayland: capturing over %1").arg(QLatin1String(way)));
+            return grabber;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+bool addWaylandDesktop(Platform &platform, EarlyPlatform &early)
+{
+    const std::shared_ptr<WaylandConnection> &connection = early.wayland;
+    if (!connection)
+        return false;
+    keepToShmBuffers();
+    const auto outputs = std::make_shared<WaylandOutputs>(connection);
+    auto screens = std::make_unique<WaylandScreens>(outputs);
+    auto grabber = makeWaylandGrabber(connection, outputs);
+    auto overlayShell =
+        LayerOverlayShell::create(outputs, [screens = screens.get()](uint32_t displayId) {
+            screens->pointerSeenOn(displayId);
+        });
+    if (!grabber || !overlayShell)
+        return false;
+    if (dynamic_cast<KWinScreenGrabber *>(grabber.get()))
+        platform.capturePermission = std::make_unique<KWinCapturePermission>();
+    platform.screens = std::move(screens);
+    platform.grabber = std::move(grabber);
+    platform.overlayShell = std::move(overlayShell);
+    platform.frontmostApp = std::make_unique<NullFrontmostApp>();
+    platform.clipboard = DataControlClipboard::create(connection);
+    if (!platform.clipboard)
+        platform.clipboard = std::make_unique<NullClipboard>();
+    platform.toastShell = LayerToastShell::create(connection, outputs);
+    platform.previewShell = LayerPreviewShell::create(*platform.screens);
+    platform.keyboardHold = WaylandKeyboardHold::create();
+    platform.soundOutput = std::make_unique<CanberraSoundOutput>([] { return true; });
+    // Only the panel can put the menu where the item is.
+    platform.tray = onBus<StatusNotifierItem>(*early.bus, StatusNotifierItem::Menu::ofHost);
+    std::atexit(&waitForUnfinished);
+    connection->onLost = &exitUnfinished;
+    connection->handleInMainLoop();
+    if (auto *hotKeys = dynamic_cast<SwayHotKeys *>(platform.hotKeys.get()))
+        hotKeys->startDispatching();
+    if (auto *layout = dynamic_cast<WaylandKeyboardLayout *>(platform.keyboardLayout.get()))
+        layout->startDispatching();
+    return true;
+}
+
+bool addWaylandCapture(Platform &platform, EarlyPlatform &early)
+{
+    if (!early.wayland)
+        return false;
+    const auto outputs = std::make_shared<WaylandOutputs>(early.wayland);
+    auto grabber = makeWaylandGrabber(early.wayland, outputs);
+    if (!grabber)
+        return false;
+    platform.screens = std::make_unique<WaylandScreens>(outputs);
+    platform.grabber = std::move(grabber);
+    platform.frontmostApp = std::make_unique<NullFrontmostApp>();
+    early.wayland->handleInMainLoop();
+    return true;
+}
+
+bool openWaylandKeyboard(EarlyPlatform &early)
+{
+    auto layout = early.wayland ? WaylandKeyboardLayout::create() : nullptr;
+    if (!layout)
+        return false;
+    early.hotKeys = makeWaylandHotKeys(early, *layout);
+    early.keyboardLayout = std::move(layout);
+    return true;
+}
+
+std::shared_ptr<WaylandConnection> openWayland()
+{
+    auto connection = WaylandConnection::open();
+    return connection && connection->offers("zwlr_layer_shell_v1") ? connection : nullptr;
+}
+#else
+bool addWaylandDesktop(Platform &, EarlyPlatform &)
+{
+    return false;
+}
+
+bool addWaylandCapture(Platform &, EarlyPlatform &)
+{
+    return false;
+}
+
+bool openWaylandKeyboard(EarlyPlatform &)
+{
+    return false;
+}
+
+std::shared_ptr<WaylandConnection> openWayland()
+{
+    return nullptr;
+}
+#endif
+
+} // namespace tovek

@@ -1,0 +1,155 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "app/X11Platform.h"
+
+#include "app/PlatformFactory.h"
+#include "app/PlatformParts.h"
+#include "app/PortalPlatform.h"
+#include "app/WaylandPlatform.h"
+#include "foundation/Log.h"
+#include "platform/FirstTray.h"
+#include "platform/linux/CanberraSoundOutput.h"
+#include "platform/linux/DBusFileRevealer.h"
+#include "platform/linux/StatusNotifierItem.h"
+#ifdef TOVEK_WITH_X11
+#include "platform/x11/X11ActivationToken.h"
+#include "platform/x11/X11Resources.h"
+#include "platform/x11/capture/X11CapturePermission.h"
+#include "platform/x11/capture/X11FrontmostApp.h"
+#include "platform/x11/capture/X11ScreenGrabber.h"
+#include "platform/x11/capture/X11Screens.h"
+#include "platform/x11/capture/XWayland.h"
+#include "platform/x11/clipboard/X11Clipboard.h"
+#include "platform/x11/keys/X11HotKeys.h"
+#include "platform/x11/keys/X11KeyboardLayout.h"
+#include "platform/x11/overlay/X11OverlaySurface.h"
+#include "platform/x11/overlay/X11ToastShell.h"
+#include "platform/x11/tray/X11TrayItem.h"
+#include "platform/x11/tray/XSettings.h"
+#endif
+
+#include <QCoreApplication>
+
+#include <cstdlib>
+
+namespace tovek {
+
+#ifdef TOVEK_WITH_X11
+namespace {
+
+void exitWithTheServer()
+{
+    logLine(QStringLiteral("The X server went away"));
+    exitUnfinished();
+}
+
+/// What takes pictures. Null where the session is not one of X11.
+std::shared_ptr<X11Connection> addX11Screens(Platform &platform, EarlyPlatform &early,
+                                             std::shared_ptr<X11Monitors> &monitors)
+{
+    const std::shared_ptr<X11Connection> connection = X11Connection::create();
+    if (!connection)
+        return nullptr;
+    monitors = std::make_shared<X11Monitors>(connection);
+    platform.screens = std::make_unique<X11Screens>(connection, monitors);
+    platform.frontmostApp = std::make_unique<X11FrontmostApp>(connection);
+    const bool isGuest = isXWayland(*connection, *monitors);
+    if (isGuest && usePortalPictures(platform, early))
+        return connection;
+    platform.grabber = std::make_unique<X11ScreenGrabber>(connection, monitors);
+    platform.capturePermission =
+        isGuest ? refuseToCapture() : std::make_unique<X11CapturePermission>();
+    return connection;
+}
+
+/// The toolkit may be the first to miss its server. It calls exit by itself then; newer ones
+/// (Qt 6.11) quit as if somebody had asked for it.
+void leaveInOrderWithout(const std::shared_ptr<X11Connection> &server)
+{
+    std::atexit(&waitForUnfinished);
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, [server] {
+        if (!server->xcb() || xcb_connection_has_error(server->xcb()))
+            exitWithTheServer();
+    });
+}
+
+} // namespace
+
+double x11ServersDotsPerInch()
+{
+    return x11DotsPerInch().value_or(0);
+}
+
+bool openX11Keyboard(EarlyPlatform &early)
+{
+    auto layout = X11KeyboardLayout::create();
+    if (layout && isWaylandSession()) {
+        // The X server is a guest there, and sees the keys of its own windows only.
+        early.hotKeys = makeWaylandHotKeys(early, *layout);
+        early.keyboardLayout = std::move(layout);
+        return true;
+    }
+    auto hotKeys = X11HotKeys::create();
+    if (!hotKeys || !layout)
+        return false;
+    hotKeys->onConnectionLost = &exitWithTheServer;
+    early.hotKeys = std::move(hotKeys);
+    early.keyboardLayout = std::move(layout);
+    return true;
+}
+
+bool addX11Desktop(Platform &platform, EarlyPlatform &early)
+{
+    std::shared_ptr<X11Monitors> monitors;
+    const std::shared_ptr<X11Connection> connection = addX11Screens(platform, early, monitors);
+    auto clipboard = X11Clipboard::create();
+    auto *layout = dynamic_cast<X11KeyboardLayout *>(platform.keyboardLayout.get());
+    if (auto *revealer = dynamic_cast<DBusFileRevealer *>(platform.fileRevealer.get()))
+        revealer->newActivationToken = &newX11ActivationToken;
+    if (!connection || !clipboard || !layout)
+        return false;
+    platform.overlayShell = std::make_unique<X11OverlayShell>(connection, monitors);
+    platform.clipboard = std::move(clipboard);
+    platform.toastShell = X11ToastShell::create();
+    platform.soundOutput = std::make_unique<CanberraSoundOutput>(&XSettings::areEventSoundsEnabled);
+    // The area of the X server first: it alone lets a thumbnail be dragged out.
+    std::vector<std::unique_ptr<Tray>> trays;
+    trays.push_back(X11TrayItem::create());
+    trays.push_back(onBus<StatusNotifierItem>(*early.bus));
+    platform.tray = std::make_unique<FirstTray>(std::move(trays));
+    leaveInOrderWithout(connection);
+    if (auto *hotKeys = dynamic_cast<X11HotKeys *>(platform.hotKeys.get()))
+        hotKeys->startDispatching();
+    layout->startDispatching();
+    return true;
+}
+
+bool addX11Capture(Platform &platform, EarlyPlatform &early)
+{
+    std::shared_ptr<X11Monitors> monitors;
+    return addX11Screens(platform, early, monitors) != nullptr;
+}
+#else
+double x11ServersDotsPerInch()
+{
+    return 0;
+}
+
+bool openX11Keyboard(EarlyPlatform &)
+{
+    return false;
+}
+
+bool addX11Desktop(Platform &, EarlyPlatform &)
+{
+    return false;
+}
+
+bool addX11Capture(Platform &, EarlyPlatform &)
+{
+    return false;
+}
+#endif
+
+} // namespace tovek

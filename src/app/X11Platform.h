@@ -1,0 +1,22 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "platform/Platform.h"
+
+namespace tovek {
+
+struct EarlyPlatform;
+
+/// As the server's resources state them; 0 where they do not.
+double x11ServersDotsPerInch();
+/// False where there is no X server. Needs no application.
+bool openX11Keyboard(EarlyPlatform &early);
+/// False where the session is not one of X11. On a Wayland desktop's guest server, pictures and
+/// keys come from the desktop.
+bool addX11Desktop(Platform &platform, EarlyPlatform &early);
+/// Only what takes pictures.
+bool addX11Capture(Platform &platform, EarlyPlatform &early);
+
+} // namespace tovek
