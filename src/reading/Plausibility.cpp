@@ -36,10 +36,8 @@ constexpr double mostCovered = 0.4;
 /// In pixels; no letter can be read that is lower.
 constexpr int leastLetterHeight = 6;
 constexpr int leastMark = 3;
-/// The small letters of 9 px text; three of them are no misread speck.
-constexpr int lowestLetter = 5;
+/// Of the lowest letters: so many of them are no misread speck.
 constexpr qsizetype leastLowLetters = 3;
-constexpr int narrowestDash = 4;
 constexpr std::size_t mostInMark = 3;
 /// Equal dots beside each other, and how much of its box a disc fills; letters have hollows.
 constexpr std::size_t leastRow = 8;
@@ -180,18 +178,12 @@ void dropCrowded(std::vector<std::vector<ReadWord>> &lines)
 
 bool isSpecks(const TextRun &run)
 {
-    const auto isLetterHigh = [](const InkPatch &patch) {
-        return patch.box.height() >= lowestLetter;
-    };
-    const auto isDash = [](const InkPatch &patch) {
-        return patch.box.width() >= std::max(narrowestDash, patch.box.height() * 2);
-    };
     const auto &patches = run.patches;
     if (std::none_of(patches.begin(), patches.end(), isLetterHigh)) {
         // An equals sign, a quotation mark or an asterisk may stand alone.
         const bool isMark = patches.size() <= mostInMark
             && std::min(run.box.width(), run.box.height()) >= leastMark;
-        return !isMark && std::none_of(patches.begin(), patches.end(), isDash);
+        return !isMark && std::none_of(patches.begin(), patches.end(), isDashWide);
     }
     const QSize first = patches.front().box.size();
     return patches.size() >= leastRow

@@ -10,9 +10,6 @@ namespace tovek {
 
 namespace {
 
-/// In pixels: the small letters of 9 px text.
-constexpr int lowestFieldLetter = 5;
-constexpr int narrowestFieldDash = 4;
 /// Equal dots on one line closer than this are a row of them.
 constexpr int widestStep = 24;
 /// What is around is looked for in squares of nine cells.
@@ -23,20 +20,10 @@ constexpr double leastPerLetter = 1.2;
 /// So many letters on one baseline are a line, whatever lies around.
 constexpr int leastOnLine = 4;
 
-bool isLetterHigh(const InkPatch &patch)
-{
-    return patch.box.height() >= lowestFieldLetter;
-}
-
-bool isDash(const InkPatch &patch)
-{
-    return patch.box.width() >= std::max(narrowestFieldDash, patch.box.height() * 2);
-}
-
 /// The patches that are no dash, as low as dots, and have no equal one beside them.
 std::vector<InkPatch> specksAmong(std::vector<InkPatch> patches)
 {
-    std::erase_if(patches, [](const InkPatch &p) { return isLetterHigh(p) || isDash(p); });
+    std::erase_if(patches, [](const InkPatch &p) { return isLetterHigh(p) || isDashWide(p); });
     std::sort(patches.begin(), patches.end(), [](const InkPatch &a, const InkPatch &b) {
         return std::pair(a.box.bottom(), a.box.left()) < std::pair(b.box.bottom(), b.box.left());
     });

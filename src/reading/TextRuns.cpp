@@ -252,6 +252,17 @@ const LetterMetrics *lineBeside(std::size_t at, const std::vector<TextRun> &runs
 
 } // namespace
 
+bool isLetterHigh(const InkPatch &patch)
+{
+    return patch.box.height() >= lowestLetter;
+}
+
+bool isDashWide(const InkPatch &patch)
+{
+    constexpr int narrowestDash = 4;
+    return patch.box.width() >= std::max(narrowestDash, patch.box.height() * 2);
+}
+
 TextRun partOf(const TextRun &run, const QRect &box)
 {
     TextRun part;

@@ -17,6 +17,13 @@ struct TextRun
 /// Of the run, what has its middle between the box's sides: what lies between two columns.
 TextRun partOf(const TextRun &run, const QRect &box);
 
+/// Rows of pixels: the small letters of 9 px text.
+inline constexpr int lowestLetter = 5;
+/// As high as a letter can be, at least.
+bool isLetterHigh(const InkPatch &patch);
+/// As wide for its height as dashes are.
+bool isDashWide(const InkPatch &patch);
+
 inline double centerX(const QRect &box)
 {
     return box.left() + box.width() / 2.0;
