@@ -68,7 +68,9 @@ struct Session
         if (before.isNull())
             return open();
         ClipboardReader(desktop.displayName()).clear();
-        return tovek->open(QLatin1String(RunningTovek::captureScreenshot), monitors());
+        // A save may be there before the overlays have gone, which take the keys to themselves.
+        return isClosed()
+            && tovek->open(QLatin1String(RunningTovek::captureScreenshot), monitors());
     }
     /// Drags from one pixel to another, where the selection ends without it.
     void select(QPoint from, QPoint to) { tovek->hand().drag(from, to); }
