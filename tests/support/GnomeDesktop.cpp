@@ -9,11 +9,7 @@
 #include <QDBusReply>
 #include <QDir>
 #include <QFile>
-#include <QStandardPaths>
 #include <QThread>
-
-#include <pwd.h>
-#include <unistd.h>
 
 namespace tovek {
 
@@ -23,30 +19,8 @@ using namespace std::chrono_literals;
 
 constexpr auto startLimit = 60s;
 constexpr int leftButton = 0x110;
-const char busConfiguration[] = R"(<busconfig><type>%1</type><listen>unix:path=%2</listen>
-<auth>EXTERNAL</auth>%3<policy context="default"><allow user="*"/>
-<allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/>
-</policy></busconfig>)";
 const auto shell = QStringLiteral("org.gnome.Shell");
 const auto remoteDesktop = QStringLiteral("org.gnome.Mutter.RemoteDesktop");
-
-bool isRoot()
-{
-    return geteuid() == 0;
-}
-
-const passwd *userWithoutRights()
-{
-    static const passwd *const user = getpwnam("nobody");
-    return user;
-}
-
-void giveAway(const QString &path)
-{
-    if (isRoot() && userWithoutRights())
-        (void)!chown(QFile::encodeName(path).constData(), userWithoutRights()->pw_uid,
-                     userWithoutRights()->pw_gid);
-}
 
 } // namespace
 
@@ -55,58 +29,19 @@ GnomeDesktop::GnomeDesktop() : m_bus(QString()) { }
 GnomeDesktop::~GnomeDesktop()
 {
     QDBusConnection::disconnectFromBus(m_bus.name());
-    while (!m_programs.empty())
-        m_programs.pop_back();
 }
 
 QString GnomeDesktop::missing()
 {
-    for (const char *name : {"dbus-daemon", "gnome-shell", "Xwayland", "gsettings", "setpriv"}) {
-        if (QStandardPaths::findExecutable(QLatin1String(name)).isEmpty())
-            return QLatin1String(name) + QStringLiteral(" is not installed");
-    }
-    const QString portals = QStringLiteral("/usr/share/xdg-desktop-portal/portals/gnome.portal");
-    if (!QFile::exists(portals))
+    if (!QFile::exists(QStringLiteral("/usr/share/xdg-desktop-portal/portals/gnome.portal")))
         return QStringLiteral("xdg-desktop-portal-gnome is not installed");
-    return isRoot() && !userWithoutRights() ? QStringLiteral("there is no user \"nobody\"")
-                                            : QString();
-}
-
-bool GnomeDesktop::fail(const QString &error)
-{
-    m_error = error;
-    return false;
-}
-
-bool GnomeDesktop::makeFolders()
-{
-    if (!m_folder.isValid())
-        return fail(m_folder.errorString());
-    giveAway(m_folder.path());
-    for (const char *name :
-         {"home", "home/.config", "home/.local", "home/.local/share", "home/.cache",
-          "home/Downloads", "home/Pictures", "run", "log", "looks"}) {
-        const QString path = m_folder.filePath(QLatin1String(name));
-        QDir().mkpath(path);
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        giveAway(path);
-    }
-    return true;
+    return UserDesktop::missing({"dbus-daemon", "gnome-shell", "Xwayland", "gsettings"});
 }
 
 bool GnomeDesktop::start()
 {
-    if (!makeFolders())
-        return false;
     const QString run = m_folder.filePath(QStringLiteral("run"));
-    const std::map<const char *, QString> values{
-        {"PATH", qEnvironmentVariable("PATH")},
-        {"HOME", home()},
-        {"XDG_RUNTIME_DIR", run},
-        {"XDG_CONFIG_HOME", home() + QStringLiteral("/.config")},
-        {"XDG_DATA_HOME", home() + QStringLiteral("/.local/share")},
-        {"XDG_CACHE_HOME", home() + QStringLiteral("/.cache")},
-        {"XDG_SESSION_TYPE", QStringLiteral("wayland")},
+    const std::map<QString, QString> more{
         {"XDG_CURRENT_DESKTOP", QStringLiteral("GNOME")},
         // Services that the bus starts must know it from the beginning.
         {"WAYLAND_DISPLAY", QStringLiteral("wayland-0")},
@@ -114,28 +49,12 @@ bool GnomeDesktop::start()
         {"DBUS_SYSTEM_BUS_ADDRESS", QStringLiteral("unix:path=%1/system").arg(run)},
         {"GSETTINGS_BACKEND", QStringLiteral("keyfile")},
         {"NO_AT_BRIDGE", QStringLiteral("1")},
-        {"LANG", QStringLiteral("C.UTF-8")},
-        {"LIBGL_ALWAYS_SOFTWARE", QStringLiteral("1")},
     };
-    for (const auto &[name, value] : values)
-        m_environment.insert(QLatin1String(name), value);
-    return startBus(QStringLiteral("system"), QStringLiteral("system"), {})
+    return makeHome({"home/Pictures", "looks"}, more)
+        && startBus(QStringLiteral("system"), QStringLiteral("system"))
         && startBus(QStringLiteral("session"), QStringLiteral("session"),
                     QStringLiteral("<standard_session_servicedirs/>"))
         && startShell() && startHand();
-}
-
-bool GnomeDesktop::startBus(const QString &name, const QString &type, const QString &services)
-{
-    const QString socket = m_folder.filePath(QStringLiteral("run/") + name);
-    const QString file = home() + QStringLiteral("/%1.conf").arg(name);
-    const QString text = QString::fromLatin1(busConfiguration).arg(type, socket, services);
-    if (!writeFile(file, text.toUtf8())
-        || !run(QStringLiteral("dbus-daemon"),
-                {QStringLiteral("--config-file=") + file, QStringLiteral("--nofork")}))
-        return fail(QStringLiteral("no bus"));
-    return waitUntil([&] { return QFile::exists(socket); })
-        || fail(QStringLiteral("dbus-daemon did not get ready"));
 }
 
 bool GnomeDesktop::startShell()
@@ -287,57 +206,6 @@ QStringList GnomeDesktop::pictures() const
 {
     return QDir(home() + QStringLiteral("/Pictures")).entryList(QDir::Files)
         + QDir(home()).entryList({QStringLiteral("*.png")}, QDir::Files);
-}
-
-QStringList GnomeDesktop::asUser(const QString &path, const QStringList &arguments) const
-{
-    QStringList command{path};
-    if (isRoot())
-        command = QStringList{QStringLiteral("setpriv"),
-                              QStringLiteral("--reuid=%1").arg(userWithoutRights()->pw_uid),
-                              QStringLiteral("--regid=%1").arg(userWithoutRights()->pw_gid),
-                              QStringLiteral("--clear-groups"),
-                              QStringLiteral("--pdeathsig=SIGTERM"),
-                              path};
-    return command + arguments;
-}
-
-Program *GnomeDesktop::run(const QString &path, const QStringList &arguments,
-                           const std::map<QString, QString> &variables)
-{
-    QProcessEnvironment environment = m_environment;
-    for (const auto &[name, value] : variables)
-        environment.insert(name, value);
-    auto program = std::make_unique<Program>(
-        m_folder.filePath(QStringLiteral("log/%1").arg(m_programs.size())));
-    QStringList command = asUser(path, arguments);
-    const QString first = command.takeFirst();
-    if (!program->start(first, command, environment)) {
-        fail(path + QStringLiteral(" cannot be started"));
-        return nullptr;
-    }
-    m_programs.push_back(std::move(program));
-    return m_programs.back().get();
-}
-
-QByteArray GnomeDesktop::output(const QString &path, const QStringList &arguments)
-{
-    QProcess process;
-    process.setProcessEnvironment(m_environment);
-    QStringList command = asUser(path, arguments);
-    const QString first = command.takeFirst();
-    process.start(first, command);
-    if (!process.waitForFinished(20000) || process.exitCode() != 0)
-        return {};
-    return process.readAllStandardOutput();
-}
-
-bool GnomeDesktop::writeFile(const QString &path, const QByteArray &bytes) const
-{
-    QFile file(path);
-    const bool isWritten = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-    giveAway(path);
-    return isWritten;
 }
 
 } // namespace tovek

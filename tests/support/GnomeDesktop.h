@@ -3,22 +3,16 @@
 
 #pragma once
 
-#include "support/Program.h"
+#include "support/UserDesktop.h"
 
 #include <QDBusConnection>
 #include <QImage>
-#include <QTemporaryDir>
-
-#include <map>
-#include <memory>
-#include <vector>
 
 namespace tovek {
 
 /// A GNOME desktop of a test's own: the shell without a screen, with two monitors, XWayland, its
-/// buses and services, and a home that nobody else uses. A test that runs as root runs all of it as
-/// a user without rights. Takes some seconds to start.
-class GnomeDesktop
+/// buses and services, and a home that nobody else uses. Takes some seconds to start.
+class GnomeDesktop : public UserDesktop
 {
 public:
     GnomeDesktop();
@@ -29,15 +23,7 @@ public:
     static QList<QRect> monitors() { return {{0, 0, 1600, 1200}, {1600, 0, 1280, 800}}; }
 
     [[nodiscard]] bool start();
-    QString error() const { return m_error; }
-    QString home() const { return m_folder.filePath(QStringLiteral("home")); }
     QStringList pictures() const;
-
-    /// A program on this desktop; null when it cannot be started.
-    Program *run(const QString &path, const QStringList &arguments = {},
-                 const std::map<QString, QString> &variables = {});
-    /// What a program on this desktop prints until it ends; null when it fails.
-    QByteArray output(const QString &path, const QStringList &arguments);
 
     /// What a script in the shell says.
     QString evaluate(const QString &script) const;
@@ -56,19 +42,10 @@ public:
     void button(bool isDown) const;
 
 private:
-    bool fail(const QString &error);
-    bool makeFolders();
-    bool startBus(const QString &name, const QString &type, const QString &services);
     bool startShell();
     bool startHand();
     void callHand(const QString &method, const QVariantList &arguments) const;
-    QStringList asUser(const QString &path, const QStringList &arguments) const;
-    bool writeFile(const QString &path, const QByteArray &bytes) const;
 
-    QTemporaryDir m_folder;
-    QProcessEnvironment m_environment;
-    QString m_error;
-    std::vector<std::unique_ptr<Program>> m_programs;
     QDBusConnection m_bus;
     QString m_hand; ///< the session of remote control
     int m_pictures = 0;

@@ -11,42 +11,9 @@
 #include <QJsonObject>
 #include <QStandardPaths>
 
-#include <pwd.h>
-#include <unistd.h>
-
 namespace tovek {
 
 namespace {
-
-const char busConfiguration[] = R"(<busconfig>
-<type>session</type>
-<listen>unix:path=%1</listen>
-<auth>EXTERNAL</auth>
-<policy context="default">
-<allow user="*"/>
-<allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/>
-</policy>
-</busconfig>
-)";
-
-bool isRoot()
-{
-    return geteuid() == 0;
-}
-
-/// Known to the machine by a name: XWayland trusts nobody else.
-const passwd *userWithoutRights()
-{
-    static const passwd *const user = getpwnam("nobody");
-    return user;
-}
-
-void giveAway(const QString &path)
-{
-    if (isRoot() && userWithoutRights())
-        (void)!chown(QFile::encodeName(path).constData(), userWithoutRights()->pw_uid,
-                     userWithoutRights()->pw_gid);
-}
 
 void collectTitles(const QJsonObject &node, QStringList &titles)
 {
@@ -62,29 +29,18 @@ void collectTitles(const QJsonObject &node, QStringList &titles)
 
 WaylandDesktop::WaylandDesktop(WaylandPlan plan) : m_plan(std::move(plan)) { }
 
-WaylandDesktop::~WaylandDesktop()
-{
-    while (!m_programs.empty())
-        m_programs.pop_back();
-}
+WaylandDesktop::~WaylandDesktop() = default;
 
 QString WaylandDesktop::missing(const WaylandPlan &plan)
 {
-    QStringList needed{QStringLiteral("dbus-daemon"), QStringLiteral("swaybg"),
-                       QStringLiteral("setpriv")};
+    QStringList needed{QStringLiteral("dbus-daemon"), QStringLiteral("swaybg")};
     if (plan.compositor == WaylandPlan::Compositor::sway)
         needed << QStringLiteral("sway") << QStringLiteral("swaymsg") << QStringLiteral("grim");
     else
         needed << QStringLiteral("kwin_wayland");
     if (plan.hasXWayland)
         needed << QStringLiteral("Xwayland");
-    for (const QString &name : std::as_const(needed)) {
-        if (QStandardPaths::findExecutable(name).isEmpty())
-            return name + QStringLiteral(" is not installed");
-    }
-    if (isRoot() && !userWithoutRights())
-        return QStringLiteral("there is no user \"nobody\"");
-    return {};
+    return UserDesktop::missing(needed);
 }
 
 QString WaylandDesktop::monitorName(int index)
@@ -105,67 +61,16 @@ QString WaylandDesktop::socket() const
     return m_environment.value(QStringLiteral("WAYLAND_DISPLAY"));
 }
 
-bool WaylandDesktop::fail(const QString &error)
-{
-    m_error = error;
-    return false;
-}
-
-bool WaylandDesktop::makeFolders()
-{
-    if (!m_folder.isValid())
-        return fail(m_folder.errorString());
-    giveAway(m_folder.path());
-    for (const char *name : {"home", "home/.config", "home/.local", "home/.local/share",
-                             "home/.cache", "home/Downloads", "run", "log"}) {
-        const QString path = m_folder.filePath(QLatin1String(name));
-        QDir().mkpath(path);
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        giveAway(path);
-    }
-    return true;
-}
-
 bool WaylandDesktop::start()
 {
-    if (!makeFolders())
-        return false;
-    const QProcessEnvironment own = QProcessEnvironment::systemEnvironment();
-    for (const char *name : {"PATH", "LD_LIBRARY_PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS"}) {
-        if (own.contains(QLatin1String(name)))
-            m_environment.insert(QLatin1String(name), own.value(QLatin1String(name)));
-    }
-    const QString run = m_folder.filePath(QStringLiteral("run"));
-    const std::map<const char *, QString> values{
-        {"HOME", home()},
-        {"XDG_RUNTIME_DIR", run},
-        {"XDG_CONFIG_HOME", configFolder()},
-        {"XDG_DATA_HOME", home() + QStringLiteral("/.local/share")},
-        {"XDG_CACHE_HOME", home() + QStringLiteral("/.cache")},
-        {"XDG_SESSION_TYPE", QStringLiteral("wayland")},
+    const std::map<QString, QString> more{
         {"XDG_CURRENT_DESKTOP", isKWin() ? QStringLiteral("KDE") : QStringLiteral("sway")},
         // Always set: a program that finds no address may start a bus of its own.
-        {"DBUS_SESSION_BUS_ADDRESS", QStringLiteral("unix:path=%1/bus").arg(run)},
-        {"LANG", QStringLiteral("C.UTF-8")},
-        {"LIBGL_ALWAYS_SOFTWARE", QStringLiteral("1")},
+        {"DBUS_SESSION_BUS_ADDRESS",
+         QStringLiteral("unix:path=") + m_folder.filePath(QStringLiteral("run/bus"))},
     };
-    for (const auto &[name, value] : values)
-        m_environment.insert(QLatin1String(name), value);
-    return startBus() && (isKWin() ? startKWin() : startSway());
-}
-
-bool WaylandDesktop::startBus()
-{
-    const QString bus = m_folder.filePath(QStringLiteral("run/bus"));
-    const QString configuration = home() + QStringLiteral("/bus.conf");
-    if (!writeFile(configuration, QString::fromLatin1(busConfiguration).arg(bus).toUtf8()))
-        return fail(QStringLiteral("cannot write ") + configuration);
-    if (!run(QStringLiteral("dbus-daemon"),
-             {QStringLiteral("--config-file=") + configuration, QStringLiteral("--nofork"),
-              QStringLiteral("--nopidfile")}))
-        return false;
-    return waitUntil([&] { return QFile::exists(bus); })
-        || fail(QStringLiteral("dbus-daemon did not get ready"));
+    return makeHome({}, more) && startBus(QStringLiteral("bus"), QStringLiteral("session"))
+        && (isKWin() ? startKWin() : startSway());
 }
 
 bool WaylandDesktop::startSway()
@@ -259,61 +164,10 @@ QString WaylandDesktop::outputName(int index) const
     return isKWin() ? QStringLiteral("Virtual-%1").arg(index) : monitorName(index);
 }
 
-QStringList WaylandDesktop::asUser(const QString &path, const QStringList &arguments) const
-{
-    QStringList command{path};
-    if (isRoot())
-        command = QStringList{QStringLiteral("setpriv"),
-                              QStringLiteral("--reuid=%1").arg(userWithoutRights()->pw_uid),
-                              QStringLiteral("--regid=%1").arg(userWithoutRights()->pw_gid),
-                              QStringLiteral("--clear-groups"),
-                              QStringLiteral("--pdeathsig=SIGTERM"),
-                              path};
-    return command + arguments;
-}
-
-Program *WaylandDesktop::run(const QString &path, const QStringList &arguments,
-                             const std::map<QString, QString> &variables)
-{
-    QProcessEnvironment environment = m_environment;
-    for (const auto &[name, value] : variables)
-        environment.insert(name, value);
-    auto program = std::make_unique<Program>(
-        m_folder.filePath(QStringLiteral("log/%1").arg(m_programs.size())));
-    QStringList command = asUser(path, arguments);
-    const QString first = command.takeFirst();
-    if (!program->start(first, command, environment)) {
-        fail(path + QStringLiteral(" cannot be started"));
-        return nullptr;
-    }
-    m_programs.push_back(std::move(program));
-    return m_programs.back().get();
-}
-
-QByteArray WaylandDesktop::output(const QString &path, const QStringList &arguments)
-{
-    QProcess process;
-    process.setProcessEnvironment(m_environment);
-    QStringList command = asUser(path, arguments);
-    const QString first = command.takeFirst();
-    process.start(first, command);
-    if (!process.waitForFinished(20000) || process.exitCode() != 0)
-        return {};
-    return process.readAllStandardOutput();
-}
-
 QJsonDocument WaylandDesktop::tell(const QStringList &message)
 {
     return QJsonDocument::fromJson(
         output(QStringLiteral("swaymsg"), QStringList{QStringLiteral("-r")} + message));
-}
-
-bool WaylandDesktop::writeFile(const QString &path, const QByteArray &bytes) const
-{
-    QFile file(path);
-    const bool isWritten = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-    giveAway(path);
-    return isWritten;
 }
 
 QString WaylandDesktop::xDisplay()

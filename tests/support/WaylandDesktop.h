@@ -4,13 +4,11 @@
 #pragma once
 
 #include "support/KWinEye.h"
-#include "support/Program.h"
+#include "support/UserDesktop.h"
 
 #include <QImage>
 #include <QJsonDocument>
-#include <QTemporaryDir>
 
-#include <map>
 #include <memory>
 #include <vector>
 
@@ -33,9 +31,8 @@ struct WaylandPlan
 };
 
 /// A Wayland desktop of a test's own: sway or KWin without a screen, a session bus, and a home that
-/// nobody else uses. Everything in it ends with it. Since sway refuses to run as root, a test that
-/// does runs all of the desktop as a user without rights.
-class WaylandDesktop
+/// nobody else uses. Everything in it ends with it. Sway refuses to run as root.
+class WaylandDesktop : public UserDesktop
 {
 public:
     explicit WaylandDesktop(WaylandPlan plan = {});
@@ -45,26 +42,12 @@ public:
     static QString missing(const WaylandPlan &plan = {});
 
     [[nodiscard]] bool start();
-    QString error() const { return m_error; }
 
     /// The compositor's socket, for a connection of the test itself.
     QString socket() const;
-    const QProcessEnvironment &environment() const { return m_environment; }
-    QString home() const { return m_folder.filePath(QStringLiteral("home")); }
-    QString configFolder() const { return home() + QStringLiteral("/.config"); }
-    QString downloads() const { return home() + QStringLiteral("/Downloads"); }
-
-    /// A program on this desktop; null when it cannot be started. It ends with the desktop at the
-    /// latest, the last one first.
-    Program *run(const QString &path, const QStringList &arguments = {},
-                 const std::map<QString, QString> &variables = {});
-    /// What a program on this desktop prints until it ends; null when it fails.
-    QByteArray output(const QString &path, const QStringList &arguments);
     /// A message to sway, such as `{"output HEADLESS-2 scale 1.5"}` or `{"-t", "get_tree"}`; null
     /// when it refuses.
     QJsonDocument tell(const QStringList &message);
-    /// A file of the home, owned by the desktop's user.
-    bool writeFile(const QString &path, const QByteArray &bytes) const;
 
     /// The size of an output in points, as sway rounds it.
     static QSize pointsOf(const WaylandMonitor &monitor);
@@ -83,19 +66,11 @@ public:
 
 private:
     bool isKWin() const { return m_plan.compositor == WaylandPlan::Compositor::kwin; }
-    bool fail(const QString &error);
-    bool makeFolders();
-    bool startBus();
     bool startSway();
     bool startKWin();
-    QStringList asUser(const QString &path, const QStringList &arguments) const;
 
     WaylandPlan m_plan;
-    QTemporaryDir m_folder;
-    QProcessEnvironment m_environment;
-    QString m_error;
     std::unique_ptr<KWinEye> m_kwinEye;
-    std::vector<std::unique_ptr<Program>> m_programs;
 };
 
 } // namespace tovek
