@@ -192,15 +192,15 @@ void AppDelegate::setUpStatusBar()
     const auto capture = [this](CaptureMode mode) {
         return [this, mode] { m_overlayController.startCapture(mode); };
     };
-    statusBar->actions.startCapture = capture(CaptureMode::normal);
-    statusBar->actions.captureImage = capture(CaptureMode::copyImage);
-    statusBar->actions.captureText = capture(CaptureMode::copyText);
-    statusBar->actions.checkForUpdates = [this] { checkForUpdates(); };
-    statusBar->updateObstacle = [this] { return m_updaterManager.checkObstacle(); };
-    statusBar->actions.openPreferences = [this] { openSettings(SettingsTab::general); };
-    statusBar->actions.openAbout = [this] { openSettings(SettingsTab::about); };
-    statusBar->actions.quit = [] { QCoreApplication::exit(); };
-    statusBar->bindShortcut = [&shortcuts](QAction &item, const QString &name) {
+    statusBar->rows.actions.startCapture = capture(CaptureMode::normal);
+    statusBar->rows.actions.captureImage = capture(CaptureMode::copyImage);
+    statusBar->rows.actions.captureText = capture(CaptureMode::copyText);
+    statusBar->rows.actions.checkForUpdates = [this] { checkForUpdates(); };
+    statusBar->rows.updateObstacle = [this] { return m_updaterManager.checkObstacle(); };
+    statusBar->rows.actions.openPreferences = [this] { openSettings(SettingsTab::general); };
+    statusBar->rows.actions.openAbout = [this] { openSettings(SettingsTab::about); };
+    statusBar->rows.actions.quit = [] { QCoreApplication::exit(); };
+    statusBar->rows.bindShortcut = [&shortcuts](QAction &item, const QString &name) {
         KeyboardShortcuts::setShortcut(item, shortcuts.createName(name), shortcuts);
     };
     statusBar->describeKeys = [](const QKeySequence &keys) {

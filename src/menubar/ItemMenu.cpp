@@ -3,7 +3,10 @@
 
 #include "menubar/ItemMenu.h"
 
+#include <QKeyEvent>
 #include <QStyleOptionMenuItem>
+
+#include <algorithm>
 
 namespace tovek {
 
@@ -21,6 +24,19 @@ void ItemMenu::initStyleOption(QStyleOptionMenuItem *option, const QAction *acti
     const qsizetype tab = option->text.indexOf(QLatin1Char('\t'));
     if (tab >= 0 && describeKeys)
         option->text = option->text.left(tab + 1) + describeKeys(action->shortcut());
+}
+
+void ItemMenu::keyPressEvent(QKeyEvent *event)
+{
+    const QKeySequence keys(event->keyCombination());
+    const QList<QAction *> items = actions();
+    const auto meant = std::find_if(items.begin(), items.end(), [&](const QAction *item) {
+        return !item->shortcut().isEmpty() && item->shortcut() == keys;
+    });
+    if (meant == items.end())
+        return QMenu::keyPressEvent(event);
+    (*meant)->trigger();
+    close();
 }
 
 } // namespace tovek

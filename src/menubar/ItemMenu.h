@@ -9,7 +9,8 @@
 
 namespace tovek {
 
-/// A menu that writes the keys of its items as the rest of the program writes keys.
+/// A menu that writes the keys of its items as the rest of the program writes keys, and obeys them
+/// while it is open, which the toolkit's menus do not.
 class ItemMenu : public QMenu
 {
 public:
@@ -22,6 +23,9 @@ public:
     void setVisible(bool isVisible) override;
 
     void initStyleOption(QStyleOptionMenuItem *option, const QAction *action) const override;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
 };
 
 } // namespace tovek

@@ -18,7 +18,6 @@
 #include <QDrag>
 #include <QGuiApplication>
 #include <QImageWriter>
-#include <QKeyEvent>
 #include <QMenu>
 #include <QMimeData>
 #include <QScreen>
@@ -31,48 +30,6 @@ using namespace std::chrono_literals;
 
 constexpr auto fileLifetime = 2000ms;
 constexpr auto returnDelay = 400ms;
-
-struct MenuRow
-{
-    const char *title; ///< null for a separator
-    std::function<void()> StatusBarController::Actions::*action;
-    const char *shortcutName; ///< of the shortcut whose keys label the item
-    QKeyCombination keyEquivalent;
-};
-
-// clang-format off
-const MenuRow menuRows[] {
-    {"Start Capture",        &StatusBarController::Actions::startCapture,    "captureScreenshot", Qt::Key_unknown},
-    {nullptr, nullptr, nullptr, Qt::Key_unknown},
-    {"Capture Image",        &StatusBarController::Actions::captureImage,    "captureImage",      Qt::Key_unknown},
-    {"Capture Text",         &StatusBarController::Actions::captureText,     "captureText",       Qt::Key_unknown},
-    {nullptr, nullptr, nullptr, Qt::Key_unknown},
-    {"Check for Updates...", &StatusBarController::Actions::checkForUpdates, nullptr,             Qt::Key_unknown},
-    {nullptr, nullptr, nullptr, Qt::Key_unknown},
-    {"Preferences...",       &StatusBarController::Actions::openPreferences, nullptr,             Qt::CTRL | Qt::Key_Comma},
-    {"About",                &StatusBarController::Actions::openAbout,       nullptr,             Qt::Key_unknown},
-    {nullptr, nullptr, nullptr, Qt::Key_unknown},
-    {"Quit",                 &StatusBarController::Actions::quit,            nullptr,             Qt::CTRL | Qt::Key_Q},
-};
-// clang-format on
-
-/// As hosts write the first of the keys.
-QStringList hostKeys(const QKeySequence &keys)
-{
-    if (keys.isEmpty())
-        return {};
-    const Qt::KeyboardModifiers modifiers = keys[0].keyboardModifiers();
-    QStringList names;
-    if (modifiers & Qt::ControlModifier)
-        names << QStringLiteral("Control");
-    if (modifiers & Qt::AltModifier)
-        names << QStringLiteral("Alt");
-    if (modifiers & Qt::ShiftModifier)
-        names << QStringLiteral("Shift");
-    if (modifiers & Qt::MetaModifier)
-        names << QStringLiteral("Super");
-    return names << QKeySequence(keys[0].key()).toString(QKeySequence::PortableText);
-}
 
 QByteArray pngOf(const Image &image)
 {
@@ -131,11 +88,8 @@ void StatusBarController::setup()
     m_statusItem.onMoved = [this](QPointF at) { moveTo(at); };
     m_statusItem.onReleased = [this](QPointF) { release(); };
     m_statusItem.onMenuRequested = [this] { chosen(); };
-    m_statusItem.menuRows = [this] { return rowsForHost(); };
-    m_statusItem.onMenuRow = [this](int row) {
-        if (QAction *item = m_hostMenu ? m_hostMenu->actions().value(row) : nullptr)
-            item->trigger();
-    };
+    m_statusItem.menuRows = [this] { return rows.forHost(); };
+    m_statusItem.onMenuRow = [this](int row) { rows.chooseForHost(row); };
     const bool isVisible = Settings::showInMenuBar.in(m_defaults);
     m_statusItem.setVisible(isVisible);
     if (!isVisible)
@@ -274,39 +228,11 @@ ItemMenu &StatusBarController::buildMenu()
     m_menu = menu; // a top-level window; see menuClosed
     m_menu->setAccessibleName(QStringLiteral("Tovek"));
     m_menu->setToolTipsVisible(true);
-    m_menu->installEventFilter(this);
     connect(m_menu, &QMenu::aboutToHide, this, [this] { menuClosed(); });
     if (m_isInPreviewMode && !showsThumbnail() && !m_floatingPreview)
         addPreviewRow();
-    addRows(*m_menu);
+    rows.addTo(*m_menu);
     return *menu;
-}
-
-void StatusBarController::addRows(QMenu &menu)
-{
-    for (const MenuRow &row : menuRows) {
-        if (!row.title) {
-            menu.addSeparator();
-            continue;
-        }
-        QAction *item = menu.addAction(QString::fromLatin1(row.title));
-        const bool checksUpdates = row.action == &Actions::checkForUpdates;
-        const QString obstacle = checksUpdates && updateObstacle ? updateObstacle() : QString();
-        item->setEnabled(actions.*row.action && obstacle.isEmpty());
-        item->setToolTip(obstacle);
-        if (row.keyEquivalent.key() != Qt::Key_unknown)
-            item->setShortcut(row.keyEquivalent);
-        if (row.shortcutName && bindShortcut)
-            bindShortcut(*item, QString::fromLatin1(row.shortcutName));
-        // Queued, so that the menu has gone from the screen before a capture freezes it.
-        connect(
-            item, &QAction::triggered, this,
-            [this, action = row.action] {
-                if (actions.*action)
-                    (actions.*action)();
-            },
-            Qt::QueuedConnection);
-    }
 }
 
 /// The item was chosen. A host that draws the menu shows it by itself; one that tells us all the
@@ -315,19 +241,8 @@ void StatusBarController::chosen()
 {
     if (!m_statusItem.drawsMenu())
         openMenu();
-    else if (actions.openPreferences)
-        actions.openPreferences();
-}
-
-std::vector<TrayMenuRow> StatusBarController::rowsForHost()
-{
-    m_hostMenu = std::make_unique<QMenu>();
-    addRows(*m_hostMenu);
-    std::vector<TrayMenuRow> rows;
-    for (const QAction *item : m_hostMenu->actions())
-        rows.push_back(
-            {item->text(), item->isSeparator(), item->isEnabled(), hostKeys(item->shortcut())});
-    return rows;
+    else if (rows.actions.openPreferences)
+        rows.actions.openPreferences();
 }
 
 /// And lets it be dragged.
@@ -358,23 +273,6 @@ void StatusBarController::menuClosed()
     // An item that was chosen is triggered after this.
     m_menu->deleteLater();
     m_menu = nullptr;
-}
-
-/// The toolkit's menus show key equivalents but do not obey them while they are open.
-bool StatusBarController::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched != m_menu || event->type() != QEvent::KeyPress)
-        return QObject::eventFilter(watched, event);
-    const QKeySequence keys(static_cast<QKeyEvent *>(event)->keyCombination());
-    const QList<QAction *> items = m_menu->actions();
-    for (QAction *item : items) {
-        if (item->shortcut().isEmpty() || item->shortcut() != keys)
-            continue;
-        item->trigger();
-        m_menu->close();
-        return true;
-    }
-    return false;
 }
 
 void StatusBarController::encodeAhead()

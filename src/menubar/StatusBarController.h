@@ -7,14 +7,13 @@
 #include "foundation/SymbolSource.h"
 #include "foundation/Workers.h"
 #include "menubar/DragFiles.h"
-#include "platform/Tray.h"
+#include "menubar/StatusRows.h"
 
 #include <QObject>
 #include <QUrl>
 
 #include <optional>
 
-class QAction;
 class QMenu;
 
 namespace tovek {
@@ -38,12 +37,6 @@ struct DragOut
 class StatusBarController : public QObject
 {
 public:
-    struct Actions
-    {
-        std::function<void()> startCapture, captureImage, captureText;
-        std::function<void()> checkForUpdates, openPreferences, openAbout, quit;
-    };
-
     /// `previewShell` may be null; it is used where nothing can be dragged out of the item.
     StatusBarController(Tray &statusItem, Clock &clock, const UserDefaults &defaults,
                         SymbolSource symbols, PreviewShell *previewShell = nullptr);
@@ -63,11 +56,7 @@ public:
     /// Null while the menu is closed.
     QMenu *menu() const { return m_menu; }
 
-    Actions actions;
-    /// Why no check for updates can be made now, shown on its item; empty when one can.
-    std::function<QString()> updateObstacle;
-    /// Labels a capture item with the shortcut of this name, and keeps it so while it is shown.
-    std::function<void(QAction &item, const QString &shortcutName)> bindShortcut;
+    StatusRows rows;
     /// How keys are written.
     std::function<QString(const QKeySequence &keys)> describeKeys;
     /// The thumbnail of the last capture is gone from the panel.
@@ -79,9 +68,6 @@ public:
     /// The desktop's drag; what `performDrag` is unless somebody sets it.
     static void dragFile(const DragOut &out);
 
-protected:
-    bool eventFilter(QObject *watched, QEvent *event) override;
-
 private:
     void hostChanged();
     void press(QPointF at);
@@ -90,9 +76,7 @@ private:
     ItemMenu &buildMenu();
     void showFloatingPreview();
     void hideFloatingPreview();
-    void addRows(QMenu &menu);
     void chosen();
-    std::vector<TrayMenuRow> rowsForHost();
     bool showsThumbnail() const;
     void addPreviewRow();
     void menuClosed();
@@ -110,7 +94,6 @@ private:
     bool m_isHostKnown = false; ///< the desktop has told whether it has a status area
     bool m_isInPreviewMode = false;
     QMenu *m_menu = nullptr; ///< deletes itself a turn after it has closed
-    std::unique_ptr<QMenu> m_hostMenu; ///< behind the rows that the host shows
     TrayPicture m_defaultIcon;
     std::optional<QPointF> m_pressedAt;
     QFuture<QByteArray> m_png; ///< of the preview image; invalid until somebody may want it

@@ -1,21 +1,14 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "fakes/FakeClock.h"
-#include "fakes/FakeTray.h"
 #include "fakes/LogCapture.h"
-#include "foundation/UserDefaults.h"
-#include "menubar/ItemMenu.h"
-#include "menubar/StatusBarController.h"
+#include "menubar/StatusBarSetup.h"
 
-#include <QHelpEvent>
 #include <QMenu>
 #include <QRegularExpression>
 #include <QSignalSpy>
-#include <QStyleOptionMenuItem>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QToolTip>
 #include <QWidget>
 
 #include <unistd.h>
@@ -27,54 +20,7 @@ class TestStatusBarController : public QObject
 {
     Q_OBJECT
 
-private:
-    struct Setup
-    {
-        Setup()
-        {
-            const auto record = [this](const char *name) {
-                return [this, name] { chosen << QString::fromLatin1(name); };
-            };
-            controller.actions = {record("start"),  record("image"),       record("text"),
-                                  record("update"), record("preferences"), record("about"),
-                                  record("quit")};
-            controller.bindShortcut = [](QAction &item, const QString &name) {
-                if (name != QStringLiteral("captureText"))
-                    item.setShortcut(QKeySequence(QStringLiteral("Ctrl+Shift+2")));
-                item.setObjectName(name);
-            };
-            controller.performDrag = [this](const DragOut &out) {
-                drags.push_back(out);
-                droppedBytes = QImage(out.file.toLocalFile());
-            };
-        }
-        void start() { controller.setup(); }
-        void preview(QSize size = QSize(1600, 400))
-        {
-            Image image{QImage(size, QImage::Format_RGB32),
-                        {double(size.width()), double(size.height())}};
-            image.bitmap.fill(Qt::blue);
-            controller.showPreview(image, 20s);
-        }
-        bool showsIcon() const { return tray.picture.size == Size{18, 18}; }
-
-        QTemporaryDir home;
-        UserDefaults defaults{home.filePath(QStringLiteral("defaults.json"))};
-        FakeClock clock;
-        FakeTray tray;
-        QStringList symbols;
-        StatusBarController controller{
-            tray, clock, defaults, [this](const QString &name, const QColor &c, double, double s) {
-                symbols << name;
-                QImage image(qRound(16 * s), qRound(16 * s), QImage::Format_ARGB32_Premultiplied);
-                image.setDevicePixelRatio(s);
-                image.fill(c);
-                return image;
-            }};
-        QStringList chosen;
-        std::vector<DragOut> drags;
-        QImage droppedBytes;
-    };
+    using Setup = StatusBarSetup;
 
 private Q_SLOTS:
     void initTestCase() { qputenv("TMPDIR", m_temporary.path().toUtf8()); }
@@ -83,19 +29,6 @@ private Q_SLOTS:
         // Menus ask for more than the offscreen platform can do.
         QTest::failOnWarning(
             QRegularExpression(QStringLiteral("^(?!This plugin does not support)")));
-    }
-
-    void writesKeysAsItIsTold()
-    {
-        ItemMenu menu;
-        menu.describeKeys = [](const QKeySequence &keys) { return keys.toString() + "!"; };
-        QAction *withKeys = menu.addAction("Quit");
-        withKeys->setShortcut(Qt::CTRL | Qt::Key_Q);
-        QStyleOptionMenuItem option;
-        menu.initStyleOption(&option, withKeys);
-        QCOMPARE(option.text, QStringLiteral("Quit\tCtrl+Q!"));
-        menu.initStyleOption(&option, menu.addAction("About"));
-        QCOMPARE(option.text, QStringLiteral("About"));
     }
 
     void followsTheSettingAtLaunch_data()
@@ -175,107 +108,6 @@ private Q_SLOTS:
         QCOMPARE(s.clock.pendingCalls(), 0U);
     }
 
-    void listsItsItemsInOrder()
-    {
-        Setup s;
-        s.start();
-        s.tray.press({110, 10});
-        QVERIFY(s.controller.menu());
-        QStringList rows;
-        for (const QAction *action : s.controller.menu()->actions())
-            rows << (action->isSeparator()
-                         ? QStringLiteral("-")
-                         : action->text() + QLatin1Char('|') + action->shortcut().toString());
-        QCOMPARE(rows,
-                 QStringList({"Start Capture|Ctrl+Shift+2", "-", "Capture Image|Ctrl+Shift+2",
-                              "Capture Text|", "-", "Check for Updates...|", "-",
-                              "Preferences...|Ctrl+,", "About|", "-", "Quit|Ctrl+Q"}));
-    }
-
-    void offersNothingThatItCannotDo()
-    {
-        Setup s;
-        s.start();
-        s.controller.actions.checkForUpdates = nullptr;
-        s.controller.openMenu();
-        for (const QAction *action : s.controller.menu()->actions()) {
-            if (!action->isSeparator())
-                QCOMPARE(action->isEnabled(),
-                         action->text() != QLatin1String("Check for Updates..."));
-        }
-        s.controller.menu()->close();
-    }
-
-    void saysWhyItCannotCheckForUpdates_data()
-    {
-        QTest::addColumn<QString>("obstacle");
-        QTest::newRow("none") << QString();
-        QTest::newRow("a build without updates") << QStringLiteral("no address");
-    }
-    void saysWhyItCannotCheckForUpdates()
-    {
-        QFETCH(QString, obstacle);
-        Setup s;
-        s.start();
-        s.controller.updateObstacle = [obstacle] { return obstacle; };
-        s.controller.openMenu();
-        QMenu &menu = *s.controller.menu();
-        for (QAction *action : menu.actions()) {
-            const bool isCheck = action->text() == QLatin1String("Check for Updates...");
-            if (action->isSeparator())
-                continue;
-            QCOMPARE(action->isEnabled(), !isCheck || obstacle.isEmpty());
-            if (!isCheck)
-                continue;
-            const QPoint middle = menu.actionGeometry(action).center();
-            QHelpEvent hover(QEvent::ToolTip, middle, menu.mapToGlobal(middle));
-            QCoreApplication::sendEvent(&menu, &hover);
-            QCOMPARE(QToolTip::text(), obstacle);
-        }
-        menu.close();
-    }
-
-    void runsWhatIsChosenAfterTheMenuHasGone()
-    {
-        Setup s;
-        s.start();
-        const QStringList names{"start", "image", "text", "update", "preferences", "about", "quit"};
-        for (int i = 0; i < names.size(); ++i) {
-            s.tray.press({110, 10});
-            QList<QAction *> items = s.controller.menu()->actions();
-            items.removeIf([](const QAction *action) { return action->isSeparator(); });
-            items[i]->trigger();
-            s.controller.menu()->close();
-            QCOMPARE(s.chosen.size(), i);
-            QVERIFY(!s.controller.menu());
-            QTRY_COMPARE(s.chosen.size(), i + 1);
-            QCOMPARE(s.chosen.back(), names[i]);
-        }
-    }
-
-    void obeysKeyEquivalentsWhileTheMenuIsOpen()
-    {
-        Setup s;
-        s.start();
-        s.tray.press({110, 10});
-        QTest::keyClick(s.controller.menu(), Qt::Key_Comma, Qt::ControlModifier);
-        QVERIFY(!s.controller.menu());
-        QTRY_COMPARE(s.chosen, QStringList{QStringLiteral("preferences")});
-    }
-
-    void freesTheMenuOnceClosed()
-    {
-        Setup s;
-        s.start();
-        s.tray.onMenuRequested();
-        QPointer<QMenu> menu = s.controller.menu();
-        QVERIFY(menu);
-        s.tray.onMenuRequested(); // open already
-        QCOMPARE(s.controller.menu(), menu.data());
-        menu->close();
-        QTRY_VERIFY(!menu);
-    }
-
     void showsTheThumbnailForItsTime()
     {
         Setup s;
@@ -335,39 +167,6 @@ private Q_SLOTS:
         QVERIFY(s.controller.menu());
         QVERIFY(s.controller.isInPreviewMode());
         QVERIFY(s.drags.empty());
-    }
-
-    void givesItsRowsToAHostThatDrawsThem()
-    {
-        Setup s;
-        s.tray.hostDraws = true;
-        s.tray.drags = false;
-        s.controller.updateObstacle = [] { return QStringLiteral("no network"); };
-        s.start();
-        const auto rows = s.tray.menuRows();
-        QStringList shown;
-        for (const TrayMenuRow &row : rows)
-            shown << (row.isSeparator ? QStringLiteral("-") : row.title);
-        QCOMPARE(shown.join(','),
-                 QStringLiteral("Start Capture,-,Capture Image,Capture Text,-,Check for "
-                                "Updates...,-,Preferences...,About,-,Quit"));
-        QCOMPARE(rows[0].keys, QStringList({"Control", "Shift", "2"}));
-        QCOMPARE(rows[3].keys, QStringList());
-        QVERIFY(rows[0].isEnabled && !rows[5].isEnabled);
-        for (const int row : {0, 2, 3, 7, 8, 10, 11})
-            s.tray.onMenuRow(row);
-        QTRY_COMPARE(s.chosen,
-                     QStringList({"start", "image", "text", "preferences", "about", "quit"}));
-    }
-
-    void opensTheSettingsWhereItCouldPutNoMenu()
-    {
-        Setup s;
-        s.tray.hostDraws = true;
-        s.start();
-        s.tray.onMenuRequested();
-        QVERIFY(!s.controller.menu());
-        QCOMPARE(s.chosen, QStringList("preferences"));
     }
 
     void dragsTheImageOutAsAFile()
