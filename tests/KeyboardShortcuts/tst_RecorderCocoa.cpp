@@ -1,74 +1,18 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "KeyboardShortcuts/AlertSheet.h"
-#include "KeyboardShortcuts/RecorderCocoa.h"
-#include "KeyboardShortcuts/ShortcutService.h"
-#include "fakes/FakeHotKeys.h"
-#include "fakes/FakeKeyboardLayout.h"
-#include "fakes/FakeSystemShortcuts.h"
-#include "fakes/LogCapture.h"
-#include "foundation/UserDefaults.h"
-
-#include <QAbstractButton>
-#include <QAccessible>
-#include <QAction>
-#include <QApplication>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QVBoxLayout>
+#include "KeyboardShortcuts/RecorderTest.h"
 
 using namespace KeyboardShortcuts;
 using tovek::KeyCombo;
 
-namespace {
-
-// Codes of the window system.
-constexpr quint32 scanA = 38;
-constexpr quint32 scanTab = 23;
-constexpr quint32 scanEscape = 9;
-constexpr quint32 scanBackspace = 22;
-constexpr quint32 scanF5 = 71;
-constexpr quint32 scanPrint = 107;
-constexpr quint32 scanControl = 37;
-
-const Shortcut controlA{0, 0x1000};
-
-} // namespace
-
-class TestRecorderCocoa : public QObject
+class TestRecorderCocoa : public RecorderTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        // The offscreen platform says what it cannot do with windows.
-        QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin does not)")));
-        m_dir = std::make_unique<QTemporaryDir>();
-        m_defaults =
-            std::make_unique<tovek::UserDefaults>(m_dir->filePath(QStringLiteral("defaults.json")));
-        m_hotKeys = std::make_unique<tovek::FakeHotKeys>();
-        m_layout.characters = {{0, QStringLiteral("a")}, {12, QStringLiteral("q")}};
-        m_service = std::make_unique<ShortcutService>(*m_defaults, *m_hotKeys, m_layout);
-        m_name = m_service->createName(QStringLiteral("name"));
-        m_system = {};
-        m_beeps = 0;
-        m_changes.clear();
-        m_activity.clear();
-        m_token = m_service->notifications().observe(
-            recorderActiveStatusDidChange, [this](const QVariantMap &userInfo) {
-                m_activity.append(userInfo.value(QStringLiteral("isActive")).toBool());
-            });
-        makeWindow();
-    }
-    void cleanup()
-    {
-        m_window.reset();
-        m_token.reset();
-        m_service.reset();
-    }
+    void init() { begin(); }
+    void cleanup() { end(); }
 
     void showsTheStoredShortcut()
     {
@@ -222,135 +166,6 @@ private Q_SLOTS:
         QCOMPARE(runs, 0);
     }
 
-    void refusesWhatAMenuItemAnswersTo()
-    {
-        m_recorder->setFocus();
-        press(Qt::Key_Q, 24, Qt::ControlModifier);
-        AlertSheet *alert = sheet();
-        QVERIFY(alert);
-        QVERIFY(!m_recorder->isRecording());
-        QVERIFY(alert->accessibleName().contains(QStringLiteral("“Quit”")));
-        QCOMPARE(alert->buttons().size(), 1);
-        QCOMPARE(alert->windowModality(), Qt::WindowModal);
-        QCOMPARE(alert->parentWidget(), m_window.get());
-        alert->buttons().first()->click();
-        QTRY_VERIFY(m_recorder->isRecording());
-        QVERIFY(!m_service->shortcut(m_name));
-        QTRY_VERIFY(!sheet());
-    }
-
-    void asksAboutSystemShortcuts_data()
-    {
-        QTest::addColumn<bool>("isListed");
-        QTest::addColumn<int>("button");
-        QTest::addColumn<bool>("isStored");
-        QTest::newRow("held, left alone") << false << 0 << false;
-        QTest::newRow("held, forced") << false << 1 << true;
-        QTest::newRow("listed, left alone") << true << 0 << false;
-        QTest::newRow("listed, forced") << true << 1 << true;
-    }
-    void asksAboutSystemShortcuts()
-    {
-        QFETCH(bool, isListed);
-        QFETCH(int, button);
-        QFETCH(bool, isStored);
-        const KeyCombo taken{0, 0x1000};
-        (isListed ? m_system.listed : m_hotKeys->foreign).append(taken);
-        m_recorder->setFocus();
-        press(Qt::Key_A, scanA, Qt::ControlModifier);
-        AlertSheet *alert = sheet();
-        QVERIFY(alert);
-        QVERIFY(!m_service->shortcut(m_name));
-        QCOMPARE(alert->buttons().value(0)->text(), QStringLiteral("OK"));
-        QCOMPARE(alert->buttons().value(1)->text(), QStringLiteral("Use Anyway"));
-        tovek::LogCapture ignored; // a forced shortcut cannot be registered, which is reported
-        alert->buttons().value(button)->click();
-        QCOMPARE(m_service->shortcut(m_name).has_value(), isStored);
-        QTRY_COMPARE(m_recorder->isRecording(), !isStored);
-    }
-
-    void asksBeforeItTakesTheKeysOfAnotherField_data()
-    {
-        QTest::addColumn<int>("button");
-        QTest::addColumn<bool>("isMoved");
-        QTest::newRow("left alone") << 0 << false;
-        QTest::newRow("moved") << 1 << true;
-    }
-    void asksBeforeItTakesTheKeysOfAnotherField()
-    {
-        QFETCH(int, button);
-        QFETCH(bool, isMoved);
-        const Name other = m_service->createName(QStringLiteral("other"));
-        m_service->setShortcut(other, controlA);
-        m_recorder->setFocus();
-        press(Qt::Key_A, scanA, Qt::ControlModifier);
-        AlertSheet *alert = sheet();
-        QVERIFY(alert);
-        QVERIFY(alert->accessibleName().contains(QStringLiteral("“Other Field”")));
-        QVERIFY(!m_service->shortcut(m_name));
-        alert->buttons().value(button)->click();
-        QCOMPARE(m_service->shortcut(m_name).has_value(), isMoved);
-        QCOMPARE(m_service->shortcut(other).has_value(), !isMoved);
-        QCOMPARE(m_hotKeys->grabbed.size(), size_t(1));
-    }
-
-    void recordsItsOwnKeysAgainWithoutAQuestion()
-    {
-        m_service->setShortcut(m_name, controlA);
-        m_recorder->setFocus();
-        press(Qt::Key_A, scanA, Qt::ControlModifier);
-        QVERIFY(!sheet());
-        QCOMPARE(m_service->shortcut(m_name), std::optional(controlA));
-    }
-
-    void marksWhatTheSystemRefused()
-    {
-        m_hotKeys->foreign = {KeyCombo{0, 0x1000}};
-        tovek::LogCapture ignored;
-        m_service->setShortcut(m_name, controlA);
-        QVERIFY(m_recorder->isRefused());
-        QVERIFY(m_recorder->toolTip().startsWith(QStringLiteral("Ctrl+A\n")));
-        QVERIFY(m_recorder->toolTip().contains(QStringLiteral("another program")));
-        QVERIFY(m_recorder->accessibleDescription().contains(QStringLiteral("another program")));
-        const QImage marked = m_recorder->grab().toImage();
-        m_hotKeys->freeAll();
-        QVERIFY(!m_recorder->isRefused());
-        QCOMPARE(m_recorder->toolTip(), QStringLiteral("Ctrl+A"));
-        QVERIFY(m_recorder->grab().toImage() != marked);
-    }
-
-    void leavesASheetByEscape()
-    {
-        m_hotKeys->foreign = {KeyCombo{0, 0x1000}};
-        m_recorder->setFocus();
-        press(Qt::Key_A, scanA, Qt::ControlModifier);
-        QTest::keyClick(sheet(), Qt::Key_Escape);
-        QVERIFY(!m_service->shortcut(m_name));
-    }
-
-    void refusesWhatTheSystemNeverDelivers()
-    {
-        m_setup.systemMajor = 15;
-        m_setup.isSandboxed = true;
-        makeWindow();
-        m_recorder->setFocus();
-        press(Qt::Key_A, scanA, Qt::AltModifier);
-        QVERIFY(sheet());
-        QVERIFY(!m_service->shortcut(m_name));
-        m_setup.systemMajor = 0;
-    }
-
-    void recordsAGivenShortcutByTheSameRules()
-    {
-        m_recorder->record(Shortcut{105, 0});
-        QCOMPARE(m_service->shortcut(m_name), std::optional(Shortcut{105, 0}));
-        m_service->setShortcut(m_name, std::nullopt);
-        m_system.listed = {KeyCombo{105, 0}};
-        m_recorder->record(Shortcut{105, 0});
-        QVERIFY(sheet());
-        QVERIFY(!m_service->shortcut(m_name));
-    }
-
     void endsWhenItGoesOutOfSight()
     {
         m_recorder->setFocus();
@@ -390,62 +205,6 @@ private Q_SLOTS:
         clear->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
         QVERIFY(!m_service->shortcut(m_name));
     }
-
-private:
-    void makeWindow()
-    {
-        m_window = std::make_unique<QWidget>();
-        auto *layout = new QVBoxLayout(m_window.get());
-        layout->setContentsMargins(30, 30, 30, 30);
-        m_setup.beep = [this] { ++m_beeps; };
-        m_setup.systemShortcuts = &m_system;
-        m_setup.titleOf = [](const Name &name) {
-            return name.rawValue == QStringLiteral("other") ? QStringLiteral("Other Field")
-                                                            : name.rawValue;
-        };
-        m_setup.mainMenu = [this] { return QList<QAction *>{&m_quit}; };
-        m_quit.setText(QStringLiteral("&Quit"));
-        m_quit.setShortcut(QKeySequence(QStringLiteral("Ctrl+Q")));
-        m_recorder = new RecorderCocoa(m_name, *m_service, m_setup, m_window.get());
-        m_recorder->onChange = [this](const auto &shortcut) { m_changes.append(shortcut); };
-        m_other = new QPushButton(QStringLiteral("other"), m_window.get());
-        layout->addWidget(m_recorder);
-        layout->addWidget(m_other);
-        m_window->show();
-        m_window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-        m_other->setFocus();
-        m_activity.clear();
-    }
-    void press(Qt::Key key, quint32 scanCode, Qt::KeyboardModifiers modifiers = {})
-    {
-        QKeyEvent down(QEvent::KeyPress, key, modifiers, scanCode, 0, 0);
-        QCoreApplication::sendEvent(m_recorder, &down);
-    }
-    /// A place in the recorder's coordinates.
-    void clickAt(QPoint place)
-    {
-        const QPoint inWindow = m_recorder->mapTo(m_window.get(), place);
-        QTest::mouseClick(m_window.get(), Qt::LeftButton, {}, inWindow);
-    }
-    AlertSheet *sheet() const { return m_window->findChild<AlertSheet *>(); }
-
-    std::unique_ptr<QTemporaryDir> m_dir;
-    std::unique_ptr<tovek::UserDefaults> m_defaults;
-    std::unique_ptr<tovek::FakeHotKeys> m_hotKeys;
-    tovek::FakeKeyboardLayout m_layout;
-    tovek::FakeSystemShortcuts m_system;
-    std::unique_ptr<ShortcutService> m_service;
-    Name m_name;
-    QAction m_quit;
-    RecorderSetup m_setup;
-    std::unique_ptr<QWidget> m_window;
-    RecorderCocoa *m_recorder = nullptr;
-    QPushButton *m_other = nullptr;
-    int m_beeps = 0;
-    QList<std::optional<Shortcut>> m_changes;
-    QList<bool> m_activity;
-    NotificationCenter::Token m_token;
 };
 
 QTEST_MAIN(TestRecorderCocoa)
