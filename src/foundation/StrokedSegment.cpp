@@ -151,9 +151,8 @@ public:
                 const double part = m_coverage.of(QPointF(at) + QPointF(0.5, 0.5));
                 const QPoint in = at - piece.topLeft();
                 // Never negative; the library's rounding would be a call for each pixel.
-                // NOLINTNEXTLINE(bugprone-incorrect-roundings)
-                pixels[qsizetype(in.y()) * piece.width() + in.x()] =
-                    m_shades[size_t(255 * part + 0.5)];
+                const auto shade = size_t(255 * part + 0.5); // NOLINT(bugprone-incorrect-roundings)
+                pixels[qsizetype(in.y()) * piece.width() + in.x()] = m_shades[shade];
             }
         }
         return image;

@@ -18,9 +18,10 @@ namespace {
 
 using Job = std::function<void()>;
 
-/// By value: the job, and what it holds, ends here.
-void carryOut(Job job)
+/// The job, and what it holds, ends here.
+void carryOut(Job &&given)
 {
+    const Job job = std::move(given);
     try {
         job();
     } catch (const std::bad_alloc &) {

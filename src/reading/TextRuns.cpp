@@ -167,25 +167,25 @@ std::vector<PatchList> withoutTallPatches(const PatchList &patches, int letterHe
     return parts;
 }
 
-void cut(PatchList patches, std::vector<TextRun> &runs)
+void cut(const PatchList &patches, std::vector<TextRun> &runs)
 {
-    const auto recurse = [&runs](std::vector<PatchList> parts) {
-        for (PatchList &part : parts)
-            cut(std::move(part), runs);
+    const auto recurse = [&runs](const std::vector<PatchList> &parts) {
+        for (const PatchList &part : parts)
+            cut(part, runs);
     };
     std::vector<PatchList> bands = bandsOf(patches);
     if (bands.size() > 1)
-        return recurse(std::move(bands));
+        return recurse(bands);
     const int letterHeight = typicalHeight(patches);
     std::vector<PatchList> columns = columnsOf(patches, int(std::ceil(letterHeight * columnGap)));
     if (columns.size() > 1)
-        return recurse(std::move(columns));
+        return recurse(columns);
     if (std::vector<PatchList> parts = withoutTallPatches(patches, letterHeight); parts.size() > 1)
-        return recurse(std::move(parts));
+        return recurse(parts);
     if (boundsOf(patches).height() > letterHeight * 2.1) {
         std::vector<PatchList> lines = touchingLines(patches, letterHeight);
         if (lines.size() > 1)
-            return recurse(std::move(lines));
+            return recurse(lines);
     }
     TextRun run{boundsOf(patches), std::move(columns.front())};
     runs.push_back(std::move(run));
@@ -282,7 +282,7 @@ std::vector<TextRun> textRuns(const std::vector<InkPatch> &patches)
     std::copy_if(patches.begin(), patches.end(), std::back_inserter(text), canBeText);
     std::vector<TextRun> runs;
     if (!text.empty())
-        cut(std::move(text), runs);
+        cut(text, runs);
     return runs;
 }
 

@@ -58,9 +58,10 @@ QFuture<std::vector<TextRegion>> OCRService::recognizeText(const Image &image)
         return readyFuture(Regions{});
     const QSize imageSize = image.bitmap.size();
     QFuture<RecognitionResult> recognition = m_recognizer.recognize(image.bitmap, image.scale());
-    QFuture<Regions> regions = recognition.then([imageSize](QFuture<RecognitionResult> finished) {
-        return finished.resultCount() > 0 ? regionsOf(finished.result(), imageSize) : Regions{};
-    });
+    QFuture<Regions> regions =
+        recognition.then([imageSize](const QFuture<RecognitionResult> &finished) {
+            return finished.resultCount() > 0 ? regionsOf(finished.result(), imageSize) : Regions{};
+        });
     // A continuation does not cancel what it continues.
     auto *watcher = new QFutureWatcher<Regions>(this);
     connect(watcher, &QFutureWatcher<Regions>::canceled, this,

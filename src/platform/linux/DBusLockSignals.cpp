@@ -33,7 +33,7 @@ constexpr const char *savers[] = {
 
 } // namespace
 
-DBusLockSignals::DBusLockSignals(QDBusConnection session)
+DBusLockSignals::DBusLockSignals(const QDBusConnection &session)
 {
     setBus(session);
     QTimer::singleShot(machineDelay, this, [this] {

@@ -18,7 +18,7 @@ class DBusLockSignals : public QObject, public LockSignals
 
 public:
     /// The machine's bus is connected a moment later: the program starts without it.
-    explicit DBusLockSignals(QDBusConnection session);
+    explicit DBusLockSignals(const QDBusConnection &session);
     /// Another session bus, or one that has died.
     void setBus(const QDBusConnection &session);
 

@@ -129,7 +129,7 @@ QList<DesktopShortcuts::Entry> DesktopShortcuts::fromXfconf(const QVariantMap &p
         const QString used =
             isOverridden ? custom : QStringLiteral("/%1/default/").arg(QLatin1String(table.name));
         for (auto property = properties.begin(); property != properties.end(); ++property) {
-            const QString key = property.key();
+            const QString &key = property.key();
             const QString value = property.value().toString();
             if (!key.startsWith(used) || key.endsWith(QStringLiteral("/override"))
                 || value.isEmpty())

@@ -5,6 +5,7 @@
 
 #include "platform/linux/Accelerator.h"
 
+#include <QCoreApplication>
 #include <QTimer>
 
 #include <algorithm>

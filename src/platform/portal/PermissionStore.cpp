@@ -24,7 +24,7 @@ QDBusMessage callOfStore(const QString &method)
 
 } // namespace
 
-StoredAnswer storedScreenshotAnswer(QDBusConnection bus, const QString &appId)
+StoredAnswer storedScreenshotAnswer(const QDBusConnection &bus, const QString &appId)
 {
     QDBusMessage look = callOfStore(QStringLiteral("Lookup"));
     look << table << table;
@@ -42,7 +42,7 @@ StoredAnswer storedScreenshotAnswer(QDBusConnection bus, const QString &appId)
     return answer == QLatin1String("ask") ? StoredAnswer::askEachTime : StoredAnswer::none;
 }
 
-QString forgetScreenshotAnswer(QDBusConnection bus, const QString &appId)
+QString forgetScreenshotAnswer(const QDBusConnection &bus, const QString &appId)
 {
     QDBusMessage forget = callOfStore(QStringLiteral("DeletePermission"));
     forget << table << table << appId;

@@ -18,9 +18,9 @@ enum class StoredAnswer {
 };
 
 /// Never asks the user. Waits for the store, for half a second at most.
-StoredAnswer storedScreenshotAnswer(QDBusConnection bus, const QString &appId);
+StoredAnswer storedScreenshotAnswer(const QDBusConnection &bus, const QString &appId);
 /// Has the desktop ask the user anew the next time. The reason when it did not work, otherwise an
 /// empty text.
-QString forgetScreenshotAnswer(QDBusConnection bus, const QString &appId);
+QString forgetScreenshotAnswer(const QDBusConnection &bus, const QString &appId);
 
 } // namespace tovek

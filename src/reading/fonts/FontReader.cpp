@@ -38,7 +38,7 @@ constexpr double leastReadShare = 0.25;
 
 /// The mean of all runs, or that of those which are certainly written in the font, where they are
 /// a good part of the grid.
-double distanceOf(std::vector<RunDistance> runs)
+double distanceOf(const std::vector<RunDistance> &runs)
 {
     RunDistance all;
     RunDistance certain;

@@ -258,13 +258,12 @@ GridWords wordsIn(const GridText &text, const std::vector<GridStretch> &stretche
             const CutRow cut = cuts[stretch.row];
             const bool isCut = (from == 0 && cut.left) || (to == cells.size() && cut.right);
             settleAlphabet(characters);
-            if (isCut)
+            const bool isOrnament = !isWhole && characters.size() > widestCellSymbol;
+            if (isCut || isOrnament)
                 words.left.push_back(box);
             else if (isWhole)
                 line.push_back({QString::fromStdU32String(characters), box,
                                 100 * (1 - distance / double(characters.size()))});
-            else if (characters.size() > widestCellSymbol)
-                words.left.push_back(box);
             from = to;
         }
         if (!line.empty())

@@ -114,11 +114,14 @@ ExtScreenGrabber::create(std::shared_ptr<WaylandConnection> connection,
     if (!connection->offers(ext_image_copy_capture_manager_v1_interface.name)
         || !connection->offers(ext_output_image_capture_source_manager_v1_interface.name))
         return nullptr;
-    std::unique_ptr<ExtScreenGrabber> grabber(new ExtScreenGrabber(connection, std::move(outputs)));
-    grabber->m_manager = connection->bind<ext_image_copy_capture_manager_v1>(
+    auto *manager = connection->bind<ext_image_copy_capture_manager_v1>(
         ext_image_copy_capture_manager_v1_interface, 1);
-    grabber->m_sources = connection->bind<ext_output_image_capture_source_manager_v1>(
+    auto *sources = connection->bind<ext_output_image_capture_source_manager_v1>(
         ext_output_image_capture_source_manager_v1_interface, 1);
+    std::unique_ptr<ExtScreenGrabber> grabber(
+        new ExtScreenGrabber(std::move(connection), std::move(outputs)));
+    grabber->m_manager = manager;
+    grabber->m_sources = sources;
     grabber->distrustCursor();
     return grabber;
 }

@@ -48,7 +48,7 @@ X11FrozenDisplay::X11FrozenDisplay(std::shared_ptr<X11Pixmap> pixmap, const QIma
 }
 
 std::shared_ptr<X11FrozenDisplay>
-X11FrozenDisplay::fromImage(std::shared_ptr<X11Connection> connection, const QImage &image)
+X11FrozenDisplay::fromImage(const std::shared_ptr<X11Connection> &connection, const QImage &image)
 {
     const auto pixmap = std::make_shared<X11Pixmap>(connection, image.size());
     const xcb_setup_t *setup = xcb_get_setup(connection->xcb());

@@ -17,8 +17,8 @@ public:
     X11FrozenDisplay(std::shared_ptr<X11Pixmap> pixmap, std::shared_ptr<X11Barrier> barrier,
                      std::shared_ptr<X11PixelFetcher> fetcher);
     /// A display whose pixels came another way; they are brought to the server.
-    static std::shared_ptr<X11FrozenDisplay> fromImage(std::shared_ptr<X11Connection> connection,
-                                                       const QImage &image);
+    static std::shared_ptr<X11FrozenDisplay>
+    fromImage(const std::shared_ptr<X11Connection> &connection, const QImage &image);
 
     QSize size() const override { return m_pixmap->size(); }
     QFuture<QImage> pixels() override;

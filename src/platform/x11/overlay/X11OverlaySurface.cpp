@@ -301,7 +301,7 @@ QRegion X11OverlaySurface::toLogical(const QRegion &native) const
     return scaled(native, 1 / m_screen.scale);
 }
 
-X11OverlayShell::X11OverlayShell(std::shared_ptr<X11Connection> connection,
+X11OverlayShell::X11OverlayShell(const std::shared_ptr<X11Connection> &connection,
                                  std::shared_ptr<X11Monitors> monitors)
     : m_services(new X11OverlayServices{connection, nullptr, std::move(monitors),
                                         X11KeyboardHold(connection), X11Stacking(connection),

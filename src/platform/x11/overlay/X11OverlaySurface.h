@@ -81,7 +81,7 @@ private:
 class X11OverlayShell : public OverlayShell
 {
 public:
-    X11OverlayShell(std::shared_ptr<X11Connection> connection,
+    X11OverlayShell(const std::shared_ptr<X11Connection> &connection,
                     std::shared_ptr<X11Monitors> monitors);
     ~X11OverlayShell() override;
     void prepare() override;
