@@ -18,6 +18,7 @@
 #include "platform/wayland/capture/ExtScreenGrabber.h"
 #include "platform/wayland/capture/KWinCapturePermission.h"
 #include "platform/wayland/capture/KWinScreenGrabber.h"
+#include "platform/wayland/capture/SwayFrontmostApp.h"
 #include "platform/wayland/capture/WaylandScreens.h"
 #include "platform/wayland/capture/WlrScreenGrabber.h"
 #include "platform/wayland/clipboard/DataControlClipboard.h"
@@ -79,6 +80,13 @@ std::unique_ptr<ScreenGrabber> makeWaylandGrabber(std::shared_ptr<WaylandConnect
     return nullptr;
 }
 
+std::unique_ptr<FrontmostApp> makeWaylandFrontmostApp(std::shared_ptr<WaylandOutputs> outputs)
+{
+    if (auto app = SwayFrontmostApp::create(qEnvironmentVariable("SWAYSOCK"), std::move(outputs)))
+        return app;
+    return std::make_unique<NullFrontmostApp>();
+}
+
 } // namespace
 
 bool addWaylandDesktop(Platform &platform, EarlyPlatform &early)
@@ -101,7 +109,7 @@ bool addWaylandDesktop(Platform &platform, EarlyPlatform &early)
     platform.screens = std::move(screens);
     platform.grabber = std::move(grabber);
     platform.overlayShell = std::move(overlayShell);
-    platform.frontmostApp = std::make_unique<NullFrontmostApp>();
+    platform.frontmostApp = makeWaylandFrontmostApp(outputs);
     platform.clipboard = DataControlClipboard::create(connection);
     if (!platform.clipboard)
         platform.clipboard = std::make_unique<NullClipboard>();
@@ -131,7 +139,7 @@ bool addWaylandCapture(Platform &platform, EarlyPlatform &early)
         return false;
     platform.screens = std::make_unique<WaylandScreens>(outputs);
     platform.grabber = std::move(grabber);
-    platform.frontmostApp = std::make_unique<NullFrontmostApp>();
+    platform.frontmostApp = makeWaylandFrontmostApp(outputs);
     early.wayland->handleInMainLoop();
     return true;
 }

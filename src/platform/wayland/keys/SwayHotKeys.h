@@ -6,7 +6,7 @@
 #include "platform/HotKeys.h"
 #include "platform/linux/KeyRepeatFilter.h"
 #include "platform/linux/RawKeyFilter.h"
-#include "platform/wayland/keys/SwayIpc.h"
+#include "platform/wayland/SwayIpc.h"
 
 #include <QObject>
 #include <QSocketNotifier>

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "platform/wayland/keys/SwayIpc.h"
+#include "platform/wayland/SwayIpc.h"
 
 #include <QFile>
 #include <QJsonArray>

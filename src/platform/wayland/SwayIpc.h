@@ -23,6 +23,7 @@ public:
     enum class Type : quint32 {
         runCommand = 0,
         subscribe = 2,
+        tree = 4,
         config = 9,
         inputs = 100,
         workspaceEvent = 0x80000000,
