@@ -113,13 +113,23 @@ struct WaylandSession
         return act(action)
             && waitUntil([&] { return desktop.look(0).copy(pointerArea()) != arrow; });
     }
+    /// The same a moment after a copy: its toast may be on the screen still, and is not to be in
+    /// the next picture.
+    [[nodiscard]] bool openAgain(const char *action = "start-capture")
+    {
+        desktop.output(QStringLiteral("wl-copy"), {QStringLiteral("--clear")});
+        point(0, corner);
+        const QImage arrow = before.first().copy(pointerArea());
+        const auto showsCross = [&] { return desktop.look(0).copy(pointerArea()) != arrow; };
+        return waitUntil([&] { return !showsCross(); }) && act(action) && waitUntil(showsCross);
+    }
     void select(int monitor, QPointF from, QPointF to)
     {
         hand->drag(pointsAt(monitor, from), pointsAt(monitor, to));
     }
     [[nodiscard]] bool tap(const char *chord) { return hand->tap(QLatin1String(chord)); }
     /// Where the pointer's picture lies at `open`.
-    static QRect pointerArea() { return {0, 0, 80, 80}; }
+    static QRect pointerArea() { return {0, 0, 160, 160}; }
     /// Two pictures of an output, but for the pointer in its corner.
     static int differences(QImage one, QImage other)
     {
@@ -145,8 +155,8 @@ struct WaylandSession
     {
         return before[monitor].copy(part.toAlignedRect());
     }
-    /// The pointer's hot spot when it waits, in points as in pixels.
-    static constexpr QPointF corner{30, 30};
+    /// The pointer's hot spot when it waits, in pixels. Nearer to its corner KWin lights that up.
+    static constexpr QPointF corner{80, 80};
 
     bool fail(const QString &reason)
     {

@@ -1,0 +1,45 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+// The pixels of outputs on sway, at scales with fractions and without.
+
+#include "desktop/wayland/ExactPixels.h"
+
+#include <QRegularExpression>
+
+using namespace tovek;
+
+class TestExactScales : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    void opensAndCopiesToThePixel_data()
+    {
+        QTest::addColumn<WaylandPlan>("plan");
+        for (const double scale : {1.0, 1.25, 1.5, 2.0})
+            QTest::addRow("scale %.2f", scale) << WaylandPlan{{{QSize(1200, 960), scale}}};
+        QTest::newRow("mixed") << WaylandPlan{{{QSize(1280, 800), 1}, {QSize(1600, 1200), 2}}};
+    }
+    void opensAndCopiesToThePixel()
+    {
+        QFETCH(WaylandPlan, plan);
+        skipBecause(WaylandDesktop::missing(plan));
+        verifyExactness(plan);
+    }
+
+    void opensWhereAFractionOfAPointIsLeft()
+    {
+        const WaylandPlan plan{{{QSize(1281, 801), 1.5}}};
+        skipBecause(WaylandDesktop::missing(plan));
+        WaylandSession session(plan);
+        QVERIFY2(session.start(), qPrintable(session.error));
+        // Of such an output grim makes a picture that is not exact; it is the same one twice.
+        verifyThatOpeningChangesNothing(session);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestExactScales)
+#include "tst_ExactScales.moc"
