@@ -2,8 +2,9 @@
 // SPDX-License-Identifier: MIT
 
 // A copy, a file, a drawing and a text on a virtual desktop, as a person makes them: tour PROGRAM
-// FOLDER. What the person sees and gets lies in the folder afterwards. Ends with 1 at the first
-// step that did not happen.
+// FOLDER [SETTINGS]. What the person sees and gets lies in the folder afterwards. The settings that
+// an earlier tour left in the last file are this one's, and must still be what they were at its
+// end. Ends with 1 at the first step that did not happen.
 
 #include "support/ClipboardReader.h"
 #include "support/RunningTovek.h"
@@ -12,6 +13,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QJsonDocument>
 
 #include <cstdio>
 
@@ -27,7 +29,12 @@ const QRect selection(140, 80, 480, 300);
 class Tour
 {
 public:
-    Tour(const QString &program, const QString &folder) : m_program(program), m_out(folder) { }
+    Tour(const QString &program, const QString &folder, const QString &settings)
+        : m_program(program)
+        , m_out(folder)
+        , m_settings(settings)
+    {
+    }
     bool run();
 
 private:
@@ -38,14 +45,23 @@ private:
     bool saveFile();
     bool draw();
     bool copyText();
+    bool startTovek();
+    bool keepSettings();
     QString out(const char *name) const { return m_out.filePath(QLatin1String(name)); }
 
     QString m_program;
     QDir m_out;
+    QString m_settings; ///< empty: those of every tour, and nobody asks for them afterwards
     TestDesktop m_desktop;
     std::unique_ptr<RunningTovek> m_tovek;
     QImage m_before;
 };
+
+QByteArray bytesOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
 
 bool Tour::step(bool happened, const char *what)
 {
@@ -63,7 +79,34 @@ bool Tour::openDesktop()
     m_tovek = std::make_unique<RunningTovek>(m_desktop, m_program);
     return step(m_desktop.showPicture(firstWindow) && m_desktop.showPicture(secondWindow),
                 "two windows with pictures and text")
-        && step(m_tovek->start(), "Tovek, waiting for its shortcut");
+        && startTovek();
+}
+
+bool Tour::startTovek()
+{
+    const QByteArray earlier = bytesOf(m_settings);
+    if (earlier.isEmpty())
+        return step(m_tovek->start(), "Tovek, waiting for its shortcut");
+    const bool isReady = m_tovek->writeSettings(earlier) && m_tovek->startAsItIs()
+        && waitUntil([&] { return m_tovek->holds(QLatin1String(RunningTovek::captureText)); });
+    return step(isReady, "Tovek, waiting for the shortcut of the settings that it found");
+}
+
+bool Tour::keepSettings()
+{
+    if (m_settings.isEmpty())
+        return true;
+    const QByteArray stored = bytesOf(m_desktop.configFolder() + "/tovek/defaults.json");
+    const QJsonObject now = QJsonDocument::fromJson(stored).object();
+    const QJsonObject earlier = QJsonDocument::fromJson(bytesOf(m_settings)).object();
+    for (auto it = earlier.begin(); it != earlier.end(); ++it) {
+        if (now.value(it.key()) != it.value())
+            return step(false, qPrintable("the setting " + it.key() + " is what it was"));
+    }
+    QFile file(m_settings);
+    return step(!now.isEmpty(), "every setting is what it was")
+        && step(file.open(QIODevice::WriteOnly) && file.write(stored) == stored.size(),
+                qPrintable(m_settings));
 }
 
 bool Tour::select()
@@ -174,7 +217,8 @@ bool Tour::run()
         && step(m_tovek->eye().lookWhenStill().save(out("overlay.png")), "out/overlay.png")
         && copyToClipboard() && step(m_tovek->waitUntilGone(), "no window stays behind") && select()
         && saveFile() && step(m_tovek->waitUntilGone(), "no window stays behind") && select()
-        && draw() && step(m_tovek->waitUntilGone(), "no window stays behind") && copyText();
+        && draw() && step(m_tovek->waitUntilGone(), "no window stays behind") && copyText()
+        && keepSettings();
 }
 
 } // namespace
@@ -183,14 +227,14 @@ int main(int argc, char **argv)
 {
     QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() != 3 || !QDir().mkpath(arguments[2])) {
-        std::fputs("usage: tour PROGRAM FOLDER\n", stderr);
+    if (arguments.size() < 3 || arguments.size() > 4 || !QDir().mkpath(arguments[2])) {
+        std::fputs("usage: tour PROGRAM FOLDER [SETTINGS]\n", stderr);
         return 1;
     }
     // What an earlier tour left must not pass for this one's.
     for (const char *name : {"overlay.png", "clipboard.png", "saved.png", "drawn.png"})
         QFile::remove(QDir(arguments[2]).filePath(QLatin1String(name)));
-    Tour tour(arguments[1], arguments[2]);
+    Tour tour(arguments[1], arguments[2], arguments.value(3));
     const bool isWhole = tour.run();
     std::puts(isWhole ? "The tour is complete." : "The tour failed.");
     return isWhole ? 0 : 1;
