@@ -227,10 +227,20 @@ void X11OverlaySurface::setCovered(const QRegion &region)
 
 void X11OverlaySurface::setFollowsPointer(bool isOn)
 {
-    if (!isOn)
-        m_pointer.stop();
-    else if (m_isVisible)
-        m_pointer.start(id());
+    if (isOn) {
+        if (m_isVisible)
+            m_pointer.start(id());
+        return;
+    }
+    const auto missed = m_pointer.giveBack();
+    if (!missed)
+        return;
+    // After the event that is being handled, and before what the toolkit hears from now on.
+    const QPointF at = QPointF(*missed) / m_screen.scale;
+    QCoreApplication::postEvent(&m_window,
+                                new QMouseEvent(QEvent::MouseMove, at, m_window.mapToGlobal(at),
+                                                Qt::NoButton, Qt::NoButton,
+                                                QGuiApplication::keyboardModifiers()));
 }
 
 void X11OverlaySurface::followMouse(const QEvent &event)

@@ -72,6 +72,22 @@ void X11PointerFollower::stop()
     m_window = 0;
 }
 
+std::optional<QPoint> X11PointerFollower::giveBack()
+{
+    constexpr uint16_t anyButton = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
+    const bool wasTaken = m_inputEvents != nullptr;
+    const xcb_window_t window = m_window;
+    stop();
+    xcb_connection_t *xcb = m_toolkit->xcb();
+    if (!wasTaken || !xcb)
+        return std::nullopt;
+    const X11Reply<xcb_query_pointer_reply_t> pointer(
+        xcb_query_pointer_reply(xcb, xcb_query_pointer(xcb, window), nullptr));
+    if (!pointer || !pointer->same_screen || (pointer->mask & anyButton))
+        return std::nullopt;
+    return QPoint(pointer->win_x, pointer->win_y);
+}
+
 void X11PointerFollower::pressed()
 {
     m_last.reset();

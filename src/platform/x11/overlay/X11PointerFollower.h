@@ -32,6 +32,9 @@ public:
     /// `stop`.
     void start(xcb_window_t window);
     void stop();
+    /// As `stop`. Where the pointer is by then, of which the toolkit has not heard: a mouse that
+    /// moved before and rests now is not heard of for a long time. Absent while a button is held.
+    std::optional<QPoint> giveBack();
 
     void pressed();
     /// True when this ends what `pressed` began, and the place of the release is yet to be told.

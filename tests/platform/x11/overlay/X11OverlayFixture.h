@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QBackingStore>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QTest>
 #include <QWidget>
@@ -41,9 +42,11 @@ public:
 
     QRegion painted;
     int keys = 0;
+    QPointF pointer;
 
 private:
     void keyPressEvent(QKeyEvent *) override { ++keys; }
+    void mouseMoveEvent(QMouseEvent *event) override { pointer = event->position(); }
     void focusInEvent(QFocusEvent *) override { }
     void focusOutEvent(QFocusEvent *) override { }
     void paintEvent(QPaintEvent *event) override

@@ -5,6 +5,8 @@
 #include "platform/x11/overlay/X11OverlayFixture.h"
 #include "platform/x11/overlay/X11ToastShell.h"
 
+#include <xcb/xtest.h>
+
 using namespace tovek;
 
 namespace {
@@ -155,6 +157,31 @@ private Q_SLOTS:
         xcb_destroy_window(desktop->client(), visitor);
         desktop->sync();
         QTRY_VERIFY(largestDifference(desktop->look(m_screen.native), expected) <= limit);
+    }
+
+    /// Else what lit up below the mouse stays lit.
+    void hearsWhereTheMouseWentAsItBeganToListen()
+    {
+        const auto moveTo = [](int x, int y) {
+            xcb_test_fake_input(desktop->client(), XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME,
+                                desktop->screen().root, int16_t(x), int16_t(y), 0);
+            desktop->sync();
+        };
+        moveTo(100, 100);
+        Overlay overlay;
+        overlay.setMouseTracking(true);
+        const auto surface = m_shell->create(*overlay.windowHandle(), m_screen, freeze());
+        overlay.open(*surface);
+        QVERIFY(QTest::qWaitForWindowExposed(overlay.windowHandle()));
+        surface->setFollowsPointer(true);
+        QTest::qWait(50);
+        overlay.pointer = {};
+        moveTo(300, 200);
+        QTest::qWait(50);
+        QCOMPARE(overlay.pointer, QPointF());
+        surface->setFollowsPointer(false);
+        QTRY_COMPARE(overlay.pointer, QPointF(300, 200) / m_screen.scale);
+        surface->orderOut();
     }
 
     void staysAboveWhatComesLater()

@@ -134,6 +134,22 @@ private Q_SLOTS:
         QTRY_COMPARE(m_window->moves, 1);
     }
 
+    void tellsWhereTheMouseWentBeforeTheToolkitListened()
+    {
+        start();
+        moveTo({200, 200});
+        press();
+        m_follower->pressed();
+        release();
+        QVERIFY(m_follower->released());
+        moveTo({260, 240});
+        QCOMPARE(m_follower->giveBack(), std::optional(QPoint(160, 140)));
+        QCOMPARE(m_follower->giveBack(), std::nullopt); // it hears by itself
+        start();
+        press();
+        QCOMPARE(m_follower->giveBack(), std::nullopt); // the press says where
+    }
+
 private:
     static constexpr auto interval = 16ms;
 
