@@ -13,12 +13,12 @@
 #include "foundation/WhenReady.h"
 #include "look/ModernStyle.h"
 #include "look/ScaledLabel.h"
+#include "platform/FrontmostApp.h"
 #include "platform/LoginItem.h"
 #include "update/UpdaterManager.h"
 
 #include <QDir>
 #include <QEvent>
-#include <QFileDialog>
 #include <QPainter>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -72,6 +72,7 @@ private:
 GeneralTabView::GeneralTabView(const Services &services, QWidget *parent)
     : QWidget(parent)
     , m_services(services)
+    , m_chooser(services.folderDialog)
 {
     auto *card = new FormCard(cardRowHeight, this);
     auto *layout = new QVBoxLayout(this);
@@ -97,6 +98,18 @@ GeneralTabView::GeneralTabView(const Services &services, QWidget *parent)
     addUpdatesRow(card->addRow(QStringLiteral("arrow.triangle.2.circlepath"),
                                tr("Check for updates automatically")));
     m_services.loginItem.onChanged = [this] { refresh(); };
+    m_chooser.onChosen = [this](const QString &folder) {
+        Settings::saveFolderPath.set(m_services.defaults, folder);
+        askFolder();
+    };
+    m_chooser.onHung = [this] {
+        logLine(QStringLiteral("Closed the folder chooser: a folder does not answer"));
+        showFolderNote(tr("The folder chooser waited for a folder that is not answering"));
+    };
+    m_chooser.onFailed = [this](const QString &reason) {
+        logLine(QStringLiteral("Failed to open the folder chooser: %1").arg(reason));
+        showFolderNote(tr("The folder chooser could not be opened"));
+    };
 }
 
 GeneralTabView::~GeneralTabView()
@@ -192,9 +205,13 @@ void GeneralTabView::askFolder()
 void GeneralTabView::showFolder(const FolderReport &report)
 {
     m_folder = report;
-    const QString note = noteOn(report.state);
     m_folderPath->setText(abbreviatedPath(report.folder, QDir::homePath()));
     m_folderPath->setToolTip(report.folder);
+    showFolderNote(noteOn(report.state));
+}
+
+void GeneralTabView::showFolderNote(const QString &note)
+{
     m_folderRow->setNote(note);
     const QStringList parts{m_folderPath->accessibleName(), note};
     m_folderButton->setAccessibleDescription(parts.join(QStringLiteral(". ")));
@@ -232,21 +249,13 @@ void GeneralTabView::setShownInMenuBar(bool isOn)
 
 void GeneralTabView::chooseFolder()
 {
-    // The dialog asks the file system on this thread.
     const bool isAnswering = m_folder.state != FolderState::notAnswering;
-    auto *chooser = new QFileDialog(window(),
-                                    tr("Select the folder where screenshots will be "
-                                       "saved"),
-                                    isAnswering ? m_folder.folder : QDir::homePath());
-    chooser->setAttribute(Qt::WA_DeleteOnClose);
-    chooser->setFileMode(QFileDialog::Directory);
-    chooser->setOption(QFileDialog::ShowDirsOnly);
-    chooser->setLabelText(QFileDialog::Accept, tr("Choose"));
-    connect(chooser, &QFileDialog::fileSelected, this, [this](const QString &folder) {
-        Settings::saveFolderPath.set(m_services.defaults, folder);
-        askFolder();
-    });
-    chooser->open();
+    FolderChooser::Question question{isAnswering ? m_folder.folder : QDir::homePath()};
+    question.isDark = ModernStyle::isDark(palette());
+    const QWindow *owner = window()->windowHandle();
+    if (owner && m_services.frontmostApp)
+        question.window = m_services.frontmostApp->sharedHandle(*owner);
+    m_chooser.ask(question);
 }
 
 } // namespace tovek

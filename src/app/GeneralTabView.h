@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "app/FolderChooser.h"
+#include "app/HelperProgram.h"
 #include "app/SaveFolder.h"
 
 #include <QFuture>
@@ -11,11 +13,11 @@
 #include <functional>
 
 class QPushButton;
-class QFileDialog;
 
 namespace tovek {
 
 class FormRow;
+class FrontmostApp;
 class LoginItem;
 class SwitchControl;
 class UpdaterManager;
@@ -33,6 +35,8 @@ public:
         LoginItem &loginItem;
         UpdaterManager &updaterManager;
         std::function<void(bool isVisible)> setStatusItemVisible;
+        const FrontmostApp *frontmostApp = nullptr; ///< may be missing
+        QString folderDialog = helperProgram(QStringLiteral("tovek-folder"));
     };
 
     /// The services must outlive the view.
@@ -52,6 +56,7 @@ private:
     void refresh();
     void askFolder();
     void showFolder(const FolderReport &report);
+    void showFolderNote(const QString &note);
     void setLaunchAtLogin(bool isOn);
     void setShownInMenuBar(bool isOn);
     void chooseFolder();
@@ -60,6 +65,7 @@ private:
     FolderReport m_folder;
     QString m_askedFolder; ///< as it is stored
     QFuture<FolderReport> m_answer;
+    FolderChooser m_chooser;
     FormRow *m_loginRow = nullptr;
     SwitchControl *m_launchAtLogin = nullptr;
     FormRow *m_folderRow = nullptr;

@@ -94,8 +94,9 @@ QIcon SettingsTabs::icon(SettingsTab tab, const QWidget &window) const
 
 QWidget *SettingsTabs::makeGeneral(QWidget *parent)
 {
-    return new GeneralTabView(
-        {m_defaults, *m_platform.loginItem, m_updaterManager, setStatusItemVisible}, parent);
+    return new GeneralTabView({m_defaults, *m_platform.loginItem, m_updaterManager,
+                               setStatusItemVisible, m_platform.frontmostApp.get()},
+                              parent);
 }
 
 QWidget *SettingsTabs::makeShortcuts(QWidget *parent)

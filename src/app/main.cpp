@@ -5,6 +5,7 @@
 #include "app/BundleInformation.h"
 #include "app/Commands.h"
 #include "app/Environment.h"
+#include "app/HelperProgram.h"
 #include "app/HotkeyManager.h"
 #include "app/KeyNames.h"
 #include "app/PlatformFactory.h"
@@ -25,8 +26,6 @@
 #include "platform/SingleInstance.h"
 
 #include <QApplication>
-#include <QDir>
-#include <QFileInfo>
 
 #include <cstdlib>
 
@@ -34,19 +33,14 @@ namespace tovek {
 
 namespace {
 
-/// What checks for updates lies beside the program, or in its libexec folder; an empty name in
-/// builds that do not update themselves.
+/// Without a program in builds that do not update themselves.
 UpdateConfiguration updateConfiguration()
 {
     using namespace std::chrono;
     const QString name = QStringLiteral(TOVEK_UPDATER);
     if (name.isEmpty())
         return {};
-    const QDir folder(QCoreApplication::applicationDirPath());
-    const QString beside = folder.filePath(name);
-    const QString installed = folder.filePath(QStringLiteral("../libexec/tovek/") + name);
-    return {QFileInfo::exists(beside) ? beside : installed, BundleInformation::version(),
-            hours(TOVEK_UPDATE_INTERVAL)};
+    return {helperProgram(name), BundleInformation::version(), hours(TOVEK_UPDATE_INTERVAL)};
 }
 
 /// The program's life. `successor` becomes the program to run in place of this one, if any.

@@ -41,6 +41,9 @@ public:
     virtual ActivationPolicy activationPolicy() const = 0;
     /// Brings one of our ordinary windows to the front of the current desktop, with the keyboard.
     virtual void bringForward(QWindow &window) = 0;
+    /// A number by which another program can lay its window before one of ours; 0 where windows
+    /// have none.
+    virtual quint64 sharedHandle(const QWindow &) const { return 0; }
 };
 
 } // namespace tovek

@@ -14,11 +14,12 @@
 #include "foundation/UserDefaults.h"
 #include "update/UpdaterManager.h"
 
-#include <QFileDialog>
 #include <QLabel>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <csignal>
 
 using namespace tovek;
 
@@ -130,21 +131,53 @@ private Q_SLOTS:
     {
         const QString chosen = m_dir->filePath(QStringLiteral("chosen"));
         QVERIFY(QDir().mkpath(chosen));
-        QFileDialog *chooser = openChooser();
-        QCOMPARE(chooser->fileMode(), QFileDialog::Directory);
-        QVERIFY(chooser->testOption(QFileDialog::ShowDirsOnly));
-        QCOMPARE(chooser->labelText(QFileDialog::Accept), QStringLiteral("Choose"));
-        QCOMPARE(chooser->windowTitle(),
-                 QStringLiteral("Select the folder where screenshots will be saved"));
-        Q_EMIT chooser->fileSelected(chosen);
-        QCOMPARE(m_defaults->string(QStringLiteral("saveFolderPath")), std::optional(chosen));
+        answerWith(QStringLiteral("printf %s '%1'").arg(chosen));
+        chooseButton()->click();
+        QTRY_COMPARE(m_defaults->string(QStringLiteral("saveFolderPath")), std::optional(chosen));
         QVERIFY(chooseButton()->accessibleDescription().startsWith(QStringLiteral("~/chosen")));
     }
 
     void keepsTheFolderWhenTheChooserIsLeft()
     {
-        openChooser()->reject();
+        answerWith(QStringLiteral("printf %s /elsewhere; touch left; exit 1"));
+        chooseButton()->click();
+        QTRY_VERIFY(QFile::exists(m_dir->filePath(QStringLiteral("left"))));
+        QTest::qWait(100);
         QVERIFY(!m_defaults->contains(QStringLiteral("saveFolderPath")));
+    }
+
+    void givesUpAChooserThatHangs()
+    {
+        answerWith(QStringLiteral("echo $$ >pid; exec sleep 1000"));
+        chooseButton()->click();
+        const auto hung = [this] {
+            QFile file(m_dir->filePath(QStringLiteral("pid")));
+            return file.open(QIODevice::ReadOnly) ? file.readAll().toInt() : 0;
+        };
+        QTRY_VERIFY(hung() > 0);
+        const QString chosen = m_dir->filePath(QStringLiteral("chosen"));
+        answerWith(QStringLiteral("printf %s '%1'").arg(chosen));
+        chooseButton()->click();
+        QTRY_COMPARE(m_defaults->string(QStringLiteral("saveFolderPath")), std::optional(chosen));
+        QTRY_COMPARE(kill(hung(), 0), -1);
+    }
+
+    void closesAChooserThatGivesNoSign()
+    {
+        answerWith(QStringLiteral("printf '\\0'; exec sleep 1000"));
+        LogCapture log;
+        chooseButton()->click();
+        QTRY_VERIFY(
+            shows(QStringLiteral("The folder chooser waited for a folder that is not answering")));
+        QCOMPARE(timesIn(log, "Closed the folder chooser: a folder does not answer"), 1);
+    }
+
+    void saysWhenThereIsNoChooser()
+    {
+        LogCapture log;
+        chooseButton()->click();
+        QTRY_VERIFY(shows(QStringLiteral("The folder chooser could not be opened")));
+        QCOMPARE(timesIn(log, "Failed to open the folder chooser: "), 1);
     }
 
     void marksAFolderThatIsMissing()
@@ -189,7 +222,9 @@ private Q_SLOTS:
         QCOMPARE(chooseButton()->accessibleDescription().section(QStringLiteral(". "), 0, 0),
                  abbreviatedPath(used, m_dir->path()));
         QVERIFY(!shows(QStringLiteral("This folder does not exist")));
-        QCOMPARE(openChooser()->directory().path(), used);
+        answerWith(QStringLiteral("printf %s \"$*\" >asked"));
+        chooseButton()->click();
+        QTRY_COMPARE(asked(), QStringLiteral("--start ") + used);
     }
 
     void turnsAutomaticChecksOn()
@@ -232,9 +267,9 @@ private:
     {
         m_view.reset();
         m_manager = std::make_unique<UpdaterManager>(configuration, *m_updates, m_clock);
-        m_view = std::make_unique<GeneralTabView>(
-            GeneralTabView::Services{*m_defaults, *m_loginItem, *m_manager,
-                                     [this](bool isVisible) { m_visibility.append(isVisible); }});
+        m_view = std::make_unique<GeneralTabView>(GeneralTabView::Services{
+            *m_defaults, *m_loginItem, *m_manager,
+            [this](bool isVisible) { m_visibility.append(isVisible); }, nullptr, dialog()});
         m_view->show();
         m_view->activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
@@ -262,10 +297,25 @@ private:
         });
     }
     QPushButton *chooseButton() const { return m_view->findChild<QPushButton *>(); }
-    QFileDialog *openChooser() const
+    /// The toolkit's own lines may stand in between.
+    static qsizetype timesIn(LogCapture &log, const char *line)
     {
-        chooseButton()->click();
-        return m_view->findChild<QFileDialog *>();
+        return log.lines().join(QLatin1Char('\n')).count(QLatin1String(line));
+    }
+    QString dialog() const { return m_dir->filePath(QStringLiteral("dialog")); }
+    /// What stands in for the dialog, in the folder of the test.
+    void answerWith(const QString &commands)
+    {
+        QFile file(dialog());
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(
+            QStringLiteral("#!/bin/sh\ncd '%1'\n%2\n").arg(m_dir->path(), commands).toUtf8());
+        QVERIFY(file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    }
+    QString asked() const
+    {
+        QFile file(m_dir->filePath(QStringLiteral("asked")));
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
     }
     bool shows(const QString &text) const
     {

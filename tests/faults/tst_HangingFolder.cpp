@@ -8,6 +8,8 @@
 #include "support/Skip.h"
 
 #include <QElapsedTimer>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTest>
 
 #include <csignal>
@@ -22,7 +24,7 @@ const QString helper = QStringLiteral(TOVEK_HANGING_MOUNT);
 struct HangingSession : Session
 {
     /// `isChosen`: the user chose that folder; else it is Downloads.
-    [[nodiscard]] bool start(bool isChosen)
+    [[nodiscard]] bool start(bool isChosen, QJsonObject settings = {})
     {
         if (!startDesktop())
             return false;
@@ -33,27 +35,70 @@ struct HangingSession : Session
         tovek = std::make_unique<RunningTovek>(desktop, script);
         if (!QDir().mkpath(folder) || script.isEmpty())
             return fail(QStringLiteral("no script"));
-        QJsonObject settings;
-        if (isChosen)
+        if (isChosen && settings.isEmpty())
             settings.insert(QStringLiteral("saveFolderPath"), folder);
         return tovek->start(1, settings) || fail(tovek->error());
     }
+    std::optional<SeenWindow> windowNow(const char *title) const
+    {
+        for (const SeenWindow &window : tovek->eye().windows()) {
+            if (window.title == QLatin1String(title))
+                return window;
+        }
+        return std::nullopt;
+    }
     bool hasWindow(const char *title)
     {
-        return waitUntil([&] {
-            const QList<SeenWindow> windows = tovek->eye().windows();
-            return std::any_of(windows.begin(), windows.end(), [&](const SeenWindow &window) {
-                return window.title == QLatin1String(title);
-            });
-        });
+        return waitUntil([&] { return windowNow(title).has_value(); });
+    }
+    /// The number of the window in which folders are chosen, with the keyboard; another one than
+    /// before. 0 when it does not come.
+    xcb_window_t openChooser(xcb_window_t before = 0)
+    {
+        if (!hasWindow("General"))
+            return 0;
+        tovek->hand().click(windowNow("General")->native.topLeft() + QPoint(382, 203));
+        const auto isThere = [&] {
+            const auto window = windowNow(chooser);
+            return window && window->id != before && tovek->eye().activeTitle() == chooser;
+        };
+        return waitUntil(isThere) ? windowNow(chooser)->id : 0;
+    }
+    void type(const QString &path)
+    {
+        for (const QChar &letter : path) {
+            const QString name = letter == QLatin1Char('/') ? QStringLiteral("slash")
+                : letter == QLatin1Char('-')                ? QStringLiteral("minus")
+                : letter == QLatin1Char('_')                ? QStringLiteral("Shift_L+minus")
+                : letter == QLatin1Char('.')                ? QStringLiteral("period")
+                : letter.isUpper() ? QStringLiteral("Shift_L+") + letter.toLower()
+                                   : QString(letter);
+            QVERIFY2(tovek->hand().tap(name), qPrintable(name));
+        }
+    }
+    QString storedFolder() const
+    {
+        QFile store(desktop.configFolder() + QStringLiteral("/tovek/defaults.json"));
+        return store.open(QIODevice::ReadOnly) ? QJsonDocument::fromJson(store.readAll())
+                                                     .object()
+                                                     .value(QStringLiteral("saveFolderPath"))
+                                                     .toString()
+                                               : QString();
+    }
+
+    static constexpr auto chooser = "Select the folder where screenshots will be saved";
+    bool call(const QStringList &method)
+    {
+        Program *gdbus = desktop.run("/usr/bin/gdbus",
+                                     QStringList{"call", "--session", "--dest", "org.tovek.Tovek",
+                                                 "--object-path", "/org/tovek/Tovek", "--timeout",
+                                                 "2", "--method"}
+                                         + method);
+        return gdbus && gdbus->waitForExit() == 0;
     }
     bool openSettings()
     {
-        Program *gdbus = desktop.run("/usr/bin/gdbus",
-                                     {"call", "--session", "--dest", "org.tovek.Tovek",
-                                      "--object-path", "/org/tovek/Tovek", "--method",
-                                      "org.freedesktop.Application.Activate", "{}"});
-        return gdbus && gdbus->waitForExit() == 0 && hasWindow("General");
+        return call({"org.freedesktop.Application.Activate", "{}"}) && hasWindow("General");
     }
 };
 
@@ -109,6 +154,37 @@ private Q_SLOTS:
         QCOMPARE(s.tovek->program().waitForExit(), std::optional(0));
         QVERIFY2(timer.elapsed() < 8000, qPrintable(QString::number(timer.elapsed())));
         QCOMPARE(reader.read(QStringLiteral("image/png")), std::optional(png));
+    }
+
+    void isNotEnteredWhereFoldersAreChosen()
+    {
+        HangingSession s;
+        // The folder beside it does answer, and is listed together with it.
+        QVERIFY2(s.start(true, {{QStringLiteral("saveFolderPath"), s.desktop.home()}}),
+                 qPrintable(s.error));
+        QVERIFY(s.openSettings());
+        const xcb_window_t first = s.openChooser();
+        QVERIFY(first);
+        s.type(s.desktop.home() + QStringLiteral("/elsewhere/"));
+        QTest::qWait(500);
+
+        // Nothing else does, and what hangs goes, with the keyboard that its list of names has.
+        QVERIFY(s.call({"org.freedesktop.DBus.Peer.Ping"}));
+        QVERIFY(s.tovek->program().waitForLine(
+            QStringLiteral("Closed the folder chooser: a folder does not answer"), 10s));
+        QVERIFY(waitUntil([&] { return !s.windowNow(s.chooser); }));
+        QVERIFY(s.tovek->open(RunningTovek::captureScreenshot, s.monitors()));
+        QVERIFY(s.tap("Escape") && s.isClosed());
+        QVERIFY(s.openChooser(first));
+        s.type(s.desktop.downloads());
+        QVERIFY(s.tap("Return"));
+        QVERIFY(waitUntil([&] { return s.storedFolder() == s.desktop.downloads(); }));
+
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(kill(pid_t(s.tovek->program().pid()), SIGTERM), 0);
+        QCOMPARE(s.tovek->program().waitForExit(), std::optional(0));
+        QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
     }
 };
 

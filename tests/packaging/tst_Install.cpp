@@ -25,6 +25,7 @@ private Q_SLOTS:
         QTest::newRow("bin/tovek") << true;
         QTest::newRow("libexec/tovek/tovek-clipboard") << true;
         QTest::newRow("libexec/tovek/tovek-clipboard-wayland") << true;
+        QTest::newRow("libexec/tovek/tovek-folder") << true;
         QTest::newRow("libexec/tovek/tovek-ocr") << true;
         QTest::newRow("share/applications/org.tovek.Tovek.desktop") << false;
         QTest::newRow("share/dbus-1/services/org.tovek.Tovek.service") << false;

@@ -143,6 +143,11 @@ void X11FrontmostApp::bringForward(QWindow &window)
     m_connection->flush();
 }
 
+quint64 X11FrontmostApp::sharedHandle(const QWindow &window) const
+{
+    return window.winId();
+}
+
 bool X11FrontmostApp::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() != QEvent::Show || !watched->isWindowType() || !m_connection->xcb())

@@ -21,6 +21,7 @@ public:
     void setActivationPolicy(ActivationPolicy policy) override;
     ActivationPolicy activationPolicy() const override { return m_policy; }
     void bringForward(QWindow &window) override;
+    quint64 sharedHandle(const QWindow &window) const override;
 
 private:
     bool eventFilter(QObject *watched, QEvent *event) override;

@@ -233,8 +233,8 @@ void X11OverlaySurface::setFollowsPointer(bool isOn)
         return;
     }
     const auto missed = m_pointer.giveBack();
-    if (!missed)
-        return;
+    if (!missed || !QRect(QPoint(), m_screen.native.size()).contains(*missed))
+        return; // the toolkit always hears that it left
     // After the event that is being handled, and before what the toolkit hears from now on.
     const QPointF at = QPointF(*missed) / m_screen.scale;
     QCoreApplication::postEvent(&m_window,

@@ -1,0 +1,13 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QString>
+
+namespace tovek {
+
+/// The path of a program that this one starts: beside it, or in its libexec folder.
+QString helperProgram(const QString &name);
+
+} // namespace tovek
