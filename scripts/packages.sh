@@ -147,10 +147,13 @@ install_missing()
     [ ${#missing[@]} -eq 0 ] && return 0
     mapfile -t missing < <(known_here "${missing[@]}")
     [ ${#missing[@]} -eq 0 ] && return 0
-    echo "Installing: ${missing[*]}"
     local as_root=()
     [ "$(id -u)" -eq 0 ] || as_root=(sudo)
     "${as_root[@]}" apt-get update -q
+    # Now a fresh machine can tell as well.
+    mapfile -t missing < <(known_here "${missing[@]}")
+    [ ${#missing[@]} -eq 0 ] && return 0
+    echo "Installing: ${missing[*]}"
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
         apt-get install -y -q --no-install-recommends "${missing[@]}"
 }
