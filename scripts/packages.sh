@@ -100,15 +100,16 @@ command_for()
     esac
 }
 
-# What this Debian does not have any more, or does not have yet.
+# What this Debian does not have any more, or does not have yet, is left out. (A machine without any
+# list cannot tell; a package that others still mention has an entry, but no version.)
 known_here()
 {
     local package
     for package in "$@"; do
         case $package in
-        # The tests of the panel skip without it. (A machine without any list cannot tell yet.)
-        trayer) ! apt-cache show bash >/dev/null 2>&1 \
-            || apt-cache show "$package" >/dev/null 2>&1 || continue ;;
+        # The tests of the panel skip without it.
+        trayer) ! compgen -G '/var/lib/apt/lists/*_Packages*' >/dev/null \
+            || LC_ALL=C apt-cache policy "$package" | grep -q 'Candidate: [^(]' || continue ;;
         esac
         echo "$package"
     done
