@@ -49,7 +49,7 @@ constexpr Row rows[] = {
 } // namespace
 
 CommandsTabView::CommandsTabView(const QString &program, const Binding &binding,
-                                 std::function<void(const QString &)> copy, QWidget *parent)
+                                 const std::function<void(const QString &)> &copy, QWidget *parent)
     : QWidget(parent)
     , m_hint(new QLabel(this))
 {

@@ -22,7 +22,7 @@ public:
     using Binding = std::function<std::optional<CommandBinding>(KeyCombo, const QString &)>;
 
     CommandsTabView(const QString &program, const Binding &binding,
-                    std::function<void(const QString &)> copy, QWidget *parent = nullptr);
+                    const std::function<void(const QString &)> &copy, QWidget *parent = nullptr);
 
 protected:
     void changeEvent(QEvent *event) override;

@@ -58,8 +58,9 @@ std::unique_ptr<HotKeys> makeWaylandHotKeys(EarlyPlatform &early, const Keyboard
 #ifdef TOVEK_WITH_WAYLAND
 namespace {
 
-std::unique_ptr<ScreenGrabber> makeWaylandGrabber(std::shared_ptr<WaylandConnection> connection,
-                                                  std::shared_ptr<WaylandOutputs> outputs)
+std::unique_ptr<ScreenGrabber>
+makeWaylandGrabber(const std::shared_ptr<WaylandConnection> &connection,
+                   const std::shared_ptr<WaylandOutputs> &outputs)
 {
     const struct
     {

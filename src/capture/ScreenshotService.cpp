@@ -59,7 +59,7 @@ ScreenshotService::captureScreen(const Screen &screen, const std::vector<quint32
 
 void ScreenshotService::fallBack(const CapturedDisplay &wanted,
                                  const std::vector<quint32> &excludingWindows,
-                                 std::shared_ptr<QPromise<Captured>> promise)
+                                 const std::shared_ptr<QPromise<Captured>> &promise)
 {
     // The grabber lives as long as the process; a window-system call may take its time here.
     ScreenGrabber &grabber = m_grabber;

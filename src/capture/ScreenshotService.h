@@ -36,7 +36,7 @@ public:
 
 private:
     void fallBack(const CapturedDisplay &wanted, const std::vector<quint32> &excludingWindows,
-                  std::shared_ptr<QPromise<Captured>> promise);
+                  const std::shared_ptr<QPromise<Captured>> &promise);
 
     ScreenGrabber &m_grabber;
     Workers m_fallbacks{1};

@@ -41,7 +41,7 @@ void PreviewPicture::paintEvent(QPaintEvent *)
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     // On whole pixels.
-    const QPointF corner((width() - m_size.width()) / 2, (height() - m_size.height()) / 2);
+    const QPoint corner((width() - m_size.width()) / 2, (height() - m_size.height()) / 2);
     const QRectF place(corner, m_size);
     QPainterPath shape;
     shape.addRoundedRect(place, radius, radius);

@@ -42,7 +42,7 @@ QByteArray pngOf(const Image &image)
 } // namespace
 
 StatusBarController::StatusBarController(Tray &statusItem, Clock &clock,
-                                         const UserDefaults &defaults, SymbolSource symbols,
+                                         const UserDefaults &defaults, const SymbolSource &symbols,
                                          PreviewShell *previewShell)
     : encodePng(pngOf)
     , performDrag(dragFile)

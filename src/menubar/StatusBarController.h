@@ -39,7 +39,7 @@ class StatusBarController : public QObject
 public:
     /// `previewShell` may be null; it is used where nothing can be dragged out of the item.
     StatusBarController(Tray &statusItem, Clock &clock, const UserDefaults &defaults,
-                        SymbolSource symbols, PreviewShell *previewShell = nullptr);
+                        const SymbolSource &symbols, PreviewShell *previewShell = nullptr);
     ~StatusBarController() override;
 
     /// Called once at launch, after the callbacks below have been set.
