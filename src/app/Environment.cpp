@@ -45,13 +45,19 @@ bool isPossibleScale(const QByteArray &text)
     return isNumber && scale >= leastScale && scale <= mostScale; // false for what is no number
 }
 
-void forgetImpossibleDensity(double dotsPerInch)
+bool isPossibleDensity(double dotsPerInch)
 {
     if (dotsPerInch <= usualDotsPerInch * mostScale)
-        return;
+        return true;
     logLine(QStringLiteral("%1 dots per inch are ignored: no window can be drawn at this scale")
                 .arg(dotsPerInch));
-    qputenv("QT_FONT_DPI", QByteArray::number(usualDotsPerInch));
+    return false;
+}
+
+void forgetImpossibleDensity(double dotsPerInch)
+{
+    if (!isPossibleDensity(dotsPerInch))
+        qputenv("QT_FONT_DPI", QByteArray::number(usualDotsPerInch));
 }
 
 void forgetImpossibleEnvironment()

@@ -15,8 +15,11 @@ bool isPossibleScale(const QByteArray &text);
 /// those who defined them want ignored. Before anything reads the environment.
 void forgetImpossibleEnvironment();
 
-/// The same for what the desktop states of its dots per inch, from which the toolkit would make a
-/// scale. Before there is an application.
+/// False, after a line that says so, for dots per inch of which no toolkit can make a scale.
+bool isPossibleDensity(double dotsPerInch);
+
+/// Has the toolkit ignore what the desktop states of its dots per inch where that is impossible.
+/// Before there is an application.
 void forgetImpossibleDensity(double dotsPerInch);
 
 } // namespace tovek

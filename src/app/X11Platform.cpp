@@ -3,6 +3,7 @@
 
 #include "app/X11Platform.h"
 
+#include "app/Environment.h"
 #include "app/PlatformFactory.h"
 #include "app/PlatformParts.h"
 #include "app/PortalPlatform.h"
@@ -25,12 +26,14 @@
 #include "platform/x11/keys/X11KeyboardLayout.h"
 #include "platform/x11/overlay/X11OverlaySurface.h"
 #include "platform/x11/overlay/X11ToastShell.h"
+#include "platform/x11/tray/X11DensityGuard.h"
 #include "platform/x11/tray/X11TrayItem.h"
 #include "platform/x11/tray/XSettings.h"
 #endif
 
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace tovek {
@@ -78,7 +81,7 @@ void leaveInOrderWithout(const std::shared_ptr<X11Connection> &server)
 
 double x11ServersDotsPerInch()
 {
-    return x11DotsPerInch().value_or(0);
+    return std::max(x11DotsPerInch().value_or(0), publishedDotsPerInch().value_or(0));
 }
 
 bool openX11Keyboard(EarlyPlatform &early)
@@ -119,6 +122,7 @@ bool addX11Desktop(Platform &platform, EarlyPlatform &early)
     trays.push_back(onBus<StatusNotifierItem>(*early.bus));
     platform.tray = std::make_unique<FirstTray>(std::move(trays));
     leaveInOrderWithout(connection);
+    new X11DensityGuard(&isPossibleDensity, qApp);
     if (auto *hotKeys = dynamic_cast<X11HotKeys *>(platform.hotKeys.get()))
         hotKeys->startDispatching();
     layout->startDispatching();

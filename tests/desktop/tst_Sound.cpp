@@ -4,6 +4,7 @@
 // What is heard of the running program, recorded from a sound server of the test's own.
 
 #include "desktop/Session.h"
+#include "support/SettingsDaemon.h"
 
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
@@ -138,39 +139,6 @@ struct SoundSession : Session
     Program *recorder = nullptr;
 };
 
-/// Tells all programs of a desktop that event sounds are off, as its settings service does.
-class SoundSwitch
-{
-public:
-    explicit SoundSwitch(const TestDesktop &desktop) : m_connection(desktop.displayName())
-    {
-        const xcb_window_t window = xcb_generate_id(m_connection);
-        xcb_create_window(m_connection, 0, window, m_connection.root(), 0, 0, 1, 1, 0,
-                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
-        QByteArray block(8, '\0'); // byte order, padding, serial number
-        const auto put = [&](auto number) {
-            const auto little = qToLittleEndian(number);
-            block.append(reinterpret_cast<const char *>(&little), sizeof little);
-        };
-        const QByteArray name("Net/EnableEventSounds");
-        put(quint32(1)); // how many settings
-        put(quint16(0)); // an integer
-        put(quint16(name.size()));
-        block += name + QByteArray((4 - name.size() % 4) % 4, '\0');
-        put(quint32(0)); // serial number
-        put(quint32(0)); // off
-        const xcb_atom_t settings = m_connection.atom("_XSETTINGS_SETTINGS");
-        xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, settings, settings, 8,
-                            uint32_t(block.size()), block.constData());
-        xcb_set_selection_owner(m_connection, window, m_connection.atom("_XSETTINGS_S0"),
-                                XCB_CURRENT_TIME);
-        m_connection.sync();
-    }
-
-private:
-    XConnection m_connection;
-};
-
 } // namespace
 
 class TestSound : public QObject
@@ -274,7 +242,7 @@ private Q_SLOTS:
     {
         SoundSession session;
         QVERIFY2(session.startDesktop(), qPrintable(session.error));
-        const SoundSwitch off(session.desktop);
+        const SettingsDaemon off(session.desktop.displayName(), "Net/EnableEventSounds", 0);
         QVERIFY(session.startServer());
         QVERIFY(session.tovek->start());
         QVERIFY(session.startRecording());
