@@ -7,6 +7,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimeZone>
 
 using namespace tovek;
 
@@ -50,7 +51,7 @@ private Q_SLOTS:
                                 15,
                                 *digest,
                                 QStringLiteral("2.36"),
-                                QDateTime(QDate(2026, 3, 7), QTime(14, 0), Qt::UTC)};
+                                QDateTime(QDate(2026, 3, 7), QTime(14, 0), QTimeZone::utc())};
         const QByteArray signature = QByteArray::fromBase64(match.captured(2).toLatin1());
         QVERIFY(UpdateSignature::isValid(signature, publicKey, entry));
     }

@@ -5,6 +5,7 @@
 
 #include <QBuffer>
 #include <QTest>
+#include <QTimeZone>
 
 using namespace tovek;
 
@@ -86,7 +87,7 @@ private:
                 11,
                 digestOf("the program"),
                 {},
-                QDateTime(QDate(2026, 3, 7), QTime(14, 0), Qt::UTC)};
+                QDateTime(QDate(2026, 3, 7), QTime(14, 0), QTimeZone::utc())};
     }
     static QByteArray digestOf(const QByteArray &content)
     {
