@@ -166,7 +166,7 @@ int TesseractRecognizer::warmEngines() const
 
 void TesseractRecognizer::findEngines()
 {
-    const QString folder = modelFolder();
+    const QString folder = modelFolder(QCoreApplication::applicationDirPath());
     const QStringList languages = QLocale().uiLanguages();
     const QStringList installed = modelsIn(folder);
     const QStringList models = modelsFor(languages, installed);

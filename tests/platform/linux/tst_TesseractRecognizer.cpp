@@ -64,7 +64,7 @@ class TestTesseractRecognizer : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        if (!modelsIn(modelFolder()).contains("eng"))
+        if (!modelsIn(modelFolder({})).contains("eng"))
             QSKIP("no English recognition model is installed");
         m_recognizer = std::make_unique<TesseractRecognizer>();
     }
@@ -205,7 +205,7 @@ private Q_SLOTS:
     {
         QFETCH(qint64, length);
         QTemporaryDir folder;
-        QFile model(modelFolder() + "/eng.traineddata");
+        QFile model(modelFolder({}) + "/eng.traineddata");
         QVERIFY(model.open(QIODevice::ReadOnly));
         QFile damaged(folder.filePath("eng.traineddata"));
         QVERIFY(damaged.open(QIODevice::WriteOnly));

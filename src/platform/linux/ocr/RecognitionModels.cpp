@@ -87,18 +87,27 @@ bool readByWords(const QStringList &models)
                        [](const QString &model) { return all.contains(model); });
 }
 
-QString modelFolder()
+QStringList modelFolders(const QString &programFolder)
 {
     const QString chosen = qEnvironmentVariable("TESSDATA_PREFIX");
     if (!chosen.isEmpty())
-        return chosen;
-    for (const char *folder : {"/usr/share/tesseract-ocr/5/tessdata", "/usr/share/tessdata",
-                               "/usr/share/tesseract/tessdata", "/usr/local/share/tessdata",
-                               "/usr/share/tesseract-ocr/4.00/tessdata"}) {
-        if (QDir(QString::fromLatin1(folder)).exists())
-            return QString::fromLatin1(folder);
-    }
-    return {};
+        return {chosen};
+    return {QStringLiteral("/usr/share/tesseract-ocr/5/tessdata"),
+            QStringLiteral("/usr/share/tessdata"),
+            QStringLiteral("/usr/share/tesseract/tessdata"),
+            QStringLiteral("/usr/local/share/tessdata"),
+            QStringLiteral("/usr/share/tesseract-ocr/4.00/tessdata"),
+            QDir::cleanPath(programFolder + QStringLiteral("/../share/tessdata"))};
+}
+
+QString modelFolder(const QString &programFolder)
+{
+    const QStringList folders = modelFolders(programFolder);
+    if (folders.size() == 1)
+        return folders.first();
+    const auto found = std::find_if(folders.begin(), folders.end(),
+                                    [](const QString &folder) { return QDir(folder).exists(); });
+    return found == folders.end() ? QString() : *found;
 }
 
 QStringList modelsIn(const QString &folder)

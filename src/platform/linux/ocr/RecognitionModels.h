@@ -20,9 +20,13 @@ QStringList missingPackages(const QStringList &languages, const QStringList &ins
 /// Whether one of the models is for a script that is read by words (see Script in reading/).
 bool readByWords(const QStringList &models);
 
-/// Where the engine's models lie: the folder that the engine's own environment variable names,
-/// or the distributions' folders. Empty when there is none.
-QString modelFolder();
+/// Where the engine's models may lie: only the folder that the engine's own environment variable
+/// names, or else the distributions' folders, in which the user has chosen languages, and last the
+/// one that an AppImage of the program brings.
+QStringList modelFolders(const QString &programFolder);
+
+/// The chosen one of these folders, or the first that exists. Empty when there is none.
+QString modelFolder(const QString &programFolder);
 
 /// The models in a folder, by their names.
 QStringList modelsIn(const QString &folder);

@@ -103,9 +103,16 @@ private Q_SLOTS:
     void obeysTheEnginesOwnVariable()
     {
         qputenv("TESSDATA_PREFIX", "/some/where");
-        QCOMPARE(modelFolder(), QString("/some/where"));
+        QCOMPARE(modelFolder({}), QString("/some/where"));
         qunsetenv("TESSDATA_PREFIX");
-        QVERIFY(modelFolder() != "/some/where");
+        QVERIFY(modelFolder({}) != "/some/where");
+    }
+
+    void takesWhatTheProgramBringsWhereTheSystemHasNothing()
+    {
+        const QStringList folders = modelFolders("/opt/tovek/bin");
+        QCOMPARE(folders.first(), QString("/usr/share/tesseract-ocr/5/tessdata"));
+        QCOMPARE(folders.last(), QString("/opt/tovek/share/tessdata"));
     }
 };
 
