@@ -56,7 +56,7 @@ std::uint64_t underline(const std::vector<std::uint8_t> &cell, const CellShape &
 /// by the font or by the terminal itself.
 bool isFrame(const std::vector<std::uint8_t> &cell, const CellShape &shape)
 {
-    const auto at = [&](int x, int y) { return cell[std::size_t(y * shape.width + x)]; };
+    const auto at = [&](int x, int y) { return cell[std::size_t(y) * shape.width + x]; };
     std::vector<bool> isBarRow(std::size_t(shape.height()));
     std::vector<bool> isBarColumn(std::size_t(shape.width));
     const int middle = shape.width / 2;
@@ -168,7 +168,7 @@ CellReader::Ink CellReader::inkAt(int left, int top, QRgb before) const
     for (int y = from; y < to; ++y) {
         const QRgb *row = reinterpret_cast<const QRgb *>(m_image.constScanLine(y)) + left;
         for (int x = 0; x < shape.width; ++x)
-            ink.contrast[std::size_t((y - top) * shape.width + x)] =
+            ink.contrast[std::size_t(y - top) * shape.width + x] =
                 std::uint8_t(contrastBetween(row[x], ink.background));
     }
     ink.peak = *std::max_element(ink.contrast.begin(), ink.contrast.end());
