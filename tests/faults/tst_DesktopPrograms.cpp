@@ -4,6 +4,7 @@
 // The programs that make up a desktop stop or die while an overlay is open.
 
 #include "desktop/Session.h"
+#include "faults/Processes.h"
 #include "support/Skip.h"
 
 #include <QTest>
@@ -12,26 +13,6 @@
 #include <unistd.h>
 
 using namespace tovek;
-
-namespace {
-
-/// The program of this name that this test has started; 0 when there is none.
-pid_t childNamed(const QByteArray &name)
-{
-    const QStringList entries = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
-    for (const QString &entry : entries) {
-        QFile file(QStringLiteral("/proc/%1/stat").arg(entry));
-        if (!file.open(QIODevice::ReadOnly))
-            continue;
-        const QByteArray stat = file.readAll();
-        const QList<QByteArray> fields = stat.mid(stat.lastIndexOf(')') + 2).split(' ');
-        if (stat.contains("(" + name + ")") && fields.value(1).toInt() == getpid())
-            return pid_t(entry.toInt());
-    }
-    return 0;
-}
-
-} // namespace
 
 class TestDesktopPrograms : public QObject
 {
@@ -58,7 +39,7 @@ private Q_SLOTS:
         Session s(plan);
         QVERIFY2(s.start(), qPrintable(s.error));
         QVERIFY(s.open());
-        const pid_t pid = childNamed(program);
+        const pid_t pid = childrenNamed(program, getpid()).value(0);
         QVERIFY(pid > 0);
         QCOMPARE(kill(pid, signal), 0);
         s.select({150, 150}, {350, 300});

@@ -4,6 +4,7 @@
 // The processes that recognise text stand still, or die.
 
 #include "desktop/Session.h"
+#include "faults/Processes.h"
 #include "support/Skip.h"
 
 #include <QElapsedTimer>
@@ -12,27 +13,6 @@
 #include <csignal>
 
 using namespace tovek;
-
-namespace {
-
-/// The processes of this name that the program has started.
-QList<pid_t> childrenNamed(const char *name, qint64 parent)
-{
-    QList<pid_t> found;
-    const QStringList entries = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
-    for (const QString &entry : entries) {
-        QFile file(QStringLiteral("/proc/%1/stat").arg(entry));
-        if (!file.open(QIODevice::ReadOnly))
-            continue;
-        const QByteArray stat = file.readAll();
-        const QList<QByteArray> fields = stat.mid(stat.lastIndexOf(')') + 2).split(' ');
-        if (stat.contains(QByteArray("(") + name + ")") && fields.value(1).toLongLong() == parent)
-            found.append(pid_t(entry.toInt()));
-    }
-    return found;
-}
-
-} // namespace
 
 class TestRecogniser : public QObject
 {

@@ -1,0 +1,35 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QByteArray>
+#include <QDir>
+#include <QFile>
+#include <QList>
+
+#include <algorithm>
+#include <sys/types.h>
+
+namespace tovek {
+
+/// The programs of this name that a process has started and that run, the oldest first.
+inline QList<pid_t> childrenNamed(const QByteArray &name, qint64 parent)
+{
+    QList<pid_t> found;
+    const QStringList entries = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
+    for (const QString &entry : entries) {
+        QFile file(QStringLiteral("/proc/%1/stat").arg(entry));
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        const QByteArray stat = file.readAll();
+        const QList<QByteArray> fields = stat.mid(stat.lastIndexOf(')') + 2).split(' ');
+        if (stat.contains("(" + name + ")") && fields.value(1).toLongLong() == parent
+            && fields.value(0) != "Z")
+            found.append(pid_t(entry.toInt()));
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+} // namespace tovek
