@@ -3,6 +3,7 @@
 
 #include "ext-image-capture-source-v1-server.h"
 #include "ext-image-copy-capture-v1-server.h"
+#include "foundation/MirroredImage.h"
 #include "support/compositor/CompositorState.h"
 #include "wlr-screencopy-unstable-v1-server.h"
 
@@ -89,8 +90,9 @@ bool copyInto(wl_resource *buffer, const QImage &picture, uint32_t format, bool 
         || wl_shm_buffer_get_width(shm) != picture.width()
         || wl_shm_buffer_get_height(shm) != picture.height())
         return false;
-    const QImage converted =
-        picture.convertToFormat(formatOf(format)).mirrored(false, isUpsideDown);
+    QImage converted = picture.convertToFormat(formatOf(format));
+    if (isUpsideDown)
+        converted = mirroredImage(converted, Qt::Vertical);
     const int stride = wl_shm_buffer_get_stride(shm);
     wl_shm_buffer_begin_access(shm);
     auto *to = static_cast<uchar *>(wl_shm_buffer_get_data(shm));
@@ -313,7 +315,7 @@ QImage CompositorState::capture(const OutputState &output, bool withCursor) cons
     const QImage seen = compose(output, withCursor || !plan.hasCursorHardware);
     const int32_t transform = output.output.transform;
     // Back to how the panel has it: the turn that the output makes, undone.
-    QImage panel = transform & 4 ? seen.mirrored(true, false) : seen;
+    QImage panel = transform & 4 ? mirroredImage(seen, Qt::Horizontal) : seen;
     if (transform & 3)
         panel = panel.transformed(QTransform().rotate(-90.0 * (transform & 3)));
     return panel;

@@ -3,6 +3,8 @@
 
 #include "platform/wayland/capture/WaylandPixelFormat.h"
 
+#include "foundation/MirroredImage.h"
+
 #include <QTransform>
 
 #include <wayland-client-protocol.h>
@@ -35,7 +37,7 @@ QImage::Format imageFormat(uint32_t shmFormat)
 
 QImage upright(const QImage &image, int32_t transform, bool isUpsideDown)
 {
-    QImage turned = isUpsideDown ? image.mirrored(false, true) : image;
+    QImage turned = isUpsideDown ? mirroredImage(image, Qt::Vertical) : image;
     if (transform == WL_OUTPUT_TRANSFORM_NORMAL)
         return turned;
     // The numbers count quarter turns of the picture against the clock, after a flip to the side.
@@ -43,7 +45,7 @@ QImage upright(const QImage &image, int32_t transform, bool isUpsideDown)
     if (quarters)
         turned = turned.transformed(QTransform().rotate(90.0 * quarters));
     if (transform & 4)
-        turned = turned.mirrored(true, false);
+        turned = mirroredImage(turned, Qt::Horizontal);
     return turned;
 }
 
