@@ -2,7 +2,8 @@
 // SPDX-License-Identifier: MIT
 
 // A window, orange on its left half and green on its right, into which files can be dropped: writes
-// the size of each and its first bytes, as hexadecimal digits, to standard output.
+// the size of each and its first bytes, as hexadecimal digits, to standard output; "nothing" for a
+// drop without a file in it.
 
 #include <QDropEvent>
 #include <QFile>
@@ -45,11 +46,16 @@ protected:
 private:
     static void take(QDropEvent &drop)
     {
+        bool isEmpty = true;
         for (const QUrl &url : drop.mimeData()->urls()) {
             QFile file(url.toLocalFile());
-            if (file.open(QIODevice::ReadOnly))
-                std::printf("%lld %s\n", file.size(), file.read(8).toHex().constData());
+            if (!file.open(QIODevice::ReadOnly))
+                continue;
+            std::printf("%lld %s\n", file.size(), file.read(8).toHex().constData());
+            isEmpty = false;
         }
+        if (isEmpty)
+            std::printf("nothing\n");
         std::fflush(stdout);
         drop.acceptProposedAction();
     }

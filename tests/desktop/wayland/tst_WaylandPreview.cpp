@@ -73,23 +73,30 @@ private Q_SLOTS:
     {
         PreviewSession session;
         QVERIFY2(session.startWithWindow(), qPrintable(session.error));
-        QVERIFY(session.copy());
-        session.hand->dragAndHold(session.inPreview, session.inPreview + QPoint(-12, 12));
-        // The picture hangs at the pointer.
-        const QPoint belowPreview = session.inPreview + QPoint(30, 72);
-        QTRY_COMPARE(session.pixel(belowPreview), orange);
-        // Nobody drops before the other program has said that it would take it.
-        for (int x = 1100; x >= 300; x -= 100) {
-            const qsizetype before = session.window->lines().size();
-            session.hand->move({double(x), 500});
-            QTRY_VERIFY(session.window->lines().size() > before);
+        // The other program's toolkit waits a second for what is dropped, which a machine that is
+        // busy with other tests may not have.
+        const auto last = [&] {
+            return session.window->lines().value(session.window->lines().size() - 1);
+        };
+        for (int i = 0; i < 3 && (i == 0 || last() == QStringLiteral("nothing")); ++i) {
+            QVERIFY(session.copy());
+            session.hand->dragAndHold(session.inPreview, session.inPreview + QPoint(-12, 12));
+            // The picture hangs at the pointer.
+            const QPoint belowPreview = session.inPreview + QPoint(30, 72);
+            QTRY_COMPARE(session.pixel(belowPreview), orange);
+            // Nobody drops before the other program has said that it would take it.
+            for (int x = 1100; x >= 300; x -= 100) {
+                const qsizetype before = session.window->lines().size();
+                session.hand->move({double(x), 500});
+                QTRY_VERIFY(session.window->lines().size() > before);
+            }
+            session.hand->release();
+            QTRY_VERIFY(last() != QStringLiteral("over"));
+            QTRY_VERIFY(!session.isShown());
         }
-        session.hand->release();
-        QTRY_VERIFY(session.window->lines().last() != QStringLiteral("over"));
-        const QStringList words = session.window->lines().last().split(QLatin1Char(' '));
+        const QStringList words = last().split(QLatin1Char(' '));
         QVERIFY2(words[0].toInt() > 100, qPrintable(words[0]));
         QCOMPARE(words[1], QStringLiteral("89504e470d0a1a0a"));
-        QTRY_VERIFY(!session.isShown());
     }
 
     void opensTheMenuAndTakesNothingElse()
