@@ -10,7 +10,10 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <csignal>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace tovek;
@@ -87,6 +90,33 @@ private Q_SLOTS:
         QFile::setPermissions(m_folder->path(),
                               QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         QCOMPARE(reason, std::optional(qt_error_string(EACCES)));
+    }
+
+    void leavesNothingHalfDoneWhenItsProcessIsKilled()
+    {
+        const int unnamed = open(QFile::encodeName(m_folder->path()).constData(),
+                                 O_WRONLY | O_TMPFILE | O_CLOEXEC, 0600);
+        if (unnamed < 0)
+            QSKIP("The file system has no files without a name");
+        close(unnamed);
+        const QByteArray bytes(40'000'000, 'x');
+        int killed = 0;
+        for (int delayMs = 1; delayMs < 20; delayMs += 2) {
+            QFile::remove(path());
+            const pid_t writer = fork();
+            if (writer == 0)
+                _exit(writeFile(path(), bytes) ? 1 : 0);
+            QTest::qSleep(delayMs);
+            kill(writer, SIGKILL);
+            int status = 0;
+            QCOMPARE(waitpid(writer, &status, 0), writer);
+            killed += WIFSIGNALED(status);
+            const QStringList left = entries();
+            QVERIFY2(left.isEmpty() || left == QStringList("a picture.png"),
+                     qPrintable(left.join(QLatin1Char(' '))));
+            QVERIFY(left.isEmpty() || QFileInfo(path()).size() == bytes.size());
+        }
+        QVERIFY(killed > 0);
     }
 
     void keepsTheOlderFileWhenTheDiskFillsUp()

@@ -46,7 +46,17 @@ struct Usage
 /// A desktop, the program, and somebody who captures without end.
 struct SoakSession : Session
 {
-    enum Kind { copy, copyImage, save, cancelSelection, cancelAtOnce, resizeAndCopy, kinds };
+    enum Kind {
+        copy,
+        copyImage,
+        save,
+        cancelSelection,
+        cancelAtOnce,
+        resizeAndCopy,
+        drawAndCopy,
+        drawAndCancel,
+        kinds
+    };
 
     QPoint anywhere()
     {
@@ -78,16 +88,39 @@ struct SoakSession : Session
             tovek->hand().drag(corner, corner + QPoint(15, 15));
             tovek->hand().drag(corner + QPoint(15, 15), corner);
         }
-        const char *key = kind == save              ? "Control_L+s"
-            : kind == copy || kind == resizeAndCopy ? "Return"
-                                                    : "Escape";
+        const bool draws = kind == drawAndCopy || kind == drawAndCancel;
+        if (draws && !draw(corners))
+            return false;
+        const char *key = kind == save                                     ? "Control_L+s"
+            : kind == copy || kind == resizeAndCopy || kind == drawAndCopy ? "Return"
+                                                                           : "Escape";
         return (kind == copyImage || tap(key)) && isClosed();
+    }
+    /// An arrow or a rectangle in the left half of the selection, sometimes undone again.
+    bool draw(std::pair<QPoint, QPoint> corners)
+    {
+        const QRect all = QRect(corners.first, corners.second).normalized();
+        const int part = random.bounded(3);
+        constexpr int roomBetweenHandles = 120;
+        if (std::min(all.width(), all.height()) < roomBetweenHandles)
+            return true;
+        if (!tap(part == 0 ? "a" : "r"))
+            return false;
+        tovek->hand().drag(all.topLeft() + QPoint(all.width() / 8 + 4, all.height() / 4 + 4),
+                           all.topLeft() + QPoint(all.width() * 3 / 8, all.height() * 3 / 4));
+        return part != 2 || tap("Control_L+z");
     }
     bool isRight(Kind kind, std::pair<QPoint, QPoint> corners)
     {
         const QImage wanted = expected(corners.first, corners.second);
         if (kind == copy || kind == copyImage)
             return differentPixels(QImage::fromData(pasted()), wanted) == 0;
+        if (kind == drawAndCopy) {
+            const QImage drawn = QImage::fromData(pasted());
+            const QRect right(wanted.width() / 2, 0, wanted.width() / 2, wanted.height());
+            return drawn.size() == wanted.size()
+                && differentPixels(drawn.copy(right), wanted.copy(right)) == 0;
+        }
         if (kind == resizeAndCopy)
             return !QImage::fromData(pasted()).isNull();
         if (kind != save)
