@@ -3,8 +3,10 @@
 
 #include "update/UpdateSignature.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimeZone>
@@ -56,6 +58,42 @@ private Q_SLOTS:
         QVERIFY(UpdateSignature::isValid(signature, publicKey, entry));
     }
 
+    void signsTheFeedOfARelease()
+    {
+        if (QStandardPaths::findExecutable(QStringLiteral("dpkg-deb")).isEmpty())
+            QSKIP("dpkg-deb is not installed");
+        const QString made = run({"make-key", path("key")});
+        const QByteArray publicKey = QByteArray::fromBase64(made.mid(17).trimmed().toLatin1());
+        QVERIFY2(makePackage(path("tovek_0.2.0_all.deb")), "no package to offer");
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("SOURCE_DATE_EPOCH"), QStringLiteral("1772892000"));
+        QProcess script;
+        script.setProcessEnvironment(environment);
+        script.start(
+            qEnvironmentVariable("TOVEK_SOURCE_DIR") + QStringLiteral("/scripts/feed-entry"),
+            {tool(), path("key"), QStringLiteral("https://example.org/of/0.2.0/"), m_folder->path(),
+             QStringLiteral("0.2.0"), QStringLiteral("tovek_0.2.0_all.deb")});
+        QVERIFY(script.waitForFinished());
+        QVERIFY2(script.exitCode() == 0, script.readAllStandardError().constData());
+        const auto feed = readFeed(script.readAllStandardOutput());
+        QVERIFY(std::holds_alternative<UpdateFeed>(feed));
+        const UpdateFeed accepted =
+            UpdateSignature::signedPart(std::get<UpdateFeed>(feed), publicKey);
+        QCOMPARE(accepted.date, QDateTime(QDate(2026, 3, 7), QTime(14, 0), QTimeZone::utc()));
+        QCOMPARE(accepted.items.size(), 1);
+        const UpdateItem &item = accepted.items.first();
+        QCOMPARE(item.versionText, QStringLiteral("0.2.0"));
+        QCOMPARE(item.minimumSystemText, QStringLiteral("2.34"));
+        QVERIFY2(item.notes.contains(QStringLiteral("freezes every screen")),
+                 qPrintable(item.notes));
+        QCOMPARE(item.packages.size(), 1);
+        QCOMPARE(item.packages.first().url,
+                 QUrl(QStringLiteral("https://example.org/of/0.2.0/tovek_0.2.0_all.deb")));
+        const auto other = UpdateSignature::makeKeyPair();
+        QVERIFY(UpdateSignature::signedPart(std::get<UpdateFeed>(feed), other.publicKey)
+                    .items.isEmpty());
+    }
+
     void replacesNoKey()
     {
         QVERIFY(!run({"make-key", path("key")}).isEmpty());
@@ -90,15 +128,35 @@ private Q_SLOTS:
 
 private:
     QString path(const char *name) const { return m_folder->filePath(QLatin1String(name)); }
+    static QString tool()
+    {
+        return QCoreApplication::applicationDirPath() + QStringLiteral("/../bin/sign_update");
+    }
     /// What it prints; empty when it fails.
     static QString run(const QStringList &words)
     {
-        QProcess tool;
-        tool.start(QCoreApplication::applicationDirPath() + QStringLiteral("/../bin/sign_update"),
-                   words);
-        return tool.waitForFinished() && tool.exitCode() == 0
-            ? QString::fromUtf8(tool.readAllStandardOutput())
+        QProcess process;
+        process.start(tool(), words);
+        return process.waitForFinished() && process.exitCode() == 0
+            ? QString::fromUtf8(process.readAllStandardOutput())
             : QString();
+    }
+    /// A package that has nothing in it but what it needs.
+    bool makePackage(const QString &file) const
+    {
+        const QString folder = path("package-of-nothing");
+        QFile control(folder + QStringLiteral("/DEBIAN/control"));
+        if (!QDir().mkpath(folder + QStringLiteral("/DEBIAN"))
+            || !control.open(QIODevice::WriteOnly))
+            return false;
+        control.write("Package: tovek\nVersion: 0.2.0\nArchitecture: all\n"
+                      "Depends: libc6 (>= 2.34), libqt6core6\n"
+                      "Maintainer: Nobody <nobody@example.org>\nDescription: nothing\n");
+        control.close();
+        return QProcess::execute(QStringLiteral("dpkg-deb"),
+                                 {QStringLiteral("--build"), QStringLiteral("-Znone"),
+                                  QStringLiteral("--root-owner-group"), folder, file})
+            == 0;
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
