@@ -126,51 +126,65 @@ void join(std::vector<InkSymbol> &symbols, std::size_t i)
     symbols.erase(symbols.begin() + std::ptrdiff_t(i) + 1);
 }
 
+/// The dashes of one piece, and what they are compared with.
+struct Dashes
+{
+    std::vector<InkSymbol> &symbols;
+    Measure measure;
+};
+
+/// Of the single hyphens of the same font, in proportional text; 0 when there are none.
+int usualWidth(const std::vector<Hyphen> &hyphens, double cap)
+{
+    std::vector<int> widths;
+    for (const Hyphen &hyphen : hyphens) {
+        if (!hyphen.isInCells && std::abs(hyphen.capHeight - cap) <= cap * sameFont)
+            widths.push_back(hyphen.width);
+    }
+    std::sort(widths.begin(), widths.end());
+    return widths.empty() ? 0 : widths[widths.size() / 2];
+}
+
+void countIn(std::vector<InkSymbol> &symbols, const Measure &measure)
+{
+    for (std::size_t i = 0; i < symbols.size(); ++i) {
+        if (isPairInWord(symbols, i)) {
+            splitInWord(symbols, i);
+            ++i;
+            continue;
+        }
+        const int count = hyphensAt(symbols, i);
+        if (count == 0)
+            continue;
+        const bool isTwo = isPair(symbols, i, measure);
+        if (count == 1 && isTwo)
+            split(symbols, i);
+        else if (count == 2 && (measure.usual > 0 || measure.cell > 0) && !isTwo)
+            join(symbols, i);
+        if (symbols[i].shared == 2)
+            ++i;
+    }
+}
+
 } // namespace
 
-void countHyphens(std::vector<std::vector<InkSymbol>> &readings,
-                  const std::vector<LetterMetrics> &metrics)
+void countHyphens(std::vector<ReadPiece> &pieces)
 {
-    std::vector<std::optional<Pitch>> pitches;
+    std::vector<Dashes> lines;
     std::vector<Hyphen> hyphens;
-    for (std::size_t run = 0; run < readings.size(); ++run) {
-        const double cap = metrics[run].capHeight;
-        pitches.push_back(fixedPitch(readings[run], cap));
-        for (std::size_t i = 0; i < readings[run].size(); ++i) {
-            if (hyphensAt(readings[run], i) == 1 && joinsLetters(readings[run], i))
-                hyphens.push_back({cap, pitches[run].has_value(), readings[run][i].unit.width()});
+    for (ReadPiece &piece : pieces) {
+        const double cap = piece.metrics.capHeight;
+        std::vector<InkSymbol> &symbols = piece.symbols;
+        const auto pitch = fixedPitch(symbols, cap);
+        lines.push_back({symbols, {cap, 0, pitch ? pitch->width : 0}});
+        for (std::size_t i = 0; i < symbols.size(); ++i) {
+            if (hyphensAt(symbols, i) == 1 && joinsLetters(symbols, i))
+                hyphens.push_back({cap, pitch.has_value(), symbols[i].unit.width()});
         }
     }
-    const auto usualWidth = [&hyphens](double cap) {
-        std::vector<int> widths;
-        for (const Hyphen &hyphen : hyphens) {
-            if (!hyphen.isInCells && std::abs(hyphen.capHeight - cap) <= cap * sameFont)
-                widths.push_back(hyphen.width);
-        }
-        std::sort(widths.begin(), widths.end());
-        return widths.empty() ? 0 : widths[widths.size() / 2];
-    };
-    for (std::size_t run = 0; run < readings.size(); ++run) {
-        std::vector<InkSymbol> &symbols = readings[run];
-        const double cap = metrics[run].capHeight;
-        const Measure measure{cap, usualWidth(cap), pitches[run] ? pitches[run]->width : 0};
-        for (std::size_t i = 0; i < symbols.size(); ++i) {
-            if (isPairInWord(symbols, i)) {
-                splitInWord(symbols, i);
-                ++i;
-                continue;
-            }
-            const int count = hyphensAt(symbols, i);
-            if (count == 0)
-                continue;
-            const bool isTwo = isPair(symbols, i, measure);
-            if (count == 1 && isTwo)
-                split(symbols, i);
-            else if (count == 2 && (measure.usual > 0 || measure.cell > 0) && !isTwo)
-                join(symbols, i);
-            if (symbols[i].shared == 2)
-                ++i;
-        }
+    for (Dashes &line : lines) {
+        line.measure.usual = usualWidth(hyphens, line.measure.capHeight);
+        countIn(line.symbols, line.measure);
     }
 }
 

@@ -67,38 +67,19 @@ void add(Page &page, TextRun run)
     page.runs.push_back({std::move(run), letterMetrics(strokes)});
 }
 
-/// settleMetrics over the runs.
-void settle(std::vector<PageRun> &runs)
-{
-    std::vector<TextRun> texts;
-    std::vector<LetterMetrics> metrics;
-    for (const PageRun &run : runs) {
-        texts.push_back(run.text);
-        metrics.push_back(run.metrics);
-    }
-    settleMetrics(texts, metrics);
-    for (std::size_t i = 0; i < runs.size(); ++i)
-        runs[i].metrics = metrics[i];
-}
-
 /// What all pieces of a picture that were read letter by letter tell about each other.
 void compareReadings(std::vector<std::vector<ReadPiece>> &readings)
 {
-    std::vector<std::vector<InkSymbol>> symbols;
-    std::vector<LetterMetrics> metrics;
-    for (std::vector<ReadPiece> &pieces : readings) {
-        for (ReadPiece &piece : pieces) {
-            symbols.push_back(std::move(piece.symbols));
-            metrics.push_back(piece.metrics);
-        }
-    }
-    shareReadings(symbols, metrics);
-    countHyphens(symbols, metrics);
-    breakAllWords(symbols, metrics);
-    auto next = symbols.begin();
-    for (std::vector<ReadPiece> &pieces : readings) {
-        for (ReadPiece &piece : pieces)
-            piece.symbols = std::move(*next++);
+    std::vector<ReadPiece> pieces;
+    for (std::vector<ReadPiece> &ofRun : readings)
+        std::move(ofRun.begin(), ofRun.end(), std::back_inserter(pieces));
+    shareReadings(pieces);
+    countHyphens(pieces);
+    breakAllWords(pieces);
+    auto next = pieces.begin();
+    for (std::vector<ReadPiece> &ofRun : readings) {
+        for (ReadPiece &piece : ofRun)
+            piece = std::move(*next++);
     }
 }
 
@@ -134,7 +115,7 @@ Page pageOf(const QImage &image)
                 add(page, std::move(run));
         }
     }
-    settle(page.runs);
+    settleMetrics(page.runs);
     page.widestFirst.resize(page.runs.size());
     std::iota(page.widestFirst.begin(), page.widestFirst.end(), std::size_t(0));
     std::sort(page.widestFirst.begin(), page.widestFirst.end(), [&](std::size_t a, std::size_t b) {

@@ -9,13 +9,6 @@ class QImage;
 
 namespace tovek {
 
-/// A run with the heights of its letters.
-struct PageRun
-{
-    TextRun text;
-    LetterMetrics metrics;
-};
-
 /// Everything about a picture that is known before an engine reads it. Immutable, so that the
 /// runs can be read on several threads.
 struct Page

@@ -25,10 +25,10 @@ constexpr double clearAmongAlike = 6.0;
 constexpr double leastSharedVotes = 1.5;
 constexpr double doubtful = 0.3;
 
-/// A unit in `readings`: its first symbol and how many there are.
+/// A unit in a picture's pieces: its first symbol and how many there are.
 struct Unit
 {
-    std::size_t run = 0;
+    std::size_t piece = 0;
     std::size_t first = 0;
     std::size_t count = 0;
 };
@@ -49,14 +49,14 @@ bool isAlike(const QString &a, const QString &b)
     });
 }
 
-std::vector<Unit> unitsOf(const std::vector<InkSymbol> &symbols, std::size_t run)
+std::vector<Unit> unitsOf(const std::vector<InkSymbol> &symbols, std::size_t piece)
 {
     std::vector<Unit> units;
     for (std::size_t i = 0; i < symbols.size(); ++i) {
         if (i > 0 && symbols[i].unit == symbols[i - 1].unit)
             ++units.back().count;
         else
-            units.push_back({run, i, 1});
+            units.push_back({piece, i, 1});
     }
     return units;
 }
@@ -93,12 +93,12 @@ double weightOf(const std::vector<InkSymbol> &symbols, const Unit &unit)
 /// The new reading of each unit that has one.
 using Corrections = QHash<std::pair<std::size_t, std::size_t>, QString>;
 
-void vote(const Cluster &cluster, const std::vector<std::vector<InkSymbol>> &readings,
-          Corrections &corrections)
+void vote(const Cluster &cluster, const std::vector<ReadPiece> &pieces, Corrections &corrections)
 {
     std::map<QString, double> votes;
     for (const Unit &unit : cluster.members) {
-        votes[textOf(readings[unit.run], unit)] += weightOf(readings[unit.run], unit);
+        votes[textOf(pieces[unit.piece].symbols, unit)] +=
+            weightOf(pieces[unit.piece].symbols, unit);
     }
     const auto best =
         std::max_element(votes.begin(), votes.end(),
@@ -107,7 +107,7 @@ void vote(const Cluster &cluster, const std::vector<std::vector<InkSymbol>> &rea
         return;
     static const QString bars = QStringLiteral("lI|");
     for (const Unit &unit : cluster.members) {
-        const QString text = textOf(readings[unit.run], unit);
+        const QString text = textOf(pieces[unit.piece].symbols, unit);
         if (bars.contains(text) && bars.contains(best->first) && !text.isEmpty())
             continue;
         // One shape in two scripts: only the word tells.
@@ -115,16 +115,16 @@ void vote(const Cluster &cluster, const std::vector<std::vector<InkSymbol>> &rea
             continue;
         const double needed = isAlike(text, best->first) ? clearAmongAlike : clearMajority;
         if (text != best->first && best->second >= votes[text] * needed)
-            corrections.insert({unit.run, unit.first}, best->first);
+            corrections.insert({unit.piece, unit.first}, best->first);
     }
 }
 
-std::vector<InkSymbol> corrected(const std::vector<InkSymbol> &symbols, std::size_t run,
+std::vector<InkSymbol> corrected(const std::vector<InkSymbol> &symbols, std::size_t piece,
                                  const Corrections &corrections)
 {
     std::vector<InkSymbol> result;
-    for (const Unit &unit : unitsOf(symbols, run)) {
-        const auto found = corrections.find({run, unit.first});
+    for (const Unit &unit : unitsOf(symbols, piece)) {
+        const auto found = corrections.find({piece, unit.first});
         if (found == corrections.end()) {
             for (std::size_t i = 0; i < unit.count; ++i)
                 result.push_back(symbols[unit.first + i]);
@@ -177,19 +177,19 @@ void takeGlyphs(std::vector<InkSymbol> &symbols, const InkMap &ink, const TextRu
     }
 }
 
-void shareReadings(std::vector<std::vector<InkSymbol>> &readings,
-                   const std::vector<LetterMetrics> &metrics)
+void shareReadings(std::vector<ReadPiece> &pieces)
 {
     QHash<QByteArray, std::vector<Cluster>> shapes;
-    for (std::size_t run = 0; run < readings.size(); ++run) {
-        for (const Unit &unit : unitsOf(readings[run], run)) {
-            const InkSymbol &first = readings[run][unit.first];
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        const LetterMetrics &metrics = pieces[i].metrics;
+        const double cap = metrics.capHeight;
+        for (const Unit &unit : unitsOf(pieces[i].symbols, i)) {
+            const InkSymbol &first = pieces[i].symbols[unit.first];
             if (first.glyph.empty())
                 continue;
-            const int above = int(std::lround(metrics[run].baseline)) - first.unit.bottom();
+            const int above = int(std::lround(metrics.baseline)) - first.unit.bottom();
             const QByteArray key = QByteArray::number(first.unit.width()) + ' '
                 + QByteArray::number(first.unit.height()) + ' ' + QByteArray::number(above);
-            const double cap = metrics[run].capHeight;
             std::vector<Cluster> &clusters = shapes[key];
             auto found = std::find_if(clusters.begin(), clusters.end(), [&](const Cluster &one) {
                 return std::abs(one.capHeight - cap) <= cap * sameFont
@@ -203,10 +203,10 @@ void shareReadings(std::vector<std::vector<InkSymbol>> &readings,
     Corrections corrections;
     for (const std::vector<Cluster> &clusters : std::as_const(shapes)) {
         for (const Cluster &cluster : clusters)
-            vote(cluster, readings, corrections);
+            vote(cluster, pieces, corrections);
     }
-    for (std::size_t run = 0; run < readings.size(); ++run)
-        readings[run] = corrected(readings[run], run, corrections);
+    for (std::size_t i = 0; i < pieces.size(); ++i)
+        pieces[i].symbols = corrected(pieces[i].symbols, i, corrections);
 }
 
 } // namespace tovek

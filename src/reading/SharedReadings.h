@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "reading/RunReading.h"
+#include "reading/ReadPiece.h"
 
 namespace tovek {
 
@@ -16,8 +16,7 @@ bool looksLike(const std::vector<std::uint8_t> &a, const std::vector<std::uint8_
 
 /// A screen draws the same character in the same font with the same pixels: what is read in most
 /// places is read in the others too, whether they were misread, read twice or passed over.
-/// `readings` and `metrics` have one entry a run. Afterwards no symbol is left without a text.
-void shareReadings(std::vector<std::vector<InkSymbol>> &readings,
-                   const std::vector<LetterMetrics> &metrics);
+/// All pieces of a picture. Afterwards no symbol is left without a text.
+void shareReadings(std::vector<ReadPiece> &pieces);
 
 } // namespace tovek

@@ -230,24 +230,48 @@ bool canStandOn(const TextRun &run, const LetterMetrics &line)
 }
 
 /// The metrics of the nearest run beside this one whose line it stands on.
-const LetterMetrics *lineBeside(std::size_t at, const std::vector<TextRun> &runs,
-                                const std::vector<LetterMetrics> &metrics)
+const LetterMetrics *lineBeside(const TextRun &run, const std::vector<PageRun> &runs)
 {
     const LetterMetrics *found = nullptr;
     int nearest = std::numeric_limits<int>::max();
-    const QRect &box = runs[at].box;
-    for (std::size_t i = 0; i < runs.size(); ++i) {
-        const QRect &other = runs[i].box;
-        if (i == at || !metrics[i].isCertain || other.top() > box.bottom()
+    const QRect &box = run.box;
+    for (const PageRun &one : runs) {
+        const QRect &other = one.text.box;
+        if (&one.text == &run || !one.metrics.isCertain || other.top() > box.bottom()
             || other.bottom() < box.top())
             continue;
         const int distance = std::max({0, other.left() - box.right(), box.left() - other.right()});
-        if (distance < nearest && canStandOn(runs[at], metrics[i])) {
+        if (distance < nearest && canStandOn(run, one.metrics)) {
             nearest = distance;
-            found = &metrics[i];
+            found = &one.metrics;
         }
     }
     return found;
+}
+
+/// Those of one of the runs, after what is certain of the others.
+LetterMetrics settled(const PageRun &run, const std::vector<PageRun> &runs)
+{
+    LetterMetrics metrics = run.metrics;
+    if (metrics.isCertain)
+        return metrics;
+    if (run.text.patches.size() <= mostMarks) {
+        if (const LetterMetrics *line = lineBeside(run.text, runs))
+            return *line;
+    }
+    int asCapitals = 0;
+    int asSmall = 0;
+    for (const PageRun &other : runs) {
+        if (!other.metrics.isCertain)
+            continue;
+        asCapitals += std::abs(other.metrics.capHeight - metrics.capHeight) < 0.75;
+        asSmall += std::abs(other.metrics.xHeight - metrics.capHeight) < 0.75;
+    }
+    if (asSmall > asCapitals) {
+        metrics.xHeight = metrics.capHeight;
+        metrics.capHeight = metrics.xHeight * capToXHeight;
+    }
+    return metrics;
 }
 
 } // namespace
@@ -342,32 +366,13 @@ LetterMetrics letterMetrics(const TextRun &run)
     return metrics;
 }
 
-void settleMetrics(const std::vector<TextRun> &runs, std::vector<LetterMetrics> &metrics)
+void settleMetrics(std::vector<PageRun> &runs)
 {
-    const std::vector<LetterMetrics> seen = metrics;
-    for (std::size_t i = 0; i < metrics.size(); ++i) {
-        LetterMetrics &one = metrics[i];
-        if (one.isCertain)
-            continue;
-        if (runs[i].patches.size() <= mostMarks) {
-            if (const LetterMetrics *line = lineBeside(i, runs, seen)) {
-                one = *line;
-                continue;
-            }
-        }
-        int asCapitals = 0;
-        int asSmall = 0;
-        for (const LetterMetrics &other : seen) {
-            if (!other.isCertain)
-                continue;
-            asCapitals += std::abs(other.capHeight - one.capHeight) < 0.75;
-            asSmall += std::abs(other.xHeight - one.capHeight) < 0.75;
-        }
-        if (asSmall > asCapitals) {
-            one.xHeight = one.capHeight;
-            one.capHeight = one.xHeight * capToXHeight;
-        }
-    }
+    std::vector<LetterMetrics> metrics;
+    std::transform(runs.begin(), runs.end(), std::back_inserter(metrics),
+                   [&runs](const PageRun &run) { return settled(run, runs); });
+    for (std::size_t i = 0; i < runs.size(); ++i)
+        runs[i].metrics = metrics[i];
 }
 
 } // namespace tovek

@@ -50,9 +50,16 @@ inline constexpr double sameFont = 0.12;
 /// Measured from the patches' edges. A run with letters of one height only is taken for capitals.
 LetterMetrics letterMetrics(const TextRun &run);
 
+/// A run with the heights of its letters.
+struct PageRun
+{
+    TextRun text;
+    LetterMetrics metrics;
+};
+
 /// Settles the runs with letters of one height only after the other runs of the picture: the same
 /// font usually stands elsewhere in it, and a few marks by themselves ("*/", "||") stand on the
-/// line of the run beside them. One entry a run in both.
-void settleMetrics(const std::vector<TextRun> &runs, std::vector<LetterMetrics> &metrics);
+/// line of the run beside them.
+void settleMetrics(std::vector<PageRun> &runs);
 
 } // namespace tovek

@@ -245,27 +245,26 @@ void breakWords(std::vector<InkSymbol> &symbols, double capHeight,
     }
 }
 
-void breakAllWords(std::vector<std::vector<InkSymbol>> &readings,
-                   const std::vector<LetterMetrics> &metrics)
+void breakAllWords(std::vector<ReadPiece> &pieces)
 {
     std::vector<std::pair<double, double>> known; // cap height and cell width
-    for (std::size_t i = 0; i < readings.size(); ++i) {
-        const double cap = metrics[i].capHeight;
-        const auto pitch = fixedPitch(readings[i], cap);
-        if (pitch && agreesWithEngine(*pitch, readings[i], cap))
+    for (const ReadPiece &piece : pieces) {
+        const double cap = piece.metrics.capHeight;
+        const auto pitch = fixedPitch(piece.symbols, cap);
+        if (pitch && agreesWithEngine(*pitch, piece.symbols, cap))
             known.push_back({cap, pitch->width});
     }
-    for (std::size_t i = 0; i < readings.size(); ++i) {
+    for (ReadPiece &piece : pieces) {
         std::vector<double> cells;
         for (const auto &[cap, width] : known) {
-            const bool isSame = std::abs(cap - metrics[i].capHeight) <= cap * sameSize;
+            const bool isSame = std::abs(cap - piece.metrics.capHeight) <= cap * sameSize;
             const bool isNew = std::none_of(cells.begin(), cells.end(), [w = width](double other) {
                 return std::abs(other - w) < w * samePitch / 2;
             });
             if (isSame && isNew)
                 cells.push_back(width);
         }
-        breakWords(readings[i], metrics[i].capHeight, cells);
+        breakWords(piece.symbols, piece.metrics.capHeight, cells);
     }
 }
 

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "reading/RunReading.h"
+#include "reading/ReadPiece.h"
 
 #include <optional>
 
@@ -30,8 +30,7 @@ std::optional<Pitch> onPitch(const std::vector<InkSymbol> &symbols, double cellW
 void breakWords(std::vector<InkSymbol> &symbols, double capHeight,
                 const std::vector<double> &cellWidths = {});
 
-/// The same for all runs of a picture. One entry a run in both.
-void breakAllWords(std::vector<std::vector<InkSymbol>> &readings,
-                   const std::vector<LetterMetrics> &metrics);
+/// The same for all pieces of a picture.
+void breakAllWords(std::vector<ReadPiece> &pieces);
 
 } // namespace tovek

@@ -60,10 +60,10 @@ private Q_SLOTS:
     {
         QFETCH(QString, text);
         QFETCH(int, width);
-        std::vector<std::vector<InkSymbol>> readings{line("a-b", 4), line(text, width)};
-        countHyphens(readings, {metrics, metrics});
-        QCOMPARE(textOf(readings[0]), QString("a-b"));
-        QTEST(textOf(readings[1]), "expected");
+        std::vector<ReadPiece> pieces{{metrics, line("a-b", 4)}, {metrics, line(text, width)}};
+        countHyphens(pieces);
+        QCOMPARE(textOf(pieces[0].symbols), QString("a-b"));
+        QTEST(textOf(pieces[1].symbols), "expected");
     }
 
     void takesAnEmDashInTheInkOfAWordForTwoHyphens_data()
@@ -78,12 +78,13 @@ private Q_SLOTS:
         QFETCH(bool, isAtStart);
         QFETCH(QString, expected);
         const QRect ink(20, 3, 14, 7);
-        std::vector<std::vector<InkSymbol>> readings{
-            {{"x", QRect(0, 3, 6, 7), 90, true, 1, QRect(0, 3, 6, 7), {}},
-             {QStringLiteral("\u2014"), QRect(20, 3, 7, 7), 90, isAtStart, 2, ink, {}},
-             {"a", QRect(27, 3, 7, 7), 90, false, 2, ink, {}}}};
-        countHyphens(readings, {metrics});
-        QCOMPARE(textOf(readings[0]), "x" + expected);
+        std::vector<ReadPiece> pieces{
+            {metrics,
+             {{"x", QRect(0, 3, 6, 7), 90, true, 1, QRect(0, 3, 6, 7), {}},
+              {QStringLiteral("\u2014"), QRect(20, 3, 7, 7), 90, isAtStart, 2, ink, {}},
+              {"a", QRect(27, 3, 7, 7), 90, false, 2, ink, {}}}}};
+        countHyphens(pieces);
+        QCOMPARE(textOf(pieces[0].symbols), "x" + expected);
     }
     void namesATildeByItsWave_data()
     {
@@ -131,11 +132,11 @@ private Q_SLOTS:
     }
     void comparesWithTheSameFontOnly()
     {
-        std::vector<std::vector<InkSymbol>> readings{line("a-b", 4), line("a - b", 8)};
         LetterMetrics larger = metrics;
         larger.capHeight = 12;
-        countHyphens(readings, {metrics, larger});
-        QCOMPARE(textOf(readings[1]), QString("a-b"));
+        std::vector<ReadPiece> pieces{{metrics, line("a-b", 4)}, {larger, line("a - b", 8)}};
+        countHyphens(pieces);
+        QCOMPARE(textOf(pieces[1].symbols), QString("a-b"));
     }
 
     void readsALongDashThatBeginsAWordAsTwo_data()
@@ -150,9 +151,9 @@ private Q_SLOTS:
     void readsALongDashThatBeginsAWordAsTwo()
     {
         QFETCH(int, width);
-        std::vector<std::vector<InkSymbol>> readings{line("a -b", width)};
-        countHyphens(readings, {metrics});
-        QTEST(textOf(readings[0]), "expected");
+        std::vector<ReadPiece> pieces{{metrics, line("a -b", width)}};
+        countHyphens(pieces);
+        QTEST(textOf(pieces[0].symbols), "expected");
     }
 };
 

@@ -60,49 +60,51 @@ private Q_SLOTS:
     {
         QFETCH(QString, most);
         QFETCH(QString, other);
-        std::vector<std::vector<InkSymbol>> readings{{symbol(most, 0, 1)},
-                                                     {symbol(most, 0, 1)},
-                                                     {symbol(most, 0, 1)},
-                                                     {symbol(other, 0, 1)}};
-        shareReadings(readings, {4, metrics});
-        QTEST(textOf(readings[0]) + textOf(readings[1]) + textOf(readings[2]) + textOf(readings[3]),
-              "expected");
+        std::vector<ReadPiece> pieces{{metrics, {symbol(most, 0, 1)}},
+                                      {metrics, {symbol(most, 0, 1)}},
+                                      {metrics, {symbol(most, 0, 1)}},
+                                      {metrics, {symbol(other, 0, 1)}}};
+        shareReadings(pieces);
+        QString texts;
+        for (const ReadPiece &piece : pieces)
+            texts += textOf(piece.symbols);
+        QTEST(texts, "expected");
     }
 
     void needsAMajority()
     {
-        std::vector<std::vector<InkSymbol>> readings{{symbol("g", 0, 1)}, {symbol("y", 0, 1)}};
-        shareReadings(readings, {2, metrics});
-        QCOMPARE(textOf(readings[0]) + textOf(readings[1]), QString("gy"));
+        std::vector<ReadPiece> pieces{{metrics, {symbol("g", 0, 1)}},
+                                      {metrics, {symbol("y", 0, 1)}}};
+        shareReadings(pieces);
+        QCOMPARE(textOf(pieces[0].symbols) + textOf(pieces[1].symbols), QString("gy"));
     }
 
     void leavesOtherInkAlone()
     {
-        std::vector<std::vector<InkSymbol>> readings{
-            {symbol("g", 0, 1)}, {symbol("g", 0, 1)}, {symbol("g", 0, 1)}, {symbol("y", 0, 2)}};
-        shareReadings(readings, {4, metrics});
-        QCOMPARE(textOf(readings[3]), QString("y"));
+        std::vector<ReadPiece> pieces(3, {metrics, {symbol("g", 0, 1)}});
+        pieces.push_back({metrics, {symbol("y", 0, 2)}});
+        shareReadings(pieces);
+        QCOMPARE(textOf(pieces[3].symbols), QString("y"));
     }
 
     void leavesOtherSizesAlone()
     {
         LetterMetrics larger = metrics;
         larger.capHeight = 13;
-        std::vector<std::vector<InkSymbol>> readings{
-            {symbol("o", 0, 1)}, {symbol("o", 0, 1)}, {symbol("o", 0, 1)}, {symbol("a", 0, 1)}};
-        shareReadings(readings, {metrics, metrics, metrics, larger});
-        QCOMPARE(textOf(readings[3]), QString("a"));
+        std::vector<ReadPiece> pieces(3, {metrics, {symbol("o", 0, 1)}});
+        pieces.push_back({larger, {symbol("a", 0, 1)}});
+        shareReadings(pieces);
+        QCOMPARE(textOf(pieces[3].symbols), QString("a"));
     }
 
     void keepsTheBreakOfAWordWhoseFirstInkIsNoText()
     {
         InkSymbol speck = symbol("", 20, 7);
         speck.startsWord = true;
-        std::vector<std::vector<InkSymbol>> readings{
-            {symbol("a", 0, 1), speck, symbol("b", 30, 2)}};
-        shareReadings(readings, {metrics});
-        QCOMPARE(textOf(readings[0]), QString("ab"));
-        QVERIFY(readings[0][1].startsWord);
+        std::vector<ReadPiece> pieces{{metrics, {symbol("a", 0, 1), speck, symbol("b", 30, 2)}}};
+        shareReadings(pieces);
+        QCOMPARE(textOf(pieces[0].symbols), QString("ab"));
+        QVERIFY(pieces[0].symbols[1].startsWord);
     }
 };
 

@@ -108,12 +108,14 @@ private Q_SLOTS:
     }
     void settlesOneHeightAfterTheRestOfThePicture()
     {
-        std::vector<LetterMetrics> metrics{
-            {10, 14, 10, true}, {30, 14, 10, true}, {50, 10, 7.3, false}, {70, 14, 10.2, false}};
-        settleMetrics(std::vector<TextRun>(4), metrics);
-        QCOMPARE(metrics[2].xHeight, 10.0);
-        QVERIFY(metrics[2].capHeight > 13);
-        QCOMPARE(metrics[3].capHeight, 14.0);
+        std::vector<PageRun> runs{{{}, {10, 14, 10, true}},
+                                  {{}, {30, 14, 10, true}},
+                                  {{}, {50, 10, 7.3, false}},
+                                  {{}, {70, 14, 10.2, false}}};
+        settleMetrics(runs);
+        QCOMPARE(runs[2].metrics.xHeight, 10.0);
+        QVERIFY(runs[2].metrics.capHeight > 13);
+        QCOMPARE(runs[3].metrics.capHeight, 14.0);
     }
     void putsMarksOnTheLineBesideThem_data()
     {
@@ -131,12 +133,12 @@ private Q_SLOTS:
     {
         QFETCH(QRect, box);
         QFETCH(bool, isOnLine);
-        const std::vector<TextRun> runs{{QRect(0, 20, 200, 13), word(0, 20, 9)},
-                                        {box, {{box, box.width() * box.height(), 255}}}};
         const LetterMetrics line{30, 10, 7, true};
-        std::vector<LetterMetrics> metrics{line, letterMetrics(runs[1])};
-        settleMetrics(runs, metrics);
-        QCOMPARE(metrics[1] == line, isOnLine);
+        const TextRun mark{box, {{box, box.width() * box.height(), 255}}};
+        std::vector<PageRun> runs{{{QRect(0, 20, 200, 13), word(0, 20, 9)}, line},
+                                  {mark, letterMetrics(mark)}};
+        settleMetrics(runs);
+        QCOMPARE(runs[1].metrics == line, isOnLine);
     }
 };
 
