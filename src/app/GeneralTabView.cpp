@@ -104,11 +104,11 @@ GeneralTabView::GeneralTabView(const Services &services, QWidget *parent)
     };
     m_chooser.onHung = [this] {
         logLine(QStringLiteral("Closed the folder chooser: a folder does not answer"));
-        showFolderNote(tr("The folder chooser waited for a folder that is not answering"));
+        showChooserNote(tr("A folder did not answer"));
     };
     m_chooser.onFailed = [this](const QString &reason) {
         logLine(QStringLiteral("Failed to open the folder chooser: %1").arg(reason));
-        showFolderNote(tr("The folder chooser could not be opened"));
+        showChooserNote(tr("The chooser cannot be opened"));
     };
 }
 
@@ -207,14 +207,17 @@ void GeneralTabView::showFolder(const FolderReport &report)
     m_folder = report;
     m_folderPath->setText(abbreviatedPath(report.folder, QDir::homePath()));
     m_folderPath->setToolTip(report.folder);
-    showFolderNote(noteOn(report.state));
-}
-
-void GeneralTabView::showFolderNote(const QString &note)
-{
+    const QString ofFolder = noteOn(report.state);
+    const QString note = ofFolder.isEmpty() ? m_chooserNote : ofFolder;
     m_folderRow->setNote(note);
     const QStringList parts{m_folderPath->accessibleName(), note};
     m_folderButton->setAccessibleDescription(parts.join(QStringLiteral(". ")));
+}
+
+void GeneralTabView::showChooserNote(const QString &note)
+{
+    m_chooserNote = note;
+    showFolder(m_folder);
 }
 
 void GeneralTabView::setLaunchAtLogin(bool isOn)
@@ -249,6 +252,7 @@ void GeneralTabView::setShownInMenuBar(bool isOn)
 
 void GeneralTabView::chooseFolder()
 {
+    showChooserNote(QString());
     const bool isAnswering = m_folder.state != FolderState::notAnswering;
     FolderChooser::Question question{isAnswering ? m_folder.folder : QDir::homePath()};
     question.isDark = ModernStyle::isDark(palette());

@@ -56,7 +56,8 @@ private:
     void refresh();
     void askFolder();
     void showFolder(const FolderReport &report);
-    void showFolderNote(const QString &note);
+    /// Beside the folder until the next choice.
+    void showChooserNote(const QString &note);
     void setLaunchAtLogin(bool isOn);
     void setShownInMenuBar(bool isOn);
     void chooseFolder();
@@ -64,6 +65,7 @@ private:
     Services m_services;
     FolderReport m_folder;
     QString m_askedFolder; ///< as it is stored
+    QString m_chooserNote; ///< of the last choice; mostly empty
     QFuture<FolderReport> m_answer;
     FolderChooser m_chooser;
     FormRow *m_loginRow = nullptr;

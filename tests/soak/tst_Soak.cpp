@@ -20,7 +20,11 @@ constexpr int sessionsByDefault = 60;
 constexpr int warmUpSessions = 12;
 constexpr int comparedEach = 20;
 constexpr int restMs = 8000; // threads of pools end after 2 s, memory is given back after 4 s
+#ifdef __SANITIZE_ADDRESS__
+constexpr qint64 mostGrowth = 400'000'000; // that sanitizer keeps what is freed
+#else
 constexpr qint64 mostGrowth = 3'000'000;
+#endif
 
 /// What a process has of the machine.
 struct Usage
