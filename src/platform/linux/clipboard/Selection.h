@@ -27,6 +27,8 @@ public:
 
     /// Another program took it.
     std::function<void()> onLost;
+    /// What `take` said could be had was refused after all.
+    std::function<void()> onRefused;
 };
 
 } // namespace tovek

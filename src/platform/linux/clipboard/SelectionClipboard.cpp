@@ -32,6 +32,12 @@ SelectionClipboard::SelectionClipboard(std::unique_ptr<Selection> selection, QSt
     , m_holder(std::move(holder))
 {
     m_selection->onLost = [this] { forget(); };
+    m_selection->onRefused = [this] {
+        logLine(QStringLiteral("Failed to take the clipboard: the desktop gives it to the program "
+                               "with the keyboard only"));
+        replace(m_kind);
+        fail();
+    };
 }
 
 SelectionClipboard::~SelectionClipboard() = default;
@@ -97,7 +103,7 @@ void SelectionClipboard::handOver()
 {
     waitUntil([this] { return !m_isAwaiting; }, encodingLimit);
     catchUp();
-    if (m_selection->isOwner() && m_bytes.size > 0) {
+    if (m_selection->isOwner() && m_bytes.size > 0 && !m_holder.isEmpty()) {
         // The readers that are in the middle are served until the end.
         const SelectionBytes bytes = m_bytes;
         // The result says no more than what the log line does.

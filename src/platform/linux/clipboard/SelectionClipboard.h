@@ -32,7 +32,7 @@ public:
     static QString holderNamed(const QString &program);
 
 protected:
-    /// `holder` is the program that keeps the clipboard after us.
+    /// `holder` is the program that keeps the clipboard after us; empty where the desktop does.
     SelectionClipboard(std::unique_ptr<Selection> selection, QString holder);
 
     Selection &selection() { return *m_selection; }

@@ -5,6 +5,7 @@
 
 #include "ext-data-control-v1-client.h"
 #include "platform/wayland/WaylandConnection.h"
+#include "platform/wayland/clipboard/FocusedSelection.h"
 #include "wlr-data-control-unstable-v1-client.h"
 
 #include <algorithm>
@@ -38,6 +39,17 @@ DataControlClipboard::create(std::shared_ptr<WaylandConnection> connection, cons
     // The constructor is private.
     return std::unique_ptr<DataControlClipboard>(
         new DataControlClipboard(std::move(connection), std::move(selection), holder));
+}
+
+std::unique_ptr<DataControlClipboard>
+DataControlClipboard::createWithFocus(std::shared_ptr<WaylandConnection> connection)
+{
+    auto selection = FocusedSelection::create(connection);
+    if (!selection)
+        return nullptr;
+    // Mutter, for whom this is, keeps pictures and texts of programs that have ended.
+    return std::unique_ptr<DataControlClipboard>(
+        new DataControlClipboard(std::move(connection), std::move(selection), {}));
 }
 
 DataControlClipboard::DataControlClipboard(std::shared_ptr<WaylandConnection> connection,

@@ -22,6 +22,9 @@ public:
     /// Null where it does not. `holder` is the program that keeps the clipboard after us.
     static std::unique_ptr<DataControlClipboard>
     create(std::shared_ptr<WaylandConnection> connection, const QString &holder = standardHolder());
+    /// The clipboard of one that does not, but lets programs with windows copy.
+    static std::unique_ptr<DataControlClipboard>
+    createWithFocus(std::shared_ptr<WaylandConnection> connection);
     ~DataControlClipboard() override;
 
     /// tovek-clipboard-wayland beside the program, or in its libexec folder.

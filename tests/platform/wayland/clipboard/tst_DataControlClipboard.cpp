@@ -6,6 +6,7 @@
 #include "support/Skip.h"
 #include "support/WaylandClipboardReader.h"
 #include "support/WaylandDesktop.h"
+#include "support/WaylandHand.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -199,7 +200,38 @@ private Q_SLOTS:
         QVERIFY(holders().isEmpty());
     }
 
+    void copiesWithTheKeyboardOfAMoment()
+    {
+        const QByteArray png = noise(200 * 1000);
+        WaylandHand hand(m_desktop.socket(), QSize(1280, 800));
+        const auto clipboard = makeWithFocus();
+        clipboard->onFailed = [](Clipboard::Content) { QFAIL("refused"); };
+        clipboard->setPng(ready(png));
+        QTRY_VERIFY(m_reader.read("image/png") == png);
+        clipboard->setText("Some words");
+        QTRY_COMPARE(m_reader.read("text/plain;charset=utf-8"), "Some words");
+        QCOMPARE(m_desktop.windowTitles(), QStringList());
+        clipboard->handOver();
+        QVERIFY(holders().isEmpty());
+    }
+
+    void tellsWhenItDoesNotGetTheKeyboard()
+    {
+        // The desktop has none.
+        const auto clipboard = makeWithFocus();
+        QList<Clipboard::Content> failed;
+        clipboard->onFailed = [&](Clipboard::Content content) { failed << content; };
+        clipboard->setText("Some words");
+        QCOMPARE(failed, QList{Clipboard::Content::text});
+    }
+
 private:
+    static std::unique_ptr<DataControlClipboard> makeWithFocus()
+    {
+        auto connection = WaylandConnection::open();
+        connection->handleInMainLoop();
+        return DataControlClipboard::createWithFocus(connection);
+    }
     static QString holder()
     {
         return QFileInfo(qEnvironmentVariable("TOVEK_PROGRAM")).path()
