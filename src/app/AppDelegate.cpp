@@ -11,6 +11,7 @@
 #include "capture/PngEncoder.h"
 #include "foundation/AppImage.h"
 #include "foundation/Log.h"
+#include "foundation/Settings.h"
 #include "foundation/UserDefaults.h"
 #include "overlay/OverlayCursor.h"
 #include "overlay/OverlayPicture.h"
@@ -208,7 +209,20 @@ void AppDelegate::setUpStatusBar()
     };
     statusBar->encodePng = [](const Image &image) { return encodePng(image.bitmap); };
     statusBar->onPreviewEnded = [this] { restSoon(); };
+    statusBar->onNoHost = [this] { tellOfNoStatusItem(); };
     statusBar->setup();
+}
+
+/// Once and for all: who has read it knows how to go on.
+void AppDelegate::tellOfNoStatusItem()
+{
+    NotificationManager *notifications = m_services.notificationManager.get();
+    if (!notifications || Settings::toldOfNoStatusItem.in(m_defaults))
+        return;
+    Settings::toldOfNoStatusItem.set(m_defaults, true);
+    notifications->onCapture = [this] { m_overlayController.startCapture(CaptureMode::normal); };
+    notifications->onPreferences = [this] { openSettings(SettingsTab::general); };
+    notifications->showInPlaceOfStatusItem();
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool)

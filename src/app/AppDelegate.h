@@ -50,6 +50,7 @@ public:
 private:
     OverlayController::Services overlayServices();
     void setUpStatusBar();
+    void tellOfNoStatusItem();
     /// Makes what the first capture would wait for, and what need not be done at once.
     void warmUp();
     /// Gives back the memory that only work needs, unless there is more work before.

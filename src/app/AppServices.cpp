@@ -42,6 +42,9 @@ CaptureFeedback AppServices::feedback()
                             const std::optional<Screen> &screen) {
         if (toast)
             toast->show(message, symbol, screen);
+        else if (notificationManager && symbol.startsWith(QLatin1String("xmark")))
+            // Confirmations have their sound, and would be in the next picture.
+            notificationManager->showMessage(message);
     };
     feedback.playCopySound = [this] {
         prepareSound();

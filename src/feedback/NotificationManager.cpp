@@ -22,8 +22,10 @@ NotificationManager::NotificationManager(Notifications &center, FileRevealer &re
     , m_revealer(revealer)
 {
     m_center.onResponse = [this](const NotificationResponse &response) { didReceive(response); };
-    m_center.setCategories(
-        {{categoryIdentifier, {{showActionIdentifier, QStringLiteral("Show")}}}});
+    m_center.setCategories({{categoryIdentifier, {{showActionIdentifier, QStringLiteral("Show")}}},
+                            {noItemCategory,
+                             {{captureAction, QStringLiteral("Capture")},
+                              {preferencesAction, QStringLiteral("Preferences")}}}});
 }
 
 NotificationManager::~NotificationManager()
@@ -45,12 +47,36 @@ void NotificationManager::showSavedNotification(const QString &message, const QU
     Q_ASSERT(isMainThread());
     m_pendingFileUrl = fileUrl;
     NotificationRequest request;
-    request.identifier = QUuid::createUuid().toString(QUuid::WithoutBraces);
     request.title = QStringLiteral("Screenshot Saved");
     request.body = message;
     request.categoryIdentifier = categoryIdentifier;
     request.imagePath = fileUrl.toLocalFile();
     request.userInfo = {{fileUrlKey, fileUrl.toString(QUrl::FullyEncoded)}};
+    show(std::move(request));
+}
+
+void NotificationManager::showInPlaceOfStatusItem()
+{
+    NotificationRequest request;
+    request.title = QStringLiteral("Tovek Is Running");
+    request.body = QStringLiteral("This desktop has no place for its icon. The shortcuts work "
+                                  "without it, and launching Tovek again opens its settings.");
+    request.categoryIdentifier = noItemCategory;
+    show(std::move(request));
+}
+
+void NotificationManager::showMessage(const QString &message)
+{
+    NotificationRequest request;
+    request.title = message;
+    request.isPassing = true;
+    show(std::move(request));
+}
+
+void NotificationManager::show(NotificationRequest request)
+{
+    Q_ASSERT(isMainThread());
+    request.identifier = QUuid::createUuid().toString(QUuid::WithoutBraces);
     m_center.add(request, [](const std::optional<QString> &error) {
         if (error)
             logLine(QStringLiteral("Failed to show notification: ") + *error);
@@ -59,6 +85,10 @@ void NotificationManager::showSavedNotification(const QString &message, const QU
 
 void NotificationManager::didReceive(const NotificationResponse &response)
 {
+    if (response.actionIdentifier == captureAction && onCapture)
+        onCapture();
+    else if (response.actionIdentifier == preferencesAction && onPreferences)
+        onPreferences();
     if (response.actionIdentifier != showActionIdentifier
         && response.actionIdentifier != defaultNotificationAction)
         return;

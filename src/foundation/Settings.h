@@ -35,6 +35,7 @@ struct Text
 // clang-format off
 inline constexpr Boolean highlightText {"highlightText",  true}; ///< words are marked in a selection
 inline constexpr Boolean showInMenuBar {"showInMenuBar",  true}; ///< the item in the panel
+inline constexpr Boolean toldOfNoStatusItem{"toldOfNoStatusItem", false}; ///< see StatusBarController
 inline constexpr Text    saveFolderPath{"saveFolderPath", ""};   ///< empty: Downloads
 // clang-format on
 

@@ -30,6 +30,7 @@ using namespace std::chrono_literals;
 
 constexpr auto fileLifetime = 2000ms;
 constexpr auto returnDelay = 400ms;
+constexpr auto panelPatience = 10s;
 
 QByteArray pngOf(const Image &image)
 {
@@ -98,16 +99,21 @@ void StatusBarController::setup()
     hostChanged();
 }
 
-/// Tells once that there is no host. A panel that starts after us, as at login, is not waited for:
-/// a timer would wake the program later on.
+/// Tells once that there is no host; and of a panel that does not start after us, either, as at
+/// login.
 void StatusBarController::hostChanged()
 {
     if (m_isHostKnown || m_statusItem.isLookingForHost())
         return;
     m_isHostKnown = true;
-    if (!m_statusItem.hasHost())
-        logLine(QStringLiteral("No status area yet: the shortcuts work without it, and launching "
-                               "Tovek again opens its settings"));
+    if (m_statusItem.hasHost())
+        return;
+    logLine(QStringLiteral("No status area yet: the shortcuts work without it, and launching "
+                           "Tovek again opens its settings"));
+    m_clock.after(panelPatience, this, [this] {
+        if (!m_statusItem.hasHost() && onNoHost)
+            onNoHost();
+    });
 }
 
 void StatusBarController::setVisible(bool isVisible)

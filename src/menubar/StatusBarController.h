@@ -59,6 +59,8 @@ public:
     StatusRows rows;
     /// How keys are written.
     std::function<QString(const QKeySequence &keys)> describeKeys;
+    /// The desktop has no place for the item, and not only because its panel has yet to start.
+    std::function<void()> onNoHost;
     /// The thumbnail of the last capture is gone from the panel.
     std::function<void()> onPreviewEnded;
     /// Any thread.

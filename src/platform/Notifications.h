@@ -36,7 +36,10 @@ struct NotificationRequest
     QString body; ///< plain text
     QString categoryIdentifier;
     QString imagePath; ///< of a picture to show; may be empty
-    QMap<QString, QString> userInfo; ///< comes back with the response
+    QMap<QString, QString> userInfo = {}; ///< comes back with the response
+    /// A word on what has just happened: it makes no sound, takes the place of the one before, and
+    /// leaves nothing behind.
+    bool isPassing = false;
 
     bool operator==(const NotificationRequest &) const = default;
 };

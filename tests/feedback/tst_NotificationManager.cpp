@@ -30,12 +30,15 @@ private:
 private Q_SLOTS:
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
-    void registersItsOneCategory()
+    void registersItsCategories()
     {
         Setup s;
         const std::vector<NotificationCategory> expected{
             {QStringLiteral("SAVE_COMPLETE"),
-             {{QStringLiteral("SHOW_IN_FINDER"), QStringLiteral("Show")}}}};
+             {{QStringLiteral("SHOW_IN_FINDER"), QStringLiteral("Show")}}},
+            {QStringLiteral("NO_STATUS_ITEM"),
+             {{QStringLiteral("CAPTURE"), QStringLiteral("Capture")},
+              {QStringLiteral("PREFERENCES"), QStringLiteral("Preferences")}}}};
         QVERIFY(s.center.categories == expected);
     }
 
@@ -66,6 +69,29 @@ private Q_SLOTS:
                                          QUrl(QStringLiteral("file:///tmp/second.png"))};
         QVERIFY(s.revealer.revealed == expected);
         QCOMPARE(s.revealer.token, QStringLiteral("token"));
+    }
+
+    void offersWhatAStatusItemWould()
+    {
+        Setup s;
+        QStringList done;
+        s.manager.onCapture = [&] { done << QStringLiteral("capture"); };
+        s.manager.onPreferences = [&] { done << QStringLiteral("preferences"); };
+        s.manager.showInPlaceOfStatusItem();
+        QCOMPARE(s.center.requests.at(0).categoryIdentifier, QStringLiteral("NO_STATUS_ITEM"));
+        s.center.choose(0, QStringLiteral("CAPTURE"));
+        s.center.choose(0, QStringLiteral("PREFERENCES"));
+        s.center.choose(0, defaultNotificationAction);
+        QCOMPARE(done, QStringList({QStringLiteral("capture"), QStringLiteral("preferences")}));
+        QVERIFY(s.revealer.revealed.empty());
+    }
+
+    void showsAMessageThatLeavesNothingBehind()
+    {
+        Setup s;
+        s.manager.showMessage(QStringLiteral("No picture"));
+        QCOMPARE(s.center.requests.at(0).title, QStringLiteral("No picture"));
+        QVERIFY(s.center.requests.at(0).isPassing);
     }
 
     void ignoresAResponseWithoutAFile_data()

@@ -83,6 +83,32 @@ private Q_SLOTS:
         QTEST(int(output.lines().size()), "lines");
     }
 
+    void tellsOfAPanelThatDoesNotStart_data()
+    {
+        QTest::addColumn<bool>("comesLate");
+        QTest::addColumn<int>("told");
+        QTest::newRow("no panel") << false << 1;
+        QTest::newRow("one that starts after us") << true << 0;
+    }
+    void tellsOfAPanelThatDoesNotStart()
+    {
+        QFETCH(bool, comesLate);
+        Setup s;
+        LogCapture output;
+        int told = 0;
+        s.controller.onNoHost = [&] { ++told; };
+        s.tray.host = false;
+        s.tray.isLooking = true;
+        s.start();
+        s.tray.setHost(false);
+        s.clock.advance(9s);
+        QCOMPARE(told, 0);
+        if (comesLate)
+            s.tray.setHost(true);
+        s.clock.advance(60s);
+        QTEST(told, "told");
+    }
+
     void isNotToldOfTheItemAfterItsEnd()
     {
         FakeTray tray;
@@ -105,6 +131,7 @@ private Q_SLOTS:
         LogCapture output;
         s.start();
         QCOMPARE(output.lines().size(), 1);
+        s.clock.advance(10s); // for a panel that starts after us
         QCOMPARE(s.clock.pendingCalls(), 0U);
     }
 

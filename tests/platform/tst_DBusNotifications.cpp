@@ -86,6 +86,24 @@ private Q_SLOTS:
                  QStringLiteral("org.tovek.Tovek"));
     }
 
+    void letsAPassingWordReplaceTheOneBefore()
+    {
+        DBusNotifications notifications;
+        for (const char *title : {"one", "two"}) {
+            bool isDone = false;
+            NotificationRequest request;
+            request.title = QLatin1String(title);
+            request.isPassing = true;
+            notifications.add(request, [&](const std::optional<QString> &) { isDone = true; });
+            QTRY_VERIFY(isDone);
+        }
+        QCOMPARE(server->shown.size(), 2U);
+        QCOMPARE(server->shown[0].replaces, 0U);
+        QCOMPARE(server->shown[1].replaces, NotificationServer::number(0));
+        QCOMPARE(server->shown[1].hints.value(QStringLiteral("transient")), QVariant(true));
+        QVERIFY(!server->shown[1].hints.contains(QStringLiteral("sound-name")));
+    }
+
     void answersForItsOwnNotificationsOnly()
     {
         DBusNotifications notifications;

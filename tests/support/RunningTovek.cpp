@@ -35,6 +35,8 @@ QJsonObject RunningTovek::settings(const QJsonObject &more)
 {
     QJsonObject settings{// Words are found at any time, and their marks would change pixels.
                          {QStringLiteral("highlightText"), false},
+                         // A notification would come into the pictures, too.
+                         {QStringLiteral("toldOfNoStatusItem"), true},
                          {QStringLiteral("KeyboardShortcuts_captureScreenshot"), storedShortcut(8)},
                          {QStringLiteral("KeyboardShortcuts_captureImage"), storedShortcut(34)},
                          {QStringLiteral("KeyboardShortcuts_captureText"), storedShortcut(17)}};

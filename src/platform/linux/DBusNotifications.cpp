@@ -97,25 +97,32 @@ void DBusNotifications::notify(const NotificationRequest &request, const Complet
     QVariantMap hints{
         {QStringLiteral("category"), QStringLiteral("transfer.complete")},
         {QStringLiteral("desktop-entry"), QStringLiteral("org.tovek.Tovek")},
-        {QStringLiteral("sound-name"), QStringLiteral("message-new-instant")},
     };
+    if (request.isPassing) {
+        hints.insert(QStringLiteral("transient"), true);
+        hints.insert(QStringLiteral("suppress-sound"), true);
+    } else {
+        hints.insert(QStringLiteral("sound-name"), QStringLiteral("message-new-instant"));
+    }
     if (!request.imagePath.isEmpty()) {
         hints.insert(QStringLiteral("image-path"),
                      QUrl::fromLocalFile(request.imagePath).toString(QUrl::FullyEncoded));
     }
     QDBusMessage message = call(QStringLiteral("Notify"));
-    message << QStringLiteral("Tovek") << 0U << QStringLiteral("org.tovek.Tovek") << request.title
+    message << QStringLiteral("Tovek") << (request.isPassing ? m_passing : 0U) << QStringLiteral("org.tovek.Tovek") << request.title
             << (takesMarkup ? request.body.toHtmlEscaped() : request.body) << actions << hints
             << -1;
     // Before the call: an answer may follow the reply at once.
     setListening(true);
     auto *watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(message, timeoutMs), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, watcher, done, userInfo = request.userInfo] {
+            [this, watcher, done, isPassing = request.isPassing, userInfo = request.userInfo] {
                 watcher->deleteLater();
                 const QDBusPendingReply<uint> reply = *watcher;
                 if (!reply.isError())
                     remember(reply.value(), userInfo);
+                if (isPassing && !reply.isError())
+                    m_passing = reply.value();
                 setListening(!m_open.empty());
                 if (done)
                     done(reply.isError() ? std::optional(reply.error().message()) : std::nullopt);

@@ -54,6 +54,7 @@ private:
     QDBusConnection m_bus;
     std::vector<NotificationCategory> m_categories;
     std::optional<QStringList> m_capabilities; ///< absent until the present server was asked
+    uint m_passing = 0; ///< the last one that was to leave nothing behind
     std::map<uint, UserInfo> m_open; ///< by the server's number
     std::pair<uint, QString> m_token; ///< the last one, and the notification's number
     bool m_isListening = false;
