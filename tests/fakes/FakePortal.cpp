@@ -113,6 +113,12 @@ QStringList FakePortal::calls() const
     return m_calls;
 }
 
+QVariantMap FakePortal::lastOptions() const
+{
+    const QMutexLocker lock(&m_mutex);
+    return m_lastOptions;
+}
+
 void FakePortal::restart()
 {
     QDBusConnection bus(m_name);
@@ -152,6 +158,9 @@ bool FakePortal::handleMessage(const QDBusMessage &message, const QDBusConnectio
                                                  QStringLiteral("No such interface")));
     if (isName)
         return bus.send(message.createReply());
+    lock.relock();
+    m_lastOptions = optionsOf(message);
+    lock.unlock();
     answerRequest(message, script, resultsOf(message, script));
     return true;
 }

@@ -44,6 +44,8 @@ public:
     QString permission(const QString &appId) const;
     /// The methods that were called, in their order, with "Register" first where names are told.
     QStringList calls() const;
+    /// Of the last request.
+    QVariantMap lastOptions() const;
     /// The shortcuts of the sessions that are open: name, description and trigger of each.
     QStringList shortcuts() const;
     /// The key of such a shortcut goes down, or comes up.
@@ -73,6 +75,7 @@ private:
     PortalScript m_script;
     QMap<QString, QStringList> m_permissions;
     QStringList m_calls;
+    QVariantMap m_lastOptions;
     QMap<QString, Session> m_sessions; ///< by path
 
     QThread m_thread;

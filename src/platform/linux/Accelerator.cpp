@@ -94,6 +94,14 @@ bool isKey(const QString &name, quint32 keyCode, const KeyboardLayout &layout)
     return typed && typed->toLower() == character;
 }
 
+QString nameOfSymbol(xkb_keysym_t symbol)
+{
+    char name[64] = {};
+    const bool isNamed =
+        symbol != XKB_KEY_NoSymbol && xkb_keysym_get_name(symbol, name, sizeof name) > 0;
+    return isNamed ? QString::fromLatin1(name) : QString();
+}
+
 } // namespace
 
 bool isAccelerator(const QString &accelerator, KeyCombo combo, const KeyboardLayout &layout)
@@ -117,10 +125,17 @@ QString symbolNameOf(quint32 keyCode, const KeyboardLayout &layout)
         const auto character = typed ? typed->toLower().toUcs4().value(0) : 0;
         symbol = character ? xkb_utf32_to_keysym(character) : XKB_KEY_NoSymbol;
     }
-    char name[64] = {};
-    const bool isNamed =
-        symbol != XKB_KEY_NoSymbol && xkb_keysym_get_name(symbol, name, sizeof name) > 0;
-    return isNamed ? QString::fromLatin1(name) : QString();
+    return nameOfSymbol(symbol);
+}
+
+QString shiftedSymbolNameOf(quint32 keyCode, const KeyboardLayout &layout)
+{
+    const auto plain = layout.character(int(keyCode));
+    const auto shifted = layout.shiftedCharacter(int(keyCode));
+    if (!plain || !shifted || *plain == *shifted)
+        return {};
+    const char32_t character = shifted->toUcs4().value(0);
+    return QChar::isLetter(character) ? QString() : nameOfSymbol(xkb_utf32_to_keysym(character));
 }
 
 QString acceleratorOf(KeyCombo combo, const KeyboardLayout &layout)

@@ -20,6 +20,10 @@ bool isAccelerator(const QString &accelerator, KeyCombo combo, const KeyboardLay
 /// types without modifiers in the layout; empty for one that has none.
 QString symbolNameOf(quint32 keyCode, const KeyboardLayout &layout);
 
+/// The same of what it types with Shift, where that is another sign; empty for letters and for keys
+/// that type nothing.
+QString shiftedSymbolNameOf(quint32 keyCode, const KeyboardLayout &layout);
+
 /// A combination as GNOME and its kin write it; empty where the key has no name.
 QString acceleratorOf(KeyCombo combo, const KeyboardLayout &layout);
 

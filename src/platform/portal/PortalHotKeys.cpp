@@ -48,25 +48,6 @@ const QDBusArgument &operator>>(const QDBusArgument &in, PortalShortcut &shortcu
     return in;
 }
 
-/// As the portal wants keys to be written.
-QString triggerOf(KeyCombo combo, const KeyboardLayout &layout)
-{
-    constexpr struct
-    {
-        const char *name;
-        quint32 bit;
-    } modifiers[] = {{"CTRL+", ComboModifier::control},
-                     {"ALT+", ComboModifier::option},
-                     {"SHIFT+", ComboModifier::shift},
-                     {"LOGO+", ComboModifier::command}};
-    QString trigger;
-    for (const auto &[name, bit] : modifiers) {
-        if (combo.modifiers & bit)
-            trigger += QLatin1String(name);
-    }
-    return trigger + symbolNameOf(combo.keyCode, layout);
-}
-
 QStringList namesIn(const QVariantMap &results)
 {
     QList<PortalShortcut> shortcuts;
@@ -88,7 +69,7 @@ Q_DECLARE_METATYPE(tovek::PortalShortcut)
 namespace tovek {
 
 std::unique_ptr<PortalHotKeys> PortalHotKeys::create(std::shared_ptr<PortalBus> bus,
-                                                     const KeyboardLayout &layout)
+                                                     const KeyboardLayout &layout, Signs signs)
 {
     if (!bus->isOffered())
         return nullptr;
@@ -97,12 +78,14 @@ std::unique_ptr<PortalHotKeys> PortalHotKeys::create(std::shared_ptr<PortalBus> 
                                QDBus::Block, shortcutPatienceMs);
     if (!version.isValid() || version.value().variant().toUInt() < 1)
         return nullptr;
-    return std::unique_ptr<PortalHotKeys>(new PortalHotKeys(std::move(bus), layout));
+    return std::unique_ptr<PortalHotKeys>(new PortalHotKeys(std::move(bus), layout, signs));
 }
 
-PortalHotKeys::PortalHotKeys(std::shared_ptr<PortalBus> bus, const KeyboardLayout &layout)
+PortalHotKeys::PortalHotKeys(std::shared_ptr<PortalBus> bus, const KeyboardLayout &layout,
+                             Signs signs)
     : DeferredHotKeys(layout)
     , m_bus(std::move(bus))
+    , m_signs(signs)
 {
     qDBusRegisterMetaType<PortalShortcut>();
     qDBusRegisterMetaType<QList<PortalShortcut>>();
@@ -132,11 +115,35 @@ void PortalHotKeys::listen()
                        SLOT(deactivated(QDBusObjectPath, QString, qulonglong, QVariantMap)));
 }
 
+/// As the portal wants keys to be written.
+QString PortalHotKeys::triggerOf(KeyCombo combo) const
+{
+    constexpr struct
+    {
+        const char *name;
+        quint32 bit;
+    } modifiers[] = {{"CTRL+", ComboModifier::control},
+                     {"ALT+", ComboModifier::option},
+                     {"SHIFT+", ComboModifier::shift},
+                     {"LOGO+", ComboModifier::command}};
+    QString sign;
+    if (m_signs == Signs::asTyped && (combo.modifiers & ComboModifier::shift))
+        sign = shiftedSymbolNameOf(combo.keyCode, layout());
+    if (!sign.isEmpty())
+        combo.modifiers &= ~ComboModifier::shift;
+    QString trigger;
+    for (const auto &[name, bit] : modifiers) {
+        if (combo.modifiers & bit)
+            trigger += QLatin1String(name);
+    }
+    return trigger + (sign.isEmpty() ? symbolNameOf(combo.keyCode, layout()) : sign);
+}
+
 QString PortalHotKeys::nameOf(KeyCombo combo) const
 {
     const auto purpose = purposeOf ? purposeOf(combo) : std::nullopt;
     return (purpose ? purpose->id : QStringLiteral("shortcut")) + QLatin1Char(':')
-        + triggerOf(combo, layout());
+        + triggerOf(combo);
 }
 
 void PortalHotKeys::ask()
@@ -180,7 +187,7 @@ void PortalHotKeys::bind()
         shortcuts.append(
             {name,
              {{QStringLiteral("description"), purpose ? purpose->title : QStringLiteral("Capture")},
-              {QStringLiteral("preferred_trigger"), triggerOf(combo, layout())}}});
+              {QStringLiteral("preferred_trigger"), triggerOf(combo)}}});
     }
     QDBusMessage call = Portal::call(shortcutsInterface, QStringLiteral("BindShortcuts"));
     call << QVariant::fromValue(QDBusObjectPath(m_session)) << QVariant::fromValue(shortcuts)

@@ -24,8 +24,12 @@ class PortalHotKeys : public DeferredHotKeys
 public:
     /// Null where the portal has none. Waits for it, a second at most. The layout must outlive
     /// this.
+    /// `signs`: whether the desktop knows Shift with a key that types another sign then as such, or
+    /// as that sign without Shift, as KDE does.
+    enum class Signs { withShift, asTyped };
     static std::unique_ptr<PortalHotKeys> create(std::shared_ptr<PortalBus> bus,
-                                                 const KeyboardLayout &layout);
+                                                 const KeyboardLayout &layout,
+                                                 Signs signs = Signs::withShift);
     ~PortalHotKeys() override;
 
     bool reportsRelease() const override { return true; }
@@ -40,16 +44,18 @@ private Q_SLOTS:
                      const QVariantMap &options);
 
 private:
-    PortalHotKeys(std::shared_ptr<PortalBus> bus, const KeyboardLayout &layout);
+    PortalHotKeys(std::shared_ptr<PortalBus> bus, const KeyboardLayout &layout, Signs signs);
     void listen();
     void openSession();
     void bind();
     void bound(const PortalAnswer &answer);
     void closeSession();
+    QString triggerOf(KeyCombo combo) const;
     QString nameOf(KeyCombo combo) const;
     std::optional<quint32> idOf(const QString &session, const QString &name) const;
 
     std::shared_ptr<PortalBus> m_bus;
+    const Signs m_signs;
     QString m_session; ///< empty while there is none
     std::map<QString, KeyCombo> m_asked; ///< by name, in this session
     bool m_isBusy = false; ///< between a question and its answer

@@ -70,6 +70,15 @@ private Q_SLOTS:
         QVERIFY(waitUntil([this] { return m_told.size() == 2; }));
         QCOMPARE(m_told, (QStringList{"down 7", "up 7"}));
     }
+    void writesSignsAsTheDesktopKnowsThem()
+    {
+        m_layout.shifted = {{20, QStringLiteral("#")}};
+        m_keys = PortalHotKeys::create(m_portalBus, m_layout, PortalHotKeys::Signs::asTyped);
+        QCOMPARE(m_keys->grab(1, controlShift3), 0);
+        QCOMPARE(m_keys->grab(2, print), 0);
+        QVERIFY(isBound({"shortcut:CTRL+numbersign (Capture) on CTRL+numbersign",
+                         "shortcut:Print (Capture) on Print"}));
+    }
     void asksForAllAtOnce()
     {
         QCOMPARE(m_keys->grab(1, controlShift3), 0);
