@@ -4,6 +4,7 @@
 #include "app/PlatformFactory.h"
 
 #include "app/PlatformParts.h"
+#include "app/PortalPlatform.h"
 #include "app/WaylandPlatform.h"
 #include "app/X11Platform.h"
 #include "foundation/Log.h"
@@ -21,6 +22,7 @@
 #include "platform/null/NullClipboard.h"
 #include "platform/null/NullDesktop.h"
 #include "platform/null/NullKeyboard.h"
+#include "platform/portal/GnomeBindings.h"
 #include "platform/portal/PortalBus.h"
 
 namespace tovek {
@@ -80,10 +82,10 @@ void chooseToolkit(EarlyPlatform &early)
     const QString wanted = qEnvironmentVariable("QT_QPA_PLATFORM");
     if (!isWaylandSession() || !(wanted.isEmpty() || wanted.startsWith(QLatin1String("wayland"))))
         return;
-    early.wayland = openWayland();
+    early.wayland = openWayland(early);
     const bool hasXWayland = qEnvironmentVariableIsSet("DISPLAY");
     if (early.wayland) {
-        // Windows above all others are ours to make; see LayerSurface.
+        // Windows above all others are ours to make; see SurfaceRole.
         qputenv("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1");
         if (wanted.isEmpty())
             qputenv("QT_QPA_PLATFORM", hasXWayland ? "wayland;xcb" : "wayland");
@@ -117,6 +119,11 @@ Platform makeCapturePlatform(EarlyPlatform &early)
     return platform;
 }
 
+QString removeShortcuts()
+{
+    return GnomeBindings::areAvailable() ? GnomeBindings::set({}) : QString();
+}
+
 std::unique_ptr<TextRecognizer> makeTextRecognizer()
 {
 #ifdef TOVEK_WITH_TESSERACT
@@ -133,8 +140,10 @@ Platform makePlatform(EarlyPlatform &early)
     platform.clock = std::make_unique<QtClock>();
     platform.hotKeys = std::move(early.hotKeys);
     platform.keyboardLayout = std::move(early.keyboardLayout);
-    platform.loginItem = std::make_unique<AutostartLoginItem>(
-        AutostartLoginItem::standardFolder(), AutostartLoginItem::standardProgram());
+    platform.loginItem = makePortalLoginItem(early);
+    if (!platform.loginItem)
+        platform.loginItem = std::make_unique<AutostartLoginItem>(
+            AutostartLoginItem::standardFolder(), AutostartLoginItem::standardProgram());
     platform.systemShortcuts = std::make_unique<DesktopShortcuts>(
         qEnvironmentVariable("XDG_CURRENT_DESKTOP"), *platform.keyboardLayout);
     platform.windowColors = onBus<DesktopColors>(*early.bus);

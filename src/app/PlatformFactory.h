@@ -52,6 +52,9 @@ double statedDotsPerInch(const EarlyPlatform &early);
 /// Only what takes pictures, for a process that has no window: screens, grabber and the frontmost
 /// program are set. Needs a QGuiApplication, before which `chooseToolkit` was called.
 Platform makeCapturePlatform(EarlyPlatform &early);
+/// Takes shortcuts out of the desktop's settings that stay there without the program. The reason
+/// when that failed. Needs a QCoreApplication.
+QString removeShortcuts();
 /// Null in builds that recognise no text. Needs a QCoreApplication.
 std::unique_ptr<TextRecognizer> makeTextRecognizer();
 

@@ -5,22 +5,30 @@
 
 #include "app/PlatformFactory.h"
 #include "foundation/Log.h"
-#include "platform/Screens.h"
 #include "platform/linux/SessionBus.h"
 #include "platform/portal/GnomeBoundHotKeys.h"
+#include "platform/portal/HostAppId.h"
 #include "platform/portal/PortalCapturePermission.h"
 #include "platform/portal/PortalHotKeys.h"
-#include "platform/portal/PortalScreenGrabber.h"
+#include "platform/portal/PortalLoginItem.h"
+
+#include <algorithm>
 
 namespace tovek {
 
 namespace {
 
-bool isGnome()
+bool isDesktop(std::initializer_list<QLatin1String> wanted)
 {
     const QStringList names =
         qEnvironmentVariable("XDG_CURRENT_DESKTOP").toUpper().split(QLatin1Char(':'));
-    return names.contains(QStringLiteral("GNOME")) || names.contains(QStringLiteral("UNITY"));
+    return std::any_of(wanted.begin(), wanted.end(),
+                       [&](QLatin1String name) { return names.contains(name); });
+}
+
+bool isGnome()
+{
+    return isDesktop({QLatin1String("GNOME"), QLatin1String("UNITY")});
 }
 
 std::shared_ptr<PortalBus> portalOf(EarlyPlatform &early)
@@ -36,27 +44,21 @@ std::shared_ptr<PortalBus> portalOf(EarlyPlatform &early)
     return early.portal;
 }
 
-/// An X server on a Wayland desktop counts all screens in one unit, as the desktop's layout does.
-std::vector<PortalDisplay> displaysOf(const Screens &screens)
-{
-    std::vector<PortalDisplay> displays;
-    for (const Screen &screen : screens.all()) {
-        if (screen.displayId)
-            displays.push_back({*screen.displayId, screen.native, screen.native});
-    }
-    return displays;
-}
-
 } // namespace
 
-bool usePortalPictures(Platform &platform, EarlyPlatform &early)
+bool hasPortal(EarlyPlatform &early)
+{
+    return portalOf(early)->isOffered();
+}
+
+bool usePortalPictures(Platform &platform, EarlyPlatform &early,
+                       PortalScreenGrabber::Displays displays)
 {
     const std::shared_ptr<PortalBus> bus = portalOf(early);
     if (!bus->isOffered())
         return false;
     logLine(QStringLiteral("Wayland: capturing over the desktop's portal"));
-    platform.grabber = std::make_unique<PortalScreenGrabber>(
-        bus, [screens = platform.screens.get()] { return displaysOf(*screens); });
+    platform.grabber = std::make_unique<PortalScreenGrabber>(bus, std::move(displays));
     // A process for one picture has no window that could ask.
     const bool asksBefore = isGnome() && early.bus;
     platform.capturePermission = std::make_unique<PortalCapturePermission>(
@@ -66,16 +68,27 @@ bool usePortalPictures(Platform &platform, EarlyPlatform &early)
     return true;
 }
 
+std::unique_ptr<LoginItem> makePortalLoginItem(EarlyPlatform &early)
+{
+    if (!isInSandbox())
+        return nullptr;
+    return std::make_unique<PortalLoginItem>(portalOf(early), PortalLoginItem::standardNote());
+}
+
 std::unique_ptr<HotKeys> makePortalHotKeys(EarlyPlatform &early, const KeyboardLayout &layout)
 {
-    // Elsewhere a portal may offer them that no window manager listens to.
-    if (!isGnome())
+    // Elsewhere a portal may offer them that no window manager listens to. In a sandbox there is no
+    // other way.
+    const bool isKde = isDesktop({QLatin1String("KDE")});
+    if (!isGnome() && !isKde && !isInSandbox())
         return nullptr;
-    if (auto keys = PortalHotKeys::create(portalOf(early), layout)) {
+    using Signs = PortalHotKeys::Signs;
+    if (auto keys = PortalHotKeys::create(portalOf(early), layout,
+                                          isKde ? Signs::asTyped : Signs::withShift)) {
         logLine(QStringLiteral("Wayland: shortcuts over the desktop's portal"));
         return keys;
     }
-    if (auto keys = GnomeBoundHotKeys::create(layout)) {
+    if (auto keys = isGnome() ? GnomeBoundHotKeys::create(layout) : nullptr) {
         logLine(QStringLiteral("Wayland: shortcuts as custom ones in GNOME's settings"));
         return keys;
     }

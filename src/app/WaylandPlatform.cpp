@@ -6,6 +6,7 @@
 #include "app/PlatformFactory.h"
 #include "app/PlatformParts.h"
 #include "app/PortalPlatform.h"
+#include "app/X11Platform.h"
 #include "foundation/Log.h"
 #include "platform/linux/CanberraSoundOutput.h"
 #include "platform/linux/KGlobalAccelHotKeys.h"
@@ -30,6 +31,7 @@
 #include "platform/wayland/overlay/WaylandKeyboardHold.h"
 #endif
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace tovek {
@@ -88,6 +90,75 @@ std::unique_ptr<FrontmostApp> makeWaylandFrontmostApp(std::shared_ptr<WaylandOut
     return std::make_unique<NullFrontmostApp>();
 }
 
+std::vector<PortalDisplay> portalDisplays(const WaylandOutputs &outputs)
+{
+    const std::vector<WaylandOutput> all = outputs.list();
+    const std::vector<QRect> natives = nativeRects(all);
+    std::vector<PortalDisplay> displays;
+    for (size_t i = 0; i < all.size(); ++i)
+        displays.push_back({all[i].id, all[i].layout, natives[i]});
+    return displays;
+}
+
+/// False where nothing takes pictures.
+bool addGrabber(Platform &platform, EarlyPlatform &early,
+                const std::shared_ptr<WaylandOutputs> &outputs)
+{
+    auto grabber = makeWaylandGrabber(early.wayland, outputs);
+    if (!grabber)
+        return usePortalPictures(platform, early, [outputs] { return portalDisplays(*outputs); });
+    if (dynamic_cast<KWinScreenGrabber *>(grabber.get()))
+        platform.capturePermission = std::make_unique<KWinCapturePermission>();
+    platform.grabber = std::move(grabber);
+    return true;
+}
+
+bool hasLayers(const WaylandConnection &connection)
+{
+    return connection.offers("zwlr_layer_shell_v1");
+}
+
+std::unique_ptr<OverlayShell> makeOverlayShell(const WaylandConnection &connection,
+                                               std::shared_ptr<WaylandOutputs> outputs,
+                                               LayerOverlayShell::PointerSeenOn pointerSeenOn)
+{
+    if (hasLayers(connection))
+        return LayerOverlayShell::create(std::move(outputs), std::move(pointerSeenOn));
+    logLine(QStringLiteral("Wayland: overlays are full-screen windows"));
+    return LayerOverlayShell::createOfWindows(std::move(outputs), std::move(pointerSeenOn));
+}
+
+std::unique_ptr<Clipboard> makeWaylandClipboard(std::shared_ptr<WaylandConnection> connection)
+{
+    if (auto clipboard = DataControlClipboard::create(connection))
+        return clipboard;
+    // The desktop keeps the guest server's clipboard and its own the same.
+    if (auto clipboard = makeX11Clipboard())
+        return clipboard;
+    if (auto clipboard = DataControlClipboard::createWithFocus(std::move(connection)))
+        return clipboard;
+    return std::make_unique<NullClipboard>();
+}
+
+/// Whether the X server that runs as a guest on this desktop shows the monitors' own pixels. Where
+/// they are scaled, it may have fewer or more, and what it shows is resampled.
+bool isXWaylandExact(const std::shared_ptr<WaylandConnection> &connection)
+{
+    if (!qEnvironmentVariableIsSet("DISPLAY"))
+        return false;
+    const WaylandOutputs outputs(connection);
+    std::vector<QSize> natives;
+    bool isLaidOutInPixels = true;
+    for (const WaylandOutput &output : outputs.list()) {
+        natives.push_back(output.native);
+        isLaidOutInPixels = isLaidOutInPixels && output.layout.size() == output.native;
+    }
+    if (isLaidOutInPixels)
+        return true;
+    const std::vector<QSize> shown = x11MonitorSizes();
+    return std::is_permutation(natives.begin(), natives.end(), shown.begin(), shown.end());
+}
+
 } // namespace
 
 bool addWaylandDesktop(Platform &platform, EarlyPlatform &early)
@@ -98,25 +169,21 @@ bool addWaylandDesktop(Platform &platform, EarlyPlatform &early)
     keepToShmBuffers();
     const auto outputs = std::make_shared<WaylandOutputs>(connection);
     auto screens = std::make_unique<WaylandScreens>(outputs);
-    auto grabber = makeWaylandGrabber(connection, outputs);
     auto overlayShell =
-        LayerOverlayShell::create(outputs, [screens = screens.get()](uint32_t displayId) {
+        makeOverlayShell(*connection, outputs, [screens = screens.get()](uint32_t displayId) {
             screens->pointerSeenOn(displayId);
         });
-    if (!grabber || !overlayShell)
+    if (!overlayShell || !addGrabber(platform, early, outputs))
         return false;
-    if (dynamic_cast<KWinScreenGrabber *>(grabber.get()))
-        platform.capturePermission = std::make_unique<KWinCapturePermission>();
     platform.screens = std::move(screens);
-    platform.grabber = std::move(grabber);
     platform.overlayShell = std::move(overlayShell);
     platform.frontmostApp = makeWaylandFrontmostApp(outputs);
-    platform.clipboard = DataControlClipboard::create(connection);
-    if (!platform.clipboard)
-        platform.clipboard = std::make_unique<NullClipboard>();
+    platform.clipboard = makeWaylandClipboard(connection);
     platform.toastShell = LayerToastShell::create(connection, outputs);
     platform.previewShell = LayerPreviewShell::create(*platform.screens);
-    platform.keyboardHold = WaylandKeyboardHold::create();
+    // Without layers it is mutter, which would ask the user first.
+    if (hasLayers(*connection))
+        platform.keyboardHold = WaylandKeyboardHold::create();
     platform.soundOutput = std::make_unique<CanberraSoundOutput>([] { return true; });
     // Only the panel can put the menu where the item is.
     platform.tray = onBus<StatusNotifierItem>(*early.bus, StatusNotifierItem::Menu::ofHost);
@@ -135,11 +202,9 @@ bool addWaylandCapture(Platform &platform, EarlyPlatform &early)
     if (!early.wayland)
         return false;
     const auto outputs = std::make_shared<WaylandOutputs>(early.wayland);
-    auto grabber = makeWaylandGrabber(early.wayland, outputs);
-    if (!grabber)
+    if (!addGrabber(platform, early, outputs))
         return false;
     platform.screens = std::make_unique<WaylandScreens>(outputs);
-    platform.grabber = std::move(grabber);
     platform.frontmostApp = makeWaylandFrontmostApp(outputs);
     early.wayland->handleInMainLoop();
     return true;
@@ -155,10 +220,15 @@ bool openWaylandKeyboard(EarlyPlatform &early)
     return true;
 }
 
-std::shared_ptr<WaylandConnection> openWayland()
+std::shared_ptr<WaylandConnection> openWayland(EarlyPlatform &early)
 {
     auto connection = WaylandConnection::open();
-    return connection && connection->offers("zwlr_layer_shell_v1") ? connection : nullptr;
+    if (!connection || hasLayers(*connection))
+        return connection;
+    // Windows of the guest server come without an animation, and lie where they are put.
+    const bool hasWindows = connection->offers("xdg_wm_base") && connection->offers("wp_viewporter")
+        && connection->offers("wl_subcompositor");
+    return hasWindows && hasPortal(early) && !isXWaylandExact(connection) ? connection : nullptr;
 }
 #else
 bool addWaylandDesktop(Platform &, EarlyPlatform &)
@@ -176,7 +246,7 @@ bool openWaylandKeyboard(EarlyPlatform &)
     return false;
 }
 
-std::shared_ptr<WaylandConnection> openWayland()
+std::shared_ptr<WaylandConnection> openWayland(EarlyPlatform &)
 {
     return nullptr;
 }

@@ -14,8 +14,9 @@ namespace tovek {
 struct EarlyPlatform;
 class WaylandConnection;
 
-/// Null where the compositor does not offer what an overlay takes. Needs no application.
-std::shared_ptr<WaylandConnection> openWayland();
+/// Null where the compositor does not offer what an overlay takes, or windows of X11 serve better.
+/// Needs no application.
+std::shared_ptr<WaylandConnection> openWayland(EarlyPlatform &early);
 /// The keys as a Wayland desktop gives them, whatever the toolkit runs on. Needs no application.
 std::unique_ptr<HotKeys> makeWaylandHotKeys(EarlyPlatform &early, const KeyboardLayout &layout);
 /// False where the toolkit is not going to run on Wayland.

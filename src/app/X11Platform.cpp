@@ -47,6 +47,17 @@ void exitWithTheServer()
     exitUnfinished();
 }
 
+/// An X server on a Wayland desktop counts all screens in one unit, as the desktop's layout does.
+std::vector<PortalDisplay> portalDisplays(const Screens &screens)
+{
+    std::vector<PortalDisplay> displays;
+    for (const Screen &screen : screens.all()) {
+        if (screen.displayId)
+            displays.push_back({*screen.displayId, screen.native, screen.native});
+    }
+    return displays;
+}
+
 /// What takes pictures. Null where the session is not one of X11.
 std::shared_ptr<X11Connection> addX11Screens(Platform &platform, EarlyPlatform &early,
                                              std::shared_ptr<X11Monitors> &monitors)
@@ -58,7 +69,8 @@ std::shared_ptr<X11Connection> addX11Screens(Platform &platform, EarlyPlatform &
     platform.screens = std::make_unique<X11Screens>(connection, monitors);
     platform.frontmostApp = std::make_unique<X11FrontmostApp>(connection);
     const bool isGuest = isXWayland(*connection, *monitors);
-    if (isGuest && usePortalPictures(platform, early))
+    const auto displays = [screens = platform.screens.get()] { return portalDisplays(*screens); };
+    if (isGuest && usePortalPictures(platform, early, displays))
         return connection;
     platform.grabber = std::make_unique<X11ScreenGrabber>(connection, monitors);
     platform.capturePermission =
@@ -82,6 +94,16 @@ void leaveInOrderWithout(const std::shared_ptr<X11Connection> &server)
 double x11ServersDotsPerInch()
 {
     return std::max(x11DotsPerInch().value_or(0), publishedDotsPerInch().value_or(0));
+}
+
+std::vector<QSize> x11MonitorSizes()
+{
+    return sizesOfXMonitors();
+}
+
+std::unique_ptr<Clipboard> makeX11Clipboard()
+{
+    return X11Clipboard::create();
 }
 
 bool openX11Keyboard(EarlyPlatform &early)
@@ -138,6 +160,16 @@ bool addX11Capture(Platform &platform, EarlyPlatform &early)
 double x11ServersDotsPerInch()
 {
     return 0;
+}
+
+std::vector<QSize> x11MonitorSizes()
+{
+    return {};
+}
+
+std::unique_ptr<Clipboard> makeX11Clipboard()
+{
+    return nullptr;
 }
 
 bool openX11Keyboard(EarlyPlatform &)

@@ -9,6 +9,7 @@
 #include <QDBusReply>
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <QThread>
 
 namespace tovek {
@@ -38,8 +39,9 @@ QString GnomeDesktop::missing()
     return UserDesktop::missing({"dbus-daemon", "gnome-shell", "Xwayland", "gsettings"});
 }
 
-bool GnomeDesktop::start()
+bool GnomeDesktop::start(const Setup &setup)
 {
+    m_setup = setup;
     const QString run = m_folder.filePath(QStringLiteral("run"));
     const std::map<QString, QString> more{
         {"XDG_CURRENT_DESKTOP", QStringLiteral("GNOME")},
@@ -54,7 +56,55 @@ bool GnomeDesktop::start()
         && startBus(QStringLiteral("system"), QStringLiteral("system"))
         && startBus(QStringLiteral("session"), QStringLiteral("session"),
                     QStringLiteral("<standard_session_servicedirs/>"))
-        && startShell() && startHand();
+        && startShell() && setScales() && startHand();
+}
+
+QRect GnomeDesktop::place(qsizetype monitor) const
+{
+    QRect place;
+    for (qsizetype i = 0; i <= monitor; ++i) {
+        place = QRect(QPoint(place.x() + place.width(), 0),
+                      (monitors()[i].size().toSizeF() / pixelsPerUnit(i)).toSize());
+    }
+    return place;
+}
+
+double GnomeDesktop::pixelsPerUnit(qsizetype monitor) const
+{
+    return m_setup.layout == Setup::Layout::inPixels ? 1 : m_setup.scales.value(monitor, 1);
+}
+
+bool GnomeDesktop::setScales()
+{
+    if (m_setup.scales.isEmpty())
+        return true;
+    const auto ask = [this](const char *method, const QStringList &arguments) {
+        return output(
+            QStringLiteral("gdbus"),
+            QStringList{
+                "call", "--session", "-d", "org.gnome.Mutter.DisplayConfig", "-o",
+                "/org/gnome/Mutter/DisplayConfig", "-m",
+                QStringLiteral("org.gnome.Mutter.DisplayConfig.%1").arg(QLatin1String(method))}
+                + arguments);
+    };
+    const QString state = QString::fromUtf8(ask("GetCurrentState", {}));
+    const auto serial =
+        QRegularExpression(QStringLiteral("^\\(uint32 ([0-9]+)")).match(state).captured(1);
+    QStringList configured;
+    for (qsizetype i = 0; i < m_setup.scales.size(); ++i) {
+        const QString size =
+            QStringLiteral("%1x%2").arg(monitors()[i].width()).arg(monitors()[i].height());
+        const QRegularExpression pattern(
+            QStringLiteral("\\(\\('([^']+)', [^)]*\\), \\[\\('(%1@[^']+)'").arg(size));
+        const QRegularExpressionMatch found = pattern.match(state);
+        configured << QStringLiteral("(%1, 0, %2, 0, %3, [('%4', '%5', {})])")
+                          .arg(place(i).x())
+                          .arg(m_setup.scales[i], 0, 'g', 17)
+                          .arg(i == 0 ? "true" : "false", found.captured(1), found.captured(2));
+    }
+    const QString list = QStringLiteral("@a(iiduba(ssa{sv})) [%1]").arg(configured.join(", "));
+    const bool isSet = !ask("ApplyMonitorsConfig", {serial, "1", list, "{}"}).isNull();
+    return isSet || fail(QStringLiteral("mutter wants no scales %1: %2").arg(list, state));
 }
 
 bool GnomeDesktop::startShell()
@@ -65,6 +115,21 @@ bool GnomeDesktop::startShell()
     for (const QRect &monitor : monitors())
         arguments << QStringLiteral("--virtual-monitor")
                   << QStringLiteral("%1x%2").arg(monitor.width()).arg(monitor.height());
+    if (!m_setup.hasXWayland)
+        arguments << QStringLiteral("--no-x11");
+    const auto set = [this](const char *schema, const char *key, const QString &value) {
+        output(QStringLiteral("gsettings"), {"set", schema, key, value});
+    };
+    // It has some about how it was started, which come and go.
+    set("org.gnome.desktop.notifications", "show-banners", QStringLiteral("false"));
+    if (!m_setup.scales.isEmpty() && m_setup.layout == Setup::Layout::inPoints)
+        set("org.gnome.mutter", "experimental-features",
+            QStringLiteral("['scale-monitor-framebuffer']"));
+    const QString background = home() + QStringLiteral("/background.png");
+    if (m_setup.background.save(background)) {
+        giveAway(background);
+        set("org.gnome.desktop.background", "picture-uri", QStringLiteral("file://") + background);
+    }
     if (!run(QStringLiteral("gnome-shell"), arguments))
         return false;
     m_bus = QDBusConnection::connectToBus(
@@ -81,6 +146,8 @@ bool GnomeDesktop::startShell()
         && isTrue("Main.overview.hide(); !Main.overview.visible");
     if (!isReady)
         return fail(QStringLiteral("gnome-shell did not get ready"));
+    if (!m_setup.hasXWayland)
+        return true;
     const QString display = evaluate(QStringLiteral("imports.gi.GLib.getenv('DISPLAY')"));
     const QString cookie = evaluate(QStringLiteral("imports.gi.GLib.getenv('XAUTHORITY')"));
     m_environment.insert(QStringLiteral("DISPLAY"), display);
@@ -126,14 +193,19 @@ void GnomeDesktop::tap(int evdevCode) const
 
 void GnomeDesktop::moveTo(QPoint at)
 {
-    // Some of the way may be lost, as that of a new device is.
-    for (int i = 0; i < 5; ++i) {
+    // Some of the way may be lost, as that of a new device is; and laid out in pixels, the desktop
+    // makes it longer where they are small.
+    const double factor = m_setup.layout == Setup::Layout::inPixels
+        ? *std::max_element(m_setup.scales.begin(), m_setup.scales.end())
+        : 1;
+    for (int i = 0; i < 20; ++i) {
         const QStringList now =
             evaluate(QStringLiteral("global.get_pointer().join()")).split(QLatin1Char(','));
         const QPoint way = at - QPoint(now.value(0).toInt(), now.value(1).toInt());
         if (way.isNull())
             return;
-        callHand(QStringLiteral("NotifyPointerMotionRelative"), {double(way.x()), double(way.y())});
+        callHand(QStringLiteral("NotifyPointerMotionRelative"),
+                 {way.x() / factor, way.y() / factor});
         QThread::msleep(20);
     }
 }
@@ -171,13 +243,34 @@ QStringList GnomeDesktop::unmanagedTitles() const
         .split(QLatin1Char(','), Qt::SkipEmptyParts);
 }
 
+int GnomeDesktop::windowCount(const QString &title) const
+{
+    return evaluate(
+               QStringLiteral("global.get_window_actors().filter(a => a.visible)"
+                              ".map(a => a.meta_window).filter(w => w.get_title() == '%1').length")
+                   .arg(title))
+        .toInt();
+}
+
 QImage GnomeDesktop::look()
+{
+    return takeLook(QStringLiteral("Screenshot"), {false, false});
+}
+
+QImage GnomeDesktop::lookAt(qsizetype monitor)
+{
+    const QRect at = place(monitor);
+    return takeLook(QStringLiteral("ScreenshotArea"),
+                    {at.x(), at.y(), at.width(), at.height(), false});
+}
+
+QImage GnomeDesktop::takeLook(const QString &method, const QVariantList &arguments)
 {
     const QString file = m_folder.filePath(QStringLiteral("looks/%1.png").arg(++m_pictures));
     QDBusMessage call = QDBusMessage::createMethodCall(
         shell + QStringLiteral(".Screenshot"), QStringLiteral("/org/gnome/Shell/Screenshot"),
-        shell + QStringLiteral(".Screenshot"), QStringLiteral("Screenshot"));
-    call << false << false << file;
+        shell + QStringLiteral(".Screenshot"), method);
+    call.setArguments(arguments + QVariantList{file});
     m_bus.call(call);
     return QImage(file).convertToFormat(QImage::Format_RGB32);
 }

@@ -22,7 +22,19 @@ public:
     static QString missing();
     static QList<QRect> monitors() { return {{0, 0, 1600, 1200}, {1600, 0, 1280, 800}}; }
 
-    [[nodiscard]] bool start();
+    struct Setup
+    {
+        /// Of the monitors, from left to right. Empty: as the desktop starts, all of them 1.
+        QList<double> scales;
+        enum class Layout { inPoints, inPixels } layout = Layout::inPoints;
+        bool hasXWayland = true;
+        QImage background; ///< null: of one colour
+    };
+    [[nodiscard]] bool start() { return start(Setup()); }
+    [[nodiscard]] bool start(const Setup &setup);
+    /// Where a monitor lies, in units of the layout.
+    QRect place(qsizetype monitor) const;
+    double pixelsPerUnit(qsizetype monitor) const;
     QStringList pictures() const;
 
     /// What a script in the shell says.
@@ -30,8 +42,12 @@ public:
     QString focusedTitle() const;
     /// The windows that no window manager places, by their titles.
     QStringList unmanagedTitles() const;
+    /// Of those with this title that are shown.
+    int windowCount(const QString &title) const;
     /// The whole desktop as the shell sees it.
     QImage look();
+    /// A monitor in its own pixels.
+    QImage lookAt(qsizetype monitor);
     /// As the user, in the desktop's store of answers.
     bool permitScreenshots(const QString &appId) const;
     bool act(const QString &action) const;
@@ -43,10 +59,13 @@ public:
 
 private:
     bool startShell();
+    bool setScales();
+    QImage takeLook(const QString &method, const QVariantList &arguments);
     bool startHand();
     void callHand(const QString &method, const QVariantList &arguments) const;
 
     QDBusConnection m_bus;
+    Setup m_setup;
     QString m_hand; ///< the session of remote control
     int m_pictures = 0;
 };

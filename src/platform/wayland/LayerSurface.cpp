@@ -8,9 +8,7 @@
 #include "wlr-layer-shell-unstable-v1-client.h"
 
 #include <QGuiApplication>
-#include <QScreen>
 #include <QWindow>
-#include <qpa/qplatformnativeinterface.h>
 
 namespace tovek {
 
@@ -22,12 +20,6 @@ constexpr uint32_t knownVersion = 4;
 constexpr auto surfaceAnswerLimit = 2s;
 
 } // namespace
-
-wl_surface *surfaceOf(QWindow &window)
-{
-    return static_cast<wl_surface *>(
-        QGuiApplication::platformNativeInterface()->nativeResourceForWindow("surface", &window));
-}
 
 LayerShell::LayerShell(std::shared_ptr<WaylandConnection> connection)
     : m_connection(std::move(connection))
@@ -55,8 +47,8 @@ LayerShell::~LayerShell()
 }
 
 LayerSurface::LayerSurface(std::shared_ptr<LayerShell> shell, wl_surface *surface)
-    : m_shell(std::move(shell))
-    , m_surface(surface)
+    : SurfaceRole(surface)
+    , m_shell(std::move(shell))
 {
 }
 
@@ -70,14 +62,10 @@ std::unique_ptr<LayerSurface> LayerSurface::create(std::shared_ptr<LayerShell> s
     wl_surface *surface = surfaceOf(window);
     if (!surface)
         return nullptr;
-    auto *output = screen
-        ? static_cast<wl_output *>(
-            QGuiApplication::platformNativeInterface()->nativeResourceForScreen("output", screen))
-        : nullptr;
     std::unique_ptr<LayerSurface> layer(new LayerSurface(std::move(shell), surface));
     WaylandConnection &connection = layer->m_shell->connection();
     layer->m_handle =
-        zwlr_layer_shell_v1_get_layer_surface(layer->m_shell->handle(), surface, output,
+        zwlr_layer_shell_v1_get_layer_surface(layer->m_shell->handle(), surface, outputOf(screen),
                                               ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY, place.nameSpace);
     static constexpr zwlr_layer_surface_v1_listener listener{&configured, &closed};
     zwlr_layer_surface_v1_add_listener(layer->m_handle, &listener, layer.get());
@@ -98,7 +86,7 @@ std::unique_ptr<LayerSurface> LayerSurface::create(std::shared_ptr<LayerShell> s
         return nullptr;
     }
     connection.adopt(layer->m_handle);
-    window.resize(layer->m_configured);
+    window.resize(layer->configuredSize());
     return layer;
 }
 
@@ -116,7 +104,7 @@ void LayerSurface::setKeyboard(Keyboard keyboard)
         return;
     zwlr_layer_surface_v1_set_keyboard_interactivity(m_handle,
                                                      keyboard == Keyboard::exclusive ? 1 : 0);
-    wl_surface_commit(m_surface);
+    wl_surface_commit(surface());
     m_shell->connection().flush();
 }
 
@@ -125,10 +113,8 @@ void LayerSurface::configured(void *data, zwlr_layer_surface_v1 *handle, uint32_
 {
     auto &self = *static_cast<LayerSurface *>(data);
     zwlr_layer_surface_v1_ack_configure(handle, serial);
-    self.m_configured = QSize(int(width), int(height));
     self.m_isConfigured = true;
-    if (self.onConfigured)
-        self.onConfigured(self.m_configured);
+    self.setConfiguredSize(QSize(int(width), int(height)));
 }
 
 void LayerSurface::closed(void *data, zwlr_layer_surface_v1 *)

@@ -3,15 +3,9 @@
 
 #pragma once
 
+#include "platform/wayland/SurfaceRole.h"
 #include "platform/wayland/WaylandConnection.h"
 
-#include <QSize>
-#include <QString>
-
-#include <optional>
-
-class QScreen;
-class QWindow;
 struct zwlr_layer_shell_v1;
 struct zwlr_layer_surface_v1;
 
@@ -35,13 +29,8 @@ private:
     zwlr_layer_shell_v1 *m_handle;
 };
 
-/// Makes a window of the toolkit one above all others, which no window manager moves or decorates.
-/// The window must have been created with Qt::BypassWindowManagerHint and not been shown; it is
-/// given its size, and must be shown only then, and hidden after this has gone. Main thread only.
-///
-/// It works because the toolkit (Qt 6.4 to 6.11) gives such windows a surface without a role, where
-/// QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT is in the environment from its start on.
-class LayerSurface
+/// A window above all others, which no window manager moves or decorates. It is given its size.
+class LayerSurface : public SurfaceRole
 {
 public:
     enum class Panels { areCovered, areLeftFree };
@@ -57,18 +46,11 @@ public:
     /// or where nobody manages such windows.
     static std::unique_ptr<LayerSurface> create(std::shared_ptr<LayerShell> shell, QWindow &window,
                                                 QScreen *screen, const Place &place);
-    ~LayerSurface();
+    ~LayerSurface() override;
 
-    wl_surface *surface() const { return m_surface; }
     zwlr_layer_surface_v1 *handle() const { return m_handle; }
-    /// In points, as the compositor wants it.
-    QSize configuredSize() const { return m_configured; }
-    enum class Keyboard { none, exclusive };
-    void setKeyboard(Keyboard keyboard);
-
-    /// The compositor took it away.
-    std::function<void()> onClosed;
-    std::function<void(QSize)> onConfigured;
+    void setKeyboard(Keyboard keyboard) override;
+    bool canTakeKeyboard() const override { return true; }
 
 private:
     LayerSurface(std::shared_ptr<LayerShell> shell, wl_surface *surface);
@@ -77,14 +59,9 @@ private:
     static void closed(void *data, zwlr_layer_surface_v1 *handle);
 
     std::shared_ptr<LayerShell> m_shell;
-    wl_surface *m_surface;
     zwlr_layer_surface_v1 *m_handle = nullptr;
-    QSize m_configured;
     bool m_isConfigured = false;
     bool m_isClosed = false;
 };
-
-/// The surface of a window of the toolkit; null before it is created.
-wl_surface *surfaceOf(QWindow &window);
 
 } // namespace tovek

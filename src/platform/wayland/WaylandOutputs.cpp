@@ -130,7 +130,10 @@ WaylandOutputs::WaylandOutputs(std::shared_ptr<WaylandConnection> connection)
         add(global);
     m_connection->listen({this, [this](const WaylandGlobal &global) { add(global); },
                           [this](const WaylandGlobal &global) { remove(global); }});
+    // Nothing is news yet; and there may be no main loop either.
+    m_isAnnouncing = true;
     m_connection->roundtrip();
+    m_isAnnouncing = false;
     m_announced = list();
 }
 
@@ -186,8 +189,14 @@ std::vector<WaylandOutput> WaylandOutputs::list() const
             continue;
         WaylandOutput output = entry->output;
         output.native = isTurnedAside(output.transform) ? entry->mode.transposed() : entry->mode;
-        if (output.logical.isEmpty())
+        // Where a desktop lays out its screens in pixels (mutter 43), what it calls logical are
+        // these, and windows are told another size.
+        const bool isInPixels = output.logical.size() == output.native && entry->wholeScale > 1;
+        output.layout = output.logical;
+        if (output.logical.isEmpty() || isInPixels)
             output.logical.setSize(output.native / entry->wholeScale);
+        if (output.layout.isEmpty())
+            output.layout = output.logical;
         if (output.name.isEmpty())
             output.name = QStringLiteral("screen%1").arg(output.id);
         output.scale = outputScale(output.native, output.logical.size());

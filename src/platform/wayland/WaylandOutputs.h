@@ -27,6 +27,7 @@ struct WaylandOutput
     QSize native; ///< pixels
     int32_t transform = WL_OUTPUT_TRANSFORM_NORMAL; ///< from its panel's own orientation
     QRect logical; ///< points, y down, in the space of the desktop
+    QRect layout; ///< its place in that space, which may count in something else than points
     double scale = 1; ///< pixels per point
 
     bool operator==(const WaylandOutput &) const = default;

@@ -51,6 +51,9 @@ int wholePoints(int native, double scale)
     const int numerator = int(std::lround(scale * scaleFractions));
     const int step = scaleFractions / std::gcd(numerator, scaleFractions);
     const int points = int(std::ceil(native / scale - 1e-6));
+    // Where the desktop itself chooses scales that come out, they are no fractions of 120.
+    if (std::abs(points * scale - native) < 1e-3)
+        return points;
     return (points + step - 1) / step * step;
 }
 

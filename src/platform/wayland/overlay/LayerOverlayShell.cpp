@@ -4,6 +4,8 @@
 #include "platform/wayland/overlay/LayerOverlayShell.h"
 
 #include "platform/Screens.h"
+#include "platform/wayland/FullScreenSurface.h"
+#include "platform/wayland/LayerSurface.h"
 #include "platform/wayland/capture/WaylandFrozenDisplay.h"
 #include "viewporter-client.h"
 
@@ -11,14 +13,20 @@
 #include <QExposeEvent>
 #include <QGuiApplication>
 #include <QLibraryInfo>
+#include <QTimer>
 #include <QWindow>
 
 namespace tovek {
 
 namespace {
 
+using namespace std::chrono_literals;
+
 /// Divisible by every whole scale that the toolkit may have given the surface.
 constexpr QSize blankSize(12, 12);
+
+/// How long the keyboard may be on its way, also from one screen to another.
+constexpr auto keyboardLimit = 1000ms;
 
 /// From 6.5 on the toolkit has a viewport of its own for each surface, where scales can be
 /// fractions; a surface takes only one.
@@ -60,12 +68,12 @@ void LayerOverlaySurface::setUpWindow()
 {
     const QRect before = m_window.geometry();
     m_window.setFlags(m_window.flags() | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint);
-    m_layer = LayerSurface::create(m_services->shell, m_window, toolkitScreen(m_screen.name), {});
-    if (!m_layer)
+    m_role = m_services->makeRole(m_window, toolkitScreen(m_screen.name));
+    if (!m_role)
         return;
-    m_layer->onClosed = [this] { leaveWithTheScreen(); };
+    m_role->onClosed = [this] { leaveWithTheScreen(); };
     // Whoever lays out the window needs its size now.
-    QResizeEvent resize(m_layer->configuredSize(), before.size());
+    QResizeEvent resize(m_role->configuredSize(), before.size());
     QCoreApplication::sendEvent(&m_window, &resize);
 }
 
@@ -73,7 +81,7 @@ void LayerOverlaySurface::orderFrontRegardless()
 {
     if (m_isVisible)
         return;
-    if (!m_layer) {
+    if (!m_role) {
         // Queued: who orders it front still holds it.
         QMetaObject::invokeMethod(
             this,
@@ -108,8 +116,8 @@ void LayerOverlaySurface::map()
     m_blank = blank->makeBuffer(globals.shm, WL_SHM_FORMAT_ARGB8888);
     if (!toolkitHasViewports(*globals.connection)) {
         m_viewport = wp_viewporter_get_viewport(globals.viewporter, surface);
-        wp_viewport_set_destination(m_viewport, m_layer->configuredSize().width(),
-                                    m_layer->configuredSize().height());
+        wp_viewport_set_destination(m_viewport, m_role->configuredSize().width(),
+                                    m_role->configuredSize().height());
     }
     wl_surface_attach(surface, m_blank, 0, 0);
     wl_surface_damage(surface, 0, 0, INT32_MAX, INT32_MAX);
@@ -130,13 +138,13 @@ void LayerOverlaySurface::orderOut()
     if (m_viewport && qApp)
         wp_viewport_destroy(std::exchange(m_viewport, nullptr));
     // The role before the surface, which the toolkit takes along when it hides the window.
-    m_layer.reset();
+    m_role.reset();
     if (wasVisible)
         m_window.setVisible(false);
     if (m_blank && qApp)
         wl_buffer_destroy(std::exchange(m_blank, nullptr));
     m_frozen.reset();
-    m_services->shell->connection().flush();
+    m_services->canvas->connection->flush();
 }
 
 void LayerOverlaySurface::makeKey()
@@ -146,12 +154,29 @@ void LayerOverlaySurface::makeKey()
         return;
     }
     LayerOverlaySurface *before = std::exchange(m_services->key, this);
-    if (before == this || !m_layer)
+    if (before == this || !m_role)
         return;
     // Of two that want the keyboard, compositors differ in which gets it.
-    if (before && before->m_layer)
-        before->m_layer->setKeyboard(LayerSurface::Keyboard::none);
-    m_layer->setKeyboard(LayerSurface::Keyboard::exclusive);
+    if (before && before->m_role)
+        before->m_role->setKeyboard(SurfaceRole::Keyboard::none);
+    m_role->setKeyboard(SurfaceRole::Keyboard::exclusive);
+    if (!m_role->canTakeKeyboard())
+        checkKeyboardSoon();
+}
+
+/// A compositor that gives the keyboard as it likes may keep it for the window below, which would
+/// then get what is typed, or take it away for its own purposes. A frozen screen that does not hear
+/// Escape must not stay.
+void LayerOverlaySurface::checkKeyboardSoon()
+{
+    QTimer::singleShot(keyboardLimit, this, [this] {
+        if (!isKey())
+            return;
+        if (QGuiApplication::focusWindow())
+            checkKeyboardSoon();
+        else if (onKeyboardDenied)
+            onKeyboardDenied();
+    });
 }
 
 bool LayerOverlaySurface::present(const DisplayList &list)
@@ -208,18 +233,43 @@ void LayerOverlaySurface::leaveWithTheScreen()
 }
 
 std::unique_ptr<LayerOverlayShell>
-LayerOverlayShell::create(std::shared_ptr<WaylandOutputs> outputs,
-                          std::function<void(uint32_t displayId)> pointerSeenOn)
+LayerOverlayShell::create(std::shared_ptr<WaylandOutputs> outputs, PointerSeenOn pointerSeenOn)
 {
     auto shell = LayerShell::create();
     if (!shell)
         return nullptr;
+    return createWith(
+        [shell = std::move(shell)](QWindow &window, QScreen *screen) {
+            return LayerSurface::create(shell, window, screen, {});
+        },
+        std::move(outputs), std::move(pointerSeenOn));
+}
+
+std::unique_ptr<LayerOverlayShell>
+LayerOverlayShell::createOfWindows(std::shared_ptr<WaylandOutputs> outputs,
+                                   PointerSeenOn pointerSeenOn)
+{
+    auto shell = WindowShell::create();
+    if (!shell)
+        return nullptr;
+    return createWith(
+        [shell = std::move(shell)](QWindow &window, QScreen *screen) {
+            return FullScreenSurface::create(shell, window, screen);
+        },
+        std::move(outputs), std::move(pointerSeenOn));
+}
+
+std::unique_ptr<LayerOverlayShell>
+LayerOverlayShell::createWith(LayerOverlayServices::MakeRole makeRole,
+                              std::shared_ptr<WaylandOutputs> outputs, PointerSeenOn pointerSeenOn)
+{
     auto canvas = std::make_shared<CanvasGlobals>(WaylandConnection::ofToolkit());
     if (!canvas->isComplete())
         return nullptr;
     return std::unique_ptr<LayerOverlayShell>(
-        new LayerOverlayShell(std::make_shared<LayerOverlayServices>(LayerOverlayServices{
-            std::move(shell), std::move(canvas), std::move(outputs), std::move(pointerSeenOn)})));
+        new LayerOverlayShell(std::make_shared<LayerOverlayServices>(
+            LayerOverlayServices{std::move(makeRole), std::move(canvas), std::move(outputs),
+                                 std::move(pointerSeenOn)})));
 }
 
 std::unique_ptr<OverlaySurface> LayerOverlayShell::create(QWindow &window, const Screen &screen,

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "platform/OverlaySurface.h"
-#include "platform/wayland/LayerSurface.h"
+#include "platform/wayland/SurfaceRole.h"
 #include "platform/wayland/WaylandOutputs.h"
 #include "platform/wayland/overlay/LayerCanvas.h"
 
@@ -15,7 +15,9 @@ class LayerOverlaySurface;
 /// What the overlays of one session share.
 struct LayerOverlayServices
 {
-    std::shared_ptr<LayerShell> shell;
+    using MakeRole = std::function<std::unique_ptr<SurfaceRole>(QWindow &, QScreen *)>;
+
+    MakeRole makeRole; ///< null from it where the compositor refuses
     std::shared_ptr<CanvasGlobals> canvas;
     std::shared_ptr<WaylandOutputs> outputs;
     std::function<void(uint32_t displayId)> pointerSeenOn;
@@ -23,7 +25,7 @@ struct LayerOverlayServices
     bool knowsStart = false; ///< it is where the user began, and not just any that can have it
 };
 
-/// A surface of the layer shell over one output. The frozen display and what is drawn over it lie
+/// A surface over one output. The frozen display and what is drawn over it lie
 /// below the window's own surface, which is transparent but for child widgets; the compositor puts
 /// them together, and the toolkit paints nothing to open.
 class LayerOverlaySurface : public QObject, public OverlaySurface
@@ -47,12 +49,13 @@ private:
     void setUpWindow();
     void map();
     void leaveWithTheScreen();
+    void checkKeyboardSoon();
 
     std::shared_ptr<LayerOverlayServices> m_services;
     QWindow &m_window;
     const Screen m_screen;
     std::shared_ptr<FrozenDisplay> m_frozen;
-    std::unique_ptr<LayerSurface> m_layer; ///< null where the compositor refused
+    std::unique_ptr<SurfaceRole> m_role; ///< null where the compositor refused
     wp_viewport *m_viewport = nullptr; ///< the window's own
     wl_buffer *m_blank = nullptr;
     std::unique_ptr<LayerCanvas> m_canvas;
@@ -61,14 +64,17 @@ private:
     bool m_isForwarding = false;
 };
 
-/// Over the layer shell.
+/// Overlays of the layer shell; or full-screen windows, where there is no such shell.
 class LayerOverlayShell : public OverlayShell
 {
 public:
+    using PointerSeenOn = std::function<void(uint32_t displayId)>;
     /// Null where the compositor does not offer what it takes.
+    static std::unique_ptr<LayerOverlayShell> create(std::shared_ptr<WaylandOutputs> outputs,
+                                                     PointerSeenOn pointerSeenOn);
+    /// The same with full-screen windows.
     static std::unique_ptr<LayerOverlayShell>
-    create(std::shared_ptr<WaylandOutputs> outputs,
-           std::function<void(uint32_t displayId)> pointerSeenOn);
+    createOfWindows(std::shared_ptr<WaylandOutputs> outputs, PointerSeenOn pointerSeenOn);
 
     void prepare() override { }
     bool presentsBelow() const override { return true; }
@@ -76,6 +82,9 @@ public:
                                            std::shared_ptr<FrozenDisplay> frozen) override;
 
 private:
+    static std::unique_ptr<LayerOverlayShell> createWith(LayerOverlayServices::MakeRole makeRole,
+                                                         std::shared_ptr<WaylandOutputs> outputs,
+                                                         PointerSeenOn pointerSeenOn);
     explicit LayerOverlayShell(std::shared_ptr<LayerOverlayServices> services)
         : m_services(std::move(services))
     {

@@ -4,7 +4,7 @@
 #include "platform/wayland/overlay/WaylandKeyboardHold.h"
 
 #include "keyboard-shortcuts-inhibit-unstable-v1-client.h"
-#include "platform/wayland/LayerSurface.h"
+#include "platform/wayland/SurfaceRole.h"
 
 #include <QWindow>
 

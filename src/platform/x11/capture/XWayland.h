@@ -11,4 +11,8 @@ namespace tovek {
 /// and windows laid over it hide what no picture can be had of.
 bool isXWayland(const X11Connection &connection, const X11Monitors &monitors);
 
+/// The sizes of the monitors of the server that the environment names, in its pixels; none without
+/// a server. Needs no application.
+std::vector<QSize> sizesOfXMonitors();
+
 } // namespace tovek

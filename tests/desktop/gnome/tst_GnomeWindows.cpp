@@ -1,0 +1,178 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+// The program on a GNOME whose XWayland does not show the monitors' own pixels, or that has none:
+// there its overlays are full-screen windows.
+
+#include "support/GnomeDesktop.h"
+#include "support/Pixels.h"
+#include "support/Skip.h"
+#include "support/Wait.h"
+
+#include <QRandomGenerator>
+
+#include <algorithm>
+
+using namespace tovek;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int escape = 1;
+constexpr auto patience = 20s;
+const auto textWindow = QStringLiteral("text_window");
+const auto overlay = QStringLiteral("Tovek");
+
+} // namespace
+
+Q_DECLARE_METATYPE(GnomeDesktop::Setup)
+
+class TestGnomeWindows : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { skipBecause(GnomeDesktop::missing()); }
+
+    void cleanup()
+    {
+        if (QTest::currentTestFailed() && m_tovek)
+            qWarning() << m_tovek->lines() << m_tovek->errorLines() << m_desktop->focusedTitle();
+        m_tovek = nullptr;
+        m_desktop.reset();
+    }
+
+    void showsAndCopiesThePixelsOfTheMonitors_data()
+    {
+        using Setup = GnomeDesktop::Setup;
+        QTest::addColumn<Setup>("setup");
+        QTest::addColumn<QList<int>>("exact");
+        const auto row = [](const char *name, const Setup &setup, const QList<int> &exact) {
+            QTest::newRow(name) << setup << exact;
+        };
+        row("no XWayland", {{}, Setup::Layout::inPoints, false, {}}, {0, 1});
+        row("1.25", {{1.25, 1.25}, Setup::Layout::inPoints, true, {}}, {0, 1});
+        // Of two scales the desktop takes its picture in the larger one.
+        row("as near to 1.5 as mutter can, for each monitor",
+            {{1.4981273412704468, 1.4953271150588989}, Setup::Layout::inPoints, true, {}}, {0});
+        row("2 beside 1", {{2, 1}, Setup::Layout::inPoints, true, {}}, {0});
+    }
+    void showsAndCopiesThePixelsOfTheMonitors()
+    {
+        QFETCH(GnomeDesktop::Setup, setup);
+        QFETCH(QList<int>, exact);
+        setup.background = speckles();
+        QVERIFY(start(setup));
+        QList<QImage> before;
+        for (const int monitor : {0, 1})
+            before << m_desktop->lookAt(monitor);
+        QVERIFY(startCapture("capture-image"));
+        // The panel goes one frame before the overlay that shows it is there.
+        for (const int monitor : exact)
+            QVERIFY(waitUntil(
+                [&] { return differentPixels(m_desktop->lookAt(monitor), before[monitor]) == 0; },
+                patience));
+        leave();
+        for (const int monitor : exact) {
+            const QRect selection(200, 100, 320, 240);
+            QVERIFY(startCapture("capture-image"));
+            drag(monitor, selection);
+            QVERIFY(waitUntil([this] { return m_desktop->windowCount(overlay) == 0; }, patience));
+            const double scale = m_desktop->pixelsPerUnit(monitor);
+            QVERIFY(waitUntil([&] { return isPartOf(paste(), before[monitor], selection, scale); },
+                              patience));
+        }
+    }
+
+private:
+    bool start(GnomeDesktop::Setup setup)
+    {
+        m_desktop = std::make_unique<GnomeDesktop>();
+        if (!m_desktop->start(setup)) {
+            qWarning() << m_desktop->error();
+            return false;
+        }
+        m_desktop->run(QStringLiteral(TOVEK_TEXT_WINDOW),
+                       {"0", "0", "500", "300", "DejaVu Sans", "20", "light", "Some words"},
+                       {{"QT_QPA_PLATFORM", "wayland"}});
+        for (const QString &name : {QString(), QStringLiteral("org.tovek.Tovek")}) {
+            if (!m_desktop->permitScreenshots(name))
+                return false;
+        }
+        if (!waitUntil([this] { return m_desktop->focusedTitle() == textWindow; }, patience))
+            return false;
+        m_tovek = m_desktop->run(qEnvironmentVariable("TOVEK_PROGRAM"), {"--background"});
+        return m_tovek
+            && m_tovek->waitForLine(QStringLiteral("Wayland: overlays are full-screen windows"),
+                                    patience)
+            && m_tovek->waitForLine(QStringLiteral("Wayland: capturing over the desktop's portal"),
+                                    patience);
+    }
+
+    bool startCapture(const char *action)
+    {
+        return waitUntil([&] { return m_desktop->act(QLatin1String(action)); }, patience)
+            && waitUntil(
+                   [this] {
+                       return m_desktop->windowCount(overlay) == GnomeDesktop::monitors().size()
+                           && m_desktop->focusedTitle() == overlay;
+                   },
+                   patience);
+    }
+
+    void leave()
+    {
+        m_desktop->tap(escape);
+        QVERIFY(waitUntil([this] { return m_desktop->windowCount(overlay) == 0; }, patience));
+        QVERIFY(waitUntil([this] { return m_desktop->focusedTitle() == textWindow; }, patience));
+    }
+
+    QImage paste() { return QImage::fromData(m_desktop->output("wl-paste", {}), "PNG"); }
+
+    /// Rounding to pixels is another matter.
+    static bool isPartOf(const QImage &pasted, const QImage &monitor, QRectF selected, double scale)
+    {
+        const QSizeF size = selected.size() * scale;
+        if (std::abs(pasted.width() - size.width()) > 1
+            || std::abs(pasted.height() - size.height()) > 1)
+            return false;
+        const QPoint at = (selected.topLeft() * scale).toPoint();
+        for (const int dx : {-1, 0, 1}) {
+            for (const int dy : {-1, 0, 1}) {
+                const QRect part(at + QPoint(dx, dy), pasted.size());
+                if (differentPixels(pasted, monitor.copy(part)) == 0)
+                    return true;
+            }
+        }
+        return false;
+    }
+
+    static QImage speckles()
+    {
+        QImage image(1600, 1200, QImage::Format_RGB32);
+        QRandomGenerator random(5);
+        for (int y = 0; y < image.height(); ++y) {
+            auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
+            std::generate(line, line + image.width(),
+                          [&] { return random.bounded(2) ? 0xff205080 : 0xfff0c040; });
+        }
+        return image;
+    }
+
+    /// In units of the layout from the monitor's corner.
+    void drag(int monitor, QRect selection)
+    {
+        selection.translate(m_desktop->place(monitor).topLeft());
+        m_desktop->moveTo(selection.topLeft());
+        m_desktop->button(true);
+        m_desktop->moveTo(selection.center());
+        m_desktop->moveTo(selection.bottomRight() + QPoint(1, 1));
+        m_desktop->button(false);
+    }
+
+    std::unique_ptr<GnomeDesktop> m_desktop;
+    Program *m_tovek = nullptr;
+};
+
+QTEST_GUILESS_MAIN(TestGnomeWindows)
+#include "tst_GnomeWindows.moc"
