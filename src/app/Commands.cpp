@@ -9,6 +9,8 @@
 #include "command/CommandHelp.h"
 #include "platform/SingleInstance.h"
 
+#include <QCoreApplication>
+
 #include <cstdio>
 
 namespace tovek {
@@ -34,6 +36,11 @@ struct Runner
     int operator()(const VersionCommand &) const
     {
         return print(QStringLiteral("Tovek %1\n").arg(BundleInformation::version()));
+    }
+    int operator()(const RemoveShortcutsCommand &) const
+    {
+        const QCoreApplication application(argc, argv);
+        return told(removeShortcuts());
     }
     int operator()(const HelpCommand &help) const { return print(helpText(help.of)); }
     int operator()(const WrongCommand &wrong) const

@@ -58,6 +58,8 @@ Command parseProgram(const QStringList &rest)
         return HelpCommand{};
     if (arguments.has("--version"))
         return VersionCommand{};
+    if (arguments.has("--remove-shortcuts"))
+        return RemoveShortcutsCommand{};
 
     ActionCommand command;
     QStringList names;

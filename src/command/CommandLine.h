@@ -59,6 +59,13 @@ struct VersionCommand
     bool operator==(const VersionCommand &) const = default;
 };
 
+/// What Tovek wrote into the desktop's settings goes, as before it is uninstalled: no package may
+/// change them.
+struct RemoveShortcutsCommand
+{
+    bool operator==(const RemoveShortcutsCommand &) const = default;
+};
+
 struct HelpCommand
 {
     QString of; ///< empty: all of the program; otherwise the name of a command
@@ -75,7 +82,7 @@ struct WrongCommand
 };
 
 using Command = std::variant<StartCommand, ActionCommand, ShotCommand, WordsCommand, VersionCommand,
-                             HelpCommand, WrongCommand>;
+                             RemoveShortcutsCommand, HelpCommand, WrongCommand>;
 
 constexpr int longestDelaySeconds = 3600;
 

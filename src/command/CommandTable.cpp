@@ -29,6 +29,8 @@ constexpr OptionInfo options[] = {
      "Look for a new version, in builds that update themselves", "check-for-updates"},
     {"", "", "--quit", "", ValueKind::none,
      "Quit the running Tovek", "quit"},
+    {"", "", "--remove-shortcuts", "", ValueKind::none,
+     "Take the shortcuts out of the settings of GNOME, before Tovek is uninstalled", ""},
     {"", "", "--version", "", ValueKind::none,
      "Print the version", ""},
     {"", "-h", "--help", "", ValueKind::none,

@@ -61,6 +61,7 @@ private Q_SLOTS:
         row("--delay=3600 --capture-image", action("capture-image", 3600));
         row("--capture --delay 0", action("start-capture"));
         row("--version", VersionCommand{});
+        row("--remove-shortcuts", RemoveShortcutsCommand{});
         row("--capture --help", HelpCommand{});
         row("-h", HelpCommand{});
         row("-platform offscreen -reverse --background", StartCommand{true});

@@ -141,6 +141,16 @@ private Q_SLOTS:
         QCoreApplication::processEvents();
         QCOMPARE(paths(), QStringList{ownPath()});
     }
+    void goesBeforeTheProgramIsUninstalled()
+    {
+        const QString other = folder + QStringLiteral("custom0/");
+        set(mediaKeys, "custom-keybindings", GnomeBindings::quoted(QStringList{other}));
+        QCOMPARE(m_keys->grab(1, controlShift3), 0);
+        QVERIFY(waitForPaths({other, ownPath()}));
+        const QString program = qEnvironmentVariable("TOVEK_PROGRAM");
+        QCOMPARE(QProcess::execute(program, {QStringLiteral("--remove-shortcuts")}), 0);
+        QCOMPARE(paths(), QStringList{other});
+    }
     void isNotMadeWithoutSuchSettings()
     {
         qputenv("GSETTINGS_SCHEMA_DIR", "/nonexistent");
