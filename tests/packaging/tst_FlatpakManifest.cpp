@@ -8,6 +8,7 @@
 #include <QProcess>
 #include <QRegularExpression>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QTest>
 
 class TestFlatpakManifest : public QObject
@@ -71,7 +72,9 @@ private Q_SLOTS:
         const QString builder = QStandardPaths::findExecutable(QStringLiteral("flatpak-builder"));
         if (builder.isEmpty())
             QSKIP("flatpak-builder is not installed");
+        const QTemporaryDir folder; // it keeps a state where it runs
         QProcess process;
+        process.setWorkingDirectory(folder.path());
         process.start(builder, {"--show-manifest", path()});
         QVERIFY(process.waitForFinished());
         QCOMPARE(process.exitCode(), 0);

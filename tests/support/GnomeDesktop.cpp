@@ -259,7 +259,10 @@ QImage GnomeDesktop::look()
 
 QImage GnomeDesktop::lookAt(qsizetype monitor)
 {
-    const QRect at = place(monitor);
+    QRect at = place(monitor);
+    // It takes the units of its own widgets, of which a desktop in pixels makes more pixels each.
+    const double unit = m_setup.layout == Setup::Layout::inPixels ? m_setup.scales.value(0, 1) : 1;
+    at = QRect((at.topLeft() / unit), (at.size() / unit));
     return takeLook(QStringLiteral("ScreenshotArea"),
                     {at.x(), at.y(), at.width(), at.height(), false});
 }

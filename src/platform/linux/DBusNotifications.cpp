@@ -109,7 +109,8 @@ void DBusNotifications::notify(const NotificationRequest &request, const Complet
                      QUrl::fromLocalFile(request.imagePath).toString(QUrl::FullyEncoded));
     }
     QDBusMessage message = call(QStringLiteral("Notify"));
-    message << QStringLiteral("Tovek") << (request.isPassing ? m_passing : 0U) << QStringLiteral("org.tovek.Tovek") << request.title
+    message << QStringLiteral("Tovek") << (request.isPassing ? m_passing : 0U)
+            << QStringLiteral("org.tovek.Tovek") << request.title
             << (takesMarkup ? request.body.toHtmlEscaped() : request.body) << actions << hints
             << -1;
     // Before the call: an answer may follow the reply at once.

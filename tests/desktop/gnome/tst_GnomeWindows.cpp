@@ -51,6 +51,8 @@ private Q_SLOTS:
             QTest::newRow(name) << setup << exact;
         };
         row("no XWayland", {{}, Setup::Layout::inPoints, false, {}}, {0, 1});
+        row("no XWayland, 2 beside 1, laid out in pixels",
+            {{2, 1}, Setup::Layout::inPixels, false, {}}, {0, 1});
         row("1.25", {{1.25, 1.25}, Setup::Layout::inPoints, true, {}}, {0, 1});
         // Of two scales the desktop takes its picture in the larger one.
         row("as near to 1.5 as mutter can, for each monitor",
@@ -64,8 +66,10 @@ private Q_SLOTS:
         setup.background = speckles();
         QVERIFY(start(setup));
         QList<QImage> before;
-        for (const int monitor : {0, 1})
+        for (const int monitor : {0, 1}) {
             before << m_desktop->lookAt(monitor);
+            QCOMPARE(before.last().size(), GnomeDesktop::monitors()[monitor].size());
+        }
         QVERIFY(startCapture("capture-image"));
         // The panel goes one frame before the overlay that shows it is there.
         for (const int monitor : exact)
