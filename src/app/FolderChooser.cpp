@@ -14,7 +14,6 @@ namespace tovek {
 FolderChooser::FolderChooser(QString program) : m_program(std::move(program))
 {
     m_silence.setSingleShot(true);
-    m_silence.setInterval(patience);
     m_silence.callOnTimeout([this] {
         giveUp();
         if (onHung)
@@ -45,7 +44,8 @@ void FolderChooser::ask(const Question &question)
     // Whatever ends us, no dialog that nobody listens to is left.
     process->setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGKILL); });
     connect(process, &QProcess::finished, process, &QObject::deleteLater);
-    connect(process, &QProcess::readyReadStandardOutput, this, [this] { m_silence.start(); });
+    connect(process, &QProcess::readyReadStandardOutput, this,
+            [this] { m_silence.start(patience); });
     connect(process, &QProcess::finished, this, [this, process](int code, auto status) {
         m_silence.stop();
         const QString folder =
@@ -61,7 +61,7 @@ void FolderChooser::ask(const Question &question)
         if (onFailed)
             onFailed(process->errorString());
     });
-    m_silence.start();
+    m_silence.start(patienceAtFirst);
     process->start(m_program, arguments);
 }
 

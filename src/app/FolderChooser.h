@@ -41,8 +41,9 @@ public:
     std::function<void()> onHung;
 
     /// How often the dialog gives a sign, and after how long without one it hangs: several times
-    /// what a busy machine makes of that.
-    static constexpr std::chrono::milliseconds signInterval{500}, patience{4000};
+    /// what a busy machine makes of that. Its first one may take as long as it is to be loaded.
+    static constexpr std::chrono::milliseconds signInterval{500}, patience{4000},
+        patienceAtFirst{20000};
 
 private:
     void giveUp();

@@ -52,8 +52,10 @@ int runFolderDialog(int &argc, char **argv)
     // it shows itself.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));
 
+    const auto giveSign = [] { return write(STDOUT_FILENO, "", 1) == 1; };
     QTimer sign;
-    sign.callOnTimeout([] { return write(STDOUT_FILENO, "", 1) == 1; });
+    sign.callOnTimeout(giveSign);
+    giveSign();
     sign.start(FolderChooser::signInterval);
     FolderDialog dialog(options.value(start));
     if (const quint64 owner = options.value(window).toULongLong())
