@@ -47,36 +47,36 @@ struct Plane
     int depth;
 };
 
-/// Blank around the picture; what comes out below 0 is 0.
+/// Blank around the picture; what comes out below 0 is 0. With the depth known to the compiler the
+/// sums of one place stay in registers.
+template <int depth>
 void convolve(const GlyphLayer &layer, const Plane &in, int size, int stride,
               std::vector<float> &out)
 {
     const int outSide = in.side / stride;
     const int reach = size / 2;
-    out.assign(std::size_t(outSide) * outSide * layer.outputs, 0);
-    for (int y = 0; y < outSide; ++y) {
-        for (int x = 0; x < outSide; ++x) {
-            float *to = out.data() + (std::size_t(y) * outSide + x) * layer.outputs;
-            std::copy(layer.biases.begin(), layer.biases.end(), to);
-            for (int k = 0; k < size * size; ++k) {
-                const int fromY = y * stride + k / size - reach;
-                const int fromX = x * stride + k % size - reach;
-                if (fromY < 0 || fromX < 0 || fromY >= in.side || fromX >= in.side)
+    out.resize(std::size_t(outSide) * outSide * depth);
+    for (int place = 0; place < outSide * outSide; ++place) {
+        std::array<float, depth> sums;
+        std::copy_n(layer.biases.begin(), depth, sums.begin());
+        for (int k = 0; k < size * size; ++k) {
+            const int fromY = place / outSide * stride + k / size - reach;
+            const int fromX = place % outSide * stride + k % size - reach;
+            if (fromY < 0 || fromX < 0 || fromY >= in.side || fromX >= in.side)
+                continue;
+            const float *from =
+                in.values.data() + (std::size_t(fromY) * in.side + fromX) * in.depth;
+            const float *weights = layer.weights.data() + std::size_t(k) * in.depth * depth;
+            for (int c = 0; c < in.depth; ++c, weights += depth) {
+                if (from[c] == 0)
                     continue;
-                const float *from =
-                    in.values.data() + (std::size_t(fromY) * in.side + fromX) * in.depth;
-                for (int c = 0; c < in.depth; ++c) {
-                    if (from[c] == 0)
-                        continue;
-                    const float *weights = layer.weights.data()
-                        + (std::size_t(k) * in.depth + c) * std::size_t(layer.outputs);
-                    for (int o = 0; o < layer.outputs; ++o)
-                        to[o] += from[c] * weights[o];
-                }
+                for (int o = 0; o < depth; ++o)
+                    sums[o] += from[c] * weights[o];
             }
-            for (int o = 0; o < layer.outputs; ++o)
-                to[o] = std::max(to[o], 0.0F);
         }
+        float *to = out.data() + std::size_t(place) * depth;
+        for (int o = 0; o < depth; ++o)
+            to[o] = std::max(sums[o], 0.0F);
     }
 }
 
@@ -207,10 +207,13 @@ GlyphNet::Answer GlyphNet::classify(const Glyph &glyph, Trace &trace) const
     trace.input.resize(glyph.ink.size());
     std::transform(glyph.ink.begin(), glyph.ink.end(), trace.input.begin(),
                    [](std::uint8_t ink) { return float(ink) / 255; });
-    convolve(m_layers[0], {trace.input, side, 1}, firstKernel, side / firstSide, trace.first);
-    convolve(m_layers[1], {trace.first, firstSide, firstDepth}, kernel, 1, trace.second);
+    convolve<firstDepth>(m_layers[0], {trace.input, side, 1}, firstKernel, side / firstSide,
+                         trace.first);
+    convolve<secondDepth>(m_layers[1], {trace.first, firstSide, firstDepth}, kernel, 1,
+                          trace.second);
     pool({trace.second, firstSide, secondDepth}, trace.secondPool);
-    convolve(m_layers[2], {trace.secondPool, secondPoolSide, secondDepth}, kernel, 1, trace.third);
+    convolve<thirdDepth>(m_layers[2], {trace.secondPool, secondPoolSide, secondDepth}, kernel, 1,
+                         trace.third);
     pool({trace.third, secondPoolSide, thirdDepth}, trace.thirdPool);
     trace.thirdPool.insert(trace.thirdPool.end(), glyph.shape.begin(), glyph.shape.end());
     connect(m_layers[3], trace.thirdPool, trace.hidden);

@@ -3,6 +3,7 @@
 
 #include "reading/RunReader.h"
 
+#include "reading/Backticks.h"
 #include "reading/EngineWords.h"
 #include "reading/Hyphens.h"
 #include "reading/InkSegments.h"
@@ -72,6 +73,7 @@ std::vector<InkSymbol> symbolsOf(const std::vector<EngineSymbol> &read, const Li
     std::vector<InkSymbol> symbols = alignedSymbols(read, strip, inkSegments(ink, run), metrics);
     nameTildes(symbols, ink, run, metrics);
     takeGlyphs(symbols, ink, run);
+    nameBackticks(symbols, metrics);
     return symbols;
 }
 

@@ -33,7 +33,7 @@ constexpr double besideMarks = 0.15;
 constexpr double blankInProportional = 0.28;
 
 /// What a gap lacks, in cap heights, because a letter's ink hangs over its edge, or has too much
-/// because the character stands in a wide cell of its own, as the 1 among digits.
+/// because the character stands in a wide cell of its own, as the 1 among digits or a backtick.
 double bearing(const QString &before, const QString &after)
 {
     static const QString farRight = QStringLiteral("f");
@@ -41,9 +41,10 @@ double bearing(const QString &before, const QString &after)
     static const QString left = QStringLiteral("TVWYvwyA/");
     const double beside = farRight.contains(before) ? 0.1 : right.contains(before) ? 0.05 : 0;
     const double hanging = after == QLatin1String("j") ? 0.12 : left.contains(after) ? 0.05 : 0;
-    const QLatin1String one("1");
-    const double cell = (before == one ? 0.12 : 0) + (after == one ? 0.12 : 0);
-    return beside + hanging - cell;
+    const auto cell = [](const QString &text) {
+        return text == QLatin1String("1") ? 0.12 : text == QLatin1String("`") ? 0.15 : 0;
+    };
+    return beside + hanging - cell(before) - cell(after);
 }
 
 double gapBefore(const std::vector<InkSymbol> &symbols, std::size_t i, double capHeight)
