@@ -43,6 +43,11 @@ public:
 
     const Theme &theme() const { return m_theme; }
     QPainter &painter() { return m_painter; }
+    QSize size() const { return m_image.size() / m_scale; }
+    double widthOf(const QString &line, int pixels) const
+    {
+        return QFontMetricsF(font(pixels), &m_image).horizontalAdvance(line);
+    }
     void fill(const QRectF &rect, QColor color, double radius = 0)
     {
         m_painter.setPen(Qt::NoPen);
@@ -70,6 +75,25 @@ public:
             from += word.size() + 1;
         }
         return baseline.x() + metrics.horizontalAdvance(line);
+    }
+    /// A character a cell, as terminals draw them.
+    void cells(QPointF baseline, const QString &line, int pixels, QColor color, int cell)
+    {
+        const QFont used = font(pixels);
+        const QFontMetricsF metrics(used, &m_image);
+        m_painter.setFont(used);
+        m_painter.setPen(color);
+        for (qsizetype i = 0; i < line.size(); ++i)
+            m_painter.drawText(baseline + QPointF(double(i) * cell, 0), line.mid(i, 1));
+        qsizetype from = 0;
+        for (const QString &word : line.split(' ')) {
+            const QJsonArray box =
+                pixelsOf({baseline.x() + double(from) * cell, baseline.y() - metrics.ascent(),
+                          double(word.size()) * cell, metrics.height()});
+            if (!word.isEmpty())
+                m_words.append(QJsonObject{{"text", word}, {"box", box}, {"cell", box}});
+            from += word.size() + 1;
+        }
     }
     [[nodiscard]] bool save(const QString &path)
     {
@@ -100,6 +124,10 @@ private:
     QString m_family;
     QJsonArray m_words;
 };
+
+// ocr_pages.cpp, from the words and lines of text files
+void drawPage(Sheet &sheet, const QStringList &files);
+void drawFullTerminal(Sheet &sheet, const QStringList &files);
 
 // ocr_tools.cpp
 void drawTerminal(Sheet &sheet);

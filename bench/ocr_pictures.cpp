@@ -5,6 +5,7 @@
 // words beside them, in the form that score_ocr.py reads.
 //
 // ocr_pictures FOLDER
+// ocr_pictures FOLDER TEXT...   whole screens instead, filled from text files
 
 #include "OcrSheet.h"
 
@@ -189,12 +190,19 @@ int main(int argc, char **argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
-    if (argc != 2 || !QDir().mkpath(argv[1])) {
-        std::fputs("usage: ocr_pictures FOLDER\n", stderr);
+    const QStringList texts = application.arguments().mid(2);
+    if (argc < 2 || !QDir().mkpath(argv[1])) {
+        std::fputs("usage: ocr_pictures FOLDER [TEXT...]\n", stderr);
         return 1;
     }
     // clang-format off
-    const Plan plans[]{
+    const std::vector<Plan> screens{
+        {"page-4k",         {3840, 2160}, 1, light, "DejaVu Sans",
+         [&texts](Sheet &sheet) { drawPage(sheet, texts); }},
+        {"terminal-full",   {1920, 1080}, 1, dark,  "DejaVu Sans Mono",
+         [&texts](Sheet &sheet) { drawFullTerminal(sheet, texts); }},
+    };
+    const std::vector<Plan> plans{
         {"settings-light",  {720, 420}, 1, light, "Nimbus Sans",       drawSettings},
         {"settings-dark-2", {720, 420}, 2, dark,  "URW Gothic",        drawSettings},
         {"chat-light-2",    {600, 420}, 2, light, "Noto Sans Display", drawChat},
@@ -218,7 +226,7 @@ int main(int argc, char **argv)
         {"numbers-dark",    {640, 250}, 1, dark,  "Liberation Sans Narrow", drawNumbers},
     };
     // clang-format on
-    for (const Plan &plan : plans) {
+    for (const Plan &plan : texts.isEmpty() ? plans : screens) {
         Sheet sheet(plan.size, plan.scale, plan.theme, QLatin1String(plan.family));
         plan.draw(sheet);
         if (!sheet.save(QDir(argv[1]).filePath(QLatin1String(plan.name)))) {
