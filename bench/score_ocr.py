@@ -15,7 +15,7 @@ A word counts as found when a recognised word has the same text (typographic quo
 equal their ASCII forms) and its box overlaps the true ink or line box with IoU >= 0.5; one to one.
 Words marked "ignore" are not judged, nor are recognised words that lie on them.
 """
-import argparse, glob, json, os, statistics, subprocess, sys, time
+import argparse, collections, glob, json, os, statistics, subprocess, sys, time
 
 FOLD = str.maketrans({**dict.fromkeys('\u2018\u2019\u201a\u2032', "'"),
                       **dict.fromkeys('\u201c\u201d\u201e\u2033', '"'),
@@ -39,9 +39,11 @@ def iou(a, b):
 
 def score(truth, read):
     """Found, judged true words, judged read words."""
+    same = collections.defaultdict(list)
+    for j, t in enumerate(truth):
+        same[fold(t['text'])].append((j, t))
     pairs = sorted(((max(iou(w['box'], t['box']), iou(w['box'], t.get('cell', t['box']))), i, j)
-                    for i, w in enumerate(read) for j, t in enumerate(truth)
-                    if fold(w['text']) == fold(t['text'])), reverse=True)
+                    for i, w in enumerate(read) for j, t in same[fold(w['text'])]), reverse=True)
     used_read, used_true = set(), set()
     for value, i, j in pairs:
         if value >= 0.5 and i not in used_read and j not in used_true:
@@ -49,9 +51,9 @@ def score(truth, read):
             used_true.add(j)
     is_judged = [not t.get('ignore') and any('!' <= c <= '~' for c in fold(t['text'])) for t in truth]
     found = sum(is_judged[j] for j in used_true)
-    on_ignored = sum(1 for i, w in enumerate(read)
-                     if any(not is_judged[j] and overlap(w['box'], t.get('cell', t['box']))
-                            > 0.4 * w['box'][2] * w['box'][3] for j, t in enumerate(truth)))
+    unjudged = [t.get('cell', t['box']) for j, t in enumerate(truth) if not is_judged[j]]
+    on_ignored = sum(1 for w in read if any(overlap(w['box'], box) > 0.4 * w['box'][2] * w['box'][3]
+                                            for box in unjudged))
     return found, sum(is_judged), len(read) - on_ignored
 
 
