@@ -20,15 +20,15 @@ constexpr double sureOfGlyph = 85;
 constexpr double namedByShape = 50;
 /// Readings that a look must have, and how many of them must agree; beside certain characters
 /// fewer are needed, but then all agree.
-constexpr int leastVotes = 3;
+constexpr int leastVotes = 2;
 constexpr double agreement = 0.98;
+/// Of a clear majority, the part that may be read with a neighbour's mark.
+constexpr int mostWithMore = 10;
 /// Gaps that must have been seen, and the share of them that may be misread.
 constexpr std::size_t leastGaps = 20;
 constexpr double misread = 0.02;
 /// The most pieces of one character, as the double quote has two.
 constexpr std::size_t mostGlyphPieces = 3;
-/// The confidence of what is known.
-constexpr double known = 97;
 
 QByteArray keyOf(const QRect &unit, const LetterMetrics &metrics)
 {
@@ -46,22 +46,23 @@ std::vector<std::uint8_t> inkOf(const InkMap &ink, const QRect &box)
     return pixels;
 }
 
-/// What all agree on; nothing where they do not.
+/// What all agree on; nothing where they do not. A reading with more around it ("'d" beside many
+/// d) is the same, with a mark that belongs to its neighbour.
 std::optional<QString> agreed(const std::map<QString, int> &votes, int least, double share)
 {
-    int all = 0;
-    const QString *best = nullptr;
-    int most = 0;
-    for (const auto &[text, count] : votes) {
-        all += count;
-        if (count > most) {
-            most = count;
-            best = &text;
-        }
-    }
-    if (all < least || most < all * share || best->isEmpty())
+    const auto best =
+        std::max_element(votes.begin(), votes.end(),
+                         [](const auto &a, const auto &b) { return a.second < b.second; });
+    if (best == votes.end() || best->first.isEmpty())
         return std::nullopt;
-    return *best;
+    int all = 0;
+    for (const auto &[text, count] : votes) {
+        const bool hasMore = text.size() > best->first.size() && text.contains(best->first);
+        all += hasMore && count * mostWithMore <= best->second ? 0 : count;
+    }
+    if (all < least || best->second < all * share)
+        return std::nullopt;
+    return best->first;
 }
 
 /// The text of the unit that begins at `i`, and how many symbols it has.
@@ -98,16 +99,19 @@ void KnownGlyphs::learn(const std::vector<ReadPiece> &pieces)
         for (std::size_t i = 0; i < symbols.size();) {
             const UnitText unit = unitAt(symbols, i);
             const std::size_t next = i + unit.count;
-            const bool hasInk = !symbols[i].glyph.empty();
-            if (i > 0) {
+            // What was named from here says nothing new.
+            const bool isRead = unit.least != namedByShape && !symbols[i].isByLook;
+            if (i > 0 && isRead && !symbols[i - 1].isByLook) {
                 const int gap = symbols[i].unit.left() - symbols[i - 1].unit.right() - 1;
                 (symbols[i].startsWord ? gaps.blanks : gaps.letters).push_back(gap);
             }
-            if (hasInk && unit.least != namedByShape) {
+            if (isRead && !symbols[i].glyph.empty()) {
                 Glyph *glyph = find(keyOf(symbols[i].unit, piece.metrics), symbols[i].glyph,
                                     piece.metrics.capHeight);
                 const QString text = unit.least >= sureOfGlyph ? unit.text : QString();
                 ++glyph->votes[text];
+                glyph->confidence += unit.least;
+                ++glyph->places;
                 const bool isFirst = i == 0 || symbols[i].startsWord;
                 const bool isLast = next == symbols.size() || symbols[next].startsWord;
                 const QString before = isFirst ? QString() : symbols[i - 1].text;
@@ -125,7 +129,7 @@ KnownGlyphs::Glyph *KnownGlyphs::find(const QByteArray &key, const std::vector<s
     if (const Glyph *glyph = std::as_const(*this).find(key, ink, capHeight))
         return const_cast<Glyph *>(glyph);
     std::vector<Glyph> &glyphs = m_glyphs[key];
-    glyphs.push_back({ink, capHeight, {}, {}});
+    glyphs.push_back({ink, capHeight, 0, 0, {}, {}});
     return &glyphs.back();
 }
 
@@ -177,11 +181,11 @@ std::vector<KnownGlyphs::Unit> KnownGlyphs::unitsOf(const InkMap &ink, const Pag
             const QRect inRun = box.translated(-origin);
             if (!QRect(QPoint(), ink.size).contains(inRun))
                 break;
-            std::vector<std::uint8_t> pixels = inkOf(ink, inRun);
-            const Glyph *glyph = find(keyOf(box, run.metrics), pixels, run.metrics.capHeight);
+            const Glyph *glyph =
+                find(keyOf(box, run.metrics), inkOf(ink, inRun), run.metrics.capHeight);
             // The most pieces that are known together; what is not known at all is one.
             if (glyph || n == 1) {
-                unit = {box, glyph, std::move(pixels)};
+                unit = {box, glyph};
                 pieces = n;
             }
         }
@@ -225,13 +229,14 @@ KnownGlyphs::Word KnownGlyphs::wordOf(const std::vector<Unit> &units) const
         for (int k = 0; k < count; ++k) {
             InkSymbol symbol{texts[i].mid(k, 1),
                              sliceOf(units[i].box, k, count),
-                             known,
+                             units[i].glyph->confidence / units[i].glyph->places,
                              i == 0 && k == 0,
                              count,
                              units[i].box,
                              {}};
+            symbol.isByLook = true;
             if (k == 0)
-                symbol.glyph = units[i].ink;
+                symbol.glyph = units[i].glyph->ink; // one ink for all that look alike
             word.symbols.push_back(std::move(symbol));
         }
     }

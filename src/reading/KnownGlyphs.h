@@ -15,11 +15,11 @@ namespace tovek {
 
 /// The characters of a page by their looks. A screen draws the same character in the same font
 /// with the same pixels, so that of a large page an engine needs to read only a part: what looks
-/// like what it has read, and is sure of, is the same. Constant after the last `learn`.
+/// like what it has read, and is sure of, is the same. Constant between calls of `learn`.
 class KnownGlyphs
 {
 public:
-    /// What an engine read in a run.
+    /// What an engine read in a run, beside what was known in it.
     void learn(const std::vector<ReadPiece> &pieces);
 
     /// A stretch of a run from one blank to another.
@@ -38,6 +38,8 @@ private:
     {
         std::vector<std::uint8_t> ink;
         double capHeight = 0;
+        double confidence = 0; ///< the sum over all places where it was read
+        int places = 0;
         Votes votes;
         std::map<std::pair<QString, QString>, Votes> between; ///< by the characters beside it
     };
@@ -50,7 +52,6 @@ private:
     {
         QRect box;
         const Glyph *glyph = nullptr;
-        std::vector<std::uint8_t> ink{};
     };
 
     Glyph *find(const QByteArray &key, const std::vector<std::uint8_t> &ink, double capHeight);

@@ -7,6 +7,7 @@
 #include "reading/RunReader.h"
 
 #include <algorithm>
+#include <array>
 
 namespace tovek {
 
@@ -16,10 +17,13 @@ namespace {
 constexpr int mostEnginesLost = 3;
 
 /// In columns of the strips that engines read, of which one reads 20 to 40 thousand in a second: a
-/// page with more is read from a sample on.
+/// page with more is read in rounds.
 constexpr double largePage = 90'000;
-/// Every so many-th run, of all widths, belongs to the sample.
-constexpr std::size_t sampleStep = 7;
+/// The rest of such a page is read in rounds, each of which knows the glyphs that those before it
+/// met. Of so many runs, of all widths, one is in the first round, one in the second and two in the
+/// third; none knows as much as what is left then.
+constexpr std::size_t roundStep = 16;
+constexpr std::size_t learningRounds = 3;
 /// Of a run's width, what may be left to an engine word by word.
 constexpr double mostUnknown = 0.6;
 constexpr std::chrono::milliseconds checkInterval{20};
@@ -29,6 +33,22 @@ constexpr double widestBeside = 1.5;
 double columnsOf(const PageRun &run)
 {
     return run.text.box.width() * 20 / std::max(run.metrics.capHeight, 1.0);
+}
+
+/// Of the run that is the `at`-th for an engine.
+std::size_t roundOf(std::size_t at)
+{
+    switch (at % roundStep) {
+    case 0:
+        return 0;
+    case roundStep / 2:
+        return 1;
+    case roundStep / 4:
+    case roundStep * 3 / 4:
+        return 2;
+    default:
+        return learningRounds;
+    }
 }
 
 bool standsBeside(const QRect &word, const QRect &other)
@@ -71,44 +91,54 @@ PageReader::PageReader(Page page, std::shared_ptr<EnginePool> engines,
     if (m_exact)
         std::stable_partition(m_order.begin(), m_order.end(),
                               [this](std::size_t run) { return !m_exact->mayTake(run); });
-    putSampleFirst();
+    putInRounds();
 }
 
-void PageReader::putSampleFirst()
+void PageReader::putInRounds()
 {
-    std::vector<std::size_t> sample;
-    std::vector<std::size_t> rest;
+    std::array<std::vector<std::size_t>, learningRounds + 1> rounds;
     double columns = 0;
+    std::size_t count = 0;
     for (const std::size_t run : m_order) {
         const bool isForEngine = !m_exact || !m_exact->mayTake(run);
-        const bool isSample = isForEngine && (sample.size() + rest.size()) % sampleStep == 0;
-        (isSample ? sample : rest).push_back(run);
+        rounds[isForEngine ? roundOf(count) : learningRounds].push_back(run);
+        count += isForEngine;
         columns += isForEngine ? columnsOf(m_page.runs[run]) : 0;
     }
     if (columns < largePage)
         return;
-    m_sample = m_sampleLeft = sample.size();
-    m_order = std::move(sample);
-    m_order.insert(m_order.end(), rest.begin(), rest.end());
+    m_order.clear();
+    for (const std::vector<std::size_t> &round : rounds) {
+        m_order.insert(m_order.end(), round.begin(), round.end());
+        m_roundEnds.push_back(m_order.size());
+    }
+    m_roundEnds.pop_back(); // from the last one nothing is learnt
+    m_leftInRound = m_roundEnds.front();
 }
 
-void PageReader::waitForSample(const std::function<bool()> &isCancelled)
+void PageReader::waitForRound(std::size_t next, const std::function<bool()> &isCancelled)
 {
     std::unique_lock lock(m_mutex);
-    while (m_sampleLeft > 0 && !m_isUnreadable && !isCancelled())
-        m_sampleRead.wait_for(lock, checkInterval);
-    if (m_hasLearned || m_sampleLeft > 0)
-        return;
-    for (std::size_t i = 0; i < m_sample; ++i)
-        m_known.learn(m_readings[m_order[i]]);
-    m_hasLearned = true;
+    while (m_round < m_roundEnds.size() && next >= m_roundEnds[m_round] && !m_isUnreadable
+           && !isCancelled())
+        m_roundRead.wait_for(lock, checkInterval);
 }
 
-void PageReader::endSampleRun()
+void PageReader::endRun(std::size_t at)
 {
+    if (m_roundEnds.empty() || at >= m_roundEnds.back())
+        return;
     const std::lock_guard lock(m_mutex);
-    if (--m_sampleLeft == 0)
-        m_sampleRead.notify_all();
+    if (--m_leftInRound > 0)
+        return;
+    // Nobody reads now: the next round has not begun.
+    const std::size_t from = m_round > 0 ? m_roundEnds[m_round - 1] : 0;
+    for (std::size_t i = from; i < m_roundEnds[m_round]; ++i)
+        m_known.learn(m_readings[m_order[i]]);
+    ++m_round;
+    if (m_round < m_roundEnds.size())
+        m_leftInRound = m_roundEnds[m_round] - m_roundEnds[m_round - 1];
+    m_roundRead.notify_all();
 }
 
 void PageReader::read(const std::function<bool()> &isCancelled)
@@ -120,12 +150,9 @@ void PageReader::read(const std::function<bool()> &isCancelled)
     for (std::size_t next = m_nextRun++; next < m_page.runs.size() && !isCancelled();
          next = m_nextRun++) {
         const std::size_t run = m_order[next];
-        const bool isSample = next < m_sample;
-        if (m_sample > 0 && !isSample)
-            waitForSample(isCancelled);
+        waitForRound(next, isCancelled);
         if (m_exact && m_exact->hasTaken(run)) {
-            if (isSample)
-                endSampleRun();
+            endRun(next);
             continue;
         }
         if (!engine)
@@ -134,13 +161,13 @@ void PageReader::read(const std::function<bool()> &isCancelled)
             m_isUnreadable = true;
         if (m_isUnreadable)
             break;
-        if (!(m_sample > 0 && !isSample ? readUnknown(*engine, run) : readRun(*engine, run))) {
+        const bool isFirst = m_roundEnds.empty() || next < m_roundEnds.front();
+        if (!(isFirst ? readRun(*engine, run) : readUnknown(*engine, run))) {
             engine = nullptr;
             if (++m_lost > mostEnginesLost)
                 m_isUnreadable = true;
         }
-        if (isSample)
-            endSampleRun();
+        endRun(next);
     }
     if (engine)
         m_engines->giveBack(std::move(engine));

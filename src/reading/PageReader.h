@@ -41,10 +41,11 @@ private:
     bool readRun(LineEngine &engine, std::size_t run);
     /// The same, of what looks like nothing that was read before.
     bool readUnknown(LineEngine &engine, std::size_t run);
-    void putSampleFirst();
-    /// Until the sample has been read; then learns from it, once.
-    void waitForSample(const std::function<bool()> &isCancelled);
-    void endSampleRun();
+    void putInRounds();
+    /// Until the round that the `next`-th run is in has begun.
+    void waitForRound(std::size_t next, const std::function<bool()> &isCancelled);
+    /// The last one of a round learns from it and begins the next.
+    void endRun(std::size_t at);
 
     Page m_page;
     std::shared_ptr<EnginePool> m_engines;
@@ -54,12 +55,12 @@ private:
     std::atomic<int> m_readers = 0; ///< threads in read()
     std::vector<std::vector<ReadPiece>> m_readings; ///< one a run
     std::atomic<std::size_t> m_nextRun = 0;
-    std::size_t m_sample = 0; ///< so many in order tell what the rest looks like; 0 on small pages
-    std::mutex m_mutex; ///< for the next four
-    std::condition_variable m_sampleRead;
-    std::size_t m_sampleLeft = 0;
-    bool m_hasLearned = false;
-    KnownGlyphs m_known; ///< constant after that
+    std::vector<std::size_t> m_roundEnds; ///< in order; none on small pages
+    std::mutex m_mutex; ///< for the next three
+    std::condition_variable m_roundRead;
+    std::size_t m_round = 0; ///< that is being read
+    std::size_t m_leftInRound = 0;
+    KnownGlyphs m_known; ///< constant within a round
     std::atomic<int> m_lost = 0;
     std::atomic<bool> m_isUnreadable = false;
 };

@@ -18,6 +18,7 @@ struct InkSymbol
     int shared = 1; ///< characters that this one's ink is divided among
     QRect unit{}; ///< all the ink that this character has a part in
     std::vector<std::uint8_t> glyph{}; ///< of the unit, row by row; only at its first character
+    bool isByLook = false; ///< named as equal ink was read elsewhere
 };
 
 /// Gives each character the segments that it names: touching letters share one, a character may
