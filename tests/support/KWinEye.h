@@ -8,7 +8,7 @@
 
 namespace tovek {
 
-/// The pixels of KWin's outputs, from its own service, where KWin was told not to ask who looks.
+/// The pixels of KWin's outputs, from its own service, which looks up whom it answers.
 class KWinEye
 {
 public:

@@ -5,8 +5,10 @@
 
 #include "support/Wait.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QStandardPaths>
@@ -121,8 +123,43 @@ bool WaylandDesktop::startSway()
         || fail(QStringLiteral("sway has not the outputs that it was told to have"));
 }
 
+bool WaylandDesktop::install(const QString &name, const QByteArray &desktopFile)
+{
+    const QString folder = home() + QStringLiteral("/.local/share/applications");
+    QDir().mkpath(folder);
+    giveAway(folder);
+    return writeFile(folder + QStringLiteral("/%1.desktop").arg(name), desktopFile)
+        || fail(QStringLiteral("cannot write a desktop file"));
+}
+
+bool WaylandDesktop::installForKWin()
+{
+    const auto entry = [](const QString &program, const QByteArray &permission) {
+        return "[Desktop Entry]\nType=Application\nName=Test\nNoDisplay=true\nExec="
+            + QFile::encodeName(QFileInfo(program).canonicalFilePath()) + "\nX-KDE-" + permission
+            + "\n";
+    };
+    if (!install(QStringLiteral("eye"),
+                 entry(QStringLiteral(TOVEK_KWIN_EYE),
+                       "DBUS-Restricted-Interfaces=org.kde.KWin.ScreenShot2"))
+        || !install(QStringLiteral("hand"),
+                    entry(QCoreApplication::applicationFilePath(),
+                          "Wayland-Interfaces=org_kde_kwin_fake_input")))
+        return false;
+    if (!m_plan.isInstalled)
+        return true;
+    QFile file(QStringLiteral(TOVEK_DESKTOP_FILE));
+    if (!file.open(QIODevice::ReadOnly))
+        return fail(file.errorString());
+    const QString program = QFileInfo(qEnvironmentVariable("TOVEK_PROGRAM")).canonicalFilePath();
+    return install(QStringLiteral("org.tovek.Tovek"),
+                   file.readAll().replace("Exec=tovek", "Exec=" + QFile::encodeName(program)));
+}
+
 bool WaylandDesktop::startKWin()
 {
+    if (!installForKWin())
+        return false;
     // The installed one may carry a right that cannot be had here, and then is not run at all.
     const QString program = home() + QStringLiteral("/kwin_wayland");
     QFile::copy(QStandardPaths::findExecutable(QStringLiteral("kwin_wayland")), program);
@@ -137,13 +174,10 @@ bool WaylandDesktop::startKWin()
               QString::number(points.height()), QStringLiteral("--scale"),
               QString::number(monitor.scale), QStringLiteral("--output-count"),
               QString::number(m_plan.monitors.size())},
-             {{QStringLiteral("KWIN_COMPOSE"), QStringLiteral("O2")},
-              {QStringLiteral("KWIN_WAYLAND_NO_PERMISSION_CHECKS"), QStringLiteral("1")},
-              {QStringLiteral("KWIN_SCREENSHOT_NO_PERMISSION_CHECKS"), QStringLiteral("1")}}))
+             {{QStringLiteral("KWIN_COMPOSE"), QStringLiteral("O2")}}))
         return false;
     m_environment.insert(QStringLiteral("WAYLAND_DISPLAY"), display);
-    m_kwinEye =
-        std::make_unique<KWinEye>(m_environment.value(QStringLiteral("DBUS_SESSION_BUS_ADDRESS")));
+    m_kwinEye = run(QStringLiteral(TOVEK_KWIN_EYE));
     return waitUntil([&] { return QFile::exists(display) && !look(0).isNull(); },
                      std::chrono::seconds(20))
         || fail(QStringLiteral("KWin shows nothing here"));
@@ -178,13 +212,26 @@ QString WaylandDesktop::xDisplay()
 
 QImage WaylandDesktop::look(int monitor)
 {
-    if (m_kwinEye)
-        return m_kwinEye->look(outputName(monitor));
+    if (isKWin())
+        return lookAtKWin(outputName(monitor));
     const QByteArray picture =
         output(QStringLiteral("grim"),
                {QStringLiteral("-t"), QStringLiteral("ppm"), QStringLiteral("-o"),
                 monitorName(monitor), QStringLiteral("-")});
     return QImage::fromData(picture, "PPM").convertToFormat(QImage::Format_RGB32);
+}
+
+QImage WaylandDesktop::lookAtKWin(const QString &output)
+{
+    if (!m_kwinEye)
+        return {};
+    const QString path = home() + QStringLiteral("/eye.ppm");
+    const qsizetype answered = m_kwinEye->lines().size();
+    m_kwinEye->writeLine(QStringLiteral("%1 %2").arg(output, path).toUtf8());
+    if (!waitUntil([&] { return m_kwinEye->lines().size() > answered; })
+        || m_kwinEye->lines().last() != QLatin1String("yes"))
+        return {};
+    return QImage(path).convertToFormat(QImage::Format_RGB32);
 }
 
 QImage WaylandDesktop::lookWhenStill(int monitor)

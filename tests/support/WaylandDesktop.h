@@ -3,13 +3,11 @@
 
 #pragma once
 
-#include "support/KWinEye.h"
 #include "support/UserDesktop.h"
 
 #include <QImage>
 #include <QJsonDocument>
 
-#include <memory>
 #include <vector>
 
 namespace tovek {
@@ -28,6 +26,7 @@ struct WaylandPlan
     bool hasXWayland = false;
     enum class Compositor { sway, kwin };
     Compositor compositor = Compositor::sway; ///< KWin has outputs of one kind only
+    bool isInstalled = true; ///< the program under test; KWin shows others nothing
 };
 
 /// A Wayland desktop of a test's own: sway or KWin without a screen, a session bus, and a home that
@@ -68,9 +67,14 @@ private:
     bool isKWin() const { return m_plan.compositor == WaylandPlan::Compositor::kwin; }
     bool startSway();
     bool startKWin();
+    bool install(const QString &name, const QByteArray &desktopFile);
+    /// KWin lets each program do what its desktop file says: ours too, as it is packaged.
+    bool installForKWin();
+
+    QImage lookAtKWin(const QString &output);
 
     WaylandPlan m_plan;
-    std::unique_ptr<KWinEye> m_kwinEye;
+    Program *m_kwinEye = nullptr;
 };
 
 } // namespace tovek

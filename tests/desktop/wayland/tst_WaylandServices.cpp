@@ -50,6 +50,25 @@ private Q_SLOTS:
         QTRY_COMPARE(WaylandSession::differences(session.desktop.look(), before), 0);
     }
 
+    void saysWhyWhereKWinDoesNotKnowIt()
+    {
+        WaylandPlan plan{{{}}, false, WaylandPlan::Compositor::kwin};
+        plan.isInstalled = false;
+        skipBecause(WaylandDesktop::missing(plan));
+        WaylandSession session(plan);
+        QVERIFY2(session.start(), qPrintable(session.error));
+        session.point(0, WaylandSession::corner);
+        const QImage before = session.desktop.lookWhenStill();
+        QVERIFY(session.act("start-capture"));
+        QVERIFY(session.tovek->waitForLine(QStringLiteral("KWin knows no desktop file")));
+        // A window in the middle, and no overlay around it.
+        QTRY_VERIFY(differentPixels(session.desktop.look(), before) > 0);
+        const QRect aside(0, 0, 300, 800);
+        QCOMPARE(differentPixels(session.desktop.look().copy(aside), before.copy(aside)), 0);
+        QVERIFY(session.tap("Escape"));
+        QTRY_COMPARE(differentPixels(session.desktop.look(), before), 0);
+    }
+
     void loadsNoGraphicsDriver_data() { desktops(); }
     void loadsNoGraphicsDriver()
     {
