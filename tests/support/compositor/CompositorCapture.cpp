@@ -309,10 +309,11 @@ void bindPlain(wl_client *client, void *data, uint32_t version, uint32_t id)
 
 } // namespace
 
-QImage CompositorState::capture(const OutputState &output, bool withCursor) const
+QImage CompositorState::capture(const OutputState &output, bool withCursor)
 {
     // A cursor that no hardware draws lies in the picture either way, unless it is hidden.
-    const QImage seen = compose(output, withCursor || !plan.hasCursorHardware);
+    isCursorPainted = isCursorPainted || withCursor;
+    const QImage seen = compose(output, isCursorPainted || !plan.hasCursorHardware);
     const int32_t transform = output.output.transform;
     // Back to how the panel has it: the turn that the output makes, undone.
     QImage panel = transform & 4 ? mirroredImage(seen, Qt::Horizontal) : seen;

@@ -108,6 +108,7 @@ void bindShell(wl_client *client, void *data, uint32_t version, uint32_t id)
 void setCursor(wl_client *, wl_resource *pointer, uint32_t, wl_resource *surface, int32_t, int32_t)
 {
     auto &state = stateOf<CompositorState>(pointer);
+    state.isCursorPainted = false;
     if (state.cursorOwner
         && wl_resource_get_client(state.cursorOwner) == wl_resource_get_client(pointer))
         state.isCursorHidden = !surface;

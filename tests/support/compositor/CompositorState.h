@@ -95,6 +95,7 @@ struct CompositorState
     wl_resource *cursorOwner =
         nullptr; ///< the pointer of the client that it is over, if that is ours
     bool isCursorHidden = false;
+    bool isCursorPainted = false; ///< for a picture, and since then, until it is set anew
     ClipboardState clipboard;
     uint32_t serial = 0;
 
@@ -102,7 +103,7 @@ struct CompositorState
     OutputState *outputAt(int index);
     QImage compose(const OutputState &output, bool withCursor) const;
     /// The pixels as the panel has them.
-    QImage capture(const OutputState &output, bool withCursor) const;
+    QImage capture(const OutputState &output, bool withCursor);
     void updatePointer();
 };
 

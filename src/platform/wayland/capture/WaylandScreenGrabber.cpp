@@ -237,6 +237,10 @@ void WaylandScreenGrabber::compareCursors()
         const QRect difference = differenceOf(*without[i]->pixels, *with[i]->pixels);
         if (!difference.isEmpty() && difference.width() <= largestCursor
             && difference.height() <= largestCursor) {
+            // sway (1.7 to 1.12) goes on drawing a cursor itself that it was asked to paint once,
+            // until that is set anew: it would be in the pictures that follow.
+            m_cursorHider->hide(m_outputs->list());
+            m_cursorHider->show();
             m_cursorHider.reset();
             return;
         }
