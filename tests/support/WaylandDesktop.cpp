@@ -105,6 +105,8 @@ bool WaylandDesktop::startSway()
              {{QStringLiteral("WLR_BACKENDS"), QStringLiteral("headless")},
               {QStringLiteral("WLR_RENDERER"), QStringLiteral("pixman")},
               {QStringLiteral("WLR_LIBINPUT_NO_DEVICES"), QStringLiteral("1")},
+              // Newer ones leave the pointer out of pictures here, until somebody asks for it.
+              {QStringLiteral("WLR_NO_HARDWARE_CURSORS"), QStringLiteral("1")},
               {QStringLiteral("WLR_HEADLESS_OUTPUTS"), QString::number(m_plan.monitors.size())},
               {QStringLiteral("SWAYSOCK"), ipc}}))
         return false;

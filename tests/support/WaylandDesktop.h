@@ -56,7 +56,7 @@ public:
     QString outputName(int index) const;
     /// Has a picture cover an output.
     [[nodiscard]] bool showPicture(int output, const QString &path);
-    /// The pixels of an output as Format_RGB32, without the pointer where sway can leave it out.
+    /// The pixels of an output as Format_RGB32, with the pointer.
     QImage look(int monitor = 0);
     /// Waits until two looks are alike, and gives that picture; null at the deadline.
     QImage lookWhenStill(int monitor = 0);

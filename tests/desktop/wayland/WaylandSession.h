@@ -101,26 +101,25 @@ struct WaylandSession
         return at / plan.monitors[size_t(monitor)].scale + QPointF(left, 0);
     }
 
-    /// Opens the overlays; the pointer waits in the corner of the first output, where the cross
-    /// tells that they are there.
-    [[nodiscard]] bool open(const char *action = "start-capture")
+    /// Opens the overlays; the pointer waits in the corner of an output, where the cross tells that
+    /// its own is there.
+    [[nodiscard]] bool open(const char *action = "start-capture", int output = 0)
     {
         desktop.output(QStringLiteral("wl-copy"), {QStringLiteral("--clear")});
-        point(0, corner);
+        m_waitingOn = output;
+        point(output, corner);
         if (!isAsBefore())
             return false;
-        const QImage arrow = before.first().copy(pointerArea());
-        return act(action)
-            && waitUntil([&] { return desktop.look(0).copy(pointerArea()) != arrow; });
+        m_arrow = pointer();
+        return act(action) && waitUntil([&] { return pointer() != m_arrow; });
     }
     /// The same a moment after a copy: its toast may be on the screen still, and is not to be in
     /// the next picture.
     [[nodiscard]] bool openAgain(const char *action = "start-capture")
     {
         desktop.output(QStringLiteral("wl-copy"), {QStringLiteral("--clear")});
-        point(0, corner);
-        const QImage arrow = before.first().copy(pointerArea());
-        const auto showsCross = [&] { return desktop.look(0).copy(pointerArea()) != arrow; };
+        point(m_waitingOn, corner);
+        const auto showsCross = [&] { return pointer() != m_arrow; };
         return waitUntil([&] { return !showsCross(); }) && act(action) && waitUntil(showsCross);
     }
     void select(int monitor, QPointF from, QPointF to)
@@ -128,6 +127,8 @@ struct WaylandSession
         hand->drag(pointsAt(monitor, from), pointsAt(monitor, to));
     }
     [[nodiscard]] bool tap(const char *chord) { return hand->tap(QLatin1String(chord)); }
+    /// An arrow, or the cross while the screens are frozen.
+    QImage pointer() { return desktop.look(m_waitingOn).copy(pointerArea()); }
     /// Where the pointer's picture lies at `open`.
     static QRect pointerArea() { return {0, 0, 160, 160}; }
     /// Two pictures of an output, but for the pointer in its corner.
@@ -176,6 +177,8 @@ struct WaylandSession
     QString error;
 
 private:
+    QImage m_arrow;
+    int m_waitingOn = 0;
     /// Nothing of an earlier capture is to be seen any more, its toast neither.
     bool isAsBefore()
     {
