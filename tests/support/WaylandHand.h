@@ -24,8 +24,8 @@ public:
     WaylandHand(const WaylandHand &) = delete;
     WaylandHand &operator=(const WaylandHand &) = delete;
 
-    /// False where the compositor takes no injected input. KWin takes it from programs whose desktop
-    /// file says so.
+    /// False where the compositor takes no injected input. KWin takes it from programs whose
+    /// desktop file says so.
     bool isWorking() const;
 
     void move(QPointF to);
