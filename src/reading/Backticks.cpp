@@ -6,7 +6,7 @@
 #include "reading/InkSegments.h"
 
 #include <algorithm>
-#include <cmath>
+#include <utility>
 
 namespace tovek {
 
