@@ -63,8 +63,12 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("checker");
         QTest::newRow("share/man/man1/tovek.1")
             << QStringList{"mandoc", "-T", "lint", "-W", "warning"};
-        QTest::newRow("share/metainfo/org.tovek.Tovek.metainfo.xml")
-            << QStringList{"appstreamcli", "validate", "--strict", "--no-net"};
+        QStringList appStream{"appstreamcli", "validate", "--strict", "--no-net"};
+        // From 1.0 on it would rather have a tag for the developer that those before refuse.
+        if (said({"appstreamcli", "--version"}).contains("AppStream version: 1"))
+            appStream << "--override=developer-name-tag-deprecated=pedantic,"
+                         "developer-info-missing=pedantic";
+        QTest::newRow("share/metainfo/org.tovek.Tovek.metainfo.xml") << appStream;
     }
     void passesTheCheckersOfItsPapers()
     {
@@ -76,11 +80,18 @@ private Q_SLOTS:
         process.start(checker.first(),
                       checker.mid(1) + QStringList{m_prefix.path(QTest::currentDataTag())});
         QVERIFY(process.waitForFinished());
-        const QByteArray said = process.readAll();
-        QVERIFY2(process.exitCode() == 0, said.constData());
+        const QByteArray findings = process.readAll();
+        QVERIFY2(process.exitCode() == 0, findings.constData());
     }
 
 private:
+    static QByteArray said(const QStringList &command)
+    {
+        QProcess process;
+        process.start(command.first(), command.mid(1));
+        return process.waitForFinished() ? process.readAll() : QByteArray();
+    }
+
     Prefix m_prefix;
 };
 

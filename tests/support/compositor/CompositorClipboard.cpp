@@ -25,7 +25,7 @@ struct Ext
     static constexpr const wl_interface &device = ext_data_control_device_v1_interface;
     static constexpr const wl_interface &source = ext_data_control_source_v1_interface;
     static constexpr auto send = &ext_data_control_source_v1_send_send;
-    static constexpr auto cancelled = &ext_data_control_source_v1_send_cancelled;
+    static inline const auto cancelled = &ext_data_control_source_v1_send_cancelled;
     using ManagerRequests = struct ext_data_control_manager_v1_interface;
     using DeviceRequests = struct ext_data_control_device_v1_interface;
     using SourceRequests = struct ext_data_control_source_v1_interface;
@@ -38,7 +38,7 @@ struct Wlr
     static constexpr const wl_interface &device = zwlr_data_control_device_v1_interface;
     static constexpr const wl_interface &source = zwlr_data_control_source_v1_interface;
     static constexpr auto send = &zwlr_data_control_source_v1_send_send;
-    static constexpr auto cancelled = &zwlr_data_control_source_v1_send_cancelled;
+    static inline const auto cancelled = &zwlr_data_control_source_v1_send_cancelled;
     using ManagerRequests = struct zwlr_data_control_manager_v1_interface;
     using DeviceRequests = struct zwlr_data_control_device_v1_interface;
     using SourceRequests = struct zwlr_data_control_source_v1_interface;

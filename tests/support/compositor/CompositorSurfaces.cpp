@@ -134,10 +134,13 @@ void createRegion(wl_client *client, wl_resource *, uint32_t id)
                                    [](wl_resource *gone) { delete &stateOf<bool>(gone); });
 }
 
-const struct wl_compositor_interface compositorRequests
-{
-    &createSurface, &createRegion
-};
+// Newer libraries know requests that this version of the interface does not have.
+const struct wl_compositor_interface compositorRequests = [] {
+    struct wl_compositor_interface requests = {};
+    requests.create_surface = &createSurface;
+    requests.create_region = &createRegion;
+    return requests;
+}();
 
 void setPosition(wl_client *, wl_resource *subsurface, int32_t x, int32_t y)
 {
