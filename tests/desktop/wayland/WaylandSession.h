@@ -111,7 +111,7 @@ struct WaylandSession
         if (!isAsBefore())
             return false;
         m_arrow = pointer();
-        return act(action) && waitUntil([&] { return pointer() != m_arrow; });
+        return act(action) && waitUntil([&] { return showsCross(); });
     }
     /// The same a moment after a copy: its toast may be on the screen still, and is not to be in
     /// the next picture.
@@ -119,8 +119,8 @@ struct WaylandSession
     {
         desktop.output(QStringLiteral("wl-copy"), {QStringLiteral("--clear")});
         point(m_waitingOn, corner);
-        const auto showsCross = [&] { return pointer() != m_arrow; };
-        return waitUntil([&] { return !showsCross(); }) && act(action) && waitUntil(showsCross);
+        return waitUntil([&] { return pointer() == m_arrow; }) && act(action)
+            && waitUntil([&] { return showsCross(); });
     }
     void select(int monitor, QPointF from, QPointF to)
     {
@@ -177,6 +177,16 @@ struct WaylandSession
     QString error;
 
 private:
+    /// For longer than the arrow is hidden while the picture is taken.
+    bool showsCross()
+    {
+        for (int look = 0; look < 8; ++look) {
+            if (pointer() == m_arrow)
+                return false;
+        }
+        return true;
+    }
+
     QImage m_arrow;
     int m_waitingOn = 0;
     /// Nothing of an earlier capture is to be seen any more, its toast neither.
