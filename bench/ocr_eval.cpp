@@ -106,7 +106,8 @@ private:
         if (!m_engine)
             m_engine = EngineProcess::create(
                 {QFile::encodeName(QCoreApplication::applicationDirPath() + "/tovek-ocr"),
-                 QFile::encodeName(modelFolder()), m_languages});
+                 QFile::encodeName(modelFolder(QCoreApplication::applicationDirPath())),
+                 m_languages});
         QByteArray answer;
         QDataStream out(&answer, QIODevice::WriteOnly);
         const auto symbols = m_engine ? m_engine->read(strip, models) : std::nullopt;
@@ -121,7 +122,10 @@ private:
 
     QString m_path;
     QByteArray m_languages =
-        modelsFor(QLocale().uiLanguages(), modelsIn(modelFolder())).join('+').toLatin1();
+        modelsFor(QLocale().uiLanguages(),
+                  modelsIn(modelFolder(QCoreApplication::applicationDirPath())))
+            .join('+')
+            .toLatin1();
     QHash<QByteArray, QByteArray> m_known;
     std::unique_ptr<LineEngine> m_engine;
 };
