@@ -1,45 +1,30 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "fakes/FakePortal.h"
 #include "fakes/LogCapture.h"
 #include "platform/portal/PortalCapturePermission.h"
-#include "support/SessionBus.h"
-#include "support/Skip.h"
-
-#include <QDBusConnection>
+#include "platform/portal/PortalTest.h"
 
 using namespace tovek;
 using Asking = PortalCapturePermission::Asking;
 
 Q_DECLARE_METATYPE(tovek::PortalCapturePermission::Asking)
 
-class TestPortalCapturePermission : public QObject
+class TestPortalCapturePermission : public PortalTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        skipBecause(SessionBus::isInstalled() ? QString() : QStringLiteral("no dbus-daemon"));
-    }
+    void initTestCase() { needBus(); }
     void init()
     {
-        m_bus = std::make_unique<SessionBus>();
-        QVERIFY(m_bus->start());
-        m_session = QStringLiteral("test of ") + m_bus->address();
-        QDBusConnection::connectToBus(m_bus->address(), m_session);
-        m_portal = std::make_unique<FakePortal>(m_bus->address(), name);
-        m_portalBus = std::make_shared<PortalBus>(QDBusConnection(m_session));
+        begin(name);
         m_permission = std::make_unique<PortalCapturePermission>(m_portalBus, Asking::before);
     }
     void cleanup()
     {
         m_permission.reset();
-        m_portalBus.reset();
-        m_portal.reset();
-        QDBusConnection::disconnectFromBus(m_session);
-        m_bus.reset();
+        end();
     }
 
     void knowsTheAnswer_data()
@@ -151,10 +136,6 @@ private:
     }
 
     const QString name = QStringLiteral("org.tovek.Tovek");
-    std::unique_ptr<SessionBus> m_bus;
-    QString m_session;
-    std::unique_ptr<FakePortal> m_portal;
-    std::shared_ptr<PortalBus> m_portalBus;
     std::unique_ptr<PortalCapturePermission> m_permission;
 };
 

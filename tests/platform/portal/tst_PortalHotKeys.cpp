@@ -2,14 +2,10 @@
 // SPDX-License-Identifier: MIT
 
 #include "fakes/FakeKeyboardLayout.h"
-#include "fakes/FakePortal.h"
 #include "fakes/LogCapture.h"
 #include "platform/portal/PortalHotKeys.h"
-#include "support/SessionBus.h"
-#include "support/Skip.h"
+#include "platform/portal/PortalTest.h"
 #include "support/Wait.h"
-
-#include <QDBusConnection>
 
 using namespace tovek;
 
@@ -21,24 +17,16 @@ const auto imageName = QStringLiteral("capture-image:CTRL+SHIFT+3");
 
 } // namespace
 
-class TestPortalHotKeys : public QObject
+class TestPortalHotKeys : public PortalTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        skipBecause(SessionBus::isInstalled() ? QString() : QStringLiteral("no dbus-daemon"));
-    }
+    void initTestCase() { needBus(); }
     void init()
     {
         m_layout.characters = {{20, QStringLiteral("3")}};
-        m_bus = std::make_unique<SessionBus>();
-        QVERIFY(m_bus->start());
-        m_session = QStringLiteral("test of ") + m_bus->address();
-        QDBusConnection::connectToBus(m_bus->address(), m_session);
-        m_portal = std::make_unique<FakePortal>(m_bus->address(), QString());
-        m_portalBus = std::make_shared<PortalBus>(QDBusConnection(m_session));
+        begin();
         m_keys = PortalHotKeys::create(m_portalBus, m_layout);
         QVERIFY(m_keys);
         m_keys->purposeOf = [](KeyCombo combo) -> std::optional<HotKeyPurpose> {
@@ -54,10 +42,7 @@ private Q_SLOTS:
     void cleanup()
     {
         m_keys.reset();
-        m_portalBus.reset();
-        m_portal.reset();
-        QDBusConnection::disconnectFromBus(m_session);
-        m_bus.reset();
+        end();
     }
 
     void tellsPressAndRelease()
@@ -162,10 +147,6 @@ private:
     }
 
     FakeKeyboardLayout m_layout;
-    std::unique_ptr<SessionBus> m_bus;
-    QString m_session;
-    std::unique_ptr<FakePortal> m_portal;
-    std::shared_ptr<PortalBus> m_portalBus;
     std::unique_ptr<PortalHotKeys> m_keys;
     QStringList m_told;
 };

@@ -1,36 +1,25 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "fakes/FakePortal.h"
 #include "fakes/LogCapture.h"
 #include "platform/portal/PortalLoginItem.h"
-#include "support/SessionBus.h"
-#include "support/Skip.h"
+#include "platform/portal/PortalTest.h"
 #include "support/Wait.h"
 
-#include <QDBusConnection>
 #include <QTemporaryDir>
 
 using namespace tovek;
 
-class TestPortalLoginItem : public QObject
+class TestPortalLoginItem : public PortalTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        skipBecause(SessionBus::isInstalled() ? QString() : QStringLiteral("no dbus-daemon"));
-    }
+    void initTestCase() { needBus(); }
     void init()
     {
         m_folder = std::make_unique<QTemporaryDir>();
-        m_bus = std::make_unique<SessionBus>();
-        QVERIFY(m_bus->start());
-        m_session = QStringLiteral("test of ") + m_bus->address();
-        QDBusConnection::connectToBus(m_bus->address(), m_session);
-        m_portal = std::make_unique<FakePortal>(m_bus->address(), QString());
-        m_portalBus = std::make_shared<PortalBus>(QDBusConnection(m_session));
+        begin();
         m_item = std::make_unique<PortalLoginItem>(m_portalBus, note());
         m_changes = 0;
         m_item->onChanged = [this] { ++m_changes; };
@@ -39,10 +28,7 @@ private Q_SLOTS:
     void cleanup()
     {
         m_item.reset();
-        m_portalBus.reset();
-        m_portal.reset();
-        QDBusConnection::disconnectFromBus(m_session);
-        m_bus.reset();
+        end();
     }
 
     void asksThePortal()
@@ -108,10 +94,6 @@ private:
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<SessionBus> m_bus;
-    QString m_session;
-    std::unique_ptr<FakePortal> m_portal;
-    std::shared_ptr<PortalBus> m_portalBus;
     std::unique_ptr<PortalLoginItem> m_item;
     int m_changes = 0;
 };

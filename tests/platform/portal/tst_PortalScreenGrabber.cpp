@@ -1,15 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "fakes/FakePortal.h"
 #include "fakes/LogCapture.h"
 #include "foundation/WhenReady.h"
 #include "platform/portal/PortalScreenGrabber.h"
-#include "support/SessionBus.h"
-#include "support/Skip.h"
+#include "platform/portal/PortalTest.h"
 #include "support/Wait.h"
 
-#include <QDBusConnection>
 #include <QSignalSpy>
 #include <QUrl>
 
@@ -23,33 +20,22 @@ const std::vector<PortalDisplay> twoScreens{{11, {0, 0, 100, 80}, {0, 0, 100, 80
 
 } // namespace
 
-class TestPortalScreenGrabber : public QObject
+class TestPortalScreenGrabber : public PortalTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        skipBecause(SessionBus::isInstalled() ? QString() : QStringLiteral("no dbus-daemon"));
-    }
+    void initTestCase() { needBus(); }
     void init()
     {
         m_folder = std::make_unique<QTemporaryDir>();
-        m_bus = std::make_unique<SessionBus>();
-        QVERIFY(m_bus->start());
-        m_session = QStringLiteral("test of ") + m_bus->address();
-        QDBusConnection::connectToBus(m_bus->address(), m_session);
-        m_portal = std::make_unique<FakePortal>(m_bus->address(), QString());
-        m_portalBus = std::make_shared<PortalBus>(QDBusConnection(m_session));
+        begin();
         m_grabber = std::make_unique<PortalScreenGrabber>(m_portalBus, [] { return twoScreens; });
     }
     void cleanup()
     {
         m_grabber.reset();
-        m_portalBus.reset();
-        m_portal.reset();
-        QDBusConnection::disconnectFromBus(m_session);
-        m_bus.reset();
+        end();
     }
 
     void cutsTheDesktopIntoItsScreens()
@@ -191,10 +177,6 @@ private:
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<SessionBus> m_bus;
-    QString m_session;
-    std::unique_ptr<FakePortal> m_portal;
-    std::shared_ptr<PortalBus> m_portalBus;
     std::unique_ptr<PortalScreenGrabber> m_grabber;
     QImage m_picture;
 };
