@@ -131,13 +131,16 @@ void PageReader::endRun(std::size_t at)
     const std::lock_guard lock(m_mutex);
     if (--m_leftInRound > 0)
         return;
-    // Nobody reads now: the next round has not begun.
-    const std::size_t from = m_round > 0 ? m_roundEnds[m_round - 1] : 0;
-    for (std::size_t i = from; i < m_roundEnds[m_round]; ++i)
-        m_known.learn(m_readings[m_order[i]]);
-    ++m_round;
-    if (m_round < m_roundEnds.size())
-        m_leftInRound = m_roundEnds[m_round] - m_roundEnds[m_round - 1];
+    // Nobody reads now: the next round has not begun. Of few lines, though long ones, it may have
+    // none.
+    while (m_leftInRound == 0 && m_round < m_roundEnds.size()) {
+        const std::size_t from = m_round > 0 ? m_roundEnds[m_round - 1] : 0;
+        for (std::size_t i = from; i < m_roundEnds[m_round]; ++i)
+            m_known.learn(m_readings[m_order[i]]);
+        ++m_round;
+        if (m_round < m_roundEnds.size())
+            m_leftInRound = m_roundEnds[m_round] - m_roundEnds[m_round - 1];
+    }
     m_roundRead.notify_all();
 }
 

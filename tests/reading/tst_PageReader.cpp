@@ -4,6 +4,7 @@
 #include "fakes/LogCapture.h"
 #include "reading/PageReader.h"
 
+#include <QDeadlineTimer>
 #include <QImage>
 #include <QPainter>
 #include <QRegularExpression>
@@ -34,16 +35,19 @@ private:
     QSet<int> m_broken;
 };
 
-/// A page with so many lines of one block each.
-Page pageOfBlocks(int lines)
+/// A page with so many lines of so many blocks each.
+Page pageOfBlocks(int lines, int blocks = 1)
 {
-    QImage image(200, lines * 40, QImage::Format_RGB32);
+    constexpr int pitch = 14;
+    QImage image(190 + blocks * pitch, lines * 40, QImage::Format_RGB32);
     image.fill(Qt::white);
     QPainter painter(&image);
     for (int i = 0; i < lines; ++i) {
-        painter.fillRect(20, i * 40 + 10, 2, 14, Qt::black);
-        painter.fillRect(28, i * 40 + 10, 2, 14, Qt::black);
-        painter.fillRect(20, i * 40 + 16, 10, 2, Qt::black);
+        for (int x = 20; x < 20 + blocks * pitch; x += pitch) {
+            painter.fillRect(x, i * 40 + 10, 2, 14, Qt::black);
+            painter.fillRect(x + 8, i * 40 + 10, 2, 14, Qt::black);
+            painter.fillRect(x, i * 40 + 16, 10, 2, Qt::black);
+        }
     }
     painter.end();
     return pageOf(image);
@@ -136,6 +140,28 @@ private Q_SLOTS:
             QCOMPARE(reader.takeLines().size(), std::size_t(20 - broken));
         }
         QCOMPARE(capture.lines(), log);
+    }
+
+    /// They are read in rounds, of which some have no line.
+    void readsFewLinesOfALargePage_data()
+    {
+        QTest::addColumn<int>("lines");
+        for (const int lines : {2, 3, 4, 5, 8, 9})
+            QTest::addRow("%d", lines) << lines;
+    }
+    void readsFewLinesOfALargePage()
+    {
+        QFETCH(int, lines);
+        const auto linesRead = std::make_shared<int>(0);
+        const Page page = pageOfBlocks(lines, 6000 / lines);
+        QCOMPARE(page.runs.size(), std::size_t(lines));
+        PageReader reader(page, std::make_shared<EnginePool>([&] {
+                              return std::make_unique<CountingEngine>(linesRead, QSet<int>{});
+                          }));
+        const QDeadlineTimer patience(20'000);
+        reader.read([&] { return patience.hasExpired(); });
+        QVERIFY(!patience.hasExpired());
+        QVERIFY(!reader.isUnreadable());
     }
 
     void leavesToTheEngineWhatIsNotReadWithoutIt()
