@@ -43,18 +43,35 @@ UpdateConfiguration updateConfiguration()
     return {helperProgram(name), BundleInformation::version(), hours(TOVEK_UPDATE_INTERVAL)};
 }
 
+/// False with the reason told, also to whoever asked for something.
+bool hasDisplay(const Wish &wish)
+{
+    const QString reason = missingDisplay();
+    if (reason.isEmpty())
+        return true;
+    logLine(reason);
+    if (!wish.action.action.isEmpty())
+        complain(reason);
+    return false;
+}
+
+/// What the toolkit tells the desktop of the program, and when it ends.
+void introduce()
+{
+    QApplication::setApplicationName(QStringLiteral("tovek"));
+    QApplication::setApplicationVersion(BundleInformation::version());
+    QApplication::setDesktopFileName(QStringLiteral("org.tovek.Tovek"));
+    QApplication::setQuitOnLastWindowClosed(false);
+}
+
 /// The program's life. `successor` becomes the program to run in place of this one, if any.
 int run(int &argc, char **argv, const Wish &wish, QString &successor)
 {
     EarlyPlatform early = makeEarlyPlatform();
     if (const auto status = leaveToTheFirst(*early.singleInstance, wish))
         return *status;
-    if (const QString reason = missingDisplay(); !reason.isEmpty()) {
-        logLine(reason);
-        if (!wish.action.action.isEmpty())
-            complain(reason);
+    if (!hasDisplay(wish))
         return 1;
-    }
     chooseToolkit(early);
 
     // The keys come first: everything after this takes longer than a user may wait.
@@ -72,10 +89,7 @@ int run(int &argc, char **argv, const Wish &wish, QString &successor)
     QApplication application(argc, argv);
     startMessages.reset();
     keepToolkitThreads();
-    QApplication::setApplicationName(QStringLiteral("tovek"));
-    QApplication::setApplicationVersion(BundleInformation::version());
-    QApplication::setDesktopFileName(QStringLiteral("org.tovek.Tovek"));
-    QApplication::setQuitOnLastWindowClosed(false);
+    introduce();
     KeyNames keyNames;
     QApplication::installTranslator(&keyNames);
     Platform platform = makePlatform(early);
