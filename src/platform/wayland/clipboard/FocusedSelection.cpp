@@ -81,8 +81,8 @@ struct FocusedEvents
         if (offer)
             wl_data_offer_destroy(offer);
     }
-    static constexpr wl_data_device_listener device{&offered, &entered, &left,
-                                                    &moved,   &left,    &selected};
+    static constexpr wl_data_device_listener deviceListener{&offered, &entered, &left,
+                                                            &moved,   &left,    &selected};
 
     static void targeted(void *, wl_data_source *, const char *) { }
     static void requested(void *data, wl_data_source *, const char *type, int descriptor)
@@ -98,15 +98,15 @@ struct FocusedEvents
         if (self.onLost)
             self.onLost();
     }
-    static constexpr wl_data_source_listener source{&targeted, &requested, &cancelled,
-                                                    nullptr,   nullptr,    nullptr};
+    static constexpr wl_data_source_listener sourceListener{&targeted, &requested, &cancelled,
+                                                            nullptr,   nullptr,    nullptr};
 
     static void capable(void *data, wl_seat *, uint32_t capabilities)
     {
         static_cast<FocusedSelection *>(data)->m_hasKeyboard =
             capabilities & WL_SEAT_CAPABILITY_KEYBOARD;
     }
-    static constexpr wl_seat_listener seat{&capable, nullptr};
+    static constexpr wl_seat_listener seatListener{&capable, nullptr};
 
     static void keymap(void *, wl_keyboard *, uint32_t, int descriptor, uint32_t)
     {
@@ -121,8 +121,8 @@ struct FocusedEvents
     static void modifiers(void *, wl_keyboard *, uint32_t, uint32_t, uint32_t, uint32_t, uint32_t)
     {
     }
-    static constexpr wl_keyboard_listener keyboard{&keymap, &focusIn,   &focusOut,
-                                                   &key,    &modifiers, nullptr};
+    static constexpr wl_keyboard_listener keyboardListener{&keymap, &focusIn,   &focusOut,
+                                                           &key,    &modifiers, nullptr};
 
     static void configured(void *data, xdg_surface *role, uint32_t serial)
     {
@@ -131,8 +131,8 @@ struct FocusedEvents
         wl_surface_attach(window.m_surface.get(), window.m_buffer.get(), 0, 0);
         wl_surface_commit(window.m_surface.get());
     }
-    static constexpr xdg_surface_listener role{&configured};
-    static constexpr xdg_toplevel_listener toplevel{
+    static constexpr xdg_surface_listener roleListener{&configured};
+    static constexpr xdg_toplevel_listener toplevelListener{
         [](void *, xdg_toplevel *, int32_t, int32_t, wl_array *) {},
         [](void *, xdg_toplevel *) {},
     };
@@ -146,9 +146,9 @@ FocusedSelection::Window::Window(Globals &globals)
 {
     if (const auto nothing = SharedPixels::create(windowSize))
         m_buffer.reset(nothing->makeBuffer(globals.shm.get(), WL_SHM_FORMAT_ARGB8888));
-    wl_keyboard_add_listener(m_keyboard.get(), &FocusedEvents::keyboard, this);
-    xdg_surface_add_listener(m_role.get(), &FocusedEvents::role, this);
-    xdg_toplevel_add_listener(m_window.get(), &FocusedEvents::toplevel, this);
+    wl_keyboard_add_listener(m_keyboard.get(), &FocusedEvents::keyboardListener, this);
+    xdg_surface_add_listener(m_role.get(), &FocusedEvents::roleListener, this);
+    xdg_toplevel_add_listener(m_window.get(), &FocusedEvents::toplevelListener, this);
     xdg_toplevel_set_app_id(m_window.get(), ownerName);
     wl_region *nowhere = wl_compositor_create_region(globals.compositor.get());
     wl_surface_set_input_region(m_surface.get(), nowhere);
@@ -164,7 +164,7 @@ FocusedSelection::FocusedSelection(std::unique_ptr<Globals> globals) : m_globals
     m_limit.setSingleShot(true);
     m_limit.setInterval(keyboardPatience);
     m_limit.callOnTimeout([this] { giveUp(); });
-    wl_seat_add_listener(m_globals->seat.get(), &FocusedEvents::seat, this);
+    wl_seat_add_listener(m_globals->seat.get(), &FocusedEvents::seatListener, this);
     // The first answer tells whether there is a keyboard; it must not be asked for without one.
     m_globals->connection->roundtrip();
 }
@@ -200,7 +200,7 @@ bool FocusedSelection::take(SelectionContent content, Readiness readiness)
     if (!m_hasKeyboard)
         return false;
     m_source = wl_data_device_manager_create_data_source(m_globals->manager.get());
-    wl_data_source_add_listener(m_source, &FocusedEvents::source, this);
+    wl_data_source_add_listener(m_source, &FocusedEvents::sourceListener, this);
     for (const SelectionTarget &target : content)
         wl_data_source_offer(m_source, target.name.c_str());
     setContent(std::move(content), readiness);
@@ -228,7 +228,7 @@ void FocusedSelection::ask()
     if (!m_globals->device) {
         m_globals->device.reset(wl_data_device_manager_get_data_device(m_globals->manager.get(),
                                                                        m_globals->seat.get()));
-        wl_data_device_add_listener(m_globals->device.get(), &FocusedEvents::device, this);
+        wl_data_device_add_listener(m_globals->device.get(), &FocusedEvents::deviceListener, this);
     }
     if (!m_window)
         m_window = std::make_unique<Window>(*m_globals);
