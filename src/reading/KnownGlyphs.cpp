@@ -189,7 +189,7 @@ std::vector<KnownGlyphs::Unit> KnownGlyphs::unitsOf(const InkMap &ink, const Pag
                 pieces = n;
             }
         }
-        units.push_back(std::move(unit));
+        units.push_back(unit);
         i += pieces;
     }
     return units;
@@ -267,7 +267,7 @@ std::optional<std::vector<KnownGlyphs::Word>> KnownGlyphs::read(const InkMap &ma
         if (!word.empty() && gap >= gaps->second)
             finish();
         isDoubtful = isDoubtful || (gap > gaps->first && !word.empty());
-        word.push_back(std::move(unit));
+        word.push_back(unit);
     }
     finish();
     return words;

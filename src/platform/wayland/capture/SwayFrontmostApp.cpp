@@ -37,7 +37,7 @@ std::optional<Focused> focusedIn(const QJsonObject &node, const QJsonObject &par
     if (node.value(QLatin1String("focused")).toBool() && node.contains(QLatin1String("pid")))
         return Focused{node, parent};
     for (const char *children : {"nodes", "floating_nodes"}) {
-        for (const QJsonValue &child : node.value(QLatin1String(children)).toArray()) {
+        for (const QJsonValue child : node.value(QLatin1String(children)).toArray()) {
             if (auto found = focusedIn(child.toObject(), node))
                 return found;
         }
