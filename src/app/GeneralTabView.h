@@ -4,8 +4,8 @@
 #pragma once
 
 #include "app/FolderChooser.h"
-#include "app/HelperProgram.h"
 #include "app/SaveFolder.h"
+#include "foundation/HelperProgram.h"
 
 #include <QFuture>
 #include <QWidget>

@@ -3,6 +3,7 @@
 
 #include "platform/linux/TesseractRecognizer.h"
 
+#include "foundation/HelperProgram.h"
 #include "foundation/Log.h"
 #include "foundation/Memory.h"
 #include "platform/linux/fonts/FreeTypeGlyphs.h"
@@ -30,17 +31,11 @@ using namespace std::chrono_literals;
 constexpr auto longestLine = 1500ms;
 constexpr auto endInterval = 20ms;
 
-/// The recogniser process is installed beside the program or in the libexec folder.
+/// Empty where it is not installed.
 QByteArray engineProgram()
 {
-    const QString beside = QCoreApplication::applicationDirPath();
-    for (const QString &folder : {beside, beside + QStringLiteral("/../bin"),
-                                  beside + QStringLiteral("/../libexec/tovek")}) {
-        const QFileInfo file(folder + QStringLiteral("/tovek-ocr"));
-        if (file.isExecutable())
-            return QFile::encodeName(file.absoluteFilePath());
-    }
-    return {};
+    const QString program = helperProgram(QStringLiteral("tovek-ocr"));
+    return QFileInfo(program).isExecutable() ? QFile::encodeName(program) : QByteArray();
 }
 
 std::vector<TextObservation> observationsOf(const std::vector<std::vector<ReadWord>> &lines)

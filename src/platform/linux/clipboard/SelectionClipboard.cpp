@@ -6,9 +6,7 @@
 #include "foundation/Log.h"
 #include "foundation/WhenReady.h"
 
-#include <QCoreApplication>
 #include <QEventLoop>
-#include <QFileInfo>
 #include <QTimer>
 
 namespace tovek {
@@ -111,14 +109,6 @@ void SelectionClipboard::handOver()
                                                [this] { processEvents(); }));
     }
     waitUntil([this] { return !m_selection->isTransferring(); }, readersLimit);
-}
-
-QString SelectionClipboard::holderNamed(const QString &program)
-{
-    const QString folder = QCoreApplication::applicationDirPath();
-    const QString beside = folder + QLatin1Char('/') + program;
-    const QString installed = folder + QStringLiteral("/../libexec/tovek/") + program;
-    return QFileInfo::exists(beside) ? beside : installed;
 }
 
 /// The content is not ours to pass on any more. A PNG that is being made still answers the

@@ -28,9 +28,6 @@ public:
     /// that are in the middle, for two.
     void handOver() override;
 
-    /// This program beside ours, or in its libexec folder.
-    static QString holderNamed(const QString &program);
-
 protected:
     /// `holder` is the program that keeps the clipboard after us; empty where the desktop does.
     SelectionClipboard(std::unique_ptr<Selection> selection, QString holder);

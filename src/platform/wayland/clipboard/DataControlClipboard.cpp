@@ -4,6 +4,7 @@
 #include "platform/wayland/clipboard/DataControlClipboard.h"
 
 #include "ext-data-control-v1-client.h"
+#include "foundation/HelperProgram.h"
 #include "platform/wayland/WaylandConnection.h"
 #include "platform/wayland/clipboard/FocusedSelection.h"
 #include "wlr-data-control-unstable-v1-client.h"
@@ -71,7 +72,7 @@ DataControlClipboard::~DataControlClipboard()
 
 QString DataControlClipboard::standardHolder()
 {
-    return holderNamed(QStringLiteral("tovek-clipboard-wayland"));
+    return helperProgram(QStringLiteral("tovek-clipboard-wayland"));
 }
 
 QList<QByteArray> DataControlClipboard::holderArguments() const

@@ -3,6 +3,8 @@
 
 #include "platform/x11/clipboard/X11Clipboard.h"
 
+#include "foundation/HelperProgram.h"
+
 namespace tovek {
 
 std::unique_ptr<X11Clipboard> X11Clipboard::create(const QString &holder, const QString &display)
@@ -54,7 +56,7 @@ X11Clipboard::~X11Clipboard() = default;
 
 QString X11Clipboard::standardHolder()
 {
-    return holderNamed(QStringLiteral("tovek-clipboard"));
+    return helperProgram(QStringLiteral("tovek-clipboard"));
 }
 
 QList<QByteArray> X11Clipboard::holderArguments() const

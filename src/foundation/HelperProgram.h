@@ -7,7 +7,8 @@
 
 namespace tovek {
 
-/// The path of a program that this one starts: beside it, or in its libexec folder.
+/// The path of a program that this one starts: beside it, or in its libexec folder, where it is
+/// looked for when it is nowhere. Tests lie in a folder beside that of the programs.
 QString helperProgram(const QString &name);
 
 } // namespace tovek
