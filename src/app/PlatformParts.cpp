@@ -30,10 +30,9 @@ std::unique_ptr<CapturePermission> refuseToCapture()
     return std::make_unique<NullCapturePermission>(CaptureAdvice{
         QStringLiteral("This Session Cannot Be Captured"),
         QStringLiteral("This kind of Wayland desktop shows its screens through a desktop portal "
-                       "only, and takes windows over them through Xwayland only. One of them is "
-                       "missing, and Tovek would see nothing but black:"),
-        {QStringLiteral("Install Xwayland, xdg-desktop-portal and its part for your desktop, such "
-                        "as xdg-desktop-portal-gnome"),
+                       "only, and none answers. Without it, Tovek would see nothing but black:"),
+        {QStringLiteral("Install xdg-desktop-portal and its part for your desktop, such as "
+                        "xdg-desktop-portal-gnome"),
          QStringLiteral("Log out and in, and start Tovek again"),
          QStringLiteral("Or choose a session \"on Xorg\" or \"X11\" on the login screen")}});
 }
