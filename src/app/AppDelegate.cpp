@@ -219,10 +219,10 @@ void AppDelegate::tellOfNoStatusItem()
     NotificationManager *notifications = m_services.notificationManager.get();
     if (!notifications || Settings::toldOfNoStatusItem.in(m_defaults))
         return;
-    Settings::toldOfNoStatusItem.set(m_defaults, true);
     notifications->onCapture = [this] { m_overlayController.startCapture(CaptureMode::normal); };
     notifications->onPreferences = [this] { openSettings(SettingsTab::general); };
-    notifications->showInPlaceOfStatusItem();
+    notifications->showInPlaceOfStatusItem(
+        [this] { Settings::toldOfNoStatusItem.set(m_defaults, true); });
 }
 
 bool AppDelegate::applicationShouldHandleReopen(bool)

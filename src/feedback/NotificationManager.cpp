@@ -55,14 +55,14 @@ void NotificationManager::showSavedNotification(const QString &message, const QU
     show(std::move(request));
 }
 
-void NotificationManager::showInPlaceOfStatusItem()
+void NotificationManager::showInPlaceOfStatusItem(std::function<void()> shown)
 {
     NotificationRequest request;
     request.title = QStringLiteral("Tovek Is Running");
     request.body = QStringLiteral("This desktop has no place for its icon. The shortcuts work "
                                   "without it, and launching Tovek again opens its settings.");
     request.categoryIdentifier = noItemCategory;
-    show(std::move(request));
+    show(std::move(request), std::move(shown));
 }
 
 void NotificationManager::showMessage(const QString &message)
@@ -73,13 +73,15 @@ void NotificationManager::showMessage(const QString &message)
     show(std::move(request));
 }
 
-void NotificationManager::show(NotificationRequest request)
+void NotificationManager::show(NotificationRequest request, std::function<void()> shown)
 {
     Q_ASSERT(isMainThread());
     request.identifier = QUuid::createUuid().toString(QUuid::WithoutBraces);
-    m_center.add(request, [](const std::optional<QString> &error) {
+    m_center.add(request, [shown = std::move(shown)](const std::optional<QString> &error) {
         if (error)
             logLine(QStringLiteral("Failed to show notification: ") + *error);
+        else if (shown)
+            shown();
     });
 }
 

@@ -29,7 +29,8 @@ public:
     void requestAuthorization();
     void showSavedNotification(const QString &message, const QUrl &fileUrl);
     /// What the status item would offer, on a desktop that shows none.
-    void showInPlaceOfStatusItem();
+    /// `shown` is not called where the notification fails.
+    void showInPlaceOfStatusItem(std::function<void()> shown);
     /// A message in place of a toast, on a desktop that shows none.
     void showMessage(const QString &message);
     std::function<void()> onCapture, onPreferences;
@@ -37,7 +38,7 @@ public:
     const std::optional<QUrl> &pendingFileUrl() const { return m_pendingFileUrl; }
 
 private:
-    void show(NotificationRequest request);
+    void show(NotificationRequest request, std::function<void()> shown = nullptr);
     void didReceive(const NotificationResponse &response);
 
     Notifications &m_center;

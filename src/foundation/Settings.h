@@ -33,10 +33,11 @@ struct Text
 };
 
 // clang-format off
-inline constexpr Boolean highlightText {"highlightText",  true}; ///< words are marked in a selection
-inline constexpr Boolean showInMenuBar {"showInMenuBar",  true}; ///< the item in the panel
-inline constexpr Boolean toldOfNoStatusItem{"toldOfNoStatusItem", false}; ///< see StatusBarController
-inline constexpr Text    saveFolderPath{"saveFolderPath", ""};   ///< empty: Downloads
+inline constexpr Boolean highlightText     {"highlightText",      true};  ///< words are marked in a selection
+inline constexpr Boolean showInMenuBar     {"showInMenuBar",      true};  ///< the item in the panel
+inline constexpr Text    saveFolderPath    {"saveFolderPath",     ""};    ///< empty: Downloads
+/// A notification said that there is no panel for the item: not chosen, but kept.
+inline constexpr Boolean toldOfNoStatusItem{"toldOfNoStatusItem", false};
 // clang-format on
 
 } // namespace Settings

@@ -77,7 +77,9 @@ private Q_SLOTS:
         QStringList done;
         s.manager.onCapture = [&] { done << QStringLiteral("capture"); };
         s.manager.onPreferences = [&] { done << QStringLiteral("preferences"); };
-        s.manager.showInPlaceOfStatusItem();
+        int shown = 0;
+        s.manager.showInPlaceOfStatusItem([&] { ++shown; });
+        QCOMPARE(shown, 1);
         QCOMPARE(s.center.requests.at(0).categoryIdentifier, QStringLiteral("NO_STATUS_ITEM"));
         s.center.choose(0, QStringLiteral("CAPTURE"));
         s.center.choose(0, QStringLiteral("PREFERENCES"));
