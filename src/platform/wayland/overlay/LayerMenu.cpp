@@ -44,26 +44,16 @@ xdg_positioner *placeBelow(xdg_wm_base *windows, QSize parent, QSize menu)
 
 MenuGlobals::MenuGlobals(std::shared_ptr<LayerShell> layerShell)
     : shell(std::move(layerShell))
-    , windows(shell->connection().bind<xdg_wm_base>(xdg_wm_base_interface, 1))
+    , windows(WindowShell::create())
     , seat(shell->connection().bind<wl_seat>(wl_seat_interface, 1))
 {
-    static constexpr xdg_wm_base_listener listener{
-        [](void *, xdg_wm_base *asked, uint32_t serial) { xdg_wm_base_pong(asked, serial); }};
-    if (windows) {
-        xdg_wm_base_add_listener(windows, &listener, nullptr);
-        shell->connection().adopt(windows);
-    }
     if (seat)
         shell->connection().adopt(seat);
 }
 
 MenuGlobals::~MenuGlobals()
 {
-    if (!qApp) // the toolkit has closed the connection
-        return;
-    if (windows)
-        xdg_wm_base_destroy(windows);
-    if (seat)
+    if (seat && qApp) // else the toolkit has closed the connection
         wl_seat_destroy(seat);
 }
 
@@ -90,7 +80,7 @@ void LayerMenu::open(const LayerSurface &parent, wl_surface *surface, QSize poin
 {
     // What is made of a wrapper is handled while its answer is waited for.
     WaylandConnection &connection = m_globals->shell->connection();
-    auto *windows = connection.waitable(m_globals->windows);
+    auto *windows = connection.waitable(m_globals->windows->handle());
     m_surface = xdg_wm_base_get_xdg_surface(windows, surface);
     xdg_positioner *place = placeBelow(windows, parent.configuredSize(), points);
     wl_proxy_wrapper_destroy(windows);

@@ -3,11 +3,11 @@
 
 #pragma once
 
+#include "platform/wayland/FullScreenSurface.h"
 #include "platform/wayland/LayerSurface.h"
 
 struct xdg_popup;
 struct xdg_surface;
-struct xdg_wm_base;
 
 namespace tovek {
 
@@ -18,7 +18,7 @@ struct MenuGlobals
     ~MenuGlobals();
 
     std::shared_ptr<LayerShell> shell;
-    xdg_wm_base *windows; ///< null where there is none
+    std::shared_ptr<WindowShell> windows; ///< null where there is none
     wl_seat *seat;
 };
 
