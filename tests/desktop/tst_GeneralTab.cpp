@@ -97,7 +97,7 @@ private Q_SLOTS:
         hand().click(m_hand->corner() + QPoint(382, 203));
         QVERIFY(m_hand->isInFront("Select the folder where screenshots will be saved"));
         // The name is typed in full; the field has the keyboard.
-        type(folder);
+        QVERIFY(hand().typePath(folder));
         QVERIFY(hand().tap("Return"));
         QVERIFY(waitUntil(
             [&] { return m_hand->stored().value("saveFolderPath").toString() == folder; }));
@@ -206,18 +206,6 @@ private:
     {
         QFile file(entry);
         return file.open(QIODevice::ReadOnly) && file.readAll().contains("Hidden=true");
-    }
-    void type(const QString &path) const
-    {
-        for (const QChar &letter : path) {
-            const QString name = letter == QLatin1Char('/') ? QStringLiteral("slash")
-                : letter == QLatin1Char('-')                ? QStringLiteral("minus")
-                : letter == QLatin1Char('_')                ? QStringLiteral("Shift_L+minus")
-                : letter == QLatin1Char('.')                ? QStringLiteral("period")
-                : letter.isUpper() ? QStringLiteral("Shift_L+") + letter.toLower()
-                                   : QString(letter);
-            QVERIFY2(hand().tap(name), qPrintable(name));
-        }
     }
 
     std::unique_ptr<SettingsHand> m_hand;

@@ -64,18 +64,6 @@ struct HangingSession : Session
         };
         return waitUntil(isThere) ? windowNow(chooser)->id : 0;
     }
-    void type(const QString &path)
-    {
-        for (const QChar &letter : path) {
-            const QString name = letter == QLatin1Char('/') ? QStringLiteral("slash")
-                : letter == QLatin1Char('-')                ? QStringLiteral("minus")
-                : letter == QLatin1Char('_')                ? QStringLiteral("Shift_L+minus")
-                : letter == QLatin1Char('.')                ? QStringLiteral("period")
-                : letter.isUpper() ? QStringLiteral("Shift_L+") + letter.toLower()
-                                   : QString(letter);
-            QVERIFY2(tovek->hand().tap(name), qPrintable(name));
-        }
-    }
     QString storedFolder() const
     {
         QFile store(desktop.configFolder() + QStringLiteral("/tovek/defaults.json"));
@@ -165,7 +153,7 @@ private Q_SLOTS:
         QVERIFY(s.openSettings());
         const xcb_window_t first = s.openChooser();
         QVERIFY(first);
-        s.type(s.desktop.home() + QStringLiteral("/elsewhere/"));
+        QVERIFY(s.tovek->hand().typePath(s.desktop.home() + QStringLiteral("/elsewhere/")));
         QTest::qWait(500);
 
         // Nothing else does, and what hangs goes, with the keyboard that its list of names has.
@@ -176,7 +164,7 @@ private Q_SLOTS:
         QVERIFY(s.tovek->open(RunningTovek::captureScreenshot, s.monitors()));
         QVERIFY(s.tap("Escape") && s.isClosed());
         QVERIFY(s.openChooser(first));
-        s.type(s.desktop.downloads());
+        QVERIFY(s.tovek->hand().typePath(s.desktop.downloads()));
         QVERIFY(s.tap("Return"));
         QVERIFY(waitUntil([&] { return s.storedFolder() == s.desktop.downloads(); }));
 

@@ -103,6 +103,18 @@ bool Hand::letGo(const QString &chord)
     return true;
 }
 
+bool Hand::typePath(const QString &path)
+{
+    return std::all_of(path.begin(), path.end(), [this](QChar letter) {
+        return tap(letter == QLatin1Char('/')       ? QStringLiteral("slash")
+                       : letter == QLatin1Char('-') ? QStringLiteral("minus")
+                       : letter == QLatin1Char('_') ? QStringLiteral("Shift_L+minus")
+                       : letter == QLatin1Char('.') ? QStringLiteral("period")
+                       : letter.isUpper()           ? QStringLiteral("Shift_L+") + letter.toLower()
+                                                    : QString(letter));
+    });
+}
+
 bool Hand::isTaken(const QString &chord) const
 {
     const auto codes = keyCodesOf(chord);

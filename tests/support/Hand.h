@@ -35,6 +35,8 @@ public:
     [[nodiscard]] bool tap(const QString &chord);
     [[nodiscard]] bool hold(const QString &chord);
     [[nodiscard]] bool letGo(const QString &chord);
+    /// Letter by letter, as far as the letters are those of a temporary folder's path.
+    [[nodiscard]] bool typePath(const QString &path);
     /// Whether another client holds the keys, the last of the chord being the key itself. Super_L,
     /// Shift_L, Control_L and Alt_L may stand before it.
     bool isTaken(const QString &chord) const;
