@@ -26,4 +26,34 @@ inline double median(std::vector<double> values)
     return *middle;
 }
 
+enum class Subject { tovek, floor };
+inline constexpr Subject subjects[]{Subject::floor, Subject::tovek};
+
+/// The figures of program and floor for one row of a table.
+struct Pair
+{
+    std::vector<double> tovek, floor;
+
+    void add(Subject subject, double value)
+    {
+        (subject == Subject::floor ? floor : tovek).push_back(value);
+    }
+};
+
+/// Milliseconds of so many openings on a stage, after one that does not count.
+template <typename Stage>
+Pair timesOfOpening(Stage &stage, int runs)
+{
+    Pair times;
+    for (int run = -1; run < runs; ++run) {
+        for (const Subject subject : subjects) {
+            const double time = stage.open(subject);
+            stage.close();
+            if (run >= 0)
+                times.add(subject, time);
+        }
+    }
+    return times;
+}
+
 } // namespace tovek::bench

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "Measure.h"
 #include "ProcessFigures.h"
 #include "Scene.h"
 #include "support/SelectionReader.h"
@@ -11,8 +12,6 @@
 #include <QJsonObject>
 
 namespace tovek::bench {
-
-enum class Subject { tovek, floor };
 
 /// A desktop full of photographic noise, with the program and its floor on it, and someone who
 /// uses both in the same way, with real keys and a real mouse. What cannot be measured ends the

@@ -25,7 +25,6 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr int runs = 9;
-constexpr Subject subjects[]{Subject::floor, Subject::tovek};
 const QSize fullHd(1920, 1080);
 const QSize ultraHd(3840, 2160);
 /// Whatever a process does after its start has ended by then, or after its last capture.
@@ -39,17 +38,6 @@ double least(const std::vector<double> &values)
 {
     return *std::min_element(values.begin(), values.end());
 }
-
-/// The figures of program and floor for one row of a table.
-struct Pair
-{
-    std::vector<double> tovek, floor;
-
-    void add(Subject subject, double value)
-    {
-        (subject == Subject::floor ? floor : tovek).push_back(value);
-    }
-};
 
 void printHead(const char *title, const char *unit)
 {
@@ -71,15 +59,7 @@ void printRow(const char *name, QSize size, const Pair &pair, double budget)
 
 void openWarm(Stage &stage)
 {
-    Pair times;
-    for (int run = -1; run < runs; ++run) {
-        for (const Subject subject : subjects) {
-            const double time = stage.open(subject);
-            stage.close();
-            if (run >= 0)
-                times.add(subject, time);
-        }
-    }
+    const Pair times = timesOfOpening(stage, runs);
     printRow("warm ", stage.size(), times, 1.5);
 }
 

@@ -32,9 +32,6 @@ constexpr auto settleTime = 400ms;
 constexpr auto startTime = 5s;
 constexpr auto idleTime = 30s;
 
-enum class Subject { tovek, floor };
-constexpr Subject subjects[]{Subject::floor, Subject::tovek};
-
 [[noreturn]] void giveUp(const QString &reason)
 {
     std::fflush(stdout);
@@ -113,15 +110,6 @@ struct Stage
     Program *floor = nullptr;
 };
 
-struct Pair
-{
-    std::vector<double> tovek, floor;
-    void add(Subject subject, double value)
-    {
-        (subject == Subject::floor ? floor : tovek).push_back(value);
-    }
-};
-
 void printHead(const char *title, const char *unit)
 {
     std::printf("\n## %s (%s: median)\n\n| program | floor | ratio | budget |\n|---|---|---|---|\n",
@@ -152,15 +140,7 @@ void openFirst(Stage &stage)
 
 void openWarm(Stage &stage)
 {
-    Pair times;
-    for (int run = -1; run < runs; ++run) {
-        for (const Subject subject : subjects) {
-            const double time = stage.open(subject);
-            stage.close();
-            if (run >= 0)
-                times.add(subject, time);
-        }
-    }
+    const Pair times = timesOfOpening(stage, runs);
     printHead("Shortcut released to both outputs covered", "ms");
     printRow(times, 1.3);
 }
