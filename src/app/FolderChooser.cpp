@@ -34,6 +34,8 @@ void FolderChooser::ask(const Question &question)
         arguments << QStringLiteral("--window") << QString::number(question.window);
     if (question.isDark)
         arguments << QStringLiteral("--dark");
+    if (question.accent.isValid())
+        arguments << QStringLiteral("--accent") << question.accent.name();
     if (QGuiApplication::isRightToLeft())
         arguments << QStringLiteral("-reverse");
 

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <QColor>
 #include <QObject>
 #include <QPointer>
 #include <QProcess>
@@ -25,6 +26,7 @@ public:
         QString start; ///< the folder that is shown at first
         quint64 window = 0; ///< see FrontmostApp::sharedHandle
         bool isDark = false;
+        QColor accent; ///< invalid: the palette's
     };
 
     explicit FolderChooser(QString program);

@@ -44,10 +44,12 @@ int runFolderDialog(int &argc, char **argv)
     const QCommandLineOption start(QStringLiteral("start"), QString(), QStringLiteral("folder"));
     const QCommandLineOption window(QStringLiteral("window"), QString(), QStringLiteral("number"));
     const QCommandLineOption dark(QStringLiteral("dark"));
+    const QCommandLineOption accent(QStringLiteral("accent"), QString(), QStringLiteral("color"));
     QCommandLineParser options;
-    options.addOptions({start, window, dark});
+    options.addOptions({start, window, dark, accent});
     options.process(application);
-    useModernLook(options.isSet(dark) ? Windows::dark : Windows::asThePalette);
+    useModernLook(options.isSet(dark) ? Windows::dark : Windows::asThePalette,
+                  QColor(options.value(accent)));
     // The toolkit's dialog asks for every folder that any program ever kept in its side bar before
     // it shows itself.
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("/dev/null"));

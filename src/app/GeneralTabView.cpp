@@ -254,8 +254,10 @@ void GeneralTabView::chooseFolder()
 {
     showChooserNote(QString());
     const bool isAnswering = m_folder.state != FolderState::notAnswering;
-    FolderChooser::Question question{isAnswering ? m_folder.folder : QDir::homePath()};
+    FolderChooser::Question question;
+    question.start = isAnswering ? m_folder.folder : QDir::homePath();
     question.isDark = ModernStyle::isDark(palette());
+    question.accent = palette().color(QPalette::Highlight);
     const QWindow *owner = window()->windowHandle();
     if (owner && m_services.frontmostApp)
         question.window = m_services.frontmostApp->sharedHandle(*owner);

@@ -10,6 +10,15 @@
 
 namespace tovek {
 
+namespace {
+
+void use(const WindowTheme &theme)
+{
+    useModernLook(theme.isDark ? Windows::dark : Windows::asThePalette, theme.accent);
+}
+
+} // namespace
+
 WindowLook::WindowLook(WindowColors *colors, Updater &updater)
     : m_colors(colors)
     , m_updater(updater)
@@ -31,17 +40,17 @@ WindowLook::~WindowLook()
 void WindowLook::prepare()
 {
     m_isUsed = true;
-    useModernLook(m_colors && m_colors->areDark() ? Windows::dark : Windows::asThePalette);
+    use(m_colors ? m_colors->theme() : WindowTheme());
 }
 
 void WindowLook::follow()
 {
     if (!m_isUsed && !m_updater.isRunning())
         return;
-    whenReady(m_colors->ask(), this, [this](bool areDark) {
-        m_updater.setWindows(areDark);
+    whenReady(m_colors->ask(), this, [this](const WindowTheme &theme) {
+        m_updater.setWindows(theme.isDark, theme.accent);
         if (m_isUsed)
-            useModernLook(areDark ? Windows::dark : Windows::asThePalette);
+            use(theme);
     });
 }
 

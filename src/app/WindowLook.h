@@ -11,7 +11,8 @@ class Updater;
 class WindowColors;
 
 /// Gives our windows their look, and those of the program that updates: dark ones on a dark
-/// desktop, and others as soon as that changes. Asks for nothing until there is a window.
+/// desktop, with its accent, and others as soon as that changes. Asks for nothing until there is a
+/// window.
 class WindowLook : public QObject
 {
 public:

@@ -4,6 +4,7 @@
 #include "look/Look.h"
 
 #include "foundation/Symbol.h"
+#include "look/Accent.h"
 #include "look/ModernStyle.h"
 
 #include <QApplication>
@@ -38,16 +39,26 @@ QPalette darkPalette()
 
 } // namespace
 
-void useModernLook(Windows windows)
+void useModernLook(Windows windows, const QColor &accent)
 {
     static bool isUsed = false;
-    static bool isOurs = false; // the palette
-    if (windows == Windows::dark && !isOurs && !ModernStyle::isDark(QApplication::palette())) {
-        QApplication::setPalette(darkPalette());
-        isOurs = true;
-    } else if (windows == Windows::asThePalette && isOurs) {
-        QApplication::setPalette(QPalette()); // the desktop's, whichever that is by now
-        isOurs = false;
+    static bool isOurs = false; // the palette, apart from the accent
+    static QColor usedAccent;
+    const bool makesDark =
+        windows == Windows::dark && (isOurs || !ModernStyle::isDark(QApplication::palette()));
+    if (makesDark != isOurs || accent != usedAccent) {
+        // What is not set in it stays the desktop's, whatever that is by now.
+        QPalette palette = makesDark ? darkPalette() : QPalette();
+        if (makesDark != isOurs || !accent.isValid())
+            QApplication::setPalette(palette);
+        if (accent.isValid()) {
+            const QColor window = QApplication::palette().color(QPalette::Window);
+            palette.setColor(QPalette::Highlight, readableAccent(accent, window));
+            palette.setColor(QPalette::HighlightedText, accentText);
+            QApplication::setPalette(palette);
+        }
+        isOurs = makesDark;
+        usedAccent = accent;
     }
     if (std::exchange(isUsed, true))
         return;

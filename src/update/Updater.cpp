@@ -24,8 +24,8 @@ const QByteArray offeredLine = QByteArrayLiteral("offered");
 const QByteArray relaunchLine = QByteArrayLiteral("relaunch ");
 /// What it is told, as a line.
 const QByteArray showLine = QByteArrayLiteral("show\n");
-const QByteArray darkLine = QByteArrayLiteral("dark\n");
-const QByteArray lightLine = QByteArrayLiteral("light\n");
+const QByteArray darkWord = QByteArrayLiteral("dark");
+const QByteArray lightWord = QByteArrayLiteral("light");
 constexpr auto retryDelay = 1h;
 /// Timers stand still while the machine sleeps; the clock on the wall does not.
 constexpr auto longestWait = 1h;
@@ -157,10 +157,14 @@ void Updater::check(Reason reason)
         onStarted();
 }
 
-void Updater::setWindows(bool areDark)
+void Updater::setWindows(bool areDark, const QColor &accent)
 {
-    if (m_process)
-        m_process->write(areDark ? darkLine : lightLine);
+    if (!m_process)
+        return;
+    QByteArray line = areDark ? darkWord : lightWord;
+    if (accent.isValid())
+        line += ' ' + accent.name().toLatin1();
+    m_process->write(line + '\n');
 }
 
 void Updater::readOutput()

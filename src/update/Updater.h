@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <QColor>
 #include <QDateTime>
 #include <QObject>
 #include <QProcess>
@@ -52,8 +53,9 @@ public:
     bool isChecking() const { return m_process && !m_isOffering; }
     /// Its program runs, with windows or without.
     bool isRunning() const { return m_process != nullptr; }
-    /// Dark windows for that program, or those of the palette; nothing while it does not run.
-    void setWindows(bool areDark);
+    /// Dark windows for that program, or those of the palette, with an accent unless it is invalid;
+    /// nothing while it does not run.
+    void setWindows(bool areDark, const QColor &accent = {});
 
     std::function<void()> onStarted; ///< the program, which has no window yet
     /// A check that somebody asked for came to no result, and no window has said so.

@@ -5,6 +5,7 @@
 #include "fakes/FakeClock.h"
 #include "foundation/UserDefaults.h"
 #include "foundation/WhenReady.h"
+#include "look/Accent.h"
 #include "look/ModernStyle.h"
 #include "platform/WindowColors.h"
 #include "update/Updater.h"
@@ -23,19 +24,24 @@ namespace {
 class Colors : public WindowColors
 {
 public:
-    bool areDark() const override { return isDark; }
-    QFuture<bool> ask() const override
+    WindowTheme theme() const override { return wanted; }
+    QFuture<WindowTheme> ask() const override
     {
         ++questions;
-        return readyFuture(isDark);
+        return readyFuture(wanted);
     }
     void turn(bool toDark)
     {
-        isDark = toDark;
+        wanted.isDark = toDark;
+        onChanged();
+    }
+    void turn(const QColor &accent)
+    {
+        wanted.accent = accent;
         onChanged();
     }
 
-    bool isDark = false;
+    WindowTheme wanted;
     mutable int questions = 0;
 };
 
@@ -63,6 +69,13 @@ struct Updates
     FakeClock clock;
     Updater updater{{program, QStringLiteral("1.0")}, defaults, clock};
 };
+
+const QColor purple(0x91, 0x41, 0xac);
+
+QColor highlight()
+{
+    return QApplication::palette().color(QPalette::Highlight);
+}
 
 bool isDark()
 {
@@ -98,14 +111,63 @@ private Q_SLOTS:
     void tellsTheProgramThatUpdates()
     {
         Colors colors;
-        colors.isDark = true;
+        colors.wanted.isDark = true;
         Updates updates;
         WindowLook look(&colors, updates.updater);
         updates.updater.checkForUpdates();
         QTRY_COMPARE(updates.told(), QByteArray("dark\n"));
         colors.turn(false);
         QTRY_COMPARE(updates.told(), QByteArray("dark\nlight\n"));
+        colors.turn(purple);
+        QTRY_COMPARE(updates.told(), QByteArray("dark\nlight\nlight #9141ac\n"));
         QVERIFY(!isDark());
+    }
+
+    void followsTheAccent()
+    {
+        Colors colors;
+        Updates updates;
+        WindowLook look(&colors, updates.updater);
+        const QColor without = highlight();
+        look.prepare();
+        QCOMPARE(highlight(), without);
+        colors.turn(purple);
+        QCOMPARE(highlight().name(), purple.name());
+        QCOMPARE(QApplication::palette().color(QPalette::HighlightedText), QColor(Qt::white));
+        colors.turn(true);
+        QVERIFY(isDark());
+        QVERIFY(highlight().name() != purple.name()); // hardly to be seen on dark windows
+        QCOMPARE(highlight().hsvHue() / 10, purple.hsvHue() / 10);
+        colors.turn(QColor());
+        QVERIFY(isDark());
+        QVERIFY(highlight().blueF() > highlight().redF());
+        colors.turn(false);
+        QCOMPARE(highlight(), without);
+    }
+
+    void keepsTextOnTheAccentReadable_data()
+    {
+        QTest::addColumn<QColor>("accent");
+        QTest::addColumn<QColor>("window");
+        for (const char *name :
+             {"black", "white", "yellow", "#3584e4", "#2190a4", "#3a944a", "#c88800", "#ed5b00",
+              "#e62d42", "#d56199", "#9141ac", "#6f8396"}) {
+            QTest::addRow("%s on light", name) << QColor(name) << QColor("#efefef");
+            QTest::addRow("%s on dark", name) << QColor(name) << QColor("#262628");
+        }
+    }
+    void keepsTextOnTheAccentReadable()
+    {
+        QFETCH(QColor, accent);
+        QFETCH(QColor, window);
+        const QColor used = readableAccent(accent, window);
+        QVERIFY2(contrastOf(used, accentText) >= 4.5, qPrintable(used.name()));
+        QVERIFY2(contrastOf(used, window) >= 3, qPrintable(used.name()));
+    }
+
+    void leavesAnAccentAloneThatIsReadable()
+    {
+        QCOMPARE(readableAccent(purple, QColor("#efefef")).name(), purple.name());
     }
 
     void isThePalettesWithoutColors()

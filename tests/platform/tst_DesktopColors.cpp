@@ -4,29 +4,57 @@
 #include "platform/linux/DesktopColors.h"
 #include "support/SessionBus.h"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
+#include <QDBusContext>
 #include <QDBusMessage>
+#include <QDBusMetaType>
 #include <QDBusVariant>
 #include <QTest>
 #include <QThread>
 
+#include <cmath>
+
 using namespace tovek;
 
 /// Answers as the portal of a desktop does.
-class Portal : public QObject
+class Portal : public QObject, protected QDBusContext
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
 
 public:
     uint scheme = 0;
+    QVariant accent; ///< invalid: it knows of none
 
 public Q_SLOTS:
-    QDBusVariant Read(const QString &, const QString &)
+    QDBusVariant Read(const QString &, const QString &key)
     {
-        return QDBusVariant(QVariant::fromValue(QDBusVariant(scheme)));
+        if (key != QLatin1String("accent-color"))
+            return QDBusVariant(QVariant::fromValue(QDBusVariant(scheme)));
+        if (!accent.isValid())
+            sendErrorReply(QStringLiteral("org.freedesktop.portal.Error.NotFound"));
+        return QDBusVariant(QVariant::fromValue(QDBusVariant(accent)));
     }
 };
+
+struct Parts
+{
+    double red, green, blue;
+};
+Q_DECLARE_METATYPE(Parts)
+
+QDBusArgument &operator<<(QDBusArgument &out, const Parts &parts)
+{
+    out.beginStructure();
+    out << parts.red << parts.green << parts.blue;
+    out.endStructure();
+    return out;
+}
+const QDBusArgument &operator>>(const QDBusArgument &in, Parts &)
+{
+    return in;
+}
 
 class TestDesktopColors : public QObject
 {
@@ -38,6 +66,7 @@ private Q_SLOTS:
         if (!SessionBus::isInstalled())
             QSKIP("dbus-daemon is not installed");
         QVERIFY(m_bus.start());
+        qDBusRegisterMetaType<Parts>();
         qputenv("PATH", m_folder.path().toUtf8() + ':' + qgetenv("PATH"));
         // Out of this thread, which waits for its answers.
         m_portal.moveToThread(&m_thread);
@@ -76,20 +105,43 @@ private Q_SLOTS:
         tool.close();
         QVERIFY(tool.setPermissions(QFile::ReadOwner | QFile::ExeOwner | QFile::WriteOwner));
         qputenv("QT_STYLE_OVERRIDE", style);
-        const QString name = QStringLiteral("org.freedesktop.portal.Desktop");
-        QDBusConnection service =
-            QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("portal"));
         if (portal >= 0) {
             m_portal.scheme = uint(portal);
-            service.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), &m_portal,
-                                   QDBusConnection::ExportAllSlots);
-            QVERIFY(service.registerService(name));
+            m_portal.accent = {};
+            QVERIFY(startPortal());
         }
-        const bool isDark = DesktopColors(QDBusConnection::sessionBus()).areDark();
-        service.unregisterService(name);
-        QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
+        const bool isDark = DesktopColors(QDBusConnection::sessionBus()).theme().isDark;
+        stopPortal();
         qunsetenv("QT_STYLE_OVERRIDE");
         QTEST(isDark, "isDark");
+    }
+
+    void takesAnAccentWithinTheRangeOfColors_data()
+    {
+        QTest::addColumn<QVariant>("given");
+        QTest::addColumn<QColor>("accent");
+        const auto parts = [](double red, double green, double blue) {
+            return QVariant::fromValue(Parts{red, green, blue});
+        };
+        QTest::newRow("a colour") << parts(0, 0.2, 1) << QColor(0, 51, 255);
+        QTest::newRow("below the range") << parts(-1, -1, -1) << QColor();
+        QTest::newRow("above it") << parts(0.5, 1.01, 0.5) << QColor();
+        QTest::newRow("no number") << parts(std::nan(""), 0, 0) << QColor();
+        QTest::newRow("something else") << QVariant(QStringLiteral("blue")) << QColor();
+        QTest::newRow("an older portal") << QVariant() << QColor();
+    }
+    void takesAnAccentWithinTheRangeOfColors()
+    {
+        QFETCH(QVariant, given);
+        m_portal.scheme = 1;
+        m_portal.accent = given;
+        QVERIFY(startPortal());
+        const WindowTheme theme = DesktopColors(QDBusConnection::sessionBus()).theme();
+        stopPortal();
+        QVERIFY(theme.isDark);
+        QFETCH(QColor, accent);
+        QCOMPARE(theme.accent.isValid(), accent.isValid());
+        QCOMPARE(theme.accent.rgb(), accent.rgb());
     }
 
     void hearsOfChanges_data()
@@ -143,6 +195,23 @@ private Q_SLOTS:
     }
 
 private:
+    bool startPortal()
+    {
+        QDBusConnection service =
+            QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("portal"));
+        service.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), &m_portal,
+                               QDBusConnection::ExportAllSlots);
+        return service.registerService(m_name);
+    }
+    void stopPortal()
+    {
+        QDBusConnection service(QStringLiteral("portal"));
+        if (service.isConnected())
+            service.unregisterService(m_name);
+        QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
+    }
+
+    const QString m_name = QStringLiteral("org.freedesktop.portal.Desktop");
     SessionBus m_bus;
     QTemporaryDir m_folder;
     QThread m_thread;

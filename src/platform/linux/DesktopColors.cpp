@@ -5,11 +5,13 @@
 
 #include "foundation/AskAside.h"
 
+#include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QProcess>
 
 #include <algorithm>
+#include <array>
 #include <optional>
 
 namespace tovek {
@@ -19,25 +21,49 @@ namespace {
 constexpr int colorsPatienceMs = 333;
 constexpr uint darkScheme = 1;
 
-/// Absent when no portal runs, or it knows nothing of colours. None is started for the question.
-std::optional<uint> schemeOfPortal(const QDBusConnection &bus)
+/// Invalid when no portal runs, or it knows no such colour. None is started for the question.
+QVariant appearanceOfPortal(const QDBusConnection &bus, const QString &key)
 {
     QDBusMessage ask = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.portal.Desktop"),
         QStringLiteral("/org/freedesktop/portal/desktop"),
         QStringLiteral("org.freedesktop.portal.Settings"), QStringLiteral("Read"));
     ask.setAutoStartService(false);
-    ask << QStringLiteral("org.freedesktop.appearance") << QStringLiteral("color-scheme");
+    ask << QStringLiteral("org.freedesktop.appearance") << key;
     const QDBusMessage answer = bus.call(ask, QDBus::Block, colorsPatienceMs);
     if (answer.type() != QDBusMessage::ReplyMessage || answer.arguments().isEmpty())
-        return std::nullopt;
+        return {};
     // A variant in a variant, from the first days of that portal on.
     QVariant value = answer.arguments().first();
     while (value.canConvert<QDBusVariant>())
         value = value.value<QDBusVariant>().variant();
+    return value;
+}
+
+std::optional<uint> schemeOfPortal(const QDBusConnection &bus)
+{
     bool isNumber = false;
-    const uint scheme = value.toUInt(&isNumber);
+    const uint scheme = appearanceOfPortal(bus, QStringLiteral("color-scheme")).toUInt(&isNumber);
     return isNumber ? std::optional(scheme) : std::nullopt;
+}
+
+/// Values outside of a colour's range stand for none.
+QColor accentOfPortal(const QDBusConnection &bus)
+{
+    const QVariant value = appearanceOfPortal(bus, QStringLiteral("accent-color"));
+    if (!value.canConvert<QDBusArgument>())
+        return {};
+    const auto argument = value.value<QDBusArgument>();
+    if (argument.currentSignature() != QLatin1String("(ddd)"))
+        return {};
+    std::array<double, 3> parts{};
+    argument.beginStructure();
+    for (double &part : parts)
+        argument >> part;
+    argument.endStructure();
+    const bool isColor =
+        std::all_of(parts.begin(), parts.end(), [](double part) { return part >= 0 && part <= 1; });
+    return isColor ? QColor::fromRgbF(float(parts[0]), float(parts[1]), float(parts[2])) : QColor();
 }
 
 bool isDarkInGSettings()
@@ -56,14 +82,17 @@ bool isDarkInGSettings()
 }
 
 /// From any thread.
-bool areDarkOn(const QDBusConnection &bus)
+WindowTheme themeOn(const QDBusConnection &bus)
 {
+    const auto scheme = schemeOfPortal(bus);
+    WindowTheme theme;
+    // A portal that does not answer is not waited for twice.
+    if (scheme)
+        theme.accent = accentOfPortal(bus);
     const QString style = qEnvironmentVariable("QT_STYLE_OVERRIDE");
-    if (style.contains(QLatin1String("dark"), Qt::CaseInsensitive))
-        return true;
-    if (const auto scheme = schemeOfPortal(bus))
-        return *scheme == darkScheme;
-    return isDarkInGSettings();
+    theme.isDark = style.contains(QLatin1String("dark"), Qt::CaseInsensitive)
+        || (scheme ? *scheme == darkScheme : isDarkInGSettings());
+    return theme;
 }
 
 } // namespace
@@ -88,14 +117,14 @@ void DesktopColors::setBus(const QDBusConnection &bus)
                   SLOT(storeChanged(QString, QStringList, QString)));
 }
 
-bool DesktopColors::areDark() const
+WindowTheme DesktopColors::theme() const
 {
-    return areDarkOn(m_bus);
+    return themeOn(m_bus);
 }
 
-QFuture<bool> DesktopColors::ask() const
+QFuture<WindowTheme> DesktopColors::ask() const
 {
-    return askAside<bool>([bus = m_bus] { return areDarkOn(bus); });
+    return askAside<WindowTheme>([bus = m_bus] { return themeOn(bus); });
 }
 
 void DesktopColors::settingChanged()

@@ -12,7 +12,8 @@
 namespace tovek {
 
 /// As the style asked for in the environment has it, then the settings portal, then GNOME's own
-/// setting, which other desktops keep too. Nothing is started by asking or listening.
+/// setting, which other desktops keep too. The accent is the portal's alone. Nothing is started by
+/// asking or listening.
 class DesktopColors : public QObject, public WindowColors
 {
     Q_OBJECT
@@ -21,8 +22,8 @@ public:
     explicit DesktopColors(const QDBusConnection &bus);
     void setBus(const QDBusConnection &bus);
 
-    bool areDark() const override;
-    QFuture<bool> ask() const override;
+    WindowTheme theme() const override;
+    QFuture<WindowTheme> ask() const override;
 
 private Q_SLOTS:
     void settingChanged();

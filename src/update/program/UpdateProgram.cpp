@@ -97,8 +97,10 @@ int runUpdateProgram(int &argc, char **argv, const UpdateBuild &build)
     session.onChecked = [] { logLine(QStringLiteral("checked")); };
     session.onOffered = [] { logLine(QStringLiteral("offered")); };
     const auto obey = [&windows](const QByteArray &line) {
-        if (line == "dark" || line == "light")
-            useModernLook(line == "dark" ? Windows::dark : Windows::asThePalette);
+        const QList<QByteArray> words = line.split(' ');
+        const QColor accent(QString::fromLatin1(words.value(1)));
+        if (words.first() == "dark" || words.first() == "light")
+            useModernLook(words.first() == "dark" ? Windows::dark : Windows::asThePalette, accent);
         else
             windows.bringForward();
     };
