@@ -236,10 +236,11 @@ QString GnomeDesktop::focusedTitle() const
 
 QStringList GnomeDesktop::unmanagedTitles() const
 {
-    return evaluate(QStringLiteral(
-                        "global.get_window_actors().map(a => a.meta_window)"
-                        ".filter(w => w.is_override_redirect() && w.get_title() != 'gnome-shell')"
-                        ".map(w => w.get_title()).join()"))
+    return evaluate(
+               QStringLiteral(
+                   "global.get_window_actors().filter(a => a.get_texture()).map(a => a.meta_window)"
+                   ".filter(w => w.is_override_redirect() && w.get_title() != 'gnome-shell')"
+                   ".map(w => w.get_title()).join()"))
         .split(QLatin1Char(','), Qt::SkipEmptyParts);
 }
 

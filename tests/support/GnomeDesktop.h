@@ -40,7 +40,9 @@ public:
     /// What a script in the shell says.
     QString evaluate(const QString &script) const;
     QString focusedTitle() const;
-    /// The windows that no window manager places, by their titles.
+    /// The windows that no window manager places and that are to be seen, by their titles. The
+    /// desktop knows of a window, and of its focus, before it has anything to show or to send keys
+    /// to.
     QStringList unmanagedTitles() const;
     /// Of those with this title that are shown.
     int windowCount(const QString &title) const;
