@@ -82,6 +82,7 @@ void chooseToolkit(EarlyPlatform &early)
     const QString wanted = qEnvironmentVariable("QT_QPA_PLATFORM");
     if (!isWaylandSession() || !(wanted.isEmpty() || wanted.startsWith(QLatin1String("wayland"))))
         return;
+    early.hasChosenToolkit = wanted.isEmpty();
     early.wayland = openWayland(early);
     const bool hasXWayland = qEnvironmentVariableIsSet("DISPLAY");
     if (early.wayland) {
@@ -92,6 +93,17 @@ void chooseToolkit(EarlyPlatform &early)
     } else if (hasXWayland && wanted.isEmpty()) {
         qputenv("QT_QPA_PLATFORM", "xcb");
     }
+}
+
+bool isToolkitOutdated(EarlyPlatform &early)
+{
+    return early.hasChosenToolkit && (openWayland(early) != nullptr) != (early.wayland != nullptr);
+}
+
+void forgetToolkit(const EarlyPlatform &early)
+{
+    if (early.hasChosenToolkit)
+        qunsetenv("QT_QPA_PLATFORM");
 }
 
 double statedDotsPerInch(const EarlyPlatform &early)

@@ -29,6 +29,7 @@ struct EarlyPlatform
     std::unique_ptr<HotKeys> hotKeys;
     std::unique_ptr<KeyboardLayout> keyboardLayout;
     std::shared_ptr<WaylandConnection> wayland; ///< null where the session is not served by it
+    bool hasChosenToolkit = false; ///< nobody else has, in the environment
 };
 
 /// The reason when there is no display at all, for want of which the toolkit would end the process;
@@ -44,6 +45,10 @@ EarlyPlatform makeEarlyPlatform();
 /// Has the toolkit run on the window system that the desktop is to be served by; QT_QPA_PLATFORM in
 /// the environment chooses another. To be called before there is an application.
 void chooseToolkit(EarlyPlatform &early);
+/// Whether it would choose another window system now. Asks the desktop, for some milliseconds.
+bool isToolkitOutdated(EarlyPlatform &early);
+/// Takes that choice out of the environment again, for the program that runs after this one.
+void forgetToolkit(const EarlyPlatform &early);
 /// TOVEK_PLATFORM=null in the environment does without the X server, here and in `makePlatform`.
 void openKeyboard(EarlyPlatform &early);
 /// Of the X server that the toolkit is going to use; 0 where none is stated.

@@ -13,7 +13,9 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <QWindow>
 
+#include <algorithm>
 #include <utility>
 
 namespace tovek {
@@ -73,6 +75,15 @@ void TovekApp::openSettings()
         });
     }
     m_platform.clock->after(0ms, this, [this] { bringForward(); });
+}
+
+bool TovekApp::isIdle()
+{
+    const QWindowList windows = QGuiApplication::topLevelWindows();
+    return !m_appDelegate.overlayController().isCapturing()
+        && !m_updaterManager.updaterController().updater().isRunning()
+        && std::none_of(windows.begin(), windows.end(),
+                        [](const QWindow *window) { return window->isVisible(); });
 }
 
 void TovekApp::makeWayFor(const QString &program)

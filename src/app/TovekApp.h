@@ -23,14 +23,16 @@ public:
 
     AppDelegate &appDelegate() { return m_appDelegate; }
     SettingsWindow *settingsWindow() const { return m_settingsWindow; }
-    /// The new version of the program, which is to run in place of this one; mostly empty.
+    /// The program that is to run in place of this one, itself or a new version; mostly empty.
     QString successor() const { return m_successor; }
+    /// No capture, no window and no update that a new start would cut short.
+    bool isIdle();
+    /// Quits as soon as no capture would be lost by it.
+    void makeWayFor(const QString &program);
 
 private:
     void openSettings();
     void bringForward();
-    /// Quits as soon as no capture would be lost by it.
-    void makeWayFor(const QString &program);
 
     Platform &m_platform;
     AppState &m_appState;

@@ -12,8 +12,10 @@
 #include "app/Relaunch.h"
 #include "app/StartMessages.h"
 #include "app/ToolkitThreads.h"
+#include "app/ToolkitWatch.h"
 #include "app/TovekApp.h"
 #include "capture/SaveQueue.h"
+#include "foundation/AppImage.h"
 #include "foundation/HelperProgram.h"
 #include "foundation/Log.h"
 #include "foundation/Memory.h"
@@ -26,6 +28,7 @@
 #include "platform/SingleInstance.h"
 
 #include <QApplication>
+#include <QProcessEnvironment>
 
 #include <cstdlib>
 
@@ -62,6 +65,19 @@ void introduce()
     QApplication::setApplicationVersion(BundleInformation::version());
     QApplication::setDesktopFileName(QStringLiteral("org.tovek.Tovek"));
     QApplication::setQuitOnLastWindowClosed(false);
+}
+
+/// Has the program start anew where the monitors come to need another window system.
+void watchToolkit(ToolkitWatch &watch, EarlyPlatform &early, TovekApp &app)
+{
+    watch.isIdle = [&app] { return app.isIdle(); };
+    watch.isOutdated = [&early] { return isToolkitOutdated(early); };
+    watch.onOutdated = [&app] {
+        logLine(QStringLiteral("The monitors have changed: starting anew for them"));
+        const QString program = QCoreApplication::applicationFilePath();
+        app.makeWayFor(
+            appImageOf(program, QProcessEnvironment::systemEnvironment()).value_or(program));
+    };
 }
 
 /// The program's life. `successor` becomes the program to run in place of this one, if any.
@@ -102,6 +118,8 @@ int run(int &argc, char **argv, const Wish &wish, QString &successor)
     {
         TovekApp app(platform, defaults, updateConfiguration());
         AppDelegate &delegate = app.appDelegate();
+        ToolkitWatch toolkitWatch;
+        watchToolkit(toolkitWatch, early, app);
         early.singleInstance->onReopen = [&] { delegate.applicationShouldHandleReopen(false); };
         early.singleInstance->onAction = [&](const QString &action, int delaySeconds) {
             delegate.performAction(action, delaySeconds);
@@ -125,6 +143,7 @@ int run(int &argc, char **argv, const Wish &wish, QString &successor)
     platform.clipboard->handOver();
     // After the clipboard, which does not depend on a disk.
     saves.reset();
+    forgetToolkit(early);
     return 0;
 }
 

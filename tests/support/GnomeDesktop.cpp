@@ -56,7 +56,7 @@ bool GnomeDesktop::start(const Setup &setup)
         && startBus(QStringLiteral("system"), QStringLiteral("system"))
         && startBus(QStringLiteral("session"), QStringLiteral("session"),
                     QStringLiteral("<standard_session_servicedirs/>"))
-        && startShell() && setScales() && startHand();
+        && startShell() && applyScales() && startHand();
 }
 
 QRect GnomeDesktop::place(qsizetype monitor) const
@@ -74,7 +74,13 @@ double GnomeDesktop::pixelsPerUnit(qsizetype monitor) const
     return m_setup.layout == Setup::Layout::inPixels ? 1 : m_setup.scales.value(monitor, 1);
 }
 
-bool GnomeDesktop::setScales()
+bool GnomeDesktop::setScales(const QList<double> &scales)
+{
+    m_setup.scales = scales;
+    return applyScales();
+}
+
+bool GnomeDesktop::applyScales()
 {
     if (m_setup.scales.isEmpty())
         return true;
@@ -103,15 +109,20 @@ bool GnomeDesktop::setScales()
                           .arg(i == 0 ? "true" : "false", found.captured(1), found.captured(2));
     }
     const QString list = QStringLiteral("@a(iiduba(ssa{sv})) [%1]").arg(configured.join(", "));
-    const bool isSet = !ask("ApplyMonitorsConfig", {serial, "1", list, "{}"}).isNull();
+    // Of those that can be told, which begin with points.
+    const bool canBeTold = state.contains(QLatin1String("'supports-changing-layout-mode': <true>"));
+    const QString layout = QStringLiteral("{'layout-mode': <uint32 %1>}")
+                               .arg(m_setup.layout == Setup::Layout::inPixels ? 2 : 1);
+    const bool isSet =
+        !ask("ApplyMonitorsConfig", {serial, "1", list, canBeTold ? layout : QStringLiteral("{}")})
+             .isNull();
     return isSet || fail(QStringLiteral("mutter wants no scales %1: %2").arg(list, state));
 }
 
 bool GnomeDesktop::startShell()
 {
-    QStringList arguments{QStringLiteral("--headless"), QStringLiteral("--wayland"),
-                          QStringLiteral("--wayland-display"), QStringLiteral("wayland-0"),
-                          QStringLiteral("--unsafe-mode")};
+    QStringList arguments{QStringLiteral("--headless"), QStringLiteral("--wayland-display"),
+                          QStringLiteral("wayland-0"), QStringLiteral("--unsafe-mode")};
     for (const QRect &monitor : monitors())
         arguments << QStringLiteral("--virtual-monitor")
                   << QStringLiteral("%1x%2").arg(monitor.width()).arg(monitor.height());

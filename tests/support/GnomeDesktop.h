@@ -32,6 +32,8 @@ public:
     };
     [[nodiscard]] bool start() { return start(Setup()); }
     [[nodiscard]] bool start(const Setup &setup);
+    /// As somebody in the desktop's settings.
+    [[nodiscard]] bool setScales(const QList<double> &scales);
     /// Where a monitor lies, in units of the layout.
     QRect place(qsizetype monitor) const;
     double pixelsPerUnit(qsizetype monitor) const;
@@ -61,7 +63,7 @@ public:
 
 private:
     bool startShell();
-    bool setScales();
+    bool applyScales();
     QImage takeLook(const QString &method, const QVariantList &arguments);
     bool startHand();
     void callHand(const QString &method, const QVariantList &arguments) const;

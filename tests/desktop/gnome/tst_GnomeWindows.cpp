@@ -22,6 +22,7 @@ constexpr int escape = 1;
 constexpr auto patience = 20s;
 const auto textWindow = QStringLiteral("text_window");
 const auto overlay = QStringLiteral("Tovek");
+const auto nativeLine = QStringLiteral("Wayland: overlays are full-screen windows");
 
 } // namespace
 
@@ -64,7 +65,7 @@ private Q_SLOTS:
         QFETCH(GnomeDesktop::Setup, setup);
         QFETCH(QList<int>, exact);
         setup.background = speckles();
-        QVERIFY(start(setup));
+        QVERIFY(startDesktop(setup) && startNatively());
         QList<QImage> before;
         for (const int monitor : {0, 1}) {
             before << m_desktop->lookAt(monitor);
@@ -88,8 +89,25 @@ private Q_SLOTS:
         }
     }
 
+    /// As somebody who tries fractions in the desktop's settings, and goes back.
+    void followsTheMonitorsToAnotherWindowSystem()
+    {
+        QVERIFY(startDesktop({{1, 1}, GnomeDesktop::Setup::Layout::inPoints, true, speckles()}));
+        QVERIFY(start());
+        QVERIFY(!m_tovek->lines().contains(nativeLine));
+        QVERIFY(m_desktop->setScales({1.25, 1.25}));
+        QVERIFY(m_tovek->waitForLine(nativeLine, patience));
+        const QImage before = m_desktop->lookAt(0);
+        QVERIFY(startCapture("capture-image"));
+        const QRect selection(200, 100, 320, 240);
+        drag(0, selection);
+        QVERIFY(waitUntil([&] { return isPartOf(paste(), before, selection, 1.25); }, patience));
+        QVERIFY(m_desktop->setScales({1, 1}));
+        QVERIFY(waitUntil([this] { return startsOnXWayland() == 2; }, patience));
+    }
+
 private:
-    bool start(GnomeDesktop::Setup setup)
+    bool startDesktop(const GnomeDesktop::Setup &setup)
     {
         m_desktop = std::make_unique<GnomeDesktop>();
         if (!m_desktop->start(setup)) {
@@ -103,14 +121,20 @@ private:
             if (!m_desktop->permitScreenshots(name))
                 return false;
         }
-        if (!waitUntil([this] { return m_desktop->focusedTitle() == textWindow; }, patience))
-            return false;
+        return waitUntil([this] { return m_desktop->focusedTitle() == textWindow; }, patience);
+    }
+    bool start()
+    {
         m_tovek = m_desktop->run(qEnvironmentVariable("TOVEK_PROGRAM"), {"--background"});
         return m_tovek
-            && m_tovek->waitForLine(QStringLiteral("Wayland: overlays are full-screen windows"),
-                                    patience)
             && m_tovek->waitForLine(QStringLiteral("Wayland: capturing over the desktop's portal"),
                                     patience);
+    }
+    bool startNatively() { return start() && m_tovek->lines().contains(nativeLine); }
+    qsizetype startsOnXWayland() const
+    {
+        return m_tovek->lines().count("Wayland: capturing over the desktop's portal")
+            - m_tovek->lines().count(nativeLine);
     }
 
     bool startCapture(const char *action)
