@@ -10,6 +10,13 @@
 
 namespace tovek {
 
+namespace {
+
+/// Beyond this, a screen cannot be looked at, or the rate is no rate.
+constexpr double leastRate = 24, mostRate = 250, usualRate = 60;
+
+} // namespace
+
 std::optional<Screen> screenContaining(const std::vector<Screen> &screens, Point point)
 {
     for (const Screen &screen : screens) {
@@ -33,6 +40,17 @@ QScreen *toolkitScreen(const QString &name)
     const auto same = std::find_if(screens.begin(), screens.end(),
                                    [&](const QScreen *s) { return s->name() == name; });
     return same == screens.end() ? nullptr : *same;
+}
+
+std::chrono::milliseconds frameInterval(double refreshRate)
+{
+    const bool isRate = refreshRate >= leastRate && refreshRate <= mostRate;
+    return std::chrono::milliseconds(int(1000 / (isRate ? refreshRate : usualRate)));
+}
+
+std::chrono::milliseconds frameIntervalOf(const QScreen *screen)
+{
+    return frameInterval(screen ? screen->refreshRate() : 0);
 }
 
 } // namespace tovek

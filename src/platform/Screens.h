@@ -8,6 +8,7 @@
 #include <QRect>
 #include <QString>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -56,5 +57,11 @@ std::optional<Screen> mainOrFirst(const Screens &screens);
 
 /// The toolkit's screen of this name; null when it knows none. Needs a QGuiApplication.
 QScreen *toolkitScreen(const QString &name);
+
+/// The time between two refreshes in whole milliseconds, rounded down. Rates that no screen has,
+/// such as the 0 of some virtual ones, count as 60 a second.
+std::chrono::milliseconds frameInterval(double refreshRate);
+/// The same of a screen, which may be null.
+std::chrono::milliseconds frameIntervalOf(const QScreen *screen);
 
 } // namespace tovek

@@ -231,10 +231,22 @@ void LayerCanvas::show(const DisplayList &list)
     m_globals->connection->flush();
 }
 
-void LayerCanvas::showWaiting()
+bool LayerCanvas::isReady() const
 {
-    if (m_waiting && !m_callback && freeFrame())
+    return !m_callback
+        && (m_frames.size() < mostFrames
+            || std::any_of(m_frames.begin(), m_frames.end(),
+                           [](const std::unique_ptr<Frame> &frame) { return !frame->isBusy; }));
+}
+
+void LayerCanvas::becameReady()
+{
+    if (!isReady())
+        return;
+    if (m_waiting && freeFrame())
         show(DisplayList(std::move(*m_waiting)));
+    else if (onReady)
+        onReady();
 }
 
 void LayerCanvas::frameDone(void *data, wl_callback *callback, uint32_t)
@@ -243,7 +255,7 @@ void LayerCanvas::frameDone(void *data, wl_callback *callback, uint32_t)
     auto &self = *static_cast<LayerCanvas *>(data);
     wl_callback_destroy(callback);
     self.m_callback = nullptr;
-    self.showWaiting();
+    self.becameReady();
 }
 
 void LayerCanvas::released(void *data, wl_buffer *buffer)
@@ -253,7 +265,7 @@ void LayerCanvas::released(void *data, wl_buffer *buffer)
         if (frame->buffer.get() == buffer)
             frame->isBusy = false;
     }
-    self.showWaiting();
+    self.becameReady();
 }
 
 } // namespace tovek

@@ -45,6 +45,10 @@ public:
     void becomeIndependent();
     /// Shows the list, at once or as soon as the compositor is ready for another frame.
     void present(const DisplayList &list);
+    bool isReady() const;
+
+    /// The compositor is ready for another frame, and nothing waits to be shown.
+    std::function<void()> onReady;
 
 private:
     struct Frame;
@@ -53,9 +57,8 @@ private:
     Frame *freeFrame();
     QRegion compose(Frame &frame, const DisplayList &list) const;
     void show(const DisplayList &list);
-    void showWaiting();
+    void becameReady();
     std::shared_ptr<SharedPixels> fitted(std::shared_ptr<SharedPixels> frozen);
-    void place();
 
     std::shared_ptr<CanvasGlobals> m_globals;
     QSize m_native; ///< what is to be seen

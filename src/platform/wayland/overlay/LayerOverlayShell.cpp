@@ -13,6 +13,7 @@
 #include <QExposeEvent>
 #include <QGuiApplication>
 #include <QLibraryInfo>
+#include <QScreen>
 #include <QTimer>
 #include <QWindow>
 
@@ -45,7 +46,13 @@ LayerOverlaySurface::LayerOverlaySurface(std::shared_ptr<LayerOverlayServices> s
     , m_window(window)
     , m_screen(screen)
     , m_frozen(std::move(frozen))
+    , m_drag(m_services->canvas->connection, frameIntervalOf(toolkitScreen(screen.name)))
 {
+    m_drag.canShow = [this] { return m_canvas && m_canvas->isReady(); };
+    m_drag.onMoved = [this](QPointF at) {
+        if (onDragged)
+            onDragged(at);
+    };
     setUpWindow();
     m_window.installEventFilter(this);
     connect(m_services->outputs.get(), &WaylandOutputs::changed, this, [this] {
@@ -109,6 +116,7 @@ void LayerOverlaySurface::map()
     wl_surface *surface = surfaceOf(m_window);
     m_canvas = std::make_unique<LayerCanvas>(m_services->canvas, surface, display->shared(),
                                              m_screen.scale);
+    m_canvas->onReady = [this] { m_drag.catchUpSoon(); };
     // A window without a picture is not shown at all, and the toolkit's would have to be painted.
     const auto blank = SharedPixels::create(blankSize);
     if (!blank)
@@ -133,6 +141,7 @@ void LayerOverlaySurface::orderOut()
         m_services->knowsStart = false;
     }
     m_window.removeEventFilter(this);
+    m_drag.setOn(false);
     const bool wasVisible = std::exchange(m_isVisible, false);
     m_canvas.reset();
     if (m_viewport && qApp)
@@ -189,6 +198,8 @@ bool LayerOverlaySurface::present(const DisplayList &list)
 
 bool LayerOverlaySurface::eventFilter(QObject *watched, QEvent *event)
 {
+    if (m_drag.take(*event))
+        return true;
     switch (event->type()) {
     case QEvent::Enter:
         // Nobody could tell before where the pointer is. From there on only a press brings the keys

@@ -6,6 +6,7 @@
 #include "platform/OverlaySurface.h"
 #include "platform/wayland/SurfaceRole.h"
 #include "platform/wayland/WaylandOutputs.h"
+#include "platform/wayland/overlay/DragFollower.h"
 #include "platform/wayland/overlay/LayerCanvas.h"
 
 namespace tovek {
@@ -42,7 +43,7 @@ public:
     bool present(const DisplayList &list) override;
     void setCovered(const QRegion &) override { }
     bool liesBelow() const override { return m_canvas != nullptr; }
-    void setFollowsPointer(bool) override { }
+    void setFollowsPointer(bool isOn) override { m_drag.setOn(isOn && m_canvas); }
 
 private:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -59,6 +60,7 @@ private:
     wp_viewport *m_viewport = nullptr; ///< the window's own
     wl_buffer *m_blank = nullptr;
     std::unique_ptr<LayerCanvas> m_canvas;
+    DragFollower m_drag;
     bool m_isVisible = false;
     bool m_wantsKey = false;
     bool m_isForwarding = false;

@@ -11,13 +11,6 @@
 
 namespace tovek {
 
-namespace {
-
-/// Beyond this, the server is too busy for more, or the rate is no rate.
-constexpr double leastRate = 24, mostRate = 250, usualRate = 60;
-
-} // namespace
-
 X11FrameGate::X11FrameGate(std::shared_ptr<X11Connection> connection,
                            std::chrono::milliseconds interval)
     : m_connection(std::move(connection))
@@ -69,12 +62,6 @@ bool X11FrameGate::isDrawn()
     std::free(answer);
     std::free(error);
     return true;
-}
-
-std::chrono::milliseconds frameInterval(double refreshRate)
-{
-    const bool isRate = refreshRate >= leastRate && refreshRate <= mostRate;
-    return std::chrono::milliseconds(int(1000 / (isRate ? refreshRate : usualRate)));
 }
 
 } // namespace tovek

@@ -42,8 +42,4 @@ private:
     std::optional<unsigned> m_sync; ///< a request whose answer follows the last frame
 };
 
-/// The time between two refreshes in whole milliseconds, rounded down. Rates that no screen has,
-/// such as the 0 of some virtual ones, count as 60 a second.
-std::chrono::milliseconds frameInterval(double refreshRate);
-
 } // namespace tovek

@@ -16,15 +16,6 @@
 
 namespace tovek {
 
-namespace {
-
-std::chrono::milliseconds frameIntervalOf(const QScreen *screen)
-{
-    return frameInterval(screen ? screen->refreshRate() : 0);
-}
-
-} // namespace
-
 X11OverlaySurface::X11OverlaySurface(std::shared_ptr<X11OverlayServices> services, QWindow &window,
                                      const Screen &screen, std::shared_ptr<X11FrozenDisplay> frozen)
     : m_services(std::move(services))

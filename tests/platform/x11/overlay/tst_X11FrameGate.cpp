@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
+#include "platform/Screens.h"
 #include "platform/x11/OnX11TestDesktop.h"
 #include "platform/x11/overlay/X11FrameGate.h"
 
