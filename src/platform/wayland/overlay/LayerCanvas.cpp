@@ -5,10 +5,10 @@
 
 #include "foundation/MainThread.h"
 #include "platform/wayland/WaylandOutputs.h"
+#include "platform/wayland/overlay/FramePainter.h"
 #include "viewporter-client.h"
 
 #include <QGuiApplication>
-#include <QPainter>
 
 #include <cmath>
 #include <cstring>
@@ -19,31 +19,6 @@ namespace tovek {
 namespace {
 
 constexpr size_t mostFrames = 3; // one shown, one about to be, one to paint
-
-/// Paints what of the item lies inside a rectangle; the painter's clip is that rectangle.
-struct ItemPainter
-{
-    QPainter &painter;
-    const QRect &damage;
-
-    void operator()(const DisplayList::Fill &fill) const { paint(fill.rect, fill.color); }
-    void operator()(const DisplayList::Fills &fills) const
-    {
-        for (const QRect &rect : *fills.rects)
-            paint(rect, fills.color);
-    }
-    void operator()(const DisplayList::Decal &decal) const
-    {
-        const QRect part = boundsOf(decal) & damage;
-        if (!part.isEmpty())
-            painter.drawImage(part.topLeft(), decal.image, part.translated(-decal.at));
-    }
-    void paint(const QRect &rect, QRgb color) const
-    {
-        if (const QRect part = rect & damage; !part.isEmpty())
-            painter.fillRect(part, QColor::fromRgba(qUnpremultiply(color)));
-    }
-};
 
 /// The fewest points that cover so many pixels and are a whole number of pixels themselves.
 int wholePoints(int native, double scale)
@@ -184,31 +159,12 @@ LayerCanvas::Frame *LayerCanvas::freeFrame()
     return &frame;
 }
 
-QRegion LayerCanvas::compose(Frame &frame, const DisplayList &list) const
+void LayerCanvas::compose(Frame &frame, const DisplayList &list) const
 {
     const QRect bounds(QPoint(), m_frozen->size());
     const QRegion damage = frame.list ? damageBetween(*frame.list, list) & bounds : QRegion(bounds);
     frame.list = list;
-    if (damage.isEmpty())
-        return damage;
-    QImage image = QImage(frame.pixels->data(), bounds.width(), bounds.height(),
-                          frame.pixels->bytesPerLine(), QImage::Format_RGB32);
-    const QImage frozen(m_frozen->data(), bounds.width(), bounds.height(), m_frozen->bytesPerLine(),
-                        QImage::Format_RGB32);
-    const int veil = qBound(0, qRound(list.veil * 255), 255);
-    QPainter painter(&image);
-    for (const QRect &rect : damage) {
-        painter.setCompositionMode(QPainter::CompositionMode_Source);
-        painter.drawImage(rect.topLeft(), frozen, rect);
-        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-        if (veil > 0) {
-            for (const QRect &part : QRegion(rect) - QRegion(list.clear))
-                painter.fillRect(part, QColor(0, 0, 0, veil));
-        }
-        for (const DisplayList::Item &item : list.items)
-            std::visit(ItemPainter{painter, rect}, item);
-    }
-    return damage;
+    paintFrame(*frame.pixels, *m_frozen, list, damage);
 }
 
 void LayerCanvas::show(const DisplayList &list)

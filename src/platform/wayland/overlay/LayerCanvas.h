@@ -55,7 +55,7 @@ private:
     static void frameDone(void *data, wl_callback *callback, uint32_t time);
     static void released(void *data, wl_buffer *buffer);
     Frame *freeFrame();
-    QRegion compose(Frame &frame, const DisplayList &list) const;
+    void compose(Frame &frame, const DisplayList &list) const;
     void show(const DisplayList &list);
     void becameReady();
     std::shared_ptr<SharedPixels> fitted(std::shared_ptr<SharedPixels> frozen);

@@ -1,0 +1,127 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "fakes/PaintedList.h"
+#include "platform/wayland/overlay/FramePainter.h"
+
+#include <QTest>
+
+using namespace tovek;
+
+namespace {
+
+constexpr QSize size(121, 80);
+
+/// No two pixels beside each other are alike.
+QImage display()
+{
+    QImage image(size, QImage::Format_RGB32);
+    for (int y = 0; y < size.height(); ++y)
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixel(x, y, qRgb(x * 37 % 256, y * 91 % 256, (x + y) * 53 % 256));
+    return image;
+}
+
+/// From clear to opaque.
+QImage decalImage()
+{
+    QImage image(23, 11, QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixel(x, y, qPremultiply(qRgba(250, 120, y * 20, x * 255 / 22)));
+    return image;
+}
+
+int worst(QRgb a, QRgb b)
+{
+    return std::max(
+        {qAbs(qRed(a) - qRed(b)), qAbs(qGreen(a) - qGreen(b)), qAbs(qBlue(a) - qBlue(b))});
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(DisplayList)
+
+class TestFramePainter : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
+
+    /// Inside the damage as the toolkit's painter does it but for the rounding of colours, and
+    /// nothing outside.
+    void paintsTheDamageAndNothingElse_data()
+    {
+        QTest::addColumn<DisplayList>("list");
+        QTest::addColumn<QRegion>("damage");
+        using Fill = DisplayList::Fill;
+        using Decal = DisplayList::Decal;
+        const QRect hole(20, 20, 41, 40);
+        const Fill solid{QRect(15, 18, 31, 3), 0xffff9500};
+        const Fill shade{QRect(10, 30, 100, 33), 0x80402010};
+        const Decal decal{1, QPoint(50, 50), decalImage(), {}};
+        const Decal clipped{1, QPoint(70, 10), decalImage(), QRect(75, 12, 9, 30)};
+        const Decal outside{1, QPoint(110, -4), decalImage(), {}};
+        const auto words = fillsOf(0x20000020, {QRect(3, 3, 10, 5), QRect(8, 5, 30, 30)});
+        const QRegion all(QRect(QPoint(), size));
+        const QRegion parts =
+            QRegion(0, 0, 33, 21) + QRegion(55, 15, 40, 61) + QRegion(120, 79, 1, 1);
+        const QRegion beyond(-20, -20, 200, 60);
+        const auto row = [&](const char *name, const DisplayList &list) {
+            QTest::addRow("%s, everywhere", name) << list << all;
+            QTest::addRow("%s, in parts", name) << list << parts;
+            QTest::addRow("%s, beyond the edges", name) << list << beyond;
+        };
+        row("nothing", {});
+        row("hole without a veil", {0, hole, {}});
+        row("veil", {0.5, {}, {}});
+        row("veil around a hole", {0.31, hole, {}});
+        row("whole display is the hole", {0.5, QRect(QPoint(), size), {}});
+        row("black veil", {1, hole, {}});
+        row("fills", {0.5, hole, {solid, shade}});
+        row("decals", {0.5, hole, {decal, clipped, outside}});
+        row("words", {0, {}, {words, shade}});
+        row("all of them", {0.5, hole, {solid, decal, words, shade, clipped}});
+    }
+    void paintsTheDamageAndNothingElse()
+    {
+        QFETCH(DisplayList, list);
+        QFETCH(QRegion, damage);
+        constexpr QRgb untouched = 0x00123456;
+        QImage blank(size, QImage::Format_RGB32);
+        blank.fill(untouched);
+        const auto frame = SharedPixels::fromImage(blank);
+        const auto frozen = SharedPixels::fromImage(display());
+        paintFrame(*frame, *frozen, list, damage);
+        const QImage made = SharedPixels::image(frame, QImage::Format_RGB32);
+        const QImage expected = painted(display(), list);
+        for (int y = 0; y < size.height(); ++y) {
+            for (int x = 0; x < size.width(); ++x) {
+                const QRgb is = made.pixel(x, y);
+                const bool isRight = damage.contains(QPoint(x, y))
+                    ? worst(is, expected.pixel(x, y)) <= 1
+                    : worst(is, untouched) == 0;
+                if (!isRight)
+                    QFAIL(qPrintable(QStringLiteral("%1, %2: %3 for %4")
+                                         .arg(x)
+                                         .arg(y)
+                                         .arg(is, 8, 16)
+                                         .arg(expected.pixel(x, y), 8, 16)));
+            }
+        }
+    }
+
+    void copiesWhatNothingLiesOver()
+    {
+        const auto frame = SharedPixels::create(size);
+        const auto frozen = SharedPixels::fromImage(display());
+        const QRect hole(20, 20, 41, 40);
+        paintFrame(*frame, *frozen, {0.5, hole, {}}, QRect(QPoint(), size));
+        const QImage made = SharedPixels::image(frame, QImage::Format_RGB32);
+        QCOMPARE(made.copy(hole), display().copy(hole));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestFramePainter)
+#include "tst_FramePainter.moc"
