@@ -120,8 +120,8 @@ OverlayController::Services AppDelegate::overlayServices()
         services.takeMissingPackage = [this] {
             return m_services.ocrService->takeMissingPackage();
         };
-        services.recognizeText = [this](const Image &image) {
-            return m_services.ocrService->recognizeText(image);
+        services.recognizeText = [this](const Image &image, const SelectionText::Use &tellPart) {
+            return m_services.ocrService->recognizeText(image, tellPart);
         };
     }
     return services;

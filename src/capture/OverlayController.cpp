@@ -237,12 +237,20 @@ void OverlayController::recognizeText(const Rect &rect, const Screen &screen)
     // What is copied at once is the last selection, wherever it is.
     if (m_session->mode() == CaptureMode::copyText)
         m_session->stopTexts();
+    // What is copied at once is copied whole.
+    SelectionText::Use showPart;
+    if (m_session->mode() != CaptureMode::copyText)
+        showPart = [=, this](const std::vector<TextRegion> &regions) {
+            if (OverlayWindow *window = m_session->window(screen))
+                window->selectionView()->addTextRegions(regions);
+        };
     m_session->text(screen).start({
         captured->screenshot->pixels(),
         [=, this](const QImage &pixels) {
             return m_services.output.cropSelection(pixels, rect, screen);
         },
         [=, this] { toast(QStringLiteral("Failed to process image"), xmark, screen); },
+        showPart,
         [=, this](const std::vector<TextRegion> &regions) { useText(regions, screen); },
     });
 }

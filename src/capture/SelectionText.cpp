@@ -6,6 +6,8 @@
 #include "foundation/MainThread.h"
 #include "foundation/WhenReady.h"
 
+#include <QPointer>
+
 namespace tovek {
 
 SelectionText::SelectionText(Recognize recognize) : m_recognize(std::move(recognize)) { }
@@ -23,7 +25,14 @@ void SelectionText::start(const Request &request)
             return request.onNoImage();
         if (!m_recognize)
             return;
-        m_recognition = m_recognize(*image);
+        Use tellPart;
+        if (request.onPart) {
+            tellPart = [=, context = QPointer(this)](const std::vector<TextRegion> &regions) {
+                if (context && isCurrent())
+                    request.onPart(regions);
+            };
+        }
+        m_recognition = m_recognize(*image, tellPart);
         whenReady(m_recognition, this, [=](const std::vector<TextRegion> &regions) {
             if (isCurrent())
                 request.onRead(regions);

@@ -19,8 +19,10 @@ namespace tovek {
 class SelectionText : public QObject
 {
 public:
-    /// Cancelling the future stops the work. Unset: nothing is ever told.
-    using Recognize = std::function<QFuture<std::vector<TextRegion>>(const Image &)>;
+    using Use = std::function<void(const std::vector<TextRegion> &)>;
+    /// Cancelling the future stops the work; see OCRService. Unset: nothing is ever told.
+    using Recognize =
+        std::function<QFuture<std::vector<TextRegion>>(const Image &, const Use &tellPart)>;
     explicit SelectionText(Recognize recognize);
 
     struct Request
@@ -29,7 +31,9 @@ public:
         /// The selection's part of the pixels; absent when it has none.
         std::function<std::optional<Image>(const QImage &)> crop;
         std::function<void()> onNoImage;
-        std::function<void(const std::vector<TextRegion> &)> onRead;
+        /// Words of a large selection, while others are still being read; may be unset.
+        Use onPart;
+        Use onRead;
     };
     void start(const Request &request);
     void stop();

@@ -341,14 +341,31 @@ void SelectionOverlayView::removeToolbar()
 
 void SelectionOverlayView::showTextRegions(const std::vector<TextRegion> &regions)
 {
+    if (TextRegionOverlayView *layer = takingTextRegions()) {
+        layer->settle(regions);
+        pointAt(m_pointer); // which may rest where a word is now
+    }
+}
+
+void SelectionOverlayView::addTextRegions(const std::vector<TextRegion> &regions)
+{
+    if (TextRegionOverlayView *layer = takingTextRegions()) {
+        layer->add(regions);
+        pointAt(m_pointer);
+    }
+}
+
+TextRegionOverlayView *SelectionOverlayView::takingTextRegions()
+{
     if (!m_state.selectionRect() || m_state.isResizing())
-        return;
+        return nullptr;
     m_isTextSelectionMode = true;
-    m_textRegionOverlay = std::make_unique<TextRegionOverlayView>(m_context.defaults, regions,
-                                                                  *m_state.selectionRect());
-    m_textRegionOverlay->onNeedsDisplay = [this] { redraw(); };
-    redraw();
-    pointAt(m_pointer); // which may rest where a word is now
+    if (!m_textRegionOverlay) {
+        m_textRegionOverlay =
+            std::make_unique<TextRegionOverlayView>(m_context.defaults, *m_state.selectionRect());
+        m_textRegionOverlay->onNeedsDisplay = [this] { redraw(); };
+    }
+    return m_textRegionOverlay.get();
 }
 
 void SelectionOverlayView::removeTextRegions()

@@ -35,6 +35,8 @@ public:
     /// The words of the selection, once they are recognised. Without a selection, or while it is
     /// being resized, they come too late.
     void showTextRegions(const std::vector<TextRegion> &regions);
+    /// Some of them, while others are still being recognised.
+    void addTextRegions(const std::vector<TextRegion> &regions);
 
     const std::optional<Rect> &selectionRect() const { return m_state.selectionRect(); }
     bool isSelectionFinalized() const { return m_state.isSelectionFinalized(); }
@@ -97,6 +99,8 @@ private:
     void showToolbar();
     void removeToolbar();
     void removeTextRegions();
+    /// The layer of words, if they do not come too late; made empty where there is none yet.
+    TextRegionOverlayView *takingTextRegions();
     /// Tells the surface which part of the picture child widgets paint.
     void coverChanged();
 

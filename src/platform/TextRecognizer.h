@@ -8,6 +8,7 @@
 #include <QRectF>
 #include <QStringList>
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -46,14 +47,24 @@ struct RecognitionResult
 class TextRecognizer
 {
 public:
+    /// Gets lines of a picture that takes long while others are still being read, each word once.
+    /// The result, which always comes, has the last say about them. Main thread; never after the
+    /// future has finished or was cancelled.
+    using TellPart = std::function<void(const std::vector<TextObservation> &)>;
+
     virtual ~TextRecognizer() = default;
     /// A recognition is likely soon: what takes long to load is loaded in the background.
     virtual void prepare() = 0;
     /// The image is native pixels (Format_RGB32), `scale` of them a point. The future gets one
     /// result; when it is cancelled the work stops soon and there is none. Several recognitions
-    /// may be under way at once; a recogniser that dies cancels them.
-    [[nodiscard]] virtual QFuture<RecognitionResult> recognize(const QImage &image,
-                                                               double scale) = 0;
+    /// may be under way at once; a recogniser that dies cancels them. `tellPart` may be unset.
+    [[nodiscard]] virtual QFuture<RecognitionResult> recognize(const QImage &image, double scale,
+                                                               TellPart tellPart) = 0;
+    /// At once.
+    [[nodiscard]] QFuture<RecognitionResult> recognize(const QImage &image, double scale)
+    {
+        return recognize(image, scale, {});
+    }
     /// The packages without which text in the desktop's languages is read with the letters of
     /// another one, as the last recognition found it.
     virtual QStringList missingPackages() const { return {}; }

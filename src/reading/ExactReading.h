@@ -23,8 +23,8 @@ public:
     /// True for runs that were read here, so that the engine's reading of them is of no use. Any
     /// thread.
     virtual bool hasTaken(std::size_t run) const = 0;
-    /// The lines of words that were read; to be called once, when all threads are done.
-    virtual std::vector<std::vector<ReadWord>> takeLines() = 0;
+    /// The lines of words that were read. From the end of `read` on, as the next; any thread.
+    virtual const std::vector<std::vector<ReadWord>> &lines() const = 0;
     /// True for what the engine read where these lines are: a part of a run that it had to read.
     virtual bool isIn(const QRect &word) const = 0;
     /// Goes on with what was not found in time, for the next page; called after all others.

@@ -4,6 +4,7 @@
 #include "reading/PageReader.h"
 
 #include "foundation/Log.h"
+#include "reading/ExactLines.h"
 #include "reading/RunReader.h"
 
 #include <algorithm>
@@ -27,8 +28,6 @@ constexpr std::size_t learningRounds = 3;
 /// Of a run's width, what may be left to an engine word by word.
 constexpr double mostUnknown = 0.6;
 constexpr std::chrono::milliseconds checkInterval{20};
-/// Between two words of one line, in heights of a line.
-constexpr double widestBeside = 1.5;
 
 double columnsOf(const PageRun &run)
 {
@@ -51,33 +50,6 @@ std::size_t roundOf(std::size_t at)
     }
 }
 
-bool standsBeside(const QRect &word, const QRect &other)
-{
-    const int middle = word.center().y();
-    const int gap = std::max(word.left() - other.right(), other.left() - word.right());
-    return middle >= other.top() && middle <= other.bottom()
-        && gap <= other.height() * widestBeside;
-}
-
-/// Words that the engine read beside words of a line that was read without it belong to that line.
-void giveToLines(std::vector<ReadWord> &words, std::vector<std::vector<ReadWord>> &lines)
-{
-    std::erase_if(words, [&lines](const ReadWord &word) {
-        for (std::vector<ReadWord> &line : lines) {
-            const auto at = std::find_if(line.begin(), line.end(), [&](const ReadWord &other) {
-                return word.box.left() < other.box.left();
-            });
-            const bool isBeside = (at != line.end() && standsBeside(word.box, at->box))
-                || (at != line.begin() && standsBeside(word.box, std::prev(at)->box));
-            if (!isBeside)
-                continue;
-            line.insert(at, word);
-            return true;
-        }
-        return false;
-    });
-}
-
 } // namespace
 
 PageReader::PageReader(Page page, std::shared_ptr<EnginePool> engines,
@@ -92,6 +64,11 @@ PageReader::PageReader(Page page, std::shared_ptr<EnginePool> engines,
         std::stable_partition(m_order.begin(), m_order.end(),
                               [this](std::size_t run) { return !m_exact->mayTake(run); });
     putInRounds();
+}
+
+void PageReader::tellParts(PageParts::Listener listener)
+{
+    m_parts = std::make_unique<PageParts>(m_page, m_readings, m_exact.get(), std::move(listener));
 }
 
 void PageReader::putInRounds()
@@ -126,6 +103,15 @@ void PageReader::waitForRound(std::size_t next, const std::function<bool()> &isC
 
 void PageReader::endRun(std::size_t at)
 {
+    endInRound(at);
+    if (!m_parts)
+        return;
+    m_parts->add(m_order[at]);
+    m_parts->tell();
+}
+
+void PageReader::endInRound(std::size_t at)
+{
     if (m_roundEnds.empty() || at >= m_roundEnds.back())
         return;
     const std::lock_guard lock(m_mutex);
@@ -147,8 +133,11 @@ void PageReader::endRun(std::size_t at)
 void PageReader::read(const std::function<bool()> &isCancelled)
 {
     ++m_readers;
-    if (m_exact && !m_isExactBegun.exchange(true))
+    if (m_exact && !m_isExactBegun.exchange(true)) {
         m_exact->read([this] { return m_readers == 1 || m_nextRun >= m_page.runs.size(); });
+        if (m_parts)
+            m_parts->endExact();
+    }
     std::unique_ptr<LineEngine> engine;
     for (std::size_t next = m_nextRun++; next < m_page.runs.size() && !isCancelled();
          next = m_nextRun++) {
@@ -190,16 +179,7 @@ std::vector<std::vector<ReadWord>> PageReader::takeLines()
         if (m_exact->hasTaken(i))
             m_readings[i].clear();
     }
-    std::vector<std::vector<ReadWord>> lines = linesOf(m_page, std::move(m_readings));
-    for (std::vector<ReadWord> &line : lines)
-        std::erase_if(line, [this](const ReadWord &word) { return m_exact->isIn(word.box); });
-    std::vector<std::vector<ReadWord>> exact = m_exact->takeLines();
-    for (std::vector<ReadWord> &line : lines)
-        giveToLines(line, exact);
-    std::erase_if(lines, [](const auto &line) { return line.empty(); });
-    for (std::vector<ReadWord> &line : exact)
-        lines.push_back(std::move(line));
-    return lines;
+    return withExactLines(linesOf(m_page, std::move(m_readings)), *m_exact, m_exact->lines());
 }
 
 void PageReader::learn(const std::function<bool()> &isCancelled)

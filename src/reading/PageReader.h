@@ -4,8 +4,8 @@
 #pragma once
 
 #include "reading/EnginePool.h"
-#include "reading/ExactReading.h"
 #include "reading/KnownGlyphs.h"
+#include "reading/PageParts.h"
 
 #include <atomic>
 #include <condition_variable>
@@ -23,6 +23,9 @@ public:
     PageReader(Page page, std::shared_ptr<EnginePool> engines,
                std::unique_ptr<ExactReading> exact = nullptr);
 
+    /// Of a page that takes long, words are told before all have been read; what is read in the
+    /// end is the same. Called before `read`.
+    void tellParts(PageParts::Listener listener);
     /// No more threads than this are of use.
     std::size_t runs() const { return m_page.runs.size(); }
     /// Takes part in the reading until no run is left or `isCancelled` answers true. Any number of
@@ -44,8 +47,9 @@ private:
     void putInRounds();
     /// Until the round that the `next`-th run is in has begun.
     void waitForRound(std::size_t next, const std::function<bool()> &isCancelled);
-    /// The last one of a round learns from it and begins the next.
     void endRun(std::size_t at);
+    /// The last one of a round learns from it and begins the next.
+    void endInRound(std::size_t at);
 
     Page m_page;
     std::shared_ptr<EnginePool> m_engines;
@@ -54,6 +58,7 @@ private:
     std::atomic<bool> m_isExactBegun = false;
     std::atomic<int> m_readers = 0; ///< threads in read()
     std::vector<std::vector<ReadPiece>> m_readings; ///< one a run
+    std::unique_ptr<PageParts> m_parts; ///< null where nobody listens
     std::atomic<std::size_t> m_nextRun = 0;
     std::vector<std::size_t> m_roundEnds; ///< in order; none on small pages
     std::mutex m_mutex; ///< for the next three

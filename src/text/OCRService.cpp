@@ -15,16 +15,21 @@ namespace tovek {
 
 namespace {
 
-std::vector<TextRegion> regionsOf(const RecognitionResult &result, QSize imageSize)
+std::vector<TextRegion> regionsOf(const std::vector<TextObservation> &observations, QSize imageSize)
 {
     std::vector<TextRegion> regions;
-    if (!result.error.isEmpty())
-        logLine(QStringLiteral("OCR failed: ") + result.error);
-    for (const TextObservation &observation : result.observations) {
+    for (const TextObservation &observation : observations) {
         std::vector<TextRegion> words = wordsOf(observation, imageSize);
         regions.insert(regions.end(), words.begin(), words.end());
     }
     return regions;
+}
+
+std::vector<TextRegion> regionsOf(const RecognitionResult &result, QSize imageSize)
+{
+    if (!result.error.isEmpty())
+        logLine(QStringLiteral("OCR failed: ") + result.error);
+    return regionsOf(result.observations, imageSize);
 }
 
 } // namespace
@@ -50,14 +55,22 @@ QString OCRService::takeMissingPackage()
     return missing.front();
 }
 
-QFuture<std::vector<TextRegion>> OCRService::recognizeText(const Image &image)
+QFuture<std::vector<TextRegion>> OCRService::recognizeText(const Image &image,
+                                                           const TellPart &tellPart)
 {
     Q_ASSERT(isMainThread());
     using Regions = std::vector<TextRegion>;
     if (image.isEmpty())
         return readyFuture(Regions{});
     const QSize imageSize = image.bitmap.size();
-    QFuture<RecognitionResult> recognition = m_recognizer.recognize(image.bitmap, image.scale());
+    TextRecognizer::TellPart tellLines;
+    if (tellPart) {
+        tellLines = [=](const std::vector<TextObservation> &lines) {
+            tellPart(regionsOf(lines, imageSize));
+        };
+    }
+    QFuture<RecognitionResult> recognition =
+        m_recognizer.recognize(image.bitmap, image.scale(), tellLines);
     QFuture<Regions> regions =
         recognition.then([imageSize](const QFuture<RecognitionResult> &finished) {
             return finished.resultCount() > 0 ? regionsOf(finished.result(), imageSize) : Regions{};

@@ -9,6 +9,7 @@
 #include <QFuture>
 #include <QObject>
 
+#include <functional>
 #include <vector>
 
 namespace tovek {
@@ -22,6 +23,9 @@ class OCRService : public QObject
     Q_OBJECT
 
 public:
+    /// Gets words while others are still being read; see TextRecognizer::TellPart.
+    using TellPart = std::function<void(const std::vector<TextRegion> &)>;
+
     /// The recogniser must outlive the service.
     explicit OCRService(TextRecognizer &recognizer, QObject *parent = nullptr);
 
@@ -29,7 +33,8 @@ public:
     void prepare();
     /// The future gets one list: lines in the recogniser's order, their words in the line's.
     /// Cancelling it stops the work; there is no list then, and no log line.
-    [[nodiscard]] QFuture<std::vector<TextRegion>> recognizeText(const Image &image);
+    [[nodiscard]] QFuture<std::vector<TextRegion>> recognizeText(const Image &image,
+                                                                 const TellPart &tellPart = {});
     /// What to install so that the desktop's languages are read, the first time it is asked for;
     /// empty afterwards and where nothing is missing.
     QString takeMissingPackage();

@@ -7,13 +7,23 @@
 
 namespace tovek {
 
-TextRegionOverlayView::TextRegionOverlayView(const UserDefaults &defaults,
-                                             std::vector<TextRegion> regions, const Rect &frame)
+TextRegionOverlayView::TextRegionOverlayView(const UserDefaults &defaults, const Rect &frame)
     : m_defaults(defaults)
     , m_frame(frame)
 {
-    m_selection.textRegions = std::move(regions);
     m_selection.selectionBounds = {0, 0, frame.width, frame.height};
+}
+
+void TextRegionOverlayView::add(const std::vector<TextRegion> &regions)
+{
+    m_selection.add(regions);
+    redrawIf(true);
+}
+
+void TextRegionOverlayView::settle(std::vector<TextRegion> regions)
+{
+    m_selection.settle(std::move(regions));
+    redrawIf(true);
 }
 
 void TextRegionOverlayView::press(Point at)

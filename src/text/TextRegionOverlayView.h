@@ -16,8 +16,11 @@ class TextRegionOverlayView
 {
 public:
     /// `frame`: the selection. The settings must outlive the layer.
-    TextRegionOverlayView(const UserDefaults &defaults, std::vector<TextRegion> regions,
-                          const Rect &frame);
+    TextRegionOverlayView(const UserDefaults &defaults, const Rect &frame);
+
+    /// See TextSelection.
+    void add(const std::vector<TextRegion> &regions);
+    void settle(std::vector<TextRegion> regions);
 
     void press(Point at);
     void pressElsewhere();

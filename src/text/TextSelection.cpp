@@ -4,12 +4,37 @@
 #include "text/TextSelection.h"
 
 #include "text/ReadingOrder.h"
+#include "text/WordPlaces.h"
 
 #include <cmath>
 #include <limits>
 #include <utility>
 
 namespace tovek {
+
+void TextSelection::add(const std::vector<TextRegion> &regions)
+{
+    textRegions.insert(textRegions.end(), regions.begin(), regions.end());
+    readingOrderIndices.clear();
+    if (dragEnd)
+        (void)mouseDragged(*dragEnd);
+}
+
+void TextSelection::settle(std::vector<TextRegion> regions)
+{
+    const std::vector<TextRegion> before = std::exchange(textRegions, std::move(regions));
+    readingOrderIndices.clear();
+    hoveredIndex.reset();
+    if (selectedIndices.empty())
+        return;
+    const WordPlaces places(textRegions);
+    for (const int index : std::exchange(selectedIndices, {}))
+        selectedIndices.merge(places.at(before[std::size_t(index)].boundingBox));
+    if (dragStart)
+        selectionStartIndex = regionNearest(*dragStart);
+    if (dragEnd)
+        (void)mouseDragged(*dragEnd);
+}
 
 Rect TextSelection::rectOf(int index) const
 {
@@ -92,9 +117,11 @@ bool TextSelection::mouseDragged(Point at)
 {
     if (!isDragging || !selectionStartIndex)
         return false;
+    dragEnd = at;
     const auto target = regionNearest(at);
     if (!target)
         return false;
+    computeReadingOrder();
     const std::set<int> before = selectedIndices;
     selectRange(*selectionStartIndex, *target);
     return selectedIndices != before;
@@ -104,6 +131,7 @@ void TextSelection::mouseUp()
 {
     isDragging = false;
     dragStart.reset();
+    dragEnd.reset();
     selectionStartIndex.reset();
     reportSelection();
 }

@@ -25,7 +25,15 @@ struct TextSelection
     bool isDragging = false;
     std::optional<Point> dragStart;
     std::optional<int> selectionStartIndex;
+    std::optional<Point> dragEnd; ///< where the drag has come to
     std::vector<int> readingOrderIndices; ///< made when it is first needed
+
+    /// Further words were recognised; those there are keep their indices. A drag under way takes in
+    /// the ones that came between its ends.
+    void add(const std::vector<TextRegion> &regions);
+    /// All words have been recognised. Which of them are selected, and where a drag began, is told
+    /// by the places of those that were there before.
+    void settle(std::vector<TextRegion> regions);
 
     /// Where a region's word stands in the view.
     Rect rectOf(int index) const;

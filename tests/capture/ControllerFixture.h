@@ -60,10 +60,10 @@ struct ControllerFixture
         services.hasPermission = [this] { return hasPermission; };
         services.showPermissionWindow = [this] { events << QStringLiteral("permission"); };
         services.takeMissingPackage = [this] { return missingPackage; };
-        services.recognizeText = [this](const Image &image) {
+        services.recognizeText = [this](const Image &image, const SelectionText::Use &tellPart) {
             recognised << image.bitmap.size();
             if (recognize)
-                return recognize(image);
+                return recognize(image, tellPart);
             return readyFuture(regions);
         };
         controller = std::make_unique<OverlayController>(services);

@@ -16,6 +16,46 @@ TextRegion word(const char *text, double y)
     return {QString::fromLatin1(text), {0.1, y, 0.1, 0.1}};
 }
 
+/// A selection whose words come when the test says so.
+struct SlowText
+{
+    explicit SlowText(CaptureMode mode = CaptureMode::normal)
+    {
+        f.recognize = [this](const Image &, const SelectionText::Use &tell) {
+            tellPart = tell;
+            promise = std::make_unique<QPromise<std::vector<TextRegion>>>();
+            promise->start();
+            return promise->future();
+        };
+        f.controller->startCapture(mode);
+        select({10, 10}, {60, 60});
+    }
+    SelectionOverlayView *view() { return f.controller->overlayWindows().at(0)->selectionView(); }
+    void select(QPoint from, QPoint to)
+    {
+        QTest::mousePress(view(), Qt::LeftButton, {}, from);
+        QMouseEvent move(QEvent::MouseMove, to, to, Qt::NoButton, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(view(), &move);
+        QTest::mouseRelease(view(), Qt::LeftButton, {}, to);
+    }
+    void finish(const std::vector<TextRegion> &regions)
+    {
+        promise->addResult(regions);
+        promise->finish();
+    }
+    QString shown()
+    {
+        QStringList texts;
+        for (const TextRegion &region : view()->textRegionOverlay()->selection().textRegions)
+            texts += region.text;
+        return texts.join(' ');
+    }
+
+    ControllerFixture f;
+    SelectionText::Use tellPart;
+    std::unique_ptr<QPromise<std::vector<TextRegion>>> promise;
+};
+
 } // namespace
 
 /// What becomes of a selection: a copy, a file, a text, or word of its failure.
@@ -189,7 +229,7 @@ private Q_SLOTS:
         ControllerFixture f;
         std::vector<QPromise<std::vector<TextRegion>>> readers;
         readers.reserve(2);
-        f.recognize = [&](const Image &) {
+        f.recognize = [&](const Image &, const SelectionText::Use &) {
             readers.emplace_back().start();
             return readers.back().future();
         };
@@ -207,6 +247,55 @@ private Q_SLOTS:
         // All text is that of the last selection.
         f.overlay(1).onCopyAllText();
         QCOMPARE(f.clipboard.lastText(), QStringLiteral("second"));
+    }
+
+    void showsWordsWhileOthersAreStillRead()
+    {
+        SlowText text;
+        text.tellPart({word("to", 0.8)});
+        text.tellPart({word("be", 0.6)});
+        QCOMPARE(text.shown(), QStringLiteral("to be"));
+        QVERIFY(text.f.controller->detectedTextRegions().empty());
+        text.finish({word("not", 0.9), word("to", 0.8), word("be", 0.6)});
+        QTRY_COMPARE(text.shown(), QStringLiteral("not to be"));
+        QCOMPARE(text.f.controller->detectedTextRegions().size(), size_t(3));
+    }
+
+    /// The list of a recognition that failed is empty, but what was read is right.
+    void keepsTheWordsThatWereShownBeforeAFailure()
+    {
+        SlowText text;
+        text.tellPart({word("to", 0.8)});
+        text.finish({});
+        QCoreApplication::processEvents();
+        QCOMPARE(text.shown(), QStringLiteral("to"));
+        QVERIFY(text.f.controller->detectedTextRegions().empty());
+        QVERIFY(text.f.events.isEmpty());
+    }
+
+    void dropsTheWordsOfAnEarlierSelection()
+    {
+        SlowText text;
+        text.tellPart({word("to", 0.8)});
+        const SelectionText::Use tellEarlier = text.tellPart;
+        const Rect before = *text.view()->selectionRect();
+        text.select({60, 60}, {80, 90}); // by its corner
+        QVERIFY(!(*text.view()->selectionRect() == before));
+        tellEarlier({word("stale", 0.8)});
+        QVERIFY(!text.view()->textRegionOverlay());
+        text.tellPart({word("be", 0.8)});
+        QCOMPARE(text.shown(), QStringLiteral("be"));
+        text.f.overlay().onCancel();
+        text.tellPart({word("late", 0.8)});
+        QVERIFY(text.promise->isCanceled());
+    }
+
+    void copiesOnlyWhatIsReadInWhole()
+    {
+        SlowText text(CaptureMode::copyText);
+        QVERIFY(!text.tellPart);
+        text.finish({word("to", 0.8), word("be", 0.8)});
+        QTRY_COMPARE(text.f.clipboard.lastText(), QStringLiteral("to be"));
     }
 
     void keepsTheTextForLaterInNormalMode()

@@ -5,13 +5,15 @@
 
 namespace tovek {
 
-QFuture<RecognitionResult> FakeTextRecognizer::recognize(const QImage &image, double scale)
+QFuture<RecognitionResult> FakeTextRecognizer::recognize(const QImage &image, double scale,
+                                                         TellPart tellPart)
 {
     images.push_back(image);
     scales.push_back(scale);
     auto promise = std::make_shared<QPromise<RecognitionResult>>();
     promise->start();
     m_held.push_back(promise);
+    m_tellPart.push_back(std::move(tellPart));
     if (!m_isHeld)
         finish();
     return promise->future();
@@ -21,6 +23,7 @@ void FakeTextRecognizer::finish()
 {
     const std::shared_ptr<QPromise<RecognitionResult>> promise = m_held.front();
     m_held.erase(m_held.begin());
+    m_tellPart.erase(m_tellPart.begin());
     if (!promise->isCanceled())
         promise->addResult(result);
     promise->finish();

@@ -16,12 +16,16 @@ class FakeTextRecognizer : public TextRecognizer
 {
 public:
     void prepare() override { ++preparations; }
-    QFuture<RecognitionResult> recognize(const QImage &image, double scale) override;
+    using TextRecognizer::recognize;
+    QFuture<RecognitionResult> recognize(const QImage &image, double scale,
+                                         TellPart tellPart) override;
     QStringList missingPackages() const override { return missing; }
 
     /// While held, recognitions stay under way; `finish` completes the oldest one.
     void hold() { m_isHeld = true; }
     void finish();
+    /// A part of the oldest one that is under way.
+    void tell(const std::vector<TextObservation> &lines) { m_tellPart.front()(lines); }
     int underWay() const { return int(m_held.size()); }
     QFuture<RecognitionResult> underWayFuture() const { return m_held.front()->future(); }
 
@@ -37,6 +41,7 @@ public:
 private:
     bool m_isHeld = false;
     std::vector<std::shared_ptr<QPromise<RecognitionResult>>> m_held;
+    std::vector<TellPart> m_tellPart; ///< as many
 };
 
 } // namespace tovek

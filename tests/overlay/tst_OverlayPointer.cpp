@@ -83,6 +83,45 @@ private Q_SLOTS:
         QCOMPARE(f.selectedWords(), size_t(0));
     }
 
+    void picksGoOnWhileFurtherWordsCome()
+    {
+        PointerFixture f;
+        QVERIFY(f.start());
+        f.press(onWord);
+        f.view()->addTextRegions({{"below", {0.1, 0.2, 0.4, 0.2}}});
+        f.point({150, 150});
+        QCOMPARE(f.selectedWords(), size_t(2));
+        f.view()->addTextRegions({{"beside", {0.6, 0.6, 0.1, 0.2}}});
+        QCOMPARE(f.selectedWords(), size_t(3));
+        f.view()->showTextRegions(
+            {{"below", {0.1, 0.2, 0.4, 0.2}}, {"word", {0.1, 0.6, 0.4, 0.2}}});
+        f.release({150, 150});
+        QCOMPARE(f.selectedWords(), size_t(2));
+        QCOMPARE(f.view()->textRegionOverlay()->selectedRegions().front().text,
+                 QStringLiteral("word"));
+        QVERIFY(!f.view()->textRegionOverlay()->isDragging());
+    }
+
+    void pointsAtAWordThatComesBelowThePointer()
+    {
+        PointerFixture f;
+        QVERIFY(f.start());
+        f.pointAt({150, 150});
+        QVERIFY(!f.view()->textRegionOverlay()->selection().hoveredIndex);
+        f.view()->addTextRegions({{"below", {0.1, 0.2, 0.4, 0.2}}});
+        QCOMPARE(f.view()->textRegionOverlay()->selection().hoveredIndex, std::optional(1));
+    }
+
+    void takesNoWordsWhileTheSelectionIsResized()
+    {
+        PointerFixture f;
+        QVERIFY(f.start());
+        f.press({100, 95});
+        f.view()->addTextRegions({{"late", {0.1, 0.2, 0.4, 0.2}}});
+        QVERIFY(!f.view()->textRegionOverlay());
+        f.release({100, 95});
+    }
+
     void resizesByTheInnermostColumn_data()
     {
         QTest::addColumn<QPoint>("from");

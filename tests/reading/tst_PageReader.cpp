@@ -57,7 +57,11 @@ Page pageOfBlocks(int lines, int blocks = 1)
 class EveryOther : public ExactReading
 {
 public:
-    explicit EveryOther(const Page &page) : m_page(page) { }
+    explicit EveryOther(const Page &page) : m_page(page)
+    {
+        for (std::size_t run = 1; run < m_page.runs.size(); run += 2)
+            m_lines.push_back({{"exact", m_page.runs[run].text.box, 100}});
+    }
     bool mayTake(std::size_t) const override { return true; }
     void read(const std::function<bool()> &isWaitedFor) override
     {
@@ -65,13 +69,7 @@ public:
         wasWaitedFor = isWaitedFor();
     }
     bool hasTaken(std::size_t run) const override { return m_isRead && run % 2 == 1; }
-    std::vector<std::vector<ReadWord>> takeLines() override
-    {
-        std::vector<std::vector<ReadWord>> lines;
-        for (std::size_t run = 1; run < m_page.runs.size(); run += 2)
-            lines.push_back({{"exact", m_page.runs[run].text.box, 100}});
-        return lines;
-    }
+    const std::vector<std::vector<ReadWord>> &lines() const override { return m_lines; }
     bool isIn(const QRect &word) const override
     {
         return m_page.runs[2].text.box.contains(word.center());
@@ -82,7 +80,39 @@ public:
 
 private:
     Page m_page;
+    std::vector<std::vector<ReadWord>> m_lines;
     bool m_isRead = false;
+};
+
+QStringList wordsIn(const std::vector<std::vector<ReadWord>> &lines)
+{
+    QStringList words;
+    for (const std::vector<ReadWord> &line : lines) {
+        for (const ReadWord &word : line)
+            words += QStringLiteral("%1 %2").arg(word.text).arg(word.box.top() / 40);
+    }
+    return words;
+}
+
+/// A page of which each line takes a tenth of a second.
+struct SlowPage
+{
+    explicit SlowPage(int lines, bool readsExactly = false)
+    {
+        const Page page = pageOfBlocks(lines);
+        const auto pool = std::make_shared<EnginePool>(
+            [this] { return std::make_unique<CountingEngine>(linesRead, QSet<int>{}); });
+        std::unique_ptr<ExactReading> exact;
+        if (readsExactly)
+            exact = std::make_unique<EveryOther>(page);
+        reader = std::make_unique<PageReader>(page, pool, std::move(exact));
+        reader->tellParts({[this](const auto &lines) { parts.push_back(wordsIn(lines)); },
+                           [this] { return std::chrono::milliseconds(100 * *linesRead); }});
+    }
+
+    std::shared_ptr<int> linesRead = std::make_shared<int>(0);
+    std::vector<QStringList> parts;
+    std::unique_ptr<PageReader> reader;
 };
 
 QSet<int> firstLines(int count)
@@ -174,13 +204,9 @@ private Q_SLOTS:
                           std::make_unique<EveryOther>(page));
         reader.read([] { return false; });
         QCOMPARE(*linesRead, 3);
-        QStringList words;
-        for (const auto &line : reader.takeLines()) {
-            for (const ReadWord &word : line)
-                words += word.text;
-        }
         // The third run's words lie where others were read without the engine.
-        QCOMPARE(words, QStringList({"M", "M", "exact", "exact", "exact"}));
+        QCOMPARE(wordsIn(reader.takeLines()),
+                 QStringList({"M 0", "M 4", "exact 1", "exact 3", "exact 5"}));
     }
 
     void asksForHasteWhereNothingElseIsReadMeanwhile()
@@ -195,6 +221,46 @@ private Q_SLOTS:
                           std::move(exact));
         reader.read([] { return false; });
         QVERIFY(asked.wasWaitedFor);
+    }
+
+    void tellsTheFirstWordsOfALongPageWhileTheRestIsRead()
+    {
+        SlowPage page(12);
+        page.reader->read([] { return false; });
+        // In the order in which they are read, from 0.3 s on, a quarter of a second apart; what
+        // is left after the ninth line comes soon.
+        QCOMPARE(page.parts,
+                 (std::vector<QStringList>{
+                     {"M 0", "M 1", "M 2"}, {"M 3", "M 4", "M 5"}, {"M 6", "M 7", "M 8"}}));
+        QCOMPARE(wordsIn(page.reader->takeLines()).size(), 12);
+    }
+
+    void tellsNothingOfAShortPageBeforeItsEnd()
+    {
+        SlowPage page(5);
+        page.reader->read([] { return false; });
+        QVERIFY(page.parts.empty());
+        QCOMPARE(wordsIn(page.reader->takeLines()).size(), 5);
+    }
+
+    void tellsNothingAfterItWasCancelled()
+    {
+        SlowPage page(12);
+        page.reader->read([&] { return *page.linesRead >= 5; });
+        QCOMPARE(page.parts.size(), std::size_t(1));
+    }
+
+    void tellsOnceWhatIsReadWithoutTheEngine()
+    {
+        SlowPage page(24, true);
+        page.reader->read([] { return false; });
+        QCOMPARE(page.parts.size(), std::size_t(3));
+        const QStringList exact = page.parts[0].filter(QStringLiteral("exact"));
+        QCOMPARE(exact.size(), 12);
+        QStringList all = page.parts[0] + page.parts[1] + page.parts[2];
+        QCOMPARE(all.removeDuplicates(), 0);
+        QVERIFY(all.size() > 12);
+        QVERIFY(!all.contains(QStringLiteral("M 2"))); // it lies where words were read exactly
     }
 
     void isUnreadableWithoutAnEngine()

@@ -164,6 +164,25 @@ private Q_SLOTS:
         QCOMPARE(future.resultCount(), 0);
     }
 
+    void tellsWordsWhileOthersAreStillRead()
+    {
+        FakeTextRecognizer recognizer;
+        recognizer.hold();
+        OCRService service(recognizer);
+        QStringList told;
+        auto future = service.recognizeText(picture(200, 40), [&](const auto &regions) {
+            told += textsOf(regions).join(' ');
+            QCOMPARE(regions.front().boundingBox.y, 0.5);
+        });
+        recognizer.tell({FakeTextRecognizer::lineOf("to be"), FakeTextRecognizer::lineOf("or")});
+        recognizer.tell({FakeTextRecognizer::lineOf("not")});
+        QCOMPARE(told, (QStringList{"to be or", "not"}));
+        QVERIFY(!future.isFinished());
+        recognizer.result.observations = {FakeTextRecognizer::lineOf("to be or not")};
+        recognizer.finish();
+        QCOMPARE(textsOf(future.result()), (QStringList{"to", "be", "or", "not"}));
+    }
+
     void preparesTheRecogniser()
     {
         FakeTextRecognizer recognizer;

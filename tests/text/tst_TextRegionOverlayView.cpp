@@ -85,6 +85,21 @@ private Q_SLOTS:
         m_view->release();
         QCOMPARE(m_view->selectedRegions().size(), std::size_t(2));
     }
+    void takesInFurtherWords()
+    {
+        int changes = 0;
+        m_view->onNeedsDisplay = [&] { ++changes; };
+        m_view->press({105, 125});
+        m_view->drag({128, 125});
+        changes = 0;
+        m_view->add({{"x", {0.12, 0.5, 0.05, 0.25}}});
+        QCOMPARE(changes, 1);
+        QVERIFY(m_view->isDragging());
+        QCOMPARE(m_view->selectedRegions().size(), std::size_t(3));
+        m_view->settle({{"b", {0.2, 0.5, 0.1, 0.25}}, {"a", {0, 0.5, 0.1, 0.25}}});
+        QCOMPARE(changes, 2);
+        QCOMPARE(m_view->selectedRegions().size(), std::size_t(2));
+    }
     void emphasizesTheWordUnderThePointer()
     {
         m_view->hover(Point{125, 125});
@@ -177,7 +192,8 @@ private Q_SLOTS:
 private:
     void show(std::vector<TextRegion> regions, const Rect &frame)
     {
-        m_view = std::make_unique<TextRegionOverlayView>(*m_defaults, std::move(regions), frame);
+        m_view = std::make_unique<TextRegionOverlayView>(*m_defaults, frame);
+        m_view->settle(std::move(regions));
     }
 
     std::unique_ptr<QTemporaryDir> m_folder;

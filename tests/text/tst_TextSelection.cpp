@@ -159,6 +159,101 @@ private Q_SLOTS:
         QCOMPARE(words.selected(), QString());
     }
 
+    void wordsThatComeLaterLeaveASelectionAsItIs()
+    {
+        Words words;
+        (void)words.mouseDown(inA);
+        (void)words.mouseDragged(inB);
+        words.mouseUp();
+        (void)words.mouseMoved(inD);
+        words.add({{"x", {0.12, 0.5, 0.05, 0.25}}});
+        QCOMPARE(words.selected(), QString("ab"));
+        QCOMPARE(words.hoveredIndex, std::optional(3));
+        (void)words.mouseDown(inA);
+        (void)words.mouseDragged(inB);
+        QCOMPARE(words.selected(), QString("axb"));
+    }
+
+    void aDragTakesInWordsThatComeMeanwhile()
+    {
+        Words words;
+        (void)words.mouseDown(inA);
+        words.add({{"x", {0.12, 0.5, 0.05, 0.25}}});
+        QCOMPARE(words.selected(), QString("a"));
+        (void)words.mouseDragged(inD);
+        QCOMPARE(words.selected(), QString("axbcd"));
+        words.add({{"y", {0.32, 0.5, 0.05, 0.25}}, {"z", {0.32, 0, 0.05, 0.25}}});
+        QVERIFY(words.isDragging);
+        QCOMPARE(words.selected(), QString("axbycd"));
+        QVERIFY(words.mouseDragged({34, 5}));
+        QCOMPARE(words.selected(), QString("axbycdz"));
+    }
+
+    void theFinalWordsTakeOverASelection_data()
+    {
+        QTest::addColumn<QString>("texts");
+        QTest::addColumn<QList<double>>("lefts"); // in the upper line, each as wide as the next
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("the same in another order")
+            << "dbca" << QList<double>{0.2, 0.2, 0, 0} << "ab";
+        QTest::newRow("read otherwise") << "ABcd" << QList<double>{0, 0.2, 0, 0.2} << "AB";
+        QTest::newRow("one was divided") << "aBBcd" << QList<double>{0, 0.2, 0.25, 0, 0.2} << "aBB";
+    }
+    void theFinalWordsTakeOverASelection()
+    {
+        QFETCH(QString, texts);
+        QFETCH(QList<double>, lefts);
+        Words words;
+        (void)words.mouseDown(inA);
+        (void)words.mouseDragged(inB);
+        words.mouseUp();
+        (void)words.mouseMoved(inC);
+        std::vector<TextRegion> regions;
+        for (qsizetype i = 0; i < texts.size(); ++i) {
+            const double y = QStringLiteral("cd").contains(texts[i]) ? 0 : 0.5;
+            const double width = texts[i] == 'B' && texts.count('B') > 1 ? 0.05 : 0.1;
+            regions.push_back({texts[i], {lefts[i], y, width, 0.25}});
+        }
+        words.settle(regions);
+        QTEST(words.selected(), "expected");
+        QVERIFY(!words.hoveredIndex); // the view points again
+        QVERIFY(!words.isDragging);
+    }
+
+    void theFinalWordsDoNotEndADrag_data()
+    {
+        QTest::addColumn<bool>("keepsTheFirst");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("from a word that stays") << true << "abcd";
+        QTest::newRow("from a word that goes") << false << "bcd";
+    }
+    void theFinalWordsDoNotEndADrag()
+    {
+        QFETCH(bool, keepsTheFirst);
+        Words words;
+        (void)words.mouseDown({8, 25}); // in a, nearer to b than to c
+        (void)words.mouseDragged(inC);
+        QCOMPARE(words.selected(), QString("abc"));
+        std::vector<TextRegion> regions(words.textRegions.rbegin(), words.textRegions.rend());
+        if (!keepsTheFirst)
+            regions.pop_back();
+        words.settle(regions);
+        QVERIFY(words.isDragging);
+        QVERIFY(words.mouseDragged(inD));
+        QTEST(words.selected(), "expected");
+        words.mouseUp();
+        QCOMPARE(words.reports.size(), 1);
+    }
+
+    void settlesWithoutASelection()
+    {
+        Words words;
+        words.settle({{"n", {0.5, 0.5, 0.1, 0.25}}});
+        QCOMPARE(words.selected(), QString());
+        (void)words.mouseDown({55, 25});
+        QCOMPARE(words.selected(), QString("n"));
+    }
+
     void selectRangeIgnoresUnknownRegions()
     {
         Words words;

@@ -13,6 +13,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QFutureWatcher>
 #include <QLocale>
@@ -67,6 +68,8 @@ RecognitionResult withoutMemory()
 struct TesseractRecognizer::Job
 {
     QPromise<RecognitionResult> promise;
+    TellPart tellPart;
+    QElapsedTimer sinceAsked;
     QImage image;
     std::shared_ptr<EnginePool> engines;
     std::unique_ptr<PageReader> reader;
@@ -119,10 +122,13 @@ void TesseractRecognizer::prepare()
     }
 }
 
-QFuture<RecognitionResult> TesseractRecognizer::recognize(const QImage &image, double)
+QFuture<RecognitionResult> TesseractRecognizer::recognize(const QImage &image, double,
+                                                          TellPart tellPart)
 {
     findEngines();
     auto job = std::make_shared<Job>();
+    job->sinceAsked.start();
+    job->tellPart = std::move(tellPart);
     const QFuture<RecognitionResult> future = job->promise.future();
     job->promise.start();
     if (m_setup.languages.isEmpty()) {
@@ -188,11 +194,28 @@ void TesseractRecognizer::start(const std::shared_ptr<Job> &job)
         return job->finish(withoutMemory());
     }
     job->image = {};
+    if (job->tellPart) {
+        // The job owns the reader, and with it this.
+        const std::weak_ptr<Job> weak = job;
+        job->reader->tellParts(
+            {[this, weak](const auto &lines) { tellPart(weak.lock(), lines); },
+             [&timer = job->sinceAsked] { return std::chrono::milliseconds(timer.elapsed()); }});
+    }
     const std::size_t useful = std::min(job->reader->runs(), std::size_t(m_threads.mostThreads()));
     job->threads = std::max(1, int(useful));
     for (int i = 1; i < job->threads; ++i)
         m_threads.start([this, job] { read(job); });
     read(job);
+}
+
+void TesseractRecognizer::tellPart(const std::shared_ptr<Job> &job,
+                                   const std::vector<std::vector<ReadWord>> &lines)
+{
+    QMetaObject::invokeMethod(this, [job, part = observationsOf(lines)] {
+        const QFuture<RecognitionResult> future = job->promise.future();
+        if (!future.isFinished() && !future.isCanceled())
+            job->tellPart(part);
+    });
 }
 
 void TesseractRecognizer::read(const std::shared_ptr<Job> &job)

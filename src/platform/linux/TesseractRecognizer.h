@@ -18,6 +18,7 @@ namespace tovek {
 
 class EnginePool;
 class FontReader;
+struct ReadWord;
 
 /// Recognises with the Tesseract engine, as many processes of it as there are cores, which stay
 /// warm between recognitions and end after two minutes without one. The models are looked for at
@@ -31,7 +32,9 @@ public:
     ~TesseractRecognizer() override;
 
     void prepare() override;
-    QFuture<RecognitionResult> recognize(const QImage &image, double scale) override;
+    using TextRecognizer::recognize;
+    QFuture<RecognitionResult> recognize(const QImage &image, double scale,
+                                         TellPart tellPart) override;
     QStringList missingPackages() const override { return m_missingPackages; }
     /// Processes that are kept warm now.
     int warmEngines() const;
@@ -40,6 +43,8 @@ private:
     struct Job;
     void findEngines();
     void start(const std::shared_ptr<Job> &job);
+    /// Any thread.
+    void tellPart(const std::shared_ptr<Job> &job, const std::vector<std::vector<ReadWord>> &lines);
     void read(const std::shared_ptr<Job> &job);
     void becomeIdle();
 

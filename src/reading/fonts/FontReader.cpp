@@ -165,7 +165,7 @@ public:
         for (std::size_t i = 0; i < m_grids.size(); ++i)
             readGrid(i);
     }
-    std::vector<std::vector<ReadWord>> takeLines() override { return std::move(m_lines); }
+    const std::vector<std::vector<ReadWord>> &lines() const override { return m_lines; }
     bool isIn(const QRect &word) const override
     {
         return std::any_of(m_boxes.begin(), m_boxes.end(),

@@ -30,6 +30,19 @@ QImage lineOf(const QString &text, const QFont &font, QColor paper, QColor ink)
     return image;
 }
 
+QImage pageOf(const QString &words, QSize size)
+{
+    QFont font("DejaVu Sans");
+    font.setPixelSize(12);
+    QImage page(size, QImage::Format_RGB32);
+    page.fill(Qt::white);
+    QPainter painter(&page);
+    painter.setFont(font);
+    for (int y = 20; y < size.height() - 10; y += 16)
+        painter.drawText(10, y, words.repeated(size.width() / 6 / int(words.size())));
+    return page;
+}
+
 QString textOf(const RecognitionResult &result)
 {
     QStringList lines;
@@ -219,22 +232,56 @@ private Q_SLOTS:
         QVERIFY(result.error.contains("reinstall"));
     }
 
+    void tellsTheFirstWordsOfALargePageEarly()
+    {
+        const QImage page =
+            pageOf("many different words on a page, and Figures 0123 ", {3000, 2000});
+        (void)m_recognizer->recognize(noise({30, 30}), 1).result(); // loads an engine
+        QElapsedTimer timer;
+        timer.start();
+        QList<qint64> times;
+        std::size_t told = 0;
+        auto future = m_recognizer->recognize(page, 1, [&](const auto &lines) {
+            times += timer.elapsed();
+            for (const TextObservation &line : lines)
+                told += line.ranges.size();
+        });
+        QTRY_VERIFY_WITH_TIMEOUT(future.isFinished(), 60000);
+        const qint64 whole = timer.elapsed();
+        QVERIFY(!times.isEmpty());
+        QVERIFY2(times.first() < whole / 2,
+                 qPrintable(QStringLiteral("%1 of %2 ms").arg(times.first()).arg(whole)));
+        for (qsizetype i = 1; i < times.size(); ++i)
+            QVERIFY(times[i] >= times[i - 1]);
+        const RecognitionResult result = future.result();
+        std::size_t words = 0;
+        for (const TextObservation &line : result.observations)
+            words += line.ranges.size();
+        QVERIFY(told > words / 4);
+        QVERIFY(told <= words);
+        QVERIFY(result.observations == m_recognizer->recognize(page, 1).result().observations);
+    }
+
+    void tellsNothingAfterItIsCancelled()
+    {
+        const QImage page = pageOf("many words on a page ", {3000, 2000});
+        int parts = 0;
+        auto future = m_recognizer->recognize(page, 1, [&](const auto &) { ++parts; });
+        QTRY_COMPARE_WITH_TIMEOUT(parts, 1, 20000);
+        future.cancel();
+        QTRY_VERIFY_WITH_TIMEOUT(future.isFinished(), 20000);
+        QTest::qWait(50);
+        QCOMPARE(parts, 1);
+    }
+
     void stopsWhenItIsCancelled()
     {
-        QFont font("DejaVu Sans");
-        font.setPixelSize(12);
-        QImage page(1600, 1200, QImage::Format_RGB32);
-        page.fill(Qt::white);
-        QPainter painter(&page);
-        painter.setFont(font);
-        for (int y = 20; y < 1190; y += 16)
-            painter.drawText(10, y, QString("many words on a page ").repeated(12));
-        painter.end();
+        const QImage page = pageOf("many words on a page ", {1600, 1200});
         QElapsedTimer timer;
         timer.start();
         for (int i = 0; i < 10; ++i)
             m_recognizer->recognize(page, 1).cancel();
-        const QImage line = lineOf("after all", font, Qt::white, Qt::black);
+        const QImage line = lineOf("after all", QFont("DejaVu Sans", 9), Qt::white, Qt::black);
         QCOMPARE(textOf(m_recognizer->recognize(line, 1).result()), QString("after all"));
         QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
     }

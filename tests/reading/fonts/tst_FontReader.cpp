@@ -32,7 +32,7 @@ QStringList linesRead(FontReader &fonts, const QImage &image)
         return {};
     reading->read([] { return true; });
     QStringList result;
-    for (const auto &line : reading->takeLines()) {
+    for (const auto &line : reading->lines()) {
         QStringList words;
         for (const ReadWord &word : line)
             words += word.text;

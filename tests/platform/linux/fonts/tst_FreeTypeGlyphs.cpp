@@ -88,7 +88,7 @@ private Q_SLOTS:
         QVERIFY(reading);
         reading->read([] { return true; });
         QStringList read;
-        for (const auto &line : reading->takeLines()) {
+        for (const auto &line : reading->lines()) {
             for (const ReadWord &word : line)
                 read += word.text;
         }
