@@ -8,8 +8,9 @@
 
 namespace tovek {
 
-/// Asks until the answer is yes or the deadline has passed, a few hundred times a second. True
-/// when the answer was yes. Events of this process are handled in between.
+/// Asks until the answer is yes or the deadline has passed, a few hundred times a second, or for a
+/// quarter of the time where to ask takes long. True when the answer was yes. Events of this
+/// process are handled in between.
 [[nodiscard]] bool waitUntil(const std::function<bool()> &condition,
                              std::chrono::milliseconds deadline = std::chrono::seconds(10));
 
