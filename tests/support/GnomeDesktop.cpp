@@ -12,6 +12,8 @@
 #include <QRegularExpression>
 #include <QThread>
 
+#include <cmath>
+
 namespace tovek {
 
 namespace {
@@ -80,6 +82,20 @@ bool GnomeDesktop::setScales(const QList<double> &scales)
     return applyScales();
 }
 
+double GnomeDesktop::nearestScale(double wanted, QSize size, const QString &state)
+{
+    const QRegularExpression mode(QStringLiteral("'%1x%2@[^']+', %1, %2, [0-9.]+, [0-9.]+, "
+                                                 "\\[([^\\]]*)\\]")
+                                      .arg(size.width())
+                                      .arg(size.height()));
+    double nearest = 1;
+    for (const QString &offered : mode.match(state).captured(1).split(QStringLiteral(", "))) {
+        if (std::abs(offered.toDouble() - wanted) < std::abs(nearest - wanted))
+            nearest = offered.toDouble();
+    }
+    return nearest;
+}
+
 bool GnomeDesktop::applyScales()
 {
     if (m_setup.scales.isEmpty())
@@ -96,6 +112,8 @@ bool GnomeDesktop::applyScales()
     const QString state = QString::fromUtf8(ask("GetCurrentState", {}));
     const auto serial =
         QRegularExpression(QStringLiteral("^\\(uint32 ([0-9]+)")).match(state).captured(1);
+    for (qsizetype i = 0; i < m_setup.scales.size(); ++i)
+        m_setup.scales[i] = nearestScale(m_setup.scales[i], monitors()[i].size(), state);
     QStringList configured;
     for (qsizetype i = 0; i < m_setup.scales.size(); ++i) {
         const QString size =

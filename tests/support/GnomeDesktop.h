@@ -24,7 +24,8 @@ public:
 
     struct Setup
     {
-        /// Of the monitors, from left to right. Empty: as the desktop starts, all of them 1.
+        /// Of the monitors, from left to right; the nearest that the desktop offers are taken.
+        /// Empty: as the desktop starts, all of them 1.
         QList<double> scales;
         enum class Layout { inPoints, inPixels } layout = Layout::inPoints;
         bool hasXWayland = true;
@@ -64,6 +65,8 @@ public:
 private:
     bool startShell();
     bool applyScales();
+    /// The nearest that the desktop offers in its state for monitors of this size.
+    static double nearestScale(double wanted, QSize size, const QString &state);
     QImage takeLook(const QString &method, const QVariantList &arguments);
     bool startHand();
     void callHand(const QString &method, const QVariantList &arguments) const;

@@ -101,6 +101,15 @@ private Q_SLOTS:
         QVERIFY(waitUntil([this] { return m_desktop.unmanagedTitles().isEmpty(); }, patience));
     }
 
+    void leavesWhatWasCopiedWhenItQuits()
+    {
+        const QByteArray copied = m_desktop.output(QStringLiteral("wl-paste"), {});
+        QVERIFY(!copied.isEmpty());
+        QVERIFY(m_desktop.act(QStringLiteral("quit")));
+        QVERIFY(waitUntil([&] { return !m_desktop.act("no-such-action"); }, patience));
+        QCOMPARE(m_desktop.output(QStringLiteral("wl-paste"), {}), copied);
+    }
+
 private:
     void permit()
     {
