@@ -1,0 +1,183 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+// What a user of the running program waits for on GNOME with two monitors, beside a bare client of
+// the desktop's portal that does nothing with the picture. Prints Markdown.
+// TOVEK_PROGRAM names another build of the program.
+
+#include "Measure.h"
+#include "Pictures.h"
+#include "support/GnomeDesktop.h"
+#include "support/Wait.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <QDeadlineTimer>
+#include <QEventLoop>
+#include <QFile>
+#include <QGuiApplication>
+#include <QTimer>
+#include <QUrl>
+
+#include <cstdio>
+#include <thread>
+
+using namespace tovek;
+using namespace tovek::bench;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int runs = 15;
+constexpr int escape = 1;
+constexpr auto settleTime = 500ms;
+constexpr auto patience = 20s;
+const auto askingOption = QStringLiteral("--ask-portal");
+
+[[noreturn]] void giveUp(const QString &reason)
+{
+    std::fflush(stdout);
+    std::fprintf(stderr, "bench_gnome: %s\n", qPrintable(reason));
+    std::exit(1);
+}
+
+/// Asks for a picture, and waits for the name of its file. The portal answers only to programs of
+/// the desktop's user.
+class BarePortalClient : public QObject
+{
+    Q_OBJECT
+
+public:
+    BarePortalClient()
+    {
+        m_bus.connect(QString(), QString(), QStringLiteral("org.freedesktop.portal.Request"),
+                      QStringLiteral("Response"), this, SLOT(respond(uint, QVariantMap)));
+        m_limit.setSingleShot(true);
+        m_limit.callOnTimeout(&m_loop, &QEventLoop::quit);
+        // What the connection takes is not the portal's.
+        m_bus.call(QDBusMessage::createMethodCall(
+            m_portal, m_path, QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping")));
+    }
+
+    QString takePicture()
+    {
+        QDBusMessage ask = QDBusMessage::createMethodCall(
+            m_portal, m_path, QStringLiteral("org.freedesktop.portal.Screenshot"),
+            QStringLiteral("Screenshot"));
+        ask << QString() << QVariantMap{{QStringLiteral("interactive"), false}};
+        m_bus.asyncCall(ask);
+        m_limit.start(patience);
+        m_loop.exec();
+        return m_file;
+    }
+
+private Q_SLOTS:
+    void respond(uint, const QVariantMap &results)
+    {
+        m_file = QUrl(results.value(QStringLiteral("uri")).toString()).toLocalFile();
+        m_loop.quit();
+    }
+
+private:
+    const QString m_portal = QStringLiteral("org.freedesktop.portal.Desktop");
+    const QString m_path = QStringLiteral("/org/freedesktop/portal/desktop");
+    QDBusConnection m_bus = QDBusConnection::sessionBus();
+    QEventLoop m_loop;
+    QTimer m_limit;
+    QString m_file;
+};
+
+/// Prints how long the portal took, in milliseconds.
+int askPortal()
+{
+    BarePortalClient client;
+    QString file;
+    const double time = millisecondsOf([&] { file = client.takePicture(); });
+    if (file.isEmpty() || !QFile::remove(file))
+        return 1;
+    std::printf("%.3f\n", time);
+    return 0;
+}
+
+struct Stage
+{
+    Stage()
+    {
+        GnomeDesktop::Setup setup;
+        setup.background = windowsWithText({1600, 1200});
+        if (!desktop.start(setup))
+            giveUp(desktop.error());
+        for (const QString &name : {QString(), QStringLiteral("org.tovek.Tovek")}) {
+            if (!desktop.permitScreenshots(name))
+                giveUp(QStringLiteral("the desktop keeps no permissions"));
+        }
+        tovek = desktop.run(qEnvironmentVariable("TOVEK_PROGRAM"), {"--background"});
+        if (!tovek || !waitUntil([&] { return desktop.act("no-such-action"); }, patience))
+            giveUp(QStringLiteral("the program does not start"));
+        std::this_thread::sleep_for(settleTime);
+    }
+
+    bool isShown() const
+    {
+        return desktop.unmanagedTitles().size() == GnomeDesktop::monitors().size();
+    }
+
+    /// Milliseconds until the desktop has the pixels of all overlays, or the client its file.
+    double open(Subject subject)
+    {
+        if (subject == Subject::floor) {
+            bool isTime = false;
+            const double time =
+                desktop.output(QCoreApplication::applicationFilePath(), {askingOption})
+                    .trimmed()
+                    .toDouble(&isTime);
+            return isTime ? time : (giveUp(QStringLiteral("the portal gave no picture")), 0);
+        }
+        const double time = millisecondsOf([&] {
+            const QDeadlineTimer end(patience);
+            if (!desktop.act("start-capture"))
+                giveUp(QStringLiteral("the program has ended"));
+            while (!isShown()) {
+                if (end.hasExpired())
+                    giveUp(QStringLiteral("no overlay came"));
+            }
+        });
+        return time;
+    }
+    void close()
+    {
+        std::this_thread::sleep_for(settleTime);
+        if (isShown())
+            desktop.tap(escape);
+        if (!waitUntil([&] { return desktop.unmanagedTitles().isEmpty(); }, patience))
+            giveUp(QStringLiteral("an overlay does not close"));
+        std::this_thread::sleep_for(settleTime);
+    }
+
+    GnomeDesktop desktop;
+    Program *tovek = nullptr;
+};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!qEnvironmentVariableIsSet("TOVEK_PROGRAM"))
+        qputenv("TOVEK_PROGRAM", TOVEK_BINARY);
+    const QGuiApplication application(argc, argv);
+    if (application.arguments().contains(askingOption))
+        return askPortal();
+    if (const QString missing = GnomeDesktop::missing(); !missing.isEmpty())
+        giveUp(missing);
+    Stage stage;
+    const Pair times = timesOfOpening(stage, runs);
+    std::printf("\n## Command to all overlays, beside the portal alone (ms: median)\n\n"
+                "| program | portal | difference | budget |\n|---|---|---|---|\n"
+                "| %.1f | %.1f | %.1f | 20 |\n",
+                median(times.tovek), median(times.floor),
+                median(times.tovek) - median(times.floor));
+    return 0;
+}
+
+#include "bench_gnome.moc"
