@@ -6,6 +6,7 @@
 #include "desktop/wayland/WaylandSession.h"
 #include "support/Skip.h"
 
+#include <QLibraryInfo>
 #include <QRegularExpression>
 
 using namespace tovek;
@@ -45,6 +46,26 @@ private Q_SLOTS:
         session.select(0, {200, 200}, {400, 360});
         QVERIFY(session.tap("Return"));
         QCOMPARE(differentPixels(session.pasted(), session.expected(0, {200, 200, 200, 160})), 0);
+    }
+
+    /// Loading them takes longer than anything else that happens when the button comes up.
+    void hasTheUsersCursorsBeforeTheyAreNeeded()
+    {
+        if (QLibraryInfo::version() >= QVersionNumber(6, 8))
+            QSKIP("the toolkit leaves them to the compositor");
+        WaylandSession session;
+        QVERIFY2(session.start(), qPrintable(session.error));
+        session.point(0, {300, 300});
+        QVERIFY(session.open());
+        const auto hasCursors = [&] {
+            QFile maps(QStringLiteral("/proc/%1/maps").arg(session.tovek->pid()));
+            return maps.open(QIODevice::ReadOnly)
+                && maps.readAll().contains("memfd:wayland-cursor");
+        };
+        QTRY_VERIFY(hasCursors());
+        session.select(0, {200, 200}, {400, 360});
+        QVERIFY(session.tap("Return"));
+        QCOMPARE(session.pasted().size(), QSize(200, 160));
     }
 
     void bringsTheKeyboardToTheScreenOfThePointer()

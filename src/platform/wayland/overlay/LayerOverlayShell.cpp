@@ -10,6 +10,7 @@
 #include "viewporter-client.h"
 
 #include <QCoreApplication>
+#include <QCursor>
 #include <QExposeEvent>
 #include <QGuiApplication>
 #include <QLibraryInfo>
@@ -25,6 +26,9 @@ using namespace std::chrono_literals;
 
 /// Divisible by every whole scale that the toolkit may have given the surface.
 constexpr QSize blankSize(12, 12);
+
+/// After which the overlay is there, and before which nobody has begun to drag.
+constexpr auto cursorDelay = 100ms;
 
 /// How long the keyboard may be on its way, also from one screen to another.
 constexpr auto keyboardLimit = 1000ms;
@@ -188,6 +192,23 @@ void LayerOverlaySurface::checkKeyboardSoon()
     });
 }
 
+/// With the first cursor that is not our own, the toolkit loads all of the user's, which takes
+/// 50 ms and more. That would be when the button comes up over a handle, and the toolbar is due.
+void LayerOverlaySurface::loadCursorsSoon()
+{
+    if (std::exchange(m_services->hasCursors, true))
+        return;
+    QTimer::singleShot(cursorDelay, this, [this] {
+        m_services->hasCursors = m_isVisible && QGuiApplication::mouseButtons() == Qt::NoButton;
+        if (!m_services->hasCursors)
+            return;
+        // The compositor hears of both at once: nobody sees the arrow.
+        const QCursor shown = m_window.cursor();
+        m_window.setCursor(Qt::ArrowCursor);
+        m_window.setCursor(shown);
+    });
+}
+
 bool LayerOverlaySurface::present(const DisplayList &list)
 {
     if (!m_canvas)
@@ -209,6 +230,7 @@ bool LayerOverlaySurface::eventFilter(QObject *watched, QEvent *event)
         if (m_isVisible && QGuiApplication::mouseButtons() == Qt::NoButton
             && !std::exchange(m_services->knowsStart, true))
             makeKey();
+        loadCursorsSoon();
         return false;
     case QEvent::KeyPress:
     case QEvent::KeyRelease:

@@ -24,6 +24,7 @@ struct LayerOverlayServices
     std::function<void(uint32_t displayId)> pointerSeenOn;
     LayerOverlaySurface *key = nullptr; ///< the one with the keyboard
     bool knowsStart = false; ///< it is where the user began, and not just any that can have it
+    bool hasCursors = false; ///< the toolkit has loaded its pictures of them
 };
 
 /// A surface over one output. The frozen display and what is drawn over it lie
@@ -51,6 +52,7 @@ private:
     void map();
     void leaveWithTheScreen();
     void checkKeyboardSoon();
+    void loadCursorsSoon();
 
     std::shared_ptr<LayerOverlayServices> m_services;
     QWindow &m_window;
