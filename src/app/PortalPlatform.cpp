@@ -58,7 +58,8 @@ bool usePortalPictures(Platform &platform, EarlyPlatform &early,
     if (!bus->isOffered())
         return false;
     logLine(QStringLiteral("Wayland: capturing over the desktop's portal"));
-    platform.grabber = std::make_unique<PortalScreenGrabber>(bus, std::move(displays));
+    platform.grabber = std::make_unique<PortalScreenGrabber>(
+        bus, std::move(displays), isGnome() ? EarlyPictures::standardFolders() : QStringList());
     // A process for one picture has no window that could ask.
     const bool asksBefore = isGnome() && early.bus;
     platform.capturePermission = std::make_unique<PortalCapturePermission>(

@@ -40,7 +40,7 @@ std::vector<QRect> partsOfPicture(QSize picture, const std::vector<PortalDisplay
 
 QImage cutOut(const QImage &picture, QRect part, QSize native)
 {
-    const QImage image = picture.copy(part);
+    const QImage image = part == picture.rect() ? picture : picture.copy(part);
     return image.size() == native
         ? image
         : image.scaled(native, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);

@@ -51,6 +51,11 @@ public:
     LeftFile &operator=(const LeftFile &) = delete;
 
     const QString &error() const { return m_error; }
+    FileState state() const
+    {
+        return {m_status.st_dev, m_status.st_ino, m_status.st_size, m_status.st_mtim.tv_sec,
+                m_status.st_mtim.tv_nsec};
+    }
     QByteArray read() const
     {
         QFile file;
@@ -79,15 +84,10 @@ private:
     QString m_error;
 };
 
-} // namespace
-
-PortalPicture takePortalPicture(const QString &uri)
+PortalPicture pictureIn(const LeftFile &file)
 {
-    const LeftFile file(uri);
-    if (!file.error().isEmpty())
-        return {{}, file.error()};
+    const FileState before = file.state();
     QByteArray bytes = file.read();
-    file.remove();
     QBuffer buffer(&bytes);
     if (!buffer.open(QIODevice::ReadOnly))
         return {};
@@ -96,8 +96,32 @@ PortalPicture takePortalPicture(const QString &uri)
     const QImage image = reader.read();
     // Half a file gives an error and, with it, half a picture.
     if (image.isNull() || reader.error() != QImageReader::UnknownError)
-        return {{}, QStringLiteral("the desktop's file for it is damaged")};
-    return {image.convertToFormat(QImage::Format_RGB32), {}};
+        return {{}, QStringLiteral("the desktop's file for it is damaged"), {}};
+    return {image.convertToFormat(QImage::Format_RGB32), {}, before};
+}
+
+} // namespace
+
+PortalPicture takePortalPicture(const QString &uri)
+{
+    return takePortalPicture(uri, {});
+}
+
+PortalPicture takePortalPicture(const QString &uri, const PortalPicture &early)
+{
+    const LeftFile file(uri);
+    if (!file.error().isEmpty())
+        return {{}, file.error(), {}};
+    PortalPicture picture =
+        !early.image.isNull() && early.state == file.state() ? early : pictureIn(file);
+    file.remove();
+    return picture;
+}
+
+PortalPicture readPortalPicture(const QString &path)
+{
+    const LeftFile file(QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded));
+    return file.error().isEmpty() ? pictureIn(file) : PortalPicture{{}, file.error(), {}};
 }
 
 void dropPortalPicture(const QString &uri)

@@ -40,9 +40,8 @@ struct PortalScreenGrabber::Cut
     std::vector<QImage> images; ///< one a display
     QString error;
 
-    static Cut of(const QString &uri, const std::vector<PortalDisplay> &displays)
+    static Cut of(const PortalPicture &picture, const std::vector<PortalDisplay> &displays)
     {
-        const PortalPicture picture = takePortalPicture(uri);
         if (picture.image.isNull())
             return {{}, picture.error};
         const std::vector<QRect> parts = partsOfPicture(picture.image.size(), displays);
@@ -62,9 +61,11 @@ QFuture<QImage> ImageFrozenDisplay::pixels()
     return readyFuture(m_image);
 }
 
-PortalScreenGrabber::PortalScreenGrabber(std::shared_ptr<PortalBus> bus, Displays displays)
+PortalScreenGrabber::PortalScreenGrabber(std::shared_ptr<PortalBus> bus, Displays displays,
+                                         const QStringList &folders)
     : m_bus(std::move(bus))
     , m_displays(std::move(displays))
+    , m_early(folders)
 {
 }
 
@@ -90,6 +91,7 @@ QFuture<PortalScreenGrabber::Content> PortalScreenGrabber::freeze()
     m_failure.clear();
     m_running.emplace();
     m_running->start();
+    m_early.start();
     const QFuture<Content> future = m_running->future();
     QDBusMessage ask = Portal::call(QStringLiteral("Screenshot"), QStringLiteral("Screenshot"));
     ask << QString();
@@ -122,7 +124,13 @@ void PortalScreenGrabber::take(const QString &uri)
 {
     const std::vector<PortalDisplay> displays = m_displays();
     // The disk may be slow, and the picture large.
-    const auto work = askAside<Cut>([uri, displays] { return Cut::of(uri, displays); });
+    const auto work = askAside<Cut>([uri, displays, early = m_early.take(uri)]() mutable {
+        if (early)
+            early->waitForFinished();
+        const bool isRead = early && early->resultCount() > 0;
+        return Cut::of(takePortalPicture(uri, isRead ? early->result() : PortalPicture()),
+                       displays);
+    });
     whenOver(work, this, [this, displays](const QFuture<Cut> &finished) {
         const Cut cut = finished.resultCount() > 0
             ? finished.result()
@@ -150,6 +158,7 @@ void PortalScreenGrabber::fail(const QString &reason)
 
 void PortalScreenGrabber::finish(Content content)
 {
+    m_early.stop();
     QPromise<Content> promise = std::move(*m_running);
     m_running.reset();
     promise.addResult(std::move(content));

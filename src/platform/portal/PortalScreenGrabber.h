@@ -4,6 +4,7 @@
 #pragma once
 
 #include "platform/ScreenGrabber.h"
+#include "platform/portal/EarlyPictures.h"
 #include "platform/portal/PictureCut.h"
 #include "platform/portal/PortalBus.h"
 
@@ -34,7 +35,9 @@ public:
     /// The screens as they are now, in the units of the desktop's layout.
     using Displays = std::function<std::vector<PortalDisplay>()>;
 
-    PortalScreenGrabber(std::shared_ptr<PortalBus> bus, Displays displays);
+    /// In the folders, pictures are read before the portal names them.
+    PortalScreenGrabber(std::shared_ptr<PortalBus> bus, Displays displays,
+                        const QStringList &folders = {});
     ~PortalScreenGrabber() override;
 
     void prepare() override { }
@@ -61,6 +64,7 @@ private:
     std::shared_ptr<PortalBus> m_bus;
     const Displays m_displays;
     std::optional<std::chrono::milliseconds> m_limit;
+    EarlyPictures m_early;
     std::optional<QPromise<Content>> m_running;
     QString m_failure;
 };

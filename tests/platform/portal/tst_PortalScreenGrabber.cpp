@@ -30,7 +30,8 @@ private Q_SLOTS:
     {
         m_folder = std::make_unique<QTemporaryDir>();
         begin();
-        m_grabber = std::make_unique<PortalScreenGrabber>(m_portalBus, [] { return twoScreens; });
+        m_grabber = std::make_unique<PortalScreenGrabber>(
+            m_portalBus, [] { return twoScreens; }, QStringList(m_folder->path()));
     }
     void cleanup()
     {

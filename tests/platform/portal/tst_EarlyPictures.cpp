@@ -1,0 +1,123 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "platform/portal/EarlyPictures.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrl>
+
+using namespace tovek;
+
+class TestEarlyPictures : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_folder = std::make_unique<QTemporaryDir>();
+        m_pictures = std::make_unique<EarlyPictures>(QStringList{m_folder->path(), "/no/such"});
+        m_pictures->start();
+    }
+
+    void readsWhatIsWrittenAndLeavesIt()
+    {
+        const PortalPicture early = written(Qt::red);
+        QCOMPARE(early.image.pixelColor(0, 0), QColor(Qt::red));
+        QVERIFY(QFile::exists(path()));
+    }
+    void takesWhatWasReadAndRemovesTheFile()
+    {
+        const PortalPicture taken = takePortalPicture(uri(), marked(written(Qt::red)));
+        QCOMPARE(taken.image.pixelColor(0, 0), QColor(Qt::green)); // it was not read again
+        QVERIFY(!QFile::exists(path()));
+    }
+    void readsAgainWhatWasWrittenSince()
+    {
+        const PortalPicture early = marked(written(Qt::red));
+        QVERIFY(write(Qt::blue));
+        QCOMPARE(takePortalPicture(uri(), early).image.pixelColor(0, 0), QColor(Qt::blue));
+    }
+    void readsAgainWhatTookItsPlace()
+    {
+        const PortalPicture early = marked(written(Qt::red));
+        const QString other = m_folder->filePath(QStringLiteral("other"));
+        QVERIFY(QFile::copy(path(), other));
+        QCOMPARE(rename(qPrintable(other), qPrintable(path())), 0);
+        QCOMPARE(takePortalPicture(uri(), early).image.pixelColor(0, 0), QColor(Qt::red));
+    }
+    void takesNothingThatIsALinkByNow()
+    {
+        const PortalPicture early = written(Qt::red);
+        const QString other = m_folder->filePath(QStringLiteral("other"));
+        QVERIFY(QFile::rename(path(), other) && QFile::link(other, path()));
+        QVERIFY(takePortalPicture(uri(), early).image.isNull());
+        QVERIFY(QFile::exists(other));
+    }
+
+    void knowsOnlyWhatWasWrittenMeanwhile()
+    {
+        m_pictures->stop();
+        QVERIFY(write(Qt::red));
+        m_pictures->start();
+        QVERIFY(!m_pictures->take(uri()));
+        QVERIFY(write(Qt::red));
+        m_pictures->stop();
+        QVERIFY(!m_pictures->take(uri()));
+    }
+    void hasNoPictureOfHalfAFile()
+    {
+        QFile file(path());
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("\x89PNG\r\n\x1a\n");
+        file.close();
+        QVERIFY(read().image.isNull());
+    }
+    void readsFewOfMany()
+    {
+        for (int i = 0; i < 9; ++i)
+            QVERIFY(picture(Qt::red).save(m_folder->filePath(QStringLiteral("%1.png").arg(i))));
+        int found = 0;
+        for (int i = 0; i < 9; ++i) {
+            const QString file = m_folder->filePath(QStringLiteral("%1.png").arg(i));
+            found += m_pictures->take(QUrl::fromLocalFile(file).toString()).has_value();
+        }
+        QCOMPARE(found, 2);
+    }
+
+private:
+    QString path() const { return m_folder->filePath(QStringLiteral("Screenshot 1.png")); }
+    QString uri() const { return QUrl::fromLocalFile(path()).toString(QUrl::FullyEncoded); }
+    static QImage picture(Qt::GlobalColor color)
+    {
+        QImage image(8, 8, QImage::Format_RGB32);
+        image.fill(color);
+        return image;
+    }
+    bool write(Qt::GlobalColor color) const { return picture(color).save(path(), "PNG"); }
+    PortalPicture read() const
+    {
+        auto future = m_pictures->take(uri());
+        if (!future)
+            return {};
+        future->waitForFinished();
+        return future->result();
+    }
+    PortalPicture written(Qt::GlobalColor color) const
+    {
+        return write(color) ? read() : PortalPicture();
+    }
+    /// To be told from what is in the file.
+    static PortalPicture marked(PortalPicture picture)
+    {
+        picture.image.fill(Qt::green);
+        return picture;
+    }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<EarlyPictures> m_pictures;
+};
+
+QTEST_GUILESS_MAIN(TestEarlyPictures)
+#include "tst_EarlyPictures.moc"
