@@ -10,7 +10,10 @@
 #include <QStandardPaths>
 #include <QTest>
 
+#include <array>
+#include <sys/uio.h>
 #include <unistd.h>
+#include <xcb/xcbext.h>
 
 using namespace std::chrono_literals;
 using namespace tovek;
@@ -67,6 +70,38 @@ struct LockingSession : Drawing
     Program *daemon = nullptr; ///< xscreensaver's
 };
 
+template <size_t words>
+void *ask(xcb_connection_t *connection, xcb_extension_t &extension, uint8_t opcode, bool isAnswered,
+          std::array<uint32_t, words> arguments)
+{
+    std::array<uint32_t, words + 1> bytes{};
+    std::copy(arguments.begin(), arguments.end(), bytes.begin() + 1);
+    iovec parts[3]{{}, {}, {bytes.data(), sizeof bytes}}; // the first two are the library's
+    const xcb_protocol_request_t request{1, &extension, opcode, !isAnswered};
+    const unsigned sequence =
+        xcb_send_request(connection, isAnswered ? XCB_REQUEST_CHECKED : 0, parts + 2, &request);
+    return isAnswered ? xcb_wait_for_reply(connection, sequence, nullptr) : nullptr;
+}
+
+/// The window over everything that the server puts up for a compositing manager.
+xcb_window_t canvasOf(const XConnection &connection)
+{
+    static xcb_extension_t composite{"Composite", 0};
+    constexpr uint8_t getOverlayWindow = 7;
+    const XPtr<uint32_t> reply(static_cast<uint32_t *>(
+        ask(connection, composite, getOverlayWindow, true, std::array{connection.root()})));
+    return reply ? reply.get()[2] : xcb_window_t(XCB_NONE);
+}
+
+void letClicksFallThrough(const XConnection &connection, xcb_window_t window)
+{
+    static xcb_extension_t shape{"SHAPE", 0};
+    constexpr uint8_t rectangles = 1;
+    constexpr uint32_t setInputTo = 2 << 8;
+    ask(connection, shape, rectangles, false, std::array{setInputTo, uint32_t(window), 0u});
+    connection.sync();
+}
+
 } // namespace
 
 class TestLockers : public QObject
@@ -109,6 +144,34 @@ private Q_SLOTS:
         if (s.daemon && isAnnounced)
             QVERIFY2(s.daemon->errorLines().filter(QStringLiteral(": AlreadyGrabbed")).size() <= 1,
                      qPrintable(s.daemon->errorLines().join(QChar(10))));
+    }
+
+    void areNotTakenForACompositor_data()
+    {
+        QTest::addColumn<bool>("takesInput");
+        QTest::newRow("draws, and clicks fall through") << false;
+        QTest::newRow("keeps the clicks") << true;
+    }
+    void areNotTakenForACompositor()
+    {
+        QFETCH(bool, takesInput);
+        LockingSession s;
+        QVERIFY2(s.start(), qPrintable(s.error));
+        QVERIFY(s.open());
+        const XConnection compositor(s.desktop.displayName());
+        const xcb_window_t canvas = canvasOf(compositor);
+        QVERIFY(canvas != XCB_NONE);
+        compositor.sync();
+        QTest::qWait(100); // what happens between two requests of a busy compositor
+        if (!takesInput)
+            letClicksFallThrough(compositor, canvas);
+        QTest::qWait(600);
+        QCOMPARE(s.tovek->covers(s.monitors()), !takesInput);
+        if (takesInput)
+            return;
+        s.select({100, 100}, {300, 250});
+        QVERIFY(s.tap("Return"));
+        QCOMPARE(QImage::fromData(s.pasted()).size(), QSize(200, 150));
     }
 
     void getsTheScreenOfTheServersSaver()

@@ -102,6 +102,11 @@ bool X11ForeignWindows::isOurs(xcb_window_t window) const
     return (window & ~setup->resource_id_mask) == setup->resource_id_base;
 }
 
+bool X11ForeignWindows::isTheServers(xcb_window_t window) const
+{
+    return (window & ~xcb_get_setup(m_connection)->resource_id_mask) == 0;
+}
+
 bool X11ForeignWindows::looksLikeALocker(xcb_window_t window) const
 {
     const auto seen = viewable(window);

@@ -42,6 +42,9 @@ public:
     /// Made by the program that this connection belongs to.
     bool isOurs(xcb_window_t window) const;
 
+    /// Made by the server itself: what a compositing manager draws on, and its own screen saver.
+    bool isTheServers(xcb_window_t window) const;
+
     /// What a screen locker puts up, whichever it is: an unmanaged window over a whole monitor,
     /// with the input for itself. No window manager's frame, whatever fills that.
     bool looksLikeALocker(xcb_window_t window) const;

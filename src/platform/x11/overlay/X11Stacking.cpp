@@ -25,6 +25,9 @@ constexpr auto lookDelay = 50ms;
 /// Before the keyboard, which went with the overlay, is given up; not at once, lest two programs
 /// that both insist take all of the processor.
 constexpr auto showAgainDelay = 10ms;
+/// What a compositing manager draws on is put up by the server and takes clicks until its owner,
+/// with its next requests, has them fall through (picom 9.1). A locker that uses it keeps them.
+constexpr auto doubtDelay = 300ms;
 
 } // namespace
 
@@ -38,6 +41,9 @@ X11Stacking::X11Stacking(std::shared_ptr<X11Connection> connection)
         m_focus = focus();
         m_savers.findDaemon();
     });
+    m_doubt.setSingleShot(true);
+    m_doubt.setInterval(doubtDelay);
+    m_doubt.callOnTimeout([this] { lookAgain(); });
     m_showAgain.setSingleShot(true);
     m_showAgain.setInterval(showAgainDelay);
     m_showAgain.callOnTimeout([this] { showAgain(); });
@@ -64,6 +70,7 @@ void X11Stacking::remove(xcb_window_t overlay)
     if (m_overlays.erase(overlay) && m_overlays.empty()) {
         m_answered.clear();
         m_look.stop();
+        m_doubt.stop();
         m_showAgain.stop();
         m_focus = XCB_NONE;
         m_onTop.clear();
@@ -149,13 +156,24 @@ void X11Stacking::cameOnTop(xcb_window_t window, bool isUnmanaged)
     }
     if (!m_answered.insert(window).second)
         return;
-    if (X11ForeignWindows(m_connection->xcb()).looksLikeALocker(window))
-        return tellLocker();
+    const X11ForeignWindows foreign(m_connection->xcb());
+    if (foreign.looksLikeALocker(window)) {
+        if (!foreign.isTheServers(window))
+            return tellLocker();
+        m_doubtful = window;
+        m_doubt.start();
+    }
     for (const auto &[overlay, native] : m_overlays)
         raise(overlay);
     for (const xcb_window_t toast : m_onTop)
         raise(toast);
     m_connection->flush();
+}
+
+void X11Stacking::lookAgain()
+{
+    if (m_connection->xcb() && X11ForeignWindows(m_connection->xcb()).looksLikeALocker(m_doubtful))
+        tellLocker();
 }
 
 void X11Stacking::raise(xcb_window_t window)

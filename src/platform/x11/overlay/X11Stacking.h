@@ -43,6 +43,7 @@ private:
     bool isFocusTaken() const;
     bool isOurs(xcb_window_t window) const;
     void cameOnTop(xcb_window_t window, bool isUnmanaged);
+    void lookAgain();
     void raise(xcb_window_t window);
     void showAgain();
 
@@ -54,6 +55,8 @@ private:
     std::set<xcb_window_t> m_answered;
     QTimer m_look; ///< at the focus and for screen savers, once the overlays are up
     xcb_window_t m_focus = XCB_NONE; ///< since then
+    QTimer m_doubt; ///< runs while one more look decides
+    xcb_window_t m_doubtful = XCB_NONE;
     QTimer m_showAgain; ///< what another program has hidden
     X11SaverWatch m_savers;
     bool m_ignoresFocus = false;
