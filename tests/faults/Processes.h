@@ -32,4 +32,22 @@ inline QList<pid_t> childrenNamed(const QByteArray &name, qint64 parent)
     return found;
 }
 
+/// The one that keeps the clipboard of a display after the program has ended; 0 when there is none.
+inline pid_t clipboardHolder(const QString &displayName)
+{
+    const auto words = [](const QString &path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll().split('\0') : QList<QByteArray>();
+    };
+    const QByteArray display = "DISPLAY=" + displayName.toLatin1();
+    const QStringList entries = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
+    for (const QString &entry : entries) {
+        const QString process = QStringLiteral("/proc/") + entry;
+        if (words(process + QStringLiteral("/cmdline")).value(0).endsWith("/tovek-clipboard")
+            && words(process + QStringLiteral("/environ")).contains(display))
+            return pid_t(entry.toInt());
+    }
+    return 0;
+}
+
 } // namespace tovek

@@ -4,6 +4,7 @@
 // The process that keeps the clipboard after the program has ended stops, or dies.
 
 #include "desktop/Session.h"
+#include "faults/Processes.h"
 #include "support/Skip.h"
 
 #include <QTest>
@@ -13,26 +14,6 @@
 using namespace tovek;
 
 namespace {
-
-QList<QByteArray> wordsIn(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll().split('\0') : QList<QByteArray>();
-}
-
-/// The one on this desktop; 0 when there is none.
-pid_t holderOf(const TestDesktop &desktop)
-{
-    const QByteArray display = "DISPLAY=" + desktop.displayName().toLatin1();
-    const QStringList entries = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs);
-    for (const QString &entry : entries) {
-        const QString process = QStringLiteral("/proc/") + entry;
-        if (wordsIn(process + QStringLiteral("/cmdline")).value(0).endsWith("/tovek-clipboard")
-            && wordsIn(process + QStringLiteral("/environ")).contains(display))
-            return pid_t(entry.toInt());
-    }
-    return 0;
-}
 
 bool quit(Session &s)
 {
@@ -67,7 +48,7 @@ private Q_SLOTS:
         QVERIFY(!first.isEmpty());
         QVERIFY(quit(s));
         QCOMPARE(s.pasted(), first);
-        const pid_t holder = holderOf(s.desktop);
+        const pid_t holder = clipboardHolder(s.desktop.displayName());
         QVERIFY(holder > 0);
         QCOMPARE(kill(holder, signal), 0);
 
