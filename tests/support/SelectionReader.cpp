@@ -3,6 +3,8 @@
 
 #include "support/SelectionReader.h"
 
+#include "platform/x11/X11Connect.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
@@ -23,7 +25,7 @@ constexpr uint8_t eventTypeMask = 0x7f;
 } // namespace
 
 SelectionReader::SelectionReader(const QByteArray &display, const char *selection)
-    : m_connection(xcb_connect(display.constData(), nullptr))
+    : m_connection(x11Connect(display.constData()))
     , m_window(xcb_generate_id(m_connection))
 {
     const xcb_screen_t *const screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
