@@ -4,6 +4,7 @@
 // Text on real windows, read by the program with the machine's own recogniser.
 
 #include "desktop/Session.h"
+#include "desktop/TextWindow.h"
 
 #include <QRegularExpression>
 #include <QStandardPaths>
@@ -17,12 +18,6 @@ namespace {
 constexpr const char *captureText = RunningTovek::captureText;
 constexpr std::chrono::seconds patience(60);
 
-struct WordPlace
-{
-    QString text;
-    QRect box;
-};
-
 /// A desktop with windows of text, and the program with a shortcut for Capture Text.
 struct TextSession : Session
 {
@@ -33,20 +28,9 @@ struct TextSession : Session
     {
         if (!desktop.start())
             return fail(desktop.error());
-        const QString pixels = QString::number(int(14 * scale));
-        Program *window = desktop.run(
-            QStringLiteral(TOVEK_TEXT_WINDOW),
-            QStringList{"80", "60", "1000", "600", "DejaVu Sans", pixels, isDark ? "dark" : "light"}
-                + lines);
-        if (!window || !window->waitForLine(QStringLiteral("painted"), patience))
+        words = showText(desktop, {80, 60, 1000, 600}, int(14 * scale), isDark, lines);
+        if (words.empty())
             return fail(QStringLiteral("no text came"));
-        for (const QString &line : window->lines()) {
-            const QStringList parts = line.split(' ');
-            if (parts.size() == 6 && parts[0] == QLatin1String("word"))
-                words.push_back({parts[5],
-                                 QRect(parts[1].toInt(), parts[2].toInt(), parts[3].toInt(),
-                                       parts[4].toInt())});
-        }
         return startProgram(more);
     }
     [[nodiscard]] bool startProgram(const QJsonObject &more = {})
@@ -56,13 +40,7 @@ struct TextSession : Session
             && waitUntil([&] { return tovek->holds(QLatin1String(captureText)); });
     }
     /// Around all words, with some room.
-    QRect all() const
-    {
-        QRect box;
-        for (const WordPlace &word : words)
-            box |= word.box;
-        return box.adjusted(-12, -12, 12, 12);
-    }
+    QRect all() const { return boxAround(words).adjusted(-12, -12, 12, 12); }
     QString copiedText()
     {
         ClipboardReader reader(desktop.displayName());
@@ -70,18 +48,7 @@ struct TextSession : Session
             return {};
         return QString::fromUtf8(reader.read(QStringLiteral("UTF8_STRING")).value_or(QByteArray()));
     }
-    /// Whether the word has its blue highlight, which it gets once it is recognised. Dimming does
-    /// not change the hue.
-    bool isMarked(const WordPlace &word) const
-    {
-        const QImage now = tovek->eye().look(word.box);
-        int blue = 0;
-        for (int y = 0; y < now.height(); ++y) {
-            for (int x = 0; x < now.width(); ++x)
-                blue += qBlue(now.pixel(x, y)) - qRed(now.pixel(x, y)) > 12;
-        }
-        return blue * 4 > now.width() * now.height();
-    }
+    bool isMarked(const WordPlace &word) const { return tovek::isMarked(tovek->eye(), word); }
     /// Once the overlays have gone.
     bool showsToast() const
     {
