@@ -30,10 +30,13 @@ QImage Eye::look(QRect native) const
                             nullptr));
     if (!reply || (reply->depth != 24 && reply->depth != 32))
         return {};
-    const QImage borrowed(xcb_get_image_data(reply.get()), part.width(), part.height(),
-                          part.width() * 4, QImage::Format_RGB32);
-    // The fourth byte may hold anything; the conversion there and back makes it 255.
-    return borrowed.convertToFormat(QImage::Format_RGB888).convertToFormat(QImage::Format_RGB32);
+    // The fourth byte may hold anything.
+    const auto *from = reinterpret_cast<const QRgb *>(xcb_get_image_data(reply.get()));
+    QImage seen(part.size(), QImage::Format_RGB32);
+    for (int y = 0; y < part.height(); ++y, from += part.width())
+        std::transform(from, from + part.width(), reinterpret_cast<QRgb *>(seen.scanLine(y)),
+                       [](QRgb pixel) { return pixel | 0xff000000; });
+    return seen;
 }
 
 QRgb Eye::pixel(QPoint at) const
