@@ -18,6 +18,7 @@
 #include "platform/wayland/ToolkitDrawing.h"
 #include "platform/wayland/capture/ExtScreenGrabber.h"
 #include "platform/wayland/capture/KWinCapturePermission.h"
+#include "platform/wayland/capture/KWinFrontmostApp.h"
 #include "platform/wayland/capture/KWinScreenGrabber.h"
 #include "platform/wayland/capture/SwayFrontmostApp.h"
 #include "platform/wayland/capture/WaylandScreens.h"
@@ -85,7 +86,9 @@ makeWaylandGrabber(const std::shared_ptr<WaylandConnection> &connection,
 
 std::unique_ptr<FrontmostApp> makeWaylandFrontmostApp(std::shared_ptr<WaylandOutputs> outputs)
 {
-    if (auto app = SwayFrontmostApp::create(qEnvironmentVariable("SWAYSOCK"), std::move(outputs)))
+    if (auto app = SwayFrontmostApp::create(qEnvironmentVariable("SWAYSOCK"), outputs))
+        return app;
+    if (auto app = KWinFrontmostApp::create(std::move(outputs)))
         return app;
     return std::make_unique<NullFrontmostApp>();
 }

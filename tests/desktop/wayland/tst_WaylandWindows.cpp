@@ -1,15 +1,34 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-// Ordinary windows on sway: pictures of the active one, and our own where they are wanted.
+// Ordinary windows: pictures of the active one, and our own where they are wanted.
 
-#include "desktop/wayland/WaylandSession.h"
+#include "desktop/wayland/ExactPixels.h"
 #include "support/Skip.h"
 
 #include <QJsonArray>
 #include <QRegularExpression>
 
 using namespace tovek;
+
+namespace {
+
+/// Where the drop window's own picture begins: at a run of orange pixels.
+std::optional<QPoint> contentIn(const QImage &image)
+{
+    constexpr int run = 20;
+    for (int y = 0; y < image.height(); ++y) {
+        int count = 0;
+        for (int x = 0; x < image.width(); ++x) {
+            count = image.pixel(x, y) == qRgb(0xc0, 0x60, 0x20) ? count + 1 : 0;
+            if (count == run)
+                return QPoint(x + 1 - run, y);
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace
 
 class TestWaylandWindows : public QObject
 {
@@ -60,6 +79,41 @@ private Q_SLOTS:
         QCOMPARE(ring.copy(0, 0, ring.width(), 1), empty.copy(around).copy(0, 0, ring.width(), 1));
         QCOMPARE(ring.copy(0, 0, 1, ring.height()),
                  empty.copy(around).copy(0, 0, 1, ring.height()));
+    }
+
+    void photographsTheActiveWindowOnKWin_data()
+    {
+        QTest::addColumn<double>("scale");
+        QTest::newRow("scale 1") << 1.0;
+        QTest::newRow("scale 2") << 2.0;
+    }
+    void photographsTheActiveWindowOnKWin()
+    {
+        QFETCH(double, scale);
+        const WaylandPlan plan = onKWin({{QSize(1600, 1200), scale}});
+        skipBecause(WaylandDesktop::missing(plan));
+        WaylandSession session(plan);
+        QVERIFY2(session.start(), qPrintable(session.error));
+        WaylandDesktop &desktop = session.desktop;
+        session.point(0, WaylandSession::corner);
+        const QImage empty = desktop.lookWhenStill(0);
+        QVERIFY(desktop.run(QStringLiteral(TOVEK_DROP_WINDOW), {},
+                            {{QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland")}}));
+        QTRY_VERIFY(differentPixels(desktop.look(), empty) > 0);
+        const QImage screen = desktop.lookWhenStill(0);
+        const QString file = desktop.home() + QStringLiteral("/window.png");
+        desktop.output(qEnvironmentVariable("TOVEK_PROGRAM"),
+                       {"shot", "--window", "active", "-o", file});
+        const QImage shot(file);
+        const auto inShot = contentIn(shot);
+        const auto onScreen = contentIn(screen);
+        QVERIFY(inShot && onScreen);
+        QCOMPARE(differentPixels(shot, screen.copy(QRect(*onScreen - *inShot, shot.size()))), 0);
+        // All of it, and beside it at most a border and a title.
+        const QRect content(*inShot, QSize(400, 300) * scale);
+        QVERIFY(shot.rect().contains(content));
+        QVERIFY(shot.width() - content.width() <= 20 * scale);
+        QVERIFY(shot.height() - content.height() <= 60 * scale);
     }
 
     void bringsTheSettingsToTheWorkspaceThatIsLookedAt()

@@ -11,7 +11,6 @@
 #include <QJsonObject>
 #include <QWindow>
 
-#include <cmath>
 #include <unistd.h>
 
 namespace tovek {
@@ -43,31 +42,6 @@ std::optional<Focused> focusedIn(const QJsonObject &node, const QJsonObject &par
         }
     }
     return std::nullopt;
-}
-
-/// Points of the desktop as native pixels of the output that shows most of them.
-std::optional<QRect> nativeOf(QRect points, const std::vector<WaylandOutput> &outputs)
-{
-    const std::vector<QRect> natives = nativeRects(outputs);
-    std::optional<size_t> most;
-    const auto shown = [&](size_t i) {
-        const QSize part = (outputs[i].logical & points).size();
-        return part.isEmpty() ? 0 : qint64(part.width()) * part.height();
-    };
-    for (size_t i = 0; i < outputs.size(); ++i) {
-        if (shown(i) > (most ? shown(*most) : 0))
-            most = i;
-    }
-    if (!most)
-        return std::nullopt;
-    const WaylandOutput &output = outputs[*most];
-    const QRect place = points.translated(-output.logical.topLeft());
-    // The compositor rounds each edge by itself.
-    const auto pixel = [&](int point) { return int(std::lround(point * output.scale)); };
-    const QPoint from(pixel(place.left()), pixel(place.top()));
-    const QPoint to(pixel(place.left() + place.width()), pixel(place.top() + place.height()));
-    return QRect(from, QSize(to.x() - from.x(), to.y() - from.y()))
-        .translated(natives[*most].topLeft());
 }
 
 } // namespace
@@ -106,7 +80,7 @@ std::optional<QRect> SwayFrontmostApp::activeWindowFrame() const
     const auto sway = SwayIpc::create(m_socketPath);
     const auto tree = sway ? sway->ask(SwayIpc::Type::tree) : std::nullopt;
     const auto window = tree ? focusedSwayWindow(tree->object()) : std::nullopt;
-    return window ? nativeOf(*window, m_outputs->list()) : std::nullopt;
+    return window ? nativeRectOf(*window, m_outputs->list()) : std::nullopt;
 }
 
 void SwayFrontmostApp::bringForward(QWindow &window)

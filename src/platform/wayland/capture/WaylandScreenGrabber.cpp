@@ -126,6 +126,30 @@ std::vector<QRect> nativeRects(const std::vector<WaylandOutput> &outputs)
     return rects;
 }
 
+std::optional<QRect> nativeRectOf(const QRectF &points, const std::vector<WaylandOutput> &outputs)
+{
+    const std::vector<QRect> natives = nativeRects(outputs);
+    std::optional<size_t> most;
+    const auto shown = [&](size_t i) {
+        const QSizeF part = (QRectF(outputs[i].logical) & points).size();
+        return part.isEmpty() ? 0 : part.width() * part.height();
+    };
+    for (size_t i = 0; i < outputs.size(); ++i) {
+        if (shown(i) > (most ? shown(*most) : 0))
+            most = i;
+    }
+    if (!most)
+        return std::nullopt;
+    const WaylandOutput &output = outputs[*most];
+    const QRectF place = points.translated(-output.logical.topLeft());
+    // The compositor rounds each edge by itself.
+    const auto pixel = [&](double point) { return int(std::lround(point * output.scale)); };
+    const QPoint from(pixel(place.left()), pixel(place.top()));
+    const QPoint to(pixel(place.left() + place.width()), pixel(place.top() + place.height()));
+    return QRect(from, QSize(to.x() - from.x(), to.y() - from.y()))
+        .translated(natives[*most].topLeft());
+}
+
 WaylandScreenGrabber::WaylandScreenGrabber(std::shared_ptr<WaylandConnection> connection,
                                            std::shared_ptr<WaylandOutputs> outputs)
     : m_connection(std::move(connection))

@@ -85,5 +85,8 @@ private:
 /// The native pixels of each output in one plane, arranged as the outputs are, without overlaps and
 /// without gaps that the outputs have not: Wayland has no such plane of its own.
 std::vector<QRect> nativeRects(const std::vector<WaylandOutput> &outputs);
+/// A rectangle of the desktop's points in that plane, by the output that shows most of it; absent
+/// where none shows any of it.
+std::optional<QRect> nativeRectOf(const QRectF &points, const std::vector<WaylandOutput> &outputs);
 
 } // namespace tovek
