@@ -138,6 +138,10 @@ private Q_SLOTS:
         QVERIFY(isDark());
         QVERIFY(highlight().name() != purple.name()); // hardly to be seen on dark windows
         QCOMPARE(highlight().hsvHue() / 10, purple.hsvHue() / 10);
+        colors.turn(false);
+        QVERIFY(!isDark());
+        QCOMPARE(highlight().name(), purple.name());
+        colors.turn(true);
         colors.turn(QColor());
         QVERIFY(isDark());
         QVERIFY(highlight().blueF() > highlight().redF());

@@ -26,10 +26,12 @@ class Portal : public QObject, protected QDBusContext
 public:
     uint scheme = 0;
     QVariant accent; ///< invalid: it knows of none
+    int delayMs = 0;
 
 public Q_SLOTS:
     QDBusVariant Read(const QString &, const QString &key)
     {
+        QThread::msleep(ulong(delayMs));
         if (key != QLatin1String("accent-color"))
             return QDBusVariant(QVariant::fromValue(QDBusVariant(scheme)));
         if (!accent.isValid())
@@ -142,6 +144,20 @@ private Q_SLOTS:
         QFETCH(QColor, accent);
         QCOMPARE(theme.accent.isValid(), accent.isValid());
         QCOMPARE(theme.accent.rgb(), accent.rgb());
+    }
+
+    void waitsAsideForABusyPortal()
+    {
+        m_portal.scheme = 1;
+        m_portal.accent = QVariant::fromValue(Parts{1, 0, 0});
+        m_portal.delayMs = 500;
+        QVERIFY(startPortal());
+        const auto answer = DesktopColors(QDBusConnection::sessionBus()).ask();
+        QTRY_VERIFY(answer.isFinished());
+        stopPortal();
+        m_portal.delayMs = 0;
+        QCOMPARE(answer.result().accent, QColor(Qt::red));
+        QVERIFY(answer.result().isDark);
     }
 
     void hearsOfChanges_data()

@@ -18,11 +18,12 @@ namespace tovek {
 
 namespace {
 
-constexpr int colorsPatienceMs = 333;
+constexpr int colorsPatienceMs = 333; // for a window that is to open
+constexpr int asidePatienceMs = 5000; // where nobody waits
 constexpr uint darkScheme = 1;
 
 /// Invalid when no portal runs, or it knows no such colour. None is started for the question.
-QVariant appearanceOfPortal(const QDBusConnection &bus, const QString &key)
+QVariant appearanceOfPortal(const QDBusConnection &bus, const QString &key, int patienceMs)
 {
     QDBusMessage ask = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.portal.Desktop"),
@@ -30,7 +31,7 @@ QVariant appearanceOfPortal(const QDBusConnection &bus, const QString &key)
         QStringLiteral("org.freedesktop.portal.Settings"), QStringLiteral("Read"));
     ask.setAutoStartService(false);
     ask << QStringLiteral("org.freedesktop.appearance") << key;
-    const QDBusMessage answer = bus.call(ask, QDBus::Block, colorsPatienceMs);
+    const QDBusMessage answer = bus.call(ask, QDBus::Block, patienceMs);
     if (answer.type() != QDBusMessage::ReplyMessage || answer.arguments().isEmpty())
         return {};
     // A variant in a variant, from the first days of that portal on.
@@ -40,17 +41,18 @@ QVariant appearanceOfPortal(const QDBusConnection &bus, const QString &key)
     return value;
 }
 
-std::optional<uint> schemeOfPortal(const QDBusConnection &bus)
+std::optional<uint> schemeOfPortal(const QDBusConnection &bus, int patienceMs)
 {
     bool isNumber = false;
-    const uint scheme = appearanceOfPortal(bus, QStringLiteral("color-scheme")).toUInt(&isNumber);
+    const uint scheme =
+        appearanceOfPortal(bus, QStringLiteral("color-scheme"), patienceMs).toUInt(&isNumber);
     return isNumber ? std::optional(scheme) : std::nullopt;
 }
 
 /// Values outside of a colour's range stand for none.
-QColor accentOfPortal(const QDBusConnection &bus)
+QColor accentOfPortal(const QDBusConnection &bus, int patienceMs)
 {
-    const QVariant value = appearanceOfPortal(bus, QStringLiteral("accent-color"));
+    const QVariant value = appearanceOfPortal(bus, QStringLiteral("accent-color"), patienceMs);
     if (!value.canConvert<QDBusArgument>())
         return {};
     const auto argument = value.value<QDBusArgument>();
@@ -82,13 +84,13 @@ bool isDarkInGSettings()
 }
 
 /// From any thread.
-WindowTheme themeOn(const QDBusConnection &bus)
+WindowTheme themeOn(const QDBusConnection &bus, int patienceMs)
 {
-    const auto scheme = schemeOfPortal(bus);
+    const auto scheme = schemeOfPortal(bus, patienceMs);
     WindowTheme theme;
     // A portal that does not answer is not waited for twice.
     if (scheme)
-        theme.accent = accentOfPortal(bus);
+        theme.accent = accentOfPortal(bus, patienceMs);
     const QString style = qEnvironmentVariable("QT_STYLE_OVERRIDE");
     theme.isDark = style.contains(QLatin1String("dark"), Qt::CaseInsensitive)
         || (scheme ? *scheme == darkScheme : isDarkInGSettings());
@@ -119,12 +121,12 @@ void DesktopColors::setBus(const QDBusConnection &bus)
 
 WindowTheme DesktopColors::theme() const
 {
-    return themeOn(m_bus);
+    return themeOn(m_bus, colorsPatienceMs);
 }
 
 QFuture<WindowTheme> DesktopColors::ask() const
 {
-    return askAside<WindowTheme>([bus = m_bus] { return themeOn(bus); });
+    return askAside<WindowTheme>([bus = m_bus] { return themeOn(bus, asidePatienceMs); });
 }
 
 void DesktopColors::settingChanged()
