@@ -83,16 +83,14 @@ QString zshValues(const OptionInfo &option)
 QString zshSpec(const OptionInfo &option)
 {
     const QStringList names = namesOf(option);
-    QString spec = names.size() > 1
-        ? QStringLiteral("'(%1)'{%2}'").arg(names.join(' '), names.join(','))
-        : QLatin1Char('\'') + names.first();
-    QString help = tableText(option.help);
-    help.replace(QLatin1String("'"), QLatin1String("'\\''"));
-    spec += '[' + help + ']';
+    const QString name = names.size() > 1
+        ? QStringLiteral("'(%1)'{%2}").arg(names.join(' '), names.join(','))
+        : names.first();
+    QString spec = '[' + tableText(option.help).replace(']', QLatin1String("\\]")) + ']';
     if (option.kind != ValueKind::none)
         spec += ':' + tableText(option.value).replace(':', QLatin1String("\\:")) + ':'
-            + zshValues(option).replace('\'', QLatin1String("'\\''"));
-    return spec + '\'';
+            + zshValues(option);
+    return name + shellWord(spec);
 }
 
 QString zshOptions(const QString &command)
@@ -118,10 +116,21 @@ QString fishLine(const OptionInfo &option, const QString &condition)
                                " | string match -r \"\\S+\\$\")'");
     else if (option.kind != ValueKind::none)
         line += QStringLiteral(" -x");
-    return line + QStringLiteral(" -d '%1'\n").arg(tableText(option.help));
+    return line + QStringLiteral(" -d %1\n").arg(fishWord(tableText(option.help)));
 }
 
 } // namespace
+
+QString shellWord(QString text)
+{
+    return '\'' + text.replace('\'', QLatin1String("'\\''")) + '\'';
+}
+
+QString fishWord(QString text)
+{
+    text.replace('\\', QLatin1String("\\\\")).replace('\'', QLatin1String("\\'"));
+    return '\'' + text + '\'';
+}
 
 QString bashCompletion()
 {
@@ -167,7 +176,7 @@ QString zshCompletion()
     QString commands, cases;
     for (const CommandInfo &info : allCommands()) {
         const QString name = tableText(info.name);
-        commands += QStringLiteral(" '%1:%2'").arg(name, tableText(info.help));
+        commands += ' ' + shellWord(name + ':' + tableText(info.help));
         cases += QStringLiteral("    %1)\n        shift words; (( CURRENT-- ))\n"
                                 "        _arguments -s \\\n            %2%3 ;;\n")
                      .arg(name, zshOptions(name),
@@ -193,8 +202,8 @@ QString fishCompletion()
     const QString names = commandNames().join(' ');
     QString text = head + QStringLiteral("complete -c tovek -f\n");
     for (const CommandInfo &info : allCommands())
-        text += QStringLiteral("complete -c tovek -n __fish_use_subcommand -a %1 -d '%2'\n")
-                    .arg(tableText(info.name), tableText(info.help));
+        text += QStringLiteral("complete -c tovek -n __fish_use_subcommand -a %1 -d %2\n")
+                    .arg(tableText(info.name), fishWord(tableText(info.help)));
     for (const OptionInfo &option : optionsOf(QString()))
         text += fishLine(option, QStringLiteral("not __fish_seen_subcommand_from ") + names);
     for (const CommandInfo &info : allCommands()) {

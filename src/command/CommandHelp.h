@@ -15,6 +15,10 @@ QString helpText(const QString &command);
 QString bashCompletion();
 QString zshCompletion();
 QString fishCompletion();
+/// The text as one word of a script, whatever is in it: for shells that quote as sh does, and for
+/// fish, which does not.
+QString shellWord(QString text);
+QString fishWord(QString text);
 /// The options of a command as an mdoc list; of the program when `command` is empty.
 QString manualOptions(const QString &command);
 

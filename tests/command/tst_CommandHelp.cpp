@@ -147,6 +147,30 @@ private Q_SLOTS:
         }
     }
 
+    void quotesAnyHelp_data()
+    {
+        QTest::addColumn<QString>("shellName");
+        QTest::addColumn<bool>("isFish");
+        QTest::newRow("bash") << QStringLiteral("bash") << false;
+        QTest::newRow("zsh") << QStringLiteral("zsh") << false;
+        QTest::newRow("fish") << QStringLiteral("fish") << true;
+    }
+    void quotesAnyHelp()
+    {
+        QFETCH(QString, shellName);
+        QFETCH(bool, isFish);
+        const QString program = QStandardPaths::findExecutable(shellName);
+        if (program.isEmpty())
+            QSKIP(qPrintable(shellName + QStringLiteral(" is not installed")));
+        for (const char *text : {"The screen's name", "'", "''", "a \\ in it", "ends with \\",
+                                 "\\'", "$HOME (or *) \"x\""}) {
+            const QString given = QString::fromLatin1(text);
+            const QString word = isFish ? fishWord(given) : shellWord(given);
+            QCOMPARE(output(program, {QStringLiteral("-c"), QStringLiteral("printf %s ") + word}),
+                     QStringList(given));
+        }
+    }
+
 private:
     static void addCompletions()
     {
