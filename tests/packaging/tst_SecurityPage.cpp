@@ -17,8 +17,7 @@ private Q_SLOTS:
     void namesTestsThatExist()
     {
         const QDir source(qEnvironmentVariable("TOVEK_SOURCE_DIR"));
-        const QString page = read(source.filePath(QStringLiteral("docs/security.md")));
-        static const QRegularExpression name(QStringLiteral("`([\\w/]+)/(\\w+)::(\\w+)`"));
+        const QString page = this->page();
         int named = 0;
         for (auto match = name.globalMatch(page); match.hasNext(); ++named) {
             const QRegularExpressionMatch test = match.next();
@@ -30,7 +29,26 @@ private Q_SLOTS:
         QVERIFY(named > 20);
     }
 
+    void provesEveryPromise()
+    {
+        const QString end = QStringLiteral("## What is tried beyond that");
+        QVERIFY(page().contains(end));
+        // Each is an item of a list.
+        const QStringList items =
+            page().section(end, 0, 0).split(QRegularExpression(QStringLiteral("\n- ")));
+        QVERIFY(items.size() > 10);
+        for (const QString &promise : items.mid(1))
+            QVERIFY2(promise.contains(name), qPrintable(promise));
+    }
+
 private:
+    const QRegularExpression name{QStringLiteral("`([\\w/]+)/(\\w+)::(\\w+)`")};
+
+    static QString page()
+    {
+        return read(QDir(qEnvironmentVariable("TOVEK_SOURCE_DIR"))
+                        .filePath(QStringLiteral("docs/security.md")));
+    }
     static QString read(const QString &path)
     {
         QFile file(path);
