@@ -12,13 +12,13 @@ build_packages=(
     libxcb-render0-dev libxcb-screensaver0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-xfixes0-dev libxcb-xinput-dev
     libxcb-xkb-dev libxcb-xtest0-dev
     libwayland-dev libwayland-bin qt6-wayland
-    fonts-dejavu-core tesseract-ocr-eng libcanberra-pulse
+    fonts-dejavu-core tesseract-ocr-eng tesseract-ocr-osd libcanberra-pulse
 )
 # For the virtual desktops of the tests and of the tour.
 desktop_packages=(
     appstream dbus dbus-bin dbus-x11 desktop-file-utils fish fonts-cantarell fonts-noto-core grim
     i3lock kwin-wayland libglib2.0-bin mandoc mold openbox openssl picom pulseaudio pulseaudio-utils sway swaybg
-    thunar trayer wl-clipboard wtype x11-xkb-utils x11-xserver-utils xauth xclip xfonts-base xfonts-terminus xscreensaver xterm xvfb
+    tesseract-ocr-rus thunar trayer wl-clipboard wtype x11-xkb-utils x11-xserver-utils xauth xclip xfonts-base xfonts-terminus xscreensaver xterm xvfb
     xwayland zsh
 )
 # For the tests on GNOME, which skip without them: some hundred megabytes, which nothing installs by

@@ -117,9 +117,7 @@ OverlayController::Services AppDelegate::overlayServices()
         restSoon();
     };
     if (m_services.ocrService) {
-        services.takeMissingPackage = [this] {
-            return m_services.ocrService->takeMissingPackage();
-        };
+        services.takeMissingModel = [this] { return m_services.ocrService->takeMissingModel(); };
         services.recognizeText = [this](const Image &image, const SelectionText::Use &tellPart) {
             return m_services.ocrService->recognizeText(image, tellPart);
         };

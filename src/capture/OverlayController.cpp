@@ -289,11 +289,11 @@ void OverlayController::copyText(const std::vector<TextRegion> &regions)
     m_services.clock.after(textCopyDelay, m_session.get(), [this] {
         const auto screen = m_session->selectedScreen();
         cleanUp();
-        const QString package =
-            m_services.takeMissingPackage ? m_services.takeMissingPackage() : QString();
-        const QString hint = QStringLiteral(". Install %1 to read your language").arg(package);
-        toast(QStringLiteral("Text copied to clipboard") + (package.isEmpty() ? QString() : hint),
-              document, screen);
+        QString hint;
+        if (const auto missing =
+                m_services.takeMissingModel ? m_services.takeMissingModel() : std::nullopt)
+            hint = QStringLiteral(". Install %1 to read %2").arg(missing->package, missing->reads);
+        toast(QStringLiteral("Text copied to clipboard") + hint, document, screen);
     });
 }
 

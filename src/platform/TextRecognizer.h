@@ -6,7 +6,7 @@
 #include <QFuture>
 #include <QImage>
 #include <QRectF>
-#include <QStringList>
+#include <QString>
 
 #include <functional>
 #include <optional>
@@ -43,6 +43,15 @@ struct RecognitionResult
     QString error; ///< empty when the recogniser ran, also when it found no text
 };
 
+/// A language package without which text is read with the letters of another script or language.
+struct MissingModel
+{
+    QString package;
+    QString reads; ///< as in "your language" or "Arabic"
+
+    bool operator==(const MissingModel &) const = default;
+};
+
 /// Finds the text in pictures. Called on the main thread, works on threads of its own.
 class TextRecognizer
 {
@@ -65,9 +74,9 @@ public:
     {
         return recognize(image, scale, {});
     }
-    /// The packages without which text in the desktop's languages is read with the letters of
-    /// another one, as the last recognition found it.
-    virtual QStringList missingPackages() const { return {}; }
+    /// What should be installed: for the desktop's languages, as the last recognition found it, and
+    /// for text in other scripts that was seen.
+    virtual std::vector<MissingModel> missingModels() const { return {}; }
 };
 
 } // namespace tovek

@@ -6,6 +6,7 @@
 #include "foundation/Log.h"
 #include "reading/ExactLines.h"
 #include "reading/RunReader.h"
+#include "reading/UnsureLines.h"
 
 #include <algorithm>
 #include <array>
@@ -173,13 +174,19 @@ std::vector<std::vector<ReadWord>> PageReader::takeLines()
                                "broke down")
                     .arg(m_lost.load())
                     .arg(m_page.runs.size()));
-    if (!m_exact)
-        return linesOf(m_page, std::move(m_readings));
     for (std::size_t i = 0; i < m_readings.size(); ++i) {
-        if (m_exact->hasTaken(i))
+        if (m_exact && m_exact->hasTaken(i))
             m_readings[i].clear();
+        if (isUnsure(m_page.runs[i], m_readings[i]))
+            m_unsure.push_back(i);
     }
-    return withExactLines(linesOf(m_page, std::move(m_readings)), *m_exact, m_exact->lines());
+    std::vector<std::vector<ReadWord>> lines = linesOf(m_page, std::move(m_readings));
+    return m_exact ? withExactLines(std::move(lines), *m_exact, m_exact->lines()) : lines;
+}
+
+std::vector<LineStrip> PageReader::unsureLines() const
+{
+    return stripsOf(m_page, m_unsure);
 }
 
 void PageReader::learn(const std::function<bool()> &isCancelled)

@@ -36,6 +36,8 @@ public:
     bool isUnreadable() const { return m_isUnreadable; }
     /// The lines of words; to be called once. Logs how many runs were lost, if any.
     std::vector<std::vector<ReadWord>> takeLines();
+    /// After them: lines that the engine has doubts about, as in UnsureLines.
+    std::vector<LineStrip> unsureLines() const;
     /// See ExactReading; the last to be called, by one thread.
     void learn(const std::function<bool()> &isCancelled);
 
@@ -68,6 +70,7 @@ private:
     KnownGlyphs m_known; ///< constant within a round
     std::atomic<int> m_lost = 0;
     std::atomic<bool> m_isUnreadable = false;
+    std::vector<std::size_t> m_unsure; ///< runs
 };
 
 } // namespace tovek

@@ -6,7 +6,6 @@
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
 #include "foundation/WhenReady.h"
-#include "platform/TextRecognizer.h"
 #include "text/ObservedWords.h"
 
 #include <QFutureWatcher>
@@ -45,14 +44,16 @@ void OCRService::prepare()
     m_recognizer.prepare();
 }
 
-QString OCRService::takeMissingPackage()
+std::optional<MissingModel> OCRService::takeMissingModel()
 {
     Q_ASSERT(isMainThread());
-    const QStringList missing = m_recognizer.missingPackages();
-    if (m_hasTold || missing.isEmpty())
-        return {};
-    m_hasTold = true;
-    return missing.front();
+    for (const MissingModel &missing : m_recognizer.missingModels()) {
+        if (m_toldPackages.contains(missing.package))
+            continue;
+        m_toldPackages += missing.package;
+        return missing;
+    }
+    return std::nullopt;
 }
 
 QFuture<std::vector<TextRegion>> OCRService::recognizeText(const Image &image,

@@ -4,17 +4,17 @@
 #pragma once
 
 #include "foundation/Image.h"
+#include "platform/TextRecognizer.h"
 #include "text/TextRegion.h"
 
 #include <QFuture>
 #include <QObject>
+#include <QStringList>
 
 #include <functional>
 #include <vector>
 
 namespace tovek {
-
-class TextRecognizer;
 
 /// Turns the picture of a selection into its words. Never fails loudly: what goes wrong is one log
 /// line and an empty list. Main thread only; the work itself runs elsewhere.
@@ -35,13 +35,13 @@ public:
     /// Cancelling it stops the work; there is no list then, and no log line.
     [[nodiscard]] QFuture<std::vector<TextRegion>> recognizeText(const Image &image,
                                                                  const TellPart &tellPart = {});
-    /// What to install so that the desktop's languages are read, the first time it is asked for;
-    /// empty afterwards and where nothing is missing.
-    QString takeMissingPackage();
+    /// What to install so that text is read that was misread, each package the first time; nothing
+    /// where there is nothing to tell.
+    std::optional<MissingModel> takeMissingModel();
 
 private:
     TextRecognizer &m_recognizer;
-    bool m_hasTold = false;
+    QStringList m_toldPackages;
 };
 
 } // namespace tovek

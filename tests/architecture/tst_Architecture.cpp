@@ -110,7 +110,7 @@ private:
              {"platform", "platform/linux/ocr", "platform/linux/fonts", "reading", "reading/fonts",
               "foundation"}},
             {"platform/linux/fonts", {"reading/fonts"}},
-            {"platform/linux/ocr", {"reading"}},
+            {"platform/linux/ocr", {"platform", "reading"}},
             {"platform/linux/clipboard", {"platform", "foundation"}},
             {"platform/null", {"platform", "platform/linux", "foundation"}},
             {"platform/portal", {"platform/linux", "platform", "foundation"}},

@@ -59,7 +59,7 @@ struct ControllerFixture
         services.feedback = feedback;
         services.hasPermission = [this] { return hasPermission; };
         services.showPermissionWindow = [this] { events << QStringLiteral("permission"); };
-        services.takeMissingPackage = [this] { return missingPackage; };
+        services.takeMissingModel = [this] { return missingModel; };
         services.recognizeText = [this](const Image &image, const SelectionText::Use &tellPart) {
             recognised << image.bitmap.size();
             if (recognize)
@@ -97,7 +97,7 @@ struct ControllerFixture
     std::unique_ptr<ImageOutput> output;
     std::unique_ptr<OverlayController> controller;
     bool hasPermission = true;
-    QString missingPackage;
+    std::optional<MissingModel> missingModel;
     std::vector<TextRegion> regions;
     SelectionText::Recognize recognize; ///< unset: `regions` at once
     QStringList events;

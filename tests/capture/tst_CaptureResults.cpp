@@ -214,14 +214,14 @@ private Q_SLOTS:
     void tellsWhatWouldReadTheLanguage()
     {
         ControllerFixture f;
-        f.missingPackage = QStringLiteral("tesseract-ocr-deu");
+        f.missingModel = {QStringLiteral("tesseract-ocr-ara"), QStringLiteral("Arabic")};
         f.regions = {word("uber", 0.8)};
         f.controller->startCapture(CaptureMode::copyText);
         f.overlay().onSelectionComplete({10, 20, 30, 40});
         f.clock.advance(50ms);
         QCOMPARE(f.events,
-                 QStringList{"toast Text copied to clipboard. Install tesseract-ocr-deu to read "
-                             "your language [doc.text] on 1, 0 open"});
+                 QStringList{"toast Text copied to clipboard. Install tesseract-ocr-ara to read "
+                             "Arabic [doc.text] on 1, 0 open"});
     }
 
     void readsTheSelectionsOfTwoScreensSideBySide()

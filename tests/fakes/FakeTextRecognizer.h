@@ -19,7 +19,7 @@ public:
     using TextRecognizer::recognize;
     QFuture<RecognitionResult> recognize(const QImage &image, double scale,
                                          TellPart tellPart) override;
-    QStringList missingPackages() const override { return missing; }
+    std::vector<MissingModel> missingModels() const override { return missing; }
 
     /// While held, recognitions stay under way; `finish` completes the oldest one.
     void hold() { m_isHeld = true; }
@@ -33,7 +33,7 @@ public:
     static TextObservation lineOf(const QString &text, double y = 0);
 
     RecognitionResult result;
-    QStringList missing;
+    std::vector<MissingModel> missing;
     int preparations = 0;
     std::vector<QImage> images;
     std::vector<double> scales;

@@ -122,14 +122,19 @@ private Q_SLOTS:
         QCOMPARE(recognizer.scales.front(), 2.0);
     }
 
-    void tellsAMissingPackageOnce()
+    void tellsEachMissingPackageOnce()
     {
         FakeTextRecognizer recognizer;
         OCRService service(recognizer);
-        QCOMPARE(service.takeMissingPackage(), QString());
-        recognizer.missing = QStringList{"tesseract-ocr-deu", "tesseract-ocr-fra"};
-        QCOMPARE(service.takeMissingPackage(), QStringLiteral("tesseract-ocr-deu"));
-        QCOMPARE(service.takeMissingPackage(), QString());
+        QVERIFY(!service.takeMissingModel());
+        const MissingModel german{"tesseract-ocr-deu", "your language"};
+        recognizer.missing = {german};
+        QVERIFY(service.takeMissingModel() == german);
+        QVERIFY(!service.takeMissingModel());
+        const MissingModel arabic{"tesseract-ocr-ara", "Arabic"};
+        recognizer.missing = {german, arabic};
+        QVERIFY(service.takeMissingModel() == arabic);
+        QVERIFY(!service.takeMissingModel());
     }
 
     void asksNobodyAboutAnEmptyImage()

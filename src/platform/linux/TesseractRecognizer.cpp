@@ -7,6 +7,7 @@
 #include "foundation/Log.h"
 #include "foundation/Memory.h"
 #include "platform/linux/fonts/FreeTypeGlyphs.h"
+#include "platform/linux/ocr/LineProtocol.h"
 #include "platform/linux/ocr/RecognitionModels.h"
 #include "reading/PageReader.h"
 #include "reading/fonts/FontReader.h"
@@ -19,6 +20,7 @@
 #include <QLocale>
 #include <QThread>
 
+#include <algorithm>
 #include <atomic>
 #include <new>
 
@@ -31,6 +33,8 @@ using namespace std::chrono_literals;
 /// Longer than any that an engine still works on.
 constexpr auto longestLine = 1500ms;
 constexpr auto endInterval = 20ms;
+/// Of a package of its own, which tells scripts.
+constexpr const char *scriptModel = LineProtocol::scriptsOnly;
 
 /// Empty where it is not installed.
 QByteArray engineProgram()
@@ -72,6 +76,7 @@ struct TesseractRecognizer::Job
     QElapsedTimer sinceAsked;
     QImage image;
     std::shared_ptr<EnginePool> engines;
+    EngineSetup scriptSetup;
     std::unique_ptr<PageReader> reader;
     std::atomic<int> threads = 0;
     std::atomic<bool> lacksMemory = false;
@@ -152,6 +157,7 @@ QFuture<RecognitionResult> TesseractRecognizer::recognize(const QImage &image, d
     watcher->setFuture(future);
     job->image = image;
     job->engines = m_engines;
+    job->scriptSetup = m_scriptSetup;
     std::erase_if(m_jobs, [](const std::weak_ptr<Job> &old) { return old.expired(); });
     m_jobs.push_back(job);
     m_idle.start();
@@ -168,16 +174,30 @@ int TesseractRecognizer::warmEngines() const
 void TesseractRecognizer::findEngines()
 {
     const QString folder = modelFolder(QCoreApplication::applicationDirPath());
-    const QStringList languages = QLocale().uiLanguages();
     const QStringList installed = modelsIn(folder);
-    const QStringList models = modelsFor(languages, installed);
-    const QStringList missing = tovek::missingPackages(languages, installed);
-    if (missing != m_missingPackages && !missing.isEmpty() && !models.isEmpty())
-        logLine(QStringLiteral("Text in the language of this desktop is misread without: ")
-                + missing.join(QStringLiteral(", ")));
-    m_missingPackages = missing;
+    const QStringList spoken = QLocale().uiLanguages();
+    const QStringList reading = modelsFor(spoken, installed);
+    QStringList scripts = m_seenScripts;
+    scripts.removeIf([&](const QString &script) { return canRead(script, reading); });
+    QStringList languages;
+    for (const QString &script : scripts)
+        languages += languageOf(script, installed);
+    const QStringList models = modelsFor(languages + spoken, installed);
+    std::vector<MissingModel> missing = tovek::missingModels(spoken, scripts, installed);
+    for (const MissingModel &model : missing) {
+        const bool isKnown =
+            std::find(m_missing.begin(), m_missing.end(), model) != m_missing.end();
+        if (!isKnown && !models.isEmpty())
+            logLine(QStringLiteral("Text is misread: install %1 to read %2")
+                        .arg(model.package, model.reads));
+    }
+    m_missing = std::move(missing);
     const EngineSetup setup{engineProgram(), QFile::encodeName(folder),
                             models.join('+').toLatin1()};
+    m_scriptSetup = setup;
+    m_scriptSetup.languages = scriptModel;
+    if (!installed.contains(QLatin1String(scriptModel)))
+        m_scriptSetup.program.clear();
     if (m_engines && setup == m_setup)
         return;
     m_setup = setup;
@@ -240,8 +260,28 @@ void TesseractRecognizer::read(const std::shared_ptr<Job> &job)
                                     "package tesseract-ocr-eng")});
     } else {
         job->finish({observationsOf(job->reader->takeLines()), {}});
+        lookForScript(*job);
         job->reader->learn([this] { return m_isEnding || m_threads.active() > 1; });
     }
+}
+
+void TesseractRecognizer::lookForScript(const Job &job)
+{
+    const std::vector<LineStrip> lines = job.reader->unsureLines();
+    if (lines.empty() || job.scriptSetup.program.isEmpty() || m_isEnding)
+        return;
+    const auto engine = EngineProcess::create(job.scriptSetup);
+    const QString script = engine ? engine->scriptOf(lines) : QString();
+    if (!script.isEmpty())
+        QMetaObject::invokeMethod(this, [this, script] { sawScript(script); });
+}
+
+void TesseractRecognizer::sawScript(const QString &script)
+{
+    if (languageOf(script, {}).isEmpty() || m_seenScripts.contains(script))
+        return;
+    m_seenScripts += script;
+    findEngines();
 }
 
 void TesseractRecognizer::becomeIdle()
@@ -250,6 +290,7 @@ void TesseractRecognizer::becomeIdle()
         m_idle.start();
         return;
     }
+    m_seenScripts.clear();
     m_engines->clear();
     m_fonts->letGo();
     releaseMemory();

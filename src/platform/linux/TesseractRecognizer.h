@@ -8,6 +8,7 @@
 #include "platform/linux/ocr/EngineProcess.h"
 
 #include <QObject>
+#include <QStringList>
 #include <QTimer>
 
 #include <atomic>
@@ -35,7 +36,7 @@ public:
     using TextRecognizer::recognize;
     QFuture<RecognitionResult> recognize(const QImage &image, double scale,
                                          TellPart tellPart) override;
-    QStringList missingPackages() const override { return m_missingPackages; }
+    std::vector<MissingModel> missingModels() const override { return m_missing; }
     /// Processes that are kept warm now.
     int warmEngines() const;
 
@@ -46,11 +47,18 @@ private:
     /// Any thread.
     void tellPart(const std::shared_ptr<Job> &job, const std::vector<std::vector<ReadWord>> &lines);
     void read(const std::shared_ptr<Job> &job);
+    /// Of text that no model read; any thread.
+    void lookForScript(const Job &job);
+    void sawScript(const QString &script);
     void becomeIdle();
 
     std::atomic<bool> m_isEnding = false;
     EngineSetup m_setup;
-    QStringList m_missingPackages;
+    EngineSetup m_scriptSetup; ///< without a program where scripts cannot be told
+    std::vector<MissingModel> m_missing;
+    /// That no model for the desktop's languages reads, until there is nothing to recognise for a
+    /// while. What is installed for them is used meanwhile.
+    QStringList m_seenScripts;
     std::shared_ptr<EnginePool> m_engines;
     std::unique_ptr<FontReader> m_fonts;
     std::vector<std::weak_ptr<Job>> m_jobs;

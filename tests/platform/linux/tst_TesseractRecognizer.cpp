@@ -1,6 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
+#include "fakes/LogCapture.h"
 #include "platform/linux/TesseractRecognizer.h"
 #include "platform/linux/ocr/RecognitionModels.h"
 
@@ -206,6 +207,41 @@ private Q_SLOTS:
         const RecognitionResult result = m_recognizer->recognize(noise({30, 30}), 1).result();
         QVERIFY(result.observations.empty());
         QVERIFY(result.error.contains("tesseract-ocr-eng"));
+    }
+
+    void saysWhatToInstallForAScriptThatItSees()
+    {
+        const QString from = modelFolder({});
+        QTemporaryDir folder;
+        for (const char *model : {"eng", "osd", "rus"}) {
+            if (!modelsIn(from).contains(model))
+                QSKIP("the models of English, Russian and of scripts are not all installed");
+        }
+        const auto install = [&](const char *model) {
+            const QString name = QStringLiteral("/%1.traineddata").arg(model);
+            return QFile::link(from + name, folder.path() + name);
+        };
+        QVERIFY(install("eng") && install("osd"));
+        qputenv("TESSDATA_PREFIX", QFile::encodeName(folder.path()));
+        const QString text = QStringLiteral("Быстрая лиса прыгает через ленивую собаку у дома");
+        QFont font("DejaVu Sans");
+        font.setPixelSize(15);
+        const QImage line = lineOf(text, font, Qt::white, Qt::black);
+        TesseractRecognizer recognizer;
+        LogCapture log;
+        const QImage english =
+            lineOf("Could not connect to the server in the other room", font, Qt::white, Qt::black);
+        (void)recognizer.recognize(english, 1).result();
+        const QString misread = textOf(recognizer.recognize(line, 1).result());
+        QVERIFY(misread != text);
+        QTRY_COMPARE_WITH_TIMEOUT(recognizer.missingModels().size(), std::size_t(1), 20000);
+        QVERIFY(recognizer.missingModels().front()
+                == (MissingModel{"tesseract-ocr-rus", "Cyrillic"}));
+        QCOMPARE(log.lines(),
+                 QStringList{"Text is misread: install tesseract-ocr-rus to read Cyrillic"});
+        QVERIFY(install("rus"));
+        QCOMPARE(textOf(recognizer.recognize(line, 1).result()), text);
+        QVERIFY(recognizer.missingModels().empty());
     }
 
     void survivesADamagedModel_data()

@@ -32,6 +32,11 @@ static_assert(LineStrip::height == stripHeight);
 static_assert(int(LineEngine::Models::english) == english
               && int(LineEngine::Models::native) == native);
 
+/// Of a line, in columns, to tell its script.
+constexpr int enoughOfALine = 3000;
+/// By the engine's own measure, which has no upper end. Guesses at what is no text come to less.
+constexpr double surelyThisScript = 0.6;
+
 std::atomic<int> hung = 0;
 
 /// The sockets of exchanges that are under way, with the time of their beginning.
@@ -78,6 +83,23 @@ public:
         return inPieces(POLLIN, size, [&](std::size_t done) {
             return ::recv(m_socket, at + done, size - done, MSG_DONTWAIT);
         });
+    }
+
+    /// What the process says to `grey`; nothing when it broke down or hangs.
+    std::optional<std::vector<Symbol>> ask(const LineRequest &request,
+                                           const std::vector<std::uint8_t> &grey)
+    {
+        LineReply reply;
+        if (!send(&request, sizeof(request)) || !send(grey.data(), grey.size())
+            || !receive(&reply, sizeof(reply)))
+            return std::nullopt;
+        // What came is no answer, whatever it is: memory for so much need not be there.
+        if (reply.count > widestStrip)
+            return std::nullopt;
+        std::vector<Symbol> symbols(reply.count);
+        if (!receive(symbols.data(), symbols.size() * sizeof(Symbol)))
+            return std::nullopt;
+        return symbols;
     }
 
 private:
@@ -141,7 +163,7 @@ int spawn(const EngineSetup &setup, int socket)
 
 } // namespace
 
-std::unique_ptr<LineEngine> EngineProcess::create(const EngineSetup &setup)
+std::unique_ptr<EngineProcess> EngineProcess::create(const EngineSetup &setup)
 {
     std::array<int, 2> sockets{};
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets.data()) != 0)
@@ -192,20 +214,38 @@ std::optional<std::vector<EngineSymbol>> EngineProcess::read(const LineStrip &st
 {
     if (strip.width <= 0 || strip.width > int(widestStrip))
         return std::vector<EngineSymbol>();
-    const LineRequest request{std::uint32_t(strip.width), std::uint32_t(models)};
-    LineReply reply;
     Exchange exchange(m_socket, m_patience);
-    if (!exchange.send(&request, sizeof(request))
-        || !exchange.send(strip.grey.data(), strip.grey.size())
-        || !exchange.receive(&reply, sizeof(reply)))
-        return std::nullopt;
-    // What came is no answer, whatever it is: memory for so much need not be there.
-    if (reply.count > widestStrip)
-        return std::nullopt;
-    std::vector<Symbol> symbols(reply.count);
-    if (!exchange.receive(symbols.data(), symbols.size() * sizeof(Symbol)))
-        return std::nullopt;
-    return lineAnswer(symbols, strip.width);
+    const auto symbols =
+        exchange.ask({std::uint32_t(strip.width), std::uint32_t(models)}, strip.grey);
+    return symbols ? lineAnswer(*symbols, strip.width) : std::nullopt;
+}
+
+QString EngineProcess::scriptOf(const std::vector<LineStrip> &lines)
+{
+    const std::size_t count = std::min(lines.size(), std::size_t(mostLines));
+    int width = 0;
+    for (std::size_t i = 0; i < count; ++i)
+        width = std::max(width, std::min(lines[i].width, enoughOfALine));
+    if (width <= 0)
+        return {};
+    constexpr std::uint8_t paper = 255;
+    std::vector<std::uint8_t> grey(std::size_t(width) * stripHeight * count, paper);
+    for (std::size_t i = 0; i < count; ++i) {
+        const LineStrip &line = lines[i];
+        for (std::size_t row = 0; row < stripHeight; ++row) {
+            const auto from = line.grey.begin() + std::ptrdiff_t(row * std::size_t(line.width));
+            std::copy_n(from, std::min(line.width, width),
+                        grey.begin()
+                            + std::ptrdiff_t((i * stripHeight + row) * std::size_t(width)));
+        }
+    }
+    Exchange exchange(m_socket, m_patience);
+    const auto answer =
+        exchange.ask({std::uint32_t(width), LineProtocol::all, std::uint32_t(count)}, grey);
+    const auto script = answer ? lineAnswer(*answer, width) : std::nullopt;
+    if (!script || script->empty() || script->front().confidence < surelyThisScript)
+        return {};
+    return script->front().text;
 }
 
 } // namespace tovek

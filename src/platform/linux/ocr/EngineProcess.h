@@ -31,13 +31,16 @@ class EngineProcess : public LineEngine
 public:
     /// Starts the process and waits until it has loaded its models: about 0.1 s. Null when it
     /// cannot run, cannot load them or hangs.
-    static std::unique_ptr<LineEngine> create(const EngineSetup &setup);
+    static std::unique_ptr<EngineProcess> create(const EngineSetup &setup);
     ~EngineProcess() override;
     EngineProcess(const EngineProcess &) = delete;
     EngineProcess &operator=(const EngineProcess &) = delete;
 
     std::optional<std::vector<EngineSymbol>> read(const LineStrip &strip, Models models) override;
     bool readsByWords() const override { return m_readsByWords; }
+    /// The script that lines of one text are written in, by the engine's name for it; empty where
+    /// it cannot tell. Of a process that was started with "osd" for languages.
+    QString scriptOf(const std::vector<LineStrip> &lines);
     int processId() const { return m_processId; }
 
     /// Ends what waits for a process for longer than this, as if it had broken down. Any thread.

@@ -16,14 +16,20 @@ namespace tovek::LineProtocol {
 
 inline constexpr std::uint32_t stripHeight = 36;
 inline constexpr std::uint32_t widestStrip = 1U << 15;
+inline constexpr std::uint32_t mostLines = 64;
 
 /// With which of the process's models a line is read: all, the English one, all others.
 enum Models : std::uint32_t { all, english, native };
 
+/// What a process is started with in place of languages that tells scripts instead of letters: a
+/// request's lines are answered with the script's name as the one symbol, or with none.
+inline constexpr const char *scriptsOnly = "osd";
+
 struct LineRequest
 {
-    std::uint32_t width = 0; ///< stripHeight rows of so many bytes follow
-    std::uint32_t models = 0; ///< one of those below
+    std::uint32_t width = 0;
+    std::uint32_t models = 0; ///< one of those above
+    std::uint32_t lines = 1; ///< so many times stripHeight rows of `width` bytes follow
 };
 
 struct LineReply

@@ -34,6 +34,35 @@ const QHash<QString, QString> &namesByCode()
     };
     return names;
 }
+
+/// A script's name for people, and the languages that are written in it, the one first that is
+/// the likeliest on a desktop of another language.
+struct ScriptLanguages
+{
+    QString name;
+    QStringList languages;
+};
+
+const QHash<QString, ScriptLanguages> &languagesByScript()
+{
+    static const QHash<QString, ScriptLanguages> languages {
+        {"Arabic", {"Arabic", {"ar", "fa", "ur"}}}, {"Armenian", {"Armenian", {"hy"}}},
+        {"Bengali", {"Bengali", {"bn", "as"}}},     {"Cyrillic", {"Cyrillic", {"ru", "uk", "bg",
+            "sr", "be", "mk", "kk", "ky", "mn"}}},
+        {"Devanagari", {"Hindi", {"hi", "mr", "ne", "sa"}}}, {"Ethiopic", {"Amharic", {"am"}}},
+        {"Georgian", {"Georgian", {"ka"}}},         {"Greek", {"Greek", {"el"}}},
+        {"Gujarati", {"Gujarati", {"gu"}}},         {"Gurmukhi", {"Punjabi", {"pa"}}},
+        {"Han", {"Chinese", {"zh-Hans", "zh-Hant", "ja"}}}, {"Hangul", {"Korean", {"ko"}}},
+        {"Hebrew", {"Hebrew", {"he", "yi"}}},       {"Japanese", {"Japanese", {"ja"}}},
+        {"Kannada", {"Kannada", {"kn"}}},           {"Khmer", {"Khmer", {"km"}}},
+        {"Korean", {"Korean", {"ko"}}},             {"Lao", {"Lao", {"lo"}}},
+        {"Malayalam", {"Malayalam", {"ml"}}},       {"Myanmar", {"Burmese", {"my"}}},
+        {"Oriya", {"Odia", {"or"}}},                {"Sinhala", {"Sinhala", {"si"}}},
+        {"Tamil", {"Tamil", {"ta"}}},               {"Telugu", {"Telugu", {"te"}}},
+        {"Thai", {"Thai", {"th"}}},                 {"Tibetan", {"Tibetan", {"bo"}}},
+    };
+    return languages;
+}
 // clang-format on
 
 const QString englishModel = QStringLiteral("eng");
@@ -65,16 +94,47 @@ QStringList modelsFor(const QStringList &languages, const QStringList &installed
     return models;
 }
 
-QStringList missingPackages(const QStringList &languages, const QStringList &installed)
+QString languageOf(const QString &script, const QStringList &installed)
 {
-    QStringList packages;
-    for (const QString &language : languages) {
+    const auto known = languagesByScript().constFind(script);
+    if (known == languagesByScript().constEnd())
+        return {};
+    const QStringList &languages = known->languages;
+    const auto found =
+        std::find_if(languages.begin(), languages.end(), [&](const QString &language) {
+            return installed.contains(modelNameOf(language));
+        });
+    return found != languages.end() ? *found : languages.first();
+}
+
+bool canRead(const QString &script, const QStringList &models)
+{
+    const QStringList languages = languagesByScript().value(script).languages;
+    return std::any_of(languages.begin(), languages.end(), [&](const QString &language) {
+        return models.contains(modelNameOf(language));
+    });
+}
+
+std::vector<MissingModel> missingModels(const QStringList &languages, const QStringList &scripts,
+                                        const QStringList &installed)
+{
+    std::vector<MissingModel> missing;
+    const auto add = [&](const QString &language, const QString &reads) {
         QString name = modelNameOf(language);
-        if (!name.isEmpty() && !installed.contains(name))
-            packages += QStringLiteral("tesseract-ocr-") + name.replace('_', '-');
-    }
-    packages.removeDuplicates();
-    return packages;
+        if (name.isEmpty() || installed.contains(name))
+            return;
+        const QString package = QStringLiteral("tesseract-ocr-") + name.replace('_', '-');
+        const bool isKnown =
+            std::any_of(missing.begin(), missing.end(),
+                        [&](const MissingModel &model) { return model.package == package; });
+        if (!isKnown)
+            missing.push_back({package, reads});
+    };
+    for (const QString &language : languages)
+        add(language, QStringLiteral("your language"));
+    for (const QString &script : scripts)
+        add(languageOf(script, installed), languagesByScript().value(script).name);
+    return missing;
 }
 
 bool readByWords(const QStringList &models)

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "platform/TextRecognizer.h"
+
 #include <QStringList>
 
 namespace tovek {
@@ -14,8 +16,17 @@ QString modelNameOf(const QString &language);
 /// desktop shows too. `languages` as from QLocale::uiLanguages.
 QStringList modelsFor(const QStringList &languages, const QStringList &installed);
 
-/// The packages with the models of the user's languages that are not installed.
-QStringList missingPackages(const QStringList &languages, const QStringList &installed);
+/// Of a script, by the engine's name for it: the language that stands for it where one of its
+/// models is installed, else its usual one. Empty for Latin and unknown ones.
+QString languageOf(const QString &script, const QStringList &installed);
+
+/// Whether a model among these reads the script.
+bool canRead(const QString &script, const QStringList &models);
+
+/// What is not installed of the models of the user's languages, and then of those for the scripts
+/// that were seen.
+std::vector<MissingModel> missingModels(const QStringList &languages, const QStringList &scripts,
+                                        const QStringList &installed);
 
 /// Whether one of the models is for a script that is read by words (see Script in reading/).
 bool readByWords(const QStringList &models);

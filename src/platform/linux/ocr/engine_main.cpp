@@ -129,28 +129,99 @@ std::vector<Symbol> read(tesseract::TessBaseAPI &api, const std::vector<unsigned
     return symbols;
 }
 
+/// Tells the script of several lines at once: one line is too little for it.
+class ScriptEngine
+{
+public:
+    bool open(const char *folder)
+    {
+        const std::vector<std::string> names{"debug_file", "min_characters_to_try"};
+        const std::vector<std::string> values{"/dev/null", fewestCharacters};
+        if (m_api.Init(folder, scriptsOnly, tesseract::OEM_TESSERACT_ONLY, nullptr, 0, &names,
+                       &values, false)
+            != 0)
+            return false;
+        m_api.SetPageSegMode(tesseract::PSM_OSD_ONLY);
+        return true;
+    }
+    /// The lines lie one below the other in `grey`.
+    std::vector<Symbol> read(const std::vector<unsigned char> &grey, std::size_t width,
+                             std::size_t lines)
+    {
+        constexpr std::size_t margin = 24; // around each line
+        constexpr unsigned char paper = 255;
+        const std::size_t pitch = stripHeight + margin;
+        const std::size_t pageWidth = width + 2 * margin;
+        const std::size_t pageHeight = lines * pitch + margin;
+        std::vector<unsigned char> page(pageWidth * pageHeight, paper);
+        for (std::size_t row = 0; row < lines * stripHeight; ++row) {
+            const std::size_t y = margin + row / stripHeight * pitch + row % stripHeight;
+            std::copy_n(grey.data() + row * width, width, page.data() + y * pageWidth + margin);
+        }
+        m_api.SetImage(page.data(), int(pageWidth), int(pageHeight), 1, int(pageWidth));
+        m_api.SetSourceResolution(150);
+        int degrees = 0;
+        float upright = 0;
+        const char *name = nullptr;
+        Symbol script;
+        if (!m_api.DetectOrientationScript(&degrees, &upright, &name, &script.confidence) || !name
+            || degrees != 0)
+            return {};
+        script.length = std::uint8_t(std::min(std::strlen(name), sizeof(script.text)));
+        std::memcpy(script.text, name, script.length);
+        return {script};
+    }
+
+private:
+    static constexpr const char *fewestCharacters = "20";
+    tesseract::TessBaseAPI m_api;
+};
+
+/// Answers until the socket is closed or says what cannot be.
+template <typename Read>
+void serve(Read read)
+{
+    LineRequest request;
+    while (readAll(socketFd, &request, sizeof(request)) && request.width <= widestStrip
+           && request.lines <= mostLines) {
+        std::vector<unsigned char> grey(std::size_t(request.width) * stripHeight * request.lines);
+        if (!readAll(socketFd, grey.data(), grey.size()))
+            break;
+        const std::vector<Symbol> symbols = read(request, grey);
+        const LineReply reply{std::uint32_t(symbols.size())};
+        if (!sendAll(&reply, sizeof(reply))
+            || !sendAll(symbols.data(), symbols.size() * sizeof(Symbol)))
+            break;
+    }
+}
+
+int serveScripts(const char *folder)
+{
+    ScriptEngine engine;
+    const char isReady = engine.open(folder) ? 1 : 0;
+    if (!sendAll(&isReady, 1) || !isReady)
+        return 1;
+    serve([&](const LineRequest &request, const std::vector<unsigned char> &grey) {
+        return engine.read(grey, request.width, request.lines);
+    });
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
     if (argc != 3)
         return 2;
+    if (std::strcmp(argv[2], scriptsOnly) == 0)
+        return serveScripts(argv[1]);
     tesseract::TessBaseAPI api;
     const char isReady = open(api, argv[1], argv[2]) ? 1 : 0;
     if (!sendAll(&isReady, 1) || !isReady)
         return 1;
     Engines engines(argv[1], argv[2], api);
-    LineRequest request;
-    while (readAll(socketFd, &request, sizeof(request)) && request.width <= widestStrip) {
-        std::vector<unsigned char> grey(std::size_t(request.width) * stripHeight);
-        if (!readAll(socketFd, grey.data(), grey.size()))
-            break;
-        const std::vector<Symbol> symbols =
-            read(engines.with(request.models), grey, int(request.width));
-        const LineReply reply{std::uint32_t(symbols.size())};
-        if (!sendAll(&reply, sizeof(reply))
-            || !sendAll(symbols.data(), symbols.size() * sizeof(Symbol)))
-            break;
-    }
+    serve([&](const LineRequest &request, const std::vector<unsigned char> &grey) {
+        return read(engines.with(request.models), grey, int(request.width));
+    });
     return 0;
 }

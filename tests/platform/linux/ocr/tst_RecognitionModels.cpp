@@ -44,13 +44,51 @@ private Q_SLOTS:
         QTEST(modelNameOf(language), "expected");
     }
 
+    void namesThePackagesOfMissingModels_data()
+    {
+        QTest::addColumn<QStringList>("languages");
+        QTest::addColumn<QStringList>("scripts");
+        QTest::addColumn<QStringList>("installed");
+        QTest::addColumn<QStringList>("expected");
+        const QStringList none;
+        QTest::newRow("a language") << QStringList{"de-AT", "de"} << none << QStringList{"eng"}
+                                    << QStringList{"tesseract-ocr-deu for your language"};
+        QTest::newRow("simplified Chinese")
+            << QStringList{"zh-Hans-CN", "zh", "en"} << none << QStringList{"eng"}
+            << QStringList{"tesseract-ocr-chi-sim for your language"};
+        QTest::newRow("all is there")
+            << QStringList{"de", "en"} << none << QStringList{"deu", "eng"} << none;
+        QTest::newRow("no language") << QStringList{"C", ""} << none << QStringList{"eng"} << none;
+        QTest::newRow("a script that was seen")
+            << QStringList{"en"} << QStringList{"Devanagari"} << QStringList{"eng"}
+            << QStringList{"tesseract-ocr-hin for Hindi"};
+        QTest::newRow("a script of which one language is there")
+            << QStringList{"en"} << QStringList{"Cyrillic"} << QStringList{"eng", "ukr"} << none;
+        QTest::newRow("a language and its script")
+            << QStringList{"ru"} << QStringList{"Cyrillic", "Arabic"} << QStringList{"eng"}
+            << QStringList{"tesseract-ocr-rus for your language", "tesseract-ocr-ara for Arabic"};
+        QTest::newRow("what is no other script")
+            << QStringList{"en"} << QStringList{"Latin", "Fraktur"} << QStringList{"eng"} << none;
+    }
     void namesThePackagesOfMissingModels()
     {
-        QCOMPARE(missingPackages({"de-AT", "de"}, {"eng"}), QStringList{"tesseract-ocr-deu"});
-        QCOMPARE(missingPackages({"zh-Hans-CN", "zh", "en"}, {"eng"}),
-                 QStringList{"tesseract-ocr-chi-sim"});
-        QCOMPARE(missingPackages({"de", "en"}, {"deu", "eng"}), QStringList{});
-        QCOMPARE(missingPackages({"C", ""}, {"eng"}), QStringList{});
+        QFETCH(QStringList, languages);
+        QFETCH(QStringList, scripts);
+        QFETCH(QStringList, installed);
+        QStringList told;
+        for (const MissingModel &model : missingModels(languages, scripts, installed))
+            told += model.package + " for " + model.reads;
+        QTEST(told, "expected");
+    }
+
+    void readsASeenScriptWithAModelThatIsThere()
+    {
+        QCOMPARE(languageOf("Cyrillic", {"eng", "ukr"}), QString("uk"));
+        QCOMPARE(languageOf("Cyrillic", {"eng"}), QString("ru"));
+        QCOMPARE(languageOf("Latin", {"eng"}), QString());
+        QVERIFY(canRead("Cyrillic", {"ukr", "eng"}));
+        QVERIFY(!canRead("Arabic", {"ukr", "eng"}));
+        QVERIFY(!canRead("Latin", {"eng"}));
     }
     void tellsModelsThatAreReadByWords()
     {
