@@ -39,6 +39,9 @@ bool DragFollower::take(const QEvent &event)
             m_reading = std::make_unique<PacedReading>(m_toolkit, m_interval);
         return false;
     case QEvent::MouseMove:
+        // A compositor that takes the mouse away keeps the release to itself.
+        if (!(static_cast<const QMouseEvent &>(event).buttons() & Qt::LeftButton))
+            m_reading.reset();
         if (!m_reading)
             return false;
         m_at = static_cast<const QMouseEvent &>(event).scenePosition();

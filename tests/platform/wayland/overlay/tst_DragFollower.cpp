@@ -126,6 +126,16 @@ private Q_SLOTS:
         QCOMPARE(drag.told, Places());
     }
 
+    void endsWithAMoveWithoutTheButton()
+    {
+        Drag drag(m_connection);
+        drag.press();
+        QVERIFY(!drag.send(QEvent::MouseMove, {1, 1}, Qt::NoButton));
+        QVERIFY(!drag.move({2, 2}));
+        QCoreApplication::processEvents();
+        QCOMPARE(drag.told, Places());
+    }
+
     void forgetsWhatWasNotToldWhenItEnds()
     {
         Drag drag(m_connection);
