@@ -227,7 +227,8 @@ private Q_SLOTS:
         QVERIFY(!shows(QStringLiteral("This folder does not exist")));
         answerWith(QStringLiteral("printf %s \"$*\" >asked"));
         chooseButton()->click();
-        QTRY_COMPARE(asked(), QStringLiteral("--start ") + used);
+        const QString accent = m_view->palette().color(QPalette::Highlight).name();
+        QTRY_COMPARE(asked(), QStringLiteral("--start %1 --accent %2").arg(used, accent));
     }
 
     void turnsAutomaticChecksOn()
