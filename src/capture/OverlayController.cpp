@@ -242,7 +242,7 @@ void OverlayController::recognizeText(const Rect &rect, const Screen &screen)
     if (m_session->mode() != CaptureMode::copyText)
         showPart = [=, this](const std::vector<TextRegion> &regions) {
             if (OverlayWindow *window = m_session->window(screen))
-                window->selectionView()->addTextRegions(regions);
+                window->selectionView()->showTextRegions(regions, TextShare::some);
         };
     m_session->text(screen).start({
         captured->screenshot->pixels(),

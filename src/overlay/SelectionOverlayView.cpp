@@ -11,6 +11,10 @@
 
 #include <QMouseEvent>
 
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
 namespace tovek {
 
 SelectionOverlayView::SelectionOverlayView(const OverlayContext &context, QWidget *parent)
@@ -339,42 +343,24 @@ void SelectionOverlayView::removeToolbar()
     redraw();
 }
 
-void SelectionOverlayView::showTextRegions(const std::vector<TextRegion> &regions)
-{
-    if (TextRegionOverlayView *layer = takingTextRegions()) {
-        layer->settle(regions);
-        pointAt(m_pointer); // which may rest where a word is now
-    }
-}
-
-void SelectionOverlayView::addTextRegions(const std::vector<TextRegion> &regions)
-{
-    if (TextRegionOverlayView *layer = takingTextRegions()) {
-        layer->add(regions);
-        pointAt(m_pointer);
-    }
-}
-
-TextRegionOverlayView *SelectionOverlayView::takingTextRegions()
+void SelectionOverlayView::showTextRegions(const std::vector<TextRegion> &regions, TextShare share)
 {
     if (!m_state.selectionRect() || m_state.isResizing())
-        return nullptr;
-    m_isTextSelectionMode = true;
+        return;
     if (!m_textRegionOverlay) {
         m_textRegionOverlay =
             std::make_unique<TextRegionOverlayView>(m_context.defaults, *m_state.selectionRect());
         m_textRegionOverlay->onNeedsDisplay = [this] { redraw(); };
     }
-    return m_textRegionOverlay.get();
+    share == TextShare::all ? m_textRegionOverlay->settle(regions)
+                            : m_textRegionOverlay->add(regions);
+    pointAt(m_pointer); // which may rest where a word is now
 }
 
 void SelectionOverlayView::removeTextRegions()
 {
-    m_isTextSelectionMode = false;
-    if (!m_textRegionOverlay)
-        return;
-    m_textRegionOverlay.reset();
-    redraw();
+    if (std::exchange(m_textRegionOverlay, nullptr))
+        redraw();
 }
 
 void SelectionOverlayView::coverChanged()
@@ -405,11 +391,8 @@ OverlayPicture SelectionOverlayView::picture()
     const auto annotations = m_editor.drawnAnnotations();
     if (!annotations.empty() && picture.selection)
         picture.content = m_annotationLayer.items(annotations, m_space, *picture.selection);
-    if (m_textRegionOverlay) {
-        auto items = m_textRegionOverlay->items(m_space);
-        picture.content.insert(picture.content.end(), std::make_move_iterator(items.begin()),
-                               std::make_move_iterator(items.end()));
-    }
+    if (m_textRegionOverlay)
+        std::ranges::move(m_textRegionOverlay->items(m_space), std::back_inserter(picture.content));
     return picture;
 }
 

@@ -20,6 +20,9 @@
 
 namespace tovek {
 
+/// Of the words of a selection; some: others are still being recognised.
+enum class TextShare { some, all };
+
 /// The content of an overlay: the frozen screen, the selection on it, and what the user does with
 /// both. Translates events into the rules' values, and the rules' state into a picture. Points are
 /// the view's, with y up.
@@ -34,13 +37,11 @@ public:
     void setCaptureCursor();
     /// The words of the selection, once they are recognised. Without a selection, or while it is
     /// being resized, they come too late.
-    void showTextRegions(const std::vector<TextRegion> &regions);
-    /// Some of them, while others are still being recognised.
-    void addTextRegions(const std::vector<TextRegion> &regions);
+    void showTextRegions(const std::vector<TextRegion> &regions, TextShare share = TextShare::all);
 
     const std::optional<Rect> &selectionRect() const { return m_state.selectionRect(); }
     bool isSelectionFinalized() const { return m_state.isSelectionFinalized(); }
-    bool isTextSelectionMode() const { return m_isTextSelectionMode; }
+    bool isTextSelectionMode() const { return m_textRegionOverlay != nullptr; }
     CaptureMode captureMode() const { return m_context.captureMode; }
     SelectionToolbar *toolbar() const { return m_toolbar.widget(); }
     bool isToolbarAtTop() const { return m_toolbar.isAtTop(); }
@@ -99,8 +100,6 @@ private:
     void showToolbar();
     void removeToolbar();
     void removeTextRegions();
-    /// The layer of words, if they do not come too late; made empty where there is none yet.
-    TextRegionOverlayView *takingTextRegions();
     /// Tells the surface which part of the picture child widgets paint.
     void coverChanged();
 
@@ -111,7 +110,6 @@ private:
     OverlayContext m_context;
     ViewSpace m_space;
     SelectionState m_state;
-    bool m_isTextSelectionMode = false;
     OverlayAnimations m_animations;
     AnnotationEditor m_editor;
     AnnotationLayer m_annotationLayer;

@@ -88,10 +88,10 @@ private Q_SLOTS:
         PointerFixture f;
         QVERIFY(f.start());
         f.press(onWord);
-        f.view()->addTextRegions({{"below", {0.1, 0.2, 0.4, 0.2}}});
+        f.view()->showTextRegions({{"below", {0.1, 0.2, 0.4, 0.2}}}, TextShare::some);
         f.point({150, 150});
         QCOMPARE(f.selectedWords(), size_t(2));
-        f.view()->addTextRegions({{"beside", {0.6, 0.6, 0.1, 0.2}}});
+        f.view()->showTextRegions({{"beside", {0.6, 0.6, 0.1, 0.2}}}, TextShare::some);
         QCOMPARE(f.selectedWords(), size_t(3));
         f.view()->showTextRegions(
             {{"below", {0.1, 0.2, 0.4, 0.2}}, {"word", {0.1, 0.6, 0.4, 0.2}}});
@@ -108,7 +108,7 @@ private Q_SLOTS:
         QVERIFY(f.start());
         f.pointAt({150, 150});
         QVERIFY(!f.view()->textRegionOverlay()->selection().hoveredIndex);
-        f.view()->addTextRegions({{"below", {0.1, 0.2, 0.4, 0.2}}});
+        f.view()->showTextRegions({{"below", {0.1, 0.2, 0.4, 0.2}}}, TextShare::some);
         QCOMPARE(f.view()->textRegionOverlay()->selection().hoveredIndex, std::optional(1));
     }
 
@@ -117,7 +117,7 @@ private Q_SLOTS:
         PointerFixture f;
         QVERIFY(f.start());
         f.press({100, 95});
-        f.view()->addTextRegions({{"late", {0.1, 0.2, 0.4, 0.2}}});
+        f.view()->showTextRegions({{"late", {0.1, 0.2, 0.4, 0.2}}}, TextShare::some);
         QVERIFY(!f.view()->textRegionOverlay());
         f.release({100, 95});
     }
