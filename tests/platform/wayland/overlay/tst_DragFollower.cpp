@@ -150,6 +150,7 @@ private Q_SLOTS:
     {
         Drag drag(m_connection);
         drag.press();
+        QTest::qWait(soonMs); // the thread that reads begins
         QVERIFY(roundtripMs() < soonMs);
         QVERIFY(roundtripMs() >= interval.count() - soonMs);
         QTest::qWait(int(interval.count()));
