@@ -11,7 +11,10 @@
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
+#include <QProcess>
+#include <QRegularExpression>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 
 namespace tovek {
 
@@ -25,6 +28,31 @@ void collectTitles(const QJsonObject &node, QStringList &titles)
         for (const QJsonValue &child : node.value(QLatin1String(children)).toArray())
             collectTitles(child.toObject(), titles);
     }
+}
+
+/// Its own version; 0 where it does not run. The installed program may carry a right that cannot be
+/// had here, and then is not run at all; a copy has none.
+int versionOfKWin()
+{
+    const QTemporaryDir folder;
+    const QString copy = folder.filePath(QStringLiteral("kwin_wayland"));
+    QFile::copy(QStandardPaths::findExecutable(QStringLiteral("kwin_wayland")), copy);
+    QProcess program;
+    program.start(copy, {QStringLiteral("--version")});
+    program.waitForFinished();
+    static const QRegularExpression version(QStringLiteral("kwin (\\d+)\\."));
+    return version.match(QString::fromUtf8(program.readAll())).captured(1).toInt();
+}
+
+/// From version 6 on, a KWin without a screen draws without OpenGL unless there is a graphics card,
+/// and then answers every request for a picture with an error.
+bool showsPicturesOfKWin()
+{
+    static const bool shows = versionOfKWin() < 6
+        || !QDir(QStringLiteral("/dev/dri"))
+                .entryList({QStringLiteral("renderD*")}, QDir::System)
+                .isEmpty();
+    return shows;
 }
 
 } // namespace
@@ -42,7 +70,11 @@ QString WaylandDesktop::missing(const WaylandPlan &plan)
         needed << QStringLiteral("kwin_wayland");
     if (plan.hasXWayland)
         needed << QStringLiteral("Xwayland");
-    return UserDesktop::missing(needed);
+    const QString reason = UserDesktop::missing(needed);
+    if (reason.isEmpty() && plan.compositor == WaylandPlan::Compositor::kwin
+        && !showsPicturesOfKWin())
+        return QStringLiteral("this KWin gives no pictures without a graphics card");
+    return reason;
 }
 
 QString WaylandDesktop::monitorName(int index)
