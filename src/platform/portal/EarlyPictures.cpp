@@ -4,6 +4,7 @@
 #include "platform/portal/EarlyPictures.h"
 
 #include "foundation/AskAside.h"
+#include "foundation/WhenReady.h"
 
 #include <QDir>
 #include <QFile>
@@ -25,6 +26,32 @@ constexpr size_t mostAtATime = 2;
 
 } // namespace
 
+/// To begin it may take as long as the folders' file systems like.
+struct EarlyPictures::Watch
+{
+    explicit Watch(const QStringList &names) : inotify(inotify_init1(IN_CLOEXEC | IN_NONBLOCK))
+    {
+        for (const QString &name : names) {
+            const int number = inotify < 0
+                ? -1
+                : inotify_add_watch(inotify, QFile::encodeName(name).constData(),
+                                    IN_CLOSE_WRITE | IN_MOVED_TO | IN_ONLYDIR);
+            if (number >= 0)
+                folders.emplace(number, name);
+        }
+    }
+    ~Watch()
+    {
+        if (inotify >= 0)
+            close(inotify);
+    }
+    Watch(const Watch &) = delete;
+    Watch &operator=(const Watch &) = delete;
+
+    const int inotify; ///< negative where there is none
+    std::map<int, QString> folders; ///< by their numbers in events
+};
+
 EarlyPictures::EarlyPictures(QStringList folders) : m_folders(std::move(folders)) { }
 
 EarlyPictures::~EarlyPictures()
@@ -40,41 +67,52 @@ QStringList EarlyPictures::standardFolders()
     return folders;
 }
 
-void EarlyPictures::start()
+QFuture<void> EarlyPictures::start()
 {
     stop();
-    m_inotify = inotify_init1(IN_CLOEXEC | IN_NONBLOCK);
-    if (m_inotify < 0)
+    m_isWanted = true;
+    // One that hangs is not asked a second time.
+    if (!m_beginning.isRunning())
+        m_beginning = askAside<std::shared_ptr<Watch>>(
+            [folders = m_folders] { return std::make_shared<Watch>(folders); });
+    const auto heard = std::make_shared<QPromise<void>>();
+    heard->start();
+    whenOver(m_beginning, this, [this, heard](const QFuture<std::shared_ptr<Watch>> &finished) {
+        m_beginning = {}; // or it would keep watching
+        if (m_isWanted && finished.resultCount() > 0)
+            begin(finished.result());
+        heard->finish();
+    });
+    return heard->future();
+}
+
+void EarlyPictures::begin(std::shared_ptr<Watch> watch)
+{
+    if (watch->inotify < 0)
         return;
-    for (const QString &folder : m_folders) {
-        const int watch = inotify_add_watch(m_inotify, QFile::encodeName(folder).constData(),
-                                            IN_CLOSE_WRITE | IN_MOVED_TO | IN_ONLYDIR);
-        if (watch >= 0)
-            m_watched.emplace(watch, folder);
-    }
-    m_notifier = std::make_unique<QSocketNotifier>(m_inotify, QSocketNotifier::Read);
+    m_watch = std::move(watch);
+    m_notifier = std::make_unique<QSocketNotifier>(m_watch->inotify, QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] { hear(); });
 }
 
 void EarlyPictures::stop()
 {
+    m_isWanted = false;
     m_notifier.reset();
-    if (m_inotify >= 0)
-        close(std::exchange(m_inotify, -1));
-    m_watched.clear();
+    m_watch.reset();
     m_read.clear();
 }
 
 void EarlyPictures::hear()
 {
     alignas(inotify_event) std::array<char, 4096> bytes;
-    const ssize_t count = read(m_inotify, bytes.data(), bytes.size());
+    const ssize_t count = read(m_watch->inotify, bytes.data(), bytes.size());
     for (ssize_t at = 0; at < count;) {
         const auto *event = reinterpret_cast<const inotify_event *>(bytes.data() + at);
         at += ssize_t(sizeof *event + event->len);
         const QString name = event->len ? QFile::decodeName(event->name) : QString();
-        const auto folder = m_watched.find(event->wd);
-        if (folder == m_watched.end() || !name.endsWith(QLatin1String(".png"))
+        const auto folder = m_watch->folders.find(event->wd);
+        if (folder == m_watch->folders.end() || !name.endsWith(QLatin1String(".png"))
             || m_read.size() == mostAtATime)
             continue;
         const QString path = QDir(folder->second).filePath(name);
@@ -86,7 +124,7 @@ void EarlyPictures::hear()
 
 std::optional<QFuture<PortalPicture>> EarlyPictures::take(const QString &uri)
 {
-    if (m_notifier)
+    if (m_watch)
         hear(); // the answer may be read before the event
     const auto read = m_read.find(QUrl(uri).toLocalFile());
     return read == m_read.end() ? std::nullopt : std::optional(read->second);

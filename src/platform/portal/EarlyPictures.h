@@ -30,19 +30,23 @@ public:
     /// Where GNOME leaves them: in the folder for pictures, or at home where there is none.
     static QStringList standardFolders();
 
-    /// Of files that are written from now on.
-    void start();
+    /// Of files that are written from the moment on that the future has finished, which it does not
+    /// while the file system of a folder does not answer.
+    QFuture<void> start();
     void stop();
     /// What was read of the named file, or is being read; absent when it was not seen.
     std::optional<QFuture<PortalPicture>> take(const QString &uri);
 
 private:
+    struct Watch;
+    void begin(std::shared_ptr<Watch> watch);
     void hear();
 
     const QStringList m_folders;
-    int m_inotify = -1;
+    QFuture<std::shared_ptr<Watch>> m_beginning;
+    bool m_isWanted = false;
+    std::shared_ptr<Watch> m_watch; ///< null while nothing is heard
     std::unique_ptr<QSocketNotifier> m_notifier;
-    std::map<int, QString> m_watched; ///< folders, by the watch on each
     std::map<QString, QFuture<PortalPicture>> m_read; ///< by path
 };
 

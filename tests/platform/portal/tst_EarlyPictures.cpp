@@ -18,7 +18,7 @@ private Q_SLOTS:
     {
         m_folder = std::make_unique<QTemporaryDir>();
         m_pictures = std::make_unique<EarlyPictures>(QStringList{m_folder->path(), "/no/such"});
-        m_pictures->start();
+        start();
     }
 
     void readsWhatIsWrittenAndLeavesIt()
@@ -60,10 +60,18 @@ private Q_SLOTS:
     {
         m_pictures->stop();
         QVERIFY(write(Qt::red));
-        m_pictures->start();
+        start();
         QVERIFY(!m_pictures->take(uri()));
         QVERIFY(write(Qt::red));
         m_pictures->stop();
+        QVERIFY(!m_pictures->take(uri()));
+    }
+    void hearsNothingWhereItWasStoppedInTime()
+    {
+        const QFuture<void> started = m_pictures->start();
+        m_pictures->stop();
+        QTRY_VERIFY(started.isFinished());
+        QVERIFY(write(Qt::red));
         QVERIFY(!m_pictures->take(uri()));
     }
     void hasNoPictureOfHalfAFile()
@@ -87,6 +95,11 @@ private Q_SLOTS:
     }
 
 private:
+    void start() const
+    {
+        const QFuture<void> started = m_pictures->start();
+        QTRY_VERIFY(started.isFinished());
+    }
     QString path() const { return m_folder->filePath(QStringLiteral("Screenshot 1.png")); }
     QString uri() const { return QUrl::fromLocalFile(path()).toString(QUrl::FullyEncoded); }
     static QImage picture(Qt::GlobalColor color)
