@@ -81,6 +81,8 @@ SwayHotKeys::~SwayHotKeys()
 {
     while (!m_grabs.empty())
         SwayHotKeys::release(m_grabs.begin()->first);
+    for (const auto &[number, combo] : m_leaving)
+        unbind(combo);
 }
 
 int SwayHotKeys::grab(quint32 id, KeyCombo combo)
@@ -89,10 +91,11 @@ int SwayHotKeys::grab(quint32 id, KeyCombo combo)
     if (evdevCodes(int(combo.keyCode)).empty())
         return noSuchKey;
     const bool isOurs = std::any_of(m_grabs.begin(), m_grabs.end(),
-                                    [&](const auto &entry) { return entry.second == combo; });
-    if (isOurs || !bind(id, combo))
+                                    [&](const auto &entry) { return entry.second.combo == combo; });
+    const Grab grab{combo, ++m_lastNumber};
+    if (isOurs || !(isLeaving(combo) || bind(grab)))
         return heldElsewhere;
-    m_grabs.emplace(id, combo);
+    m_grabs.emplace(id, grab);
     return 0;
 }
 
@@ -101,9 +104,14 @@ void SwayHotKeys::release(quint32 id)
     const auto found = m_grabs.find(id);
     if (found == m_grabs.end())
         return;
-    unbind(found->second);
+    const auto [combo, number] = found->second;
     m_grabs.erase(found);
-    m_repeats.release(id);
+    // sway still uses the binding of a key that is down, and has been seen to run another in its
+    // place (1.10): it stays until the key is up.
+    if (m_repeats.release(number))
+        m_leaving.emplace(number, combo);
+    else if (!isLeaving(combo))
+        unbind(combo);
 }
 
 bool SwayHotKeys::isTaken(KeyCombo combo)
@@ -191,17 +199,41 @@ void SwayHotKeys::dispatch()
 
 void SwayHotKeys::handleBinding(const QString &command)
 {
-    for (const auto &[id, combo] : m_grabs) {
-        if (!command.startsWith(mark(id)))
+    const bool isDown = command.endsWith(downMark);
+    for (auto leaving = m_leaving.begin(); leaving != m_leaving.end(); ++leaving) {
+        if (!command.startsWith(mark(leaving->first)))
+            continue;
+        if (!isDown)
+            unbindLeaving(leaving);
+        return;
+    }
+    for (const auto &[id, grab] : m_grabs) {
+        if (!command.startsWith(mark(grab.number)))
             continue;
         const quint32 meant = id; // a callback may end the grab
-        const bool isDown = command.endsWith(downMark);
-        if (isDown && m_repeats.press(meant) && onPressed)
+        if (isDown && m_repeats.press(grab.number) && onPressed)
             onPressed(meant);
-        else if (!isDown && m_repeats.release(meant) && onReleased)
+        else if (!isDown && m_repeats.release(grab.number) && onReleased)
             onReleased(meant);
         return;
     }
+}
+
+void SwayHotKeys::unbindLeaving(std::map<quint32, KeyCombo>::iterator leaving)
+{
+    const KeyCombo combo = leaving->second;
+    m_leaving.erase(leaving);
+    unbind(combo);
+    for (const auto &[id, grab] : m_grabs) {
+        if (grab.combo == combo)
+            (void)bind(grab); // it has been free until now
+    }
+}
+
+bool SwayHotKeys::isLeaving(KeyCombo combo) const
+{
+    return std::any_of(m_leaving.begin(), m_leaving.end(),
+                       [&](const auto &entry) { return entry.second == combo; });
 }
 
 bool SwayHotKeys::run(const QString &command)
@@ -211,26 +243,27 @@ bool SwayHotKeys::run(const QString &command)
 
 void SwayHotKeys::bindAll()
 {
-    for (const auto &[id, combo] : m_grabs) {
-        if (!bind(id, combo))
+    m_leaving.clear();
+    for (const auto &[id, grab] : m_grabs) {
+        if (!bind(grab))
             logLine(QStringLiteral("sway refuses to bind %1 again")
-                        .arg(swayKeys(combo).join(QLatin1String(", "))));
+                        .arg(swayKeys(grab.combo).join(QLatin1String(", "))));
     }
 }
 
-bool SwayHotKeys::bind(quint32 id, KeyCombo combo)
+bool SwayHotKeys::bind(const Grab &grab)
 {
-    const QStringList keys = swayKeys(combo);
+    const QStringList keys = swayKeys(grab.combo);
     return std::all_of(keys.begin(), keys.end(), [&](const QString &key) {
         const auto pressed = [&](const char *option) {
             return run(QStringLiteral("bindcode --no-warn %1 %2 %3%4")
-                           .arg(QLatin1String(option), key, mark(id), downMark));
+                           .arg(QLatin1String(option), key, mark(grab.number), downMark));
         };
         // Older ones take an option that they do not know for a key.
         m_knowsNoRepeat = m_knowsNoRepeat && pressed("--no-repeat");
         return (m_knowsNoRepeat || pressed(""))
             && run(QStringLiteral("bindcode --no-warn --release %1 %2%3")
-                       .arg(key, mark(id), upMark));
+                       .arg(key, mark(grab.number), upMark));
     });
 }
 
@@ -243,9 +276,9 @@ void SwayHotKeys::unbind(KeyCombo combo)
 }
 
 /// What tells our binding, of this process, from others that do nothing.
-QString SwayHotKeys::mark(quint32 id) const
+QString SwayHotKeys::mark(quint32 number) const
 {
-    return QStringLiteral("nop tovek %1 %2 ").arg(getpid()).arg(id);
+    return QStringLiteral("nop tovek %1 %2 ").arg(getpid()).arg(number);
 }
 
 bool SwayHotKeys::isBoundInFile(const QString &text, KeyCombo combo,

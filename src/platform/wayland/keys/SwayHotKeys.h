@@ -50,9 +50,16 @@ private:
     void handleBinding(const QString &command);
     void bindAll();
     bool run(const QString &command);
-    bool bind(quint32 id, KeyCombo combo);
+    struct Grab
+    {
+        KeyCombo combo;
+        quint32 number; ///< of its binding; no two have the same
+    };
+    bool bind(const Grab &grab);
     void unbind(KeyCombo combo);
-    QString mark(quint32 id) const;
+    void unbindLeaving(std::map<quint32, KeyCombo>::iterator leaving);
+    bool isLeaving(KeyCombo combo) const;
+    QString mark(quint32 number) const;
     bool isBoundInFile(const QString &text, KeyCombo combo, QHash<QString, QString> &variables,
                        int depth) const;
 
@@ -60,8 +67,10 @@ private:
     const KeyboardLayout &m_layout;
     std::unique_ptr<SwayIpc> m_commands;
     std::unique_ptr<SwayIpc> m_events;
-    std::map<quint32, KeyCombo> m_grabs;
-    KeyRepeatFilter m_repeats;
+    std::map<quint32, Grab> m_grabs;
+    std::map<quint32, KeyCombo> m_leaving; ///< by number: bound until their keys are up
+    quint32 m_lastNumber = 0;
+    KeyRepeatFilter m_repeats; ///< of numbers
     RawKeyFilter m_rawKeys;
     bool m_knowsNoRepeat = true; ///< since sway 1.8
     bool m_isDispatching = false;
