@@ -5,7 +5,10 @@
 
 #include "command/CommandTable.h"
 
+#include <QList>
+
 #include <algorithm>
+#include <utility>
 
 namespace tovek {
 
