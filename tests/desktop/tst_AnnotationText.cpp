@@ -89,7 +89,7 @@ class TestAnnotationText : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(TestDesktop::missing()); }
+    void initTestCase() { SKIP_BECAUSE(TestDesktop::missing()); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void standsWhereItWasClicked_data()

@@ -52,7 +52,7 @@ class TestCapture : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(TestDesktop::missing(twoMonitors())); }
+    void initTestCase() { SKIP_BECAUSE(TestDesktop::missing(twoMonitors())); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void openingChangesNotOnePixel_data() { scales(); }

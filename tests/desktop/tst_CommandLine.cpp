@@ -59,7 +59,7 @@ class TestCommandLine : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(TestDesktop::missing()); }
+    void initTestCase() { SKIP_BECAUSE(TestDesktop::missing()); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void tellsWhatCannotBeDone()

@@ -82,7 +82,7 @@ class TestCompositor : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(TestDesktop::missing(composited())); }
+    void initTestCase() { SKIP_BECAUSE(TestDesktop::missing(composited())); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void openingAndLeavingChangesNotOnePixel_data() { fades(); }

@@ -142,7 +142,7 @@ class TestFullDisk : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        skipBecause(TestDesktop::missing());
+        SKIP_BECAUSE(TestDesktop::missing());
         if (!mountOptions())
             QSKIP("The kernel permits no mount of a program's own here");
     }

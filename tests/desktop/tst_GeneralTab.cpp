@@ -25,7 +25,7 @@ class TestGeneralTab : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(TestDesktop::missing()); }
+    void initTestCase() { SKIP_BECAUSE(TestDesktop::missing()); }
     void init()
     {
         QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));

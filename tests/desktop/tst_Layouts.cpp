@@ -58,7 +58,7 @@ class TestLayouts : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(TestDesktop::missing()); }
+    void initTestCase() { SKIP_BECAUSE(TestDesktop::missing()); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void actByTheLatinMeaningOfTheKey_data()

@@ -101,7 +101,7 @@ class TestMixedScales : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(TestDesktop::missing(threeMonitors())); }
+    void initTestCase() { SKIP_BECAUSE(TestDesktop::missing(threeMonitors())); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void openingChangesNotOnePixel_data() { scales(); }

@@ -69,7 +69,7 @@ class TestNotifications : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(TestDesktop::missing()); }
+    void initTestCase() { SKIP_BECAUSE(TestDesktop::missing()); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void showsTheFileOfTheNotificationThatIsClicked()

@@ -65,7 +65,7 @@ class TestOverlayFocus : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(TestDesktop::missing(twoMonitors())); }
+    void initTestCase() { SKIP_BECAUSE(TestDesktop::missing(twoMonitors())); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void comesBackWithAClickOnTheToolbar()

@@ -34,7 +34,7 @@ class TestQuitting : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(TestDesktop::missing(large())); }
+    void initTestCase() { SKIP_BECAUSE(TestDesktop::missing(large())); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void keepsTheCopy_data()

@@ -57,7 +57,7 @@ class TestStatusNotifier : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(TestDesktop::missing()); }
+    void initTestCase() { SKIP_BECAUSE(TestDesktop::missing()); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void startsACaptureFromItsMenu()
@@ -67,6 +67,10 @@ private Q_SLOTS:
         session.before = session.tovek->eye().lookWhenStill();
         QVERIFY(session.openMenu(session.item().center()));
         QVERIFY(QRect(QPoint(), session.plan.size).contains(session.menu()));
+        // Menus of newer toolkits take no click of a pointer that has hardly moved.
+        for (int step = 8; step >= 0; --step)
+            session.tovek->hand().move(session.menu().topLeft() + inFirstItem
+                                       + QPoint(2 * step, 0));
         session.tovek->hand().click(session.menu().topLeft() + inFirstItem);
         QVERIFY(waitUntil([&] { return session.tovek->covers(session.monitors()); }));
         QVERIFY(session.menu().isEmpty());

@@ -98,7 +98,7 @@ private Q_SLOTS:
         DesktopPlan plan;
         plan.hasCompositor = true;
         plan.monitors = {QRect(0, 0, 10, 10)};
-        skipBecause(TestDesktop::missing(plan));
+        SKIP_BECAUSE(TestDesktop::missing(plan));
     }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 

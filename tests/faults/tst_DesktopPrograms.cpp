@@ -35,7 +35,7 @@ private Q_SLOTS:
         QFETCH(int, signal);
         DesktopPlan plan;
         plan.hasCompositor = program == "picom";
-        skipBecause(TestDesktop::missing(plan));
+        SKIP_BECAUSE(TestDesktop::missing(plan));
         Session s(plan);
         QVERIFY2(s.start(), qPrintable(s.error));
         QVERIFY(s.open());

@@ -208,7 +208,7 @@ private Q_SLOTS:
         QFETCH(Fault, fault);
         DesktopPlan plan;
         plan.hasCompositor = victim == QLatin1String("picom");
-        skipBecause(TestDesktop::missing(plan));
+        SKIP_BECAUSE(TestDesktop::missing(plan));
         if (!victim.startsWith(QLatin1String("tovek"))
             && QStandardPaths::findExecutable(victim).isEmpty())
             QSKIP(qPrintable(victim + QStringLiteral(" is not installed")));

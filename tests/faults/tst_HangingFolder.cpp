@@ -99,7 +99,7 @@ class TestHangingFolder : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        skipBecause(TestDesktop::missing());
+        SKIP_BECAUSE(TestDesktop::missing());
         if (!hangingMountOptions(helper))
             QSKIP("The kernel permits no mount of a program's own here");
     }

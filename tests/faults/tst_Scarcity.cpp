@@ -123,7 +123,7 @@ private Q_SLOTS:
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
         QSKIP("The sanitizers give out the memory themselves");
 #endif
-        skipBecause(TestDesktop::missing());
+        SKIP_BECAUSE(TestDesktop::missing());
     }
     void init()
     {

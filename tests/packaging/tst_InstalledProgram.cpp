@@ -25,7 +25,7 @@ class TestInstalledProgram : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        skipBecause(TestDesktop::missing());
+        SKIP_BECAUSE(TestDesktop::missing());
         QVERIFY2(m_prefix.install(), qPrintable(m_prefix.error));
         qputenv("TOVEK_PROGRAM", m_prefix.path(QStringLiteral("bin/tovek")).toUtf8());
     }

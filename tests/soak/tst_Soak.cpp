@@ -254,7 +254,7 @@ class TestSoak : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        skipBecause(TestDesktop::missing());
+        SKIP_BECAUSE(TestDesktop::missing());
         if (!QFile::exists(QStringLiteral("/usr/share/tesseract-ocr/5/tessdata/eng.traineddata")))
             QSKIP("no English recognition model is installed");
     }

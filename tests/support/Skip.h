@@ -5,13 +5,10 @@
 
 #include <QTest>
 
-namespace tovek {
-
-/// For initTestCase: skips every test of the class with the reason, unless that is empty.
-inline void skipBecause(const QString &reason)
-{
-    if (!reason.isEmpty())
-        QSKIP(qPrintable(reason));
-}
-
-} // namespace tovek
+/// Leaves the test with the reason, unless that is empty; in initTestCase, all of the class. No
+/// function, from which only itself could be left.
+#define SKIP_BECAUSE(...)                                                                          \
+    do {                                                                                           \
+        if (const QString reason = __VA_ARGS__; !reason.isEmpty())                                 \
+            QSKIP(qPrintable(reason));                                                             \
+    } while (false)

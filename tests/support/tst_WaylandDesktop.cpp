@@ -15,7 +15,7 @@ class TestWaylandDesktop : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(WaylandDesktop::missing()); }
+    void initTestCase() { SKIP_BECAUSE(WaylandDesktop::missing()); }
 
     void hasTheOutputsOfThePlan()
     {

@@ -26,7 +26,7 @@ class TestGnomeCapture : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        skipBecause(GnomeDesktop::missing());
+        SKIP_BECAUSE(GnomeDesktop::missing());
         QVERIFY2(m_desktop.start(), qPrintable(m_desktop.error()));
         QVERIFY(m_desktop.run(QStringLiteral(TOVEK_TEXT_WINDOW),
                               {"0", "0", "500", "300", "DejaVu Sans", "20", "light", "Some words"},

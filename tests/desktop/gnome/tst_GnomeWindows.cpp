@@ -33,7 +33,7 @@ class TestGnomeWindows : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(GnomeDesktop::missing()); }
+    void initTestCase() { SKIP_BECAUSE(GnomeDesktop::missing()); }
 
     void cleanup()
     {

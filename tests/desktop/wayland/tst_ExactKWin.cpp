@@ -26,7 +26,7 @@ private Q_SLOTS:
     void opensAndCopiesToThePixel()
     {
         QFETCH(WaylandPlan, plan);
-        skipBecause(WaylandDesktop::missing(plan));
+        SKIP_BECAUSE(WaylandDesktop::missing(plan));
         verifyExactness(plan);
     }
 };

@@ -26,14 +26,14 @@ private Q_SLOTS:
     void opensAndCopiesToThePixel()
     {
         QFETCH(WaylandPlan, plan);
-        skipBecause(WaylandDesktop::missing(plan));
+        SKIP_BECAUSE(WaylandDesktop::missing(plan));
         verifyExactness(plan);
     }
 
     void opensWhereAFractionOfAPointIsLeft()
     {
         const WaylandPlan plan{{{QSize(1281, 801), 1.5}}};
-        skipBecause(WaylandDesktop::missing(plan));
+        SKIP_BECAUSE(WaylandDesktop::missing(plan));
         WaylandSession session(plan);
         QVERIFY2(session.start(), qPrintable(session.error));
         // Of such an output grim makes a picture that is not exact; it is the same one twice.

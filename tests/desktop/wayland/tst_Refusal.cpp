@@ -18,7 +18,7 @@ class TestRefusal : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(WaylandDesktop::missing(plan())); }
+    void initTestCase() { SKIP_BECAUSE(WaylandDesktop::missing(plan())); }
 
     void opensNoOverlayOverWhatItCannotSee()
     {

@@ -16,7 +16,7 @@ class TestWaylandCapture : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(WaylandDesktop::missing()); }
+    void initTestCase() { SKIP_BECAUSE(WaylandDesktop::missing()); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void showsTheInstantOfTheCommand()

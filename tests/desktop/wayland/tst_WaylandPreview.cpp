@@ -66,7 +66,7 @@ class TestWaylandPreview : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(WaylandDesktop::missing()); }
+    void initTestCase() { SKIP_BECAUSE(WaylandDesktop::missing()); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void isDraggedIntoAnotherProgram()

@@ -29,7 +29,7 @@ private Q_SLOTS:
     void startsWhenTheKeyIsLetGo()
     {
         QFETCH(WaylandPlan, plan);
-        skipBecause(WaylandDesktop::missing(plan));
+        SKIP_BECAUSE(WaylandDesktop::missing(plan));
         WaylandSession session(plan);
         session.settings.insert(QStringLiteral("KeyboardShortcuts_captureScreenshot"), storedChord);
         QVERIFY2(session.start(), qPrintable(session.error));
@@ -55,7 +55,7 @@ private Q_SLOTS:
     {
         WaylandPlan plan{{{}}, false, WaylandPlan::Compositor::kwin};
         plan.isInstalled = false;
-        skipBecause(WaylandDesktop::missing(plan));
+        SKIP_BECAUSE(WaylandDesktop::missing(plan));
         WaylandSession session(plan);
         QVERIFY2(session.start(), qPrintable(session.error));
         session.point(0, WaylandSession::corner);
@@ -74,7 +74,7 @@ private Q_SLOTS:
     void loadsNoGraphicsDriver()
     {
         QFETCH(WaylandPlan, plan);
-        skipBecause(WaylandDesktop::missing(plan));
+        SKIP_BECAUSE(WaylandDesktop::missing(plan));
         WaylandSession session(plan);
         QVERIFY2(session.start(), qPrintable(session.error));
         QVERIFY(session.open());
@@ -93,7 +93,7 @@ private Q_SLOTS:
     void keepsTheClipboardAfterQuitting()
     {
         QFETCH(WaylandPlan, plan);
-        skipBecause(WaylandDesktop::missing(plan));
+        SKIP_BECAUSE(WaylandDesktop::missing(plan));
         WaylandSession session(plan);
         QVERIFY2(session.start(), qPrintable(session.error));
         QVERIFY(session.open());

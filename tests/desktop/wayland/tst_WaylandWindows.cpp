@@ -35,7 +35,7 @@ class TestWaylandWindows : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(WaylandDesktop::missing()); }
+    void initTestCase() { SKIP_BECAUSE(WaylandDesktop::missing()); }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
 
     void photographsTheActiveWindowWithItsFrame_data()
@@ -91,7 +91,7 @@ private Q_SLOTS:
     {
         QFETCH(double, scale);
         const WaylandPlan plan = onKWin({{QSize(1600, 1200), scale}});
-        skipBecause(WaylandDesktop::missing(plan));
+        SKIP_BECAUSE(WaylandDesktop::missing(plan));
         WaylandSession session(plan);
         QVERIFY2(session.start(), qPrintable(session.error));
         WaylandDesktop &desktop = session.desktop;

@@ -21,7 +21,7 @@ protected:
     /// For initTestCase.
     static void needBus()
     {
-        skipBecause(SessionBus::isInstalled() ? QString() : QStringLiteral("no dbus-daemon"));
+        SKIP_BECAUSE(SessionBus::isInstalled() ? QString() : QStringLiteral("no dbus-daemon"));
     }
     /// `appId`: what the portal takes the program for; empty for what it registers as.
     void begin(const QString &appId = QString())

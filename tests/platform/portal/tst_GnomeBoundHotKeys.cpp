@@ -49,7 +49,7 @@ private Q_SLOTS:
     {
         for (const char *tool : {"gsettings", "glib-compile-schemas"}) {
             if (QStandardPaths::findExecutable(QLatin1String(tool)).isEmpty())
-                skipBecause(QLatin1String(tool) + QStringLiteral(" is not installed"));
+                SKIP_BECAUSE(QLatin1String(tool) + QStringLiteral(" is not installed"));
         }
     }
     void init()

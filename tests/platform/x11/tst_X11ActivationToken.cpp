@@ -37,7 +37,7 @@ class TestX11ActivationToken : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(XServer::missing()); }
+    void initTestCase() { SKIP_BECAUSE(XServer::missing()); }
 
     void isToldToTheWindowManager()
     {

@@ -27,8 +27,8 @@ class TestDataControlClipboard : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        skipBecause(WaylandDesktop::missing());
-        skipBecause(WaylandClipboardReader::missing());
+        SKIP_BECAUSE(WaylandDesktop::missing());
+        SKIP_BECAUSE(WaylandClipboardReader::missing());
         QVERIFY2(m_desktop.start(), qPrintable(m_desktop.error()));
         qputenv("WAYLAND_DISPLAY", m_desktop.socket().toLocal8Bit());
     }

@@ -18,7 +18,7 @@ class TestWaylandKeyboardLayout : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        skipBecause(WaylandDesktop::missing());
+        SKIP_BECAUSE(WaylandDesktop::missing());
         QVERIFY2(m_desktop.start(), qPrintable(m_desktop.error()));
         qputenv("WAYLAND_DISPLAY", m_desktop.socket().toLocal8Bit());
     }

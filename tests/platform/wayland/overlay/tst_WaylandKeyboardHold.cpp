@@ -35,7 +35,7 @@ class TestWaylandKeyboardHold : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(desktop ? QString() : WaylandDesktop::missing()); }
+    void initTestCase() { SKIP_BECAUSE(desktop ? QString() : WaylandDesktop::missing()); }
 
     void bringsTheKeysOfTheDesktop()
     {

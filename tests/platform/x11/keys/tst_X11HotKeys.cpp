@@ -13,7 +13,7 @@ class TestX11HotKeys : public QObject, protected X11HotKeysFixture
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { skipBecause(XServer::missing()); }
+    void initTestCase() { SKIP_BECAUSE(XServer::missing()); }
     void init()
     {
         QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));

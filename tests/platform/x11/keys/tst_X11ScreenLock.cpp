@@ -49,7 +49,7 @@ class TestX11ScreenLock : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        skipBecause(TestDesktop::missing(twoMonitors()));
+        SKIP_BECAUSE(TestDesktop::missing(twoMonitors()));
         QVERIFY2(m_desktop.start(), qPrintable(m_desktop.error()));
     }
     void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral(".*"))); }
