@@ -30,7 +30,7 @@ private Q_SLOTS:
         session.select(0, {200, 200}, {400, 360});
         QVERIFY(session.tap("Return"));
         QCOMPARE(differentPixels(session.pasted(), session.expected(0, {200, 200, 200, 160})), 0);
-        QVERIFY(session.open());
+        QVERIFY(session.openAgain());
         QVERIFY(session.tap("Escape"));
         QVERIFY(session.tovek->isRunning());
     }
