@@ -9,6 +9,7 @@
 #include "support/Hand.h"
 #include "support/TestDesktop.h"
 #include "support/Wait.h"
+#include "support/XConnection.h"
 
 #include <QApplication>
 #include <QDropEvent>
@@ -17,6 +18,7 @@
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTest>
+#include <QTimer>
 
 using namespace std::chrono_literals;
 using namespace tovek;
@@ -41,13 +43,18 @@ class DropTarget : public QWidget
 {
 public:
     DropTarget() { setAcceptDrops(true); }
+    bool isEntered = false;
     QStringList formats;
     Qt::DropActions actions;
     QString file;
     QImage image;
 
 protected:
-    void dragEnterEvent(QDragEnterEvent *event) override { event->acceptProposedAction(); }
+    void dragEnterEvent(QDragEnterEvent *event) override
+    {
+        isEntered = true;
+        event->acceptProposedAction();
+    }
     void dropEvent(QDropEvent *event) override
     {
         formats = event->mimeData()->formats();
@@ -168,6 +175,16 @@ private Q_SLOTS:
         QVERIFY(s.waitForIcon());
     }
 
+    void takesNoDrops()
+    {
+        Setup s;
+        QVERIFY(s.waitForIcon());
+        auto *const window = qobject_cast<QWindow *>(s.tray->dragSource());
+        QVERIFY(window);
+        const XConnection x(desktop->displayName());
+        QVERIFY(x.property(xcb_window_t(window->winId()), x.atom("XdndAware")).isEmpty());
+    }
+
     void dropsAFileAsACopyAndNothingElse()
     {
         Setup s;
@@ -181,16 +198,20 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowExposed(&target));
         Hand hand(desktop->displayName());
         const QPoint at = s.tray->geometry().center();
-        // The drag runs a loop of its own: the hand goes on from inside it.
-        const auto later = [&](std::chrono::milliseconds delay, auto call) {
-            s.clock.after(delay, &target, call);
-        };
+        // The drag runs a loop of its own: the hand goes on from inside it, like a person's, who
+        // moves until the target answers and only then lets go.
+        QTimer onward;
+        QPoint place(400, 390);
+        QObject::connect(&onward, &QTimer::timeout, &target, [&] {
+            if (!target.isEntered)
+                return hand.move(place += QPoint(1, 1));
+            onward.stop();
+            hand.release();
+        });
         hand.move(at);
         hand.press();
         hand.move(at + QPoint(0, 5));
-        later(400ms, [&] { hand.move({400, 390}); });
-        later(500ms, [&] { hand.move({420, 400}); });
-        later(800ms, [&] { hand.release(); });
+        onward.start(100ms);
         QVERIFY(waitUntil([&] { return !target.image.isNull(); }));
         QCOMPARE(target.formats, QStringList{"text/uri-list"});
         QCOMPARE(target.actions, Qt::DropActions(Qt::CopyAction));

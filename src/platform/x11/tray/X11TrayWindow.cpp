@@ -36,6 +36,9 @@ X11TrayWindow::X11TrayWindow(Tray &item, bool isTranslucent)
     setFlags(Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus);
     setTitle(QStringLiteral("Tovek"));
     create();
+    // The toolkit makes every window a drop target. A panel would pass a drag that comes out of the
+    // item back into it, and the late answer spoils the drop at the drag's true target.
+    xcb_delete_property(QtXcb::connection(), id(), QtXcb::atom("XdndAware"));
 }
 
 void X11TrayWindow::setEmbedded()
