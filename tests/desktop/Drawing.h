@@ -82,11 +82,7 @@ struct Drawing : Session
 
     void drag(QPoint a, QPoint b) { tovek->hand().drag(at(a), at(b)); }
     void click(QPoint a) { tovek->hand().click(at(a)); }
-    void doubleClick(QPoint a)
-    {
-        click(a);
-        click(a);
-    }
+    void doubleClick(QPoint a) { tovek->hand().doubleClick(at(a)); }
     QImage copied() { return tap("Return") ? QImage::fromData(pasted()) : QImage(); }
     QImage untouched() const { return before.copy(selection); }
     QPoint at(QPoint inSelection) const { return selection.topLeft() + inSelection; }

@@ -25,6 +25,8 @@ public:
     void press(int button = 1);
     void release(int button = 1);
     void click(QPoint at, int button = 1);
+    /// Two clicks as far apart as a toolkit takes them for one double click.
+    void doubleClick(QPoint at);
     /// Press, a smooth way of about 15 steps, release.
     void drag(QPoint from, QPoint to);
     /// As `drag`, without the release.
