@@ -4,6 +4,7 @@
 #include "app/FolderDialog.h"
 
 #include "app/FolderChooser.h"
+#include "foundation/ToolkitWithoutPortal.h"
 #include "look/Look.h"
 
 #include <QApplication>
@@ -38,7 +39,7 @@ void FolderDialog::setOwner(quint64 window)
 
 int runFolderDialog(int &argc, char **argv)
 {
-    QApplication application(argc, argv);
+    QApplication application = makeApplication<QApplication>(argc, argv);
     QApplication::setApplicationName(QStringLiteral("tovek"));
     QApplication::setDesktopFileName(QStringLiteral("org.tovek.Tovek"));
     const QCommandLineOption start(QStringLiteral("start"), QString(), QStringLiteral("folder"));

@@ -11,6 +11,7 @@
 #include "command/PictureWords.h"
 #include "command/ScreenShot.h"
 #include "foundation/Log.h"
+#include "foundation/ToolkitWithoutPortal.h"
 #include "foundation/UserDefaults.h"
 #include "platform/CapturePermission.h"
 #include "platform/FrontmostApp.h"
@@ -59,7 +60,7 @@ QString runShot(const ShotCommand &command, int &argc, char **argv)
         return QStringLiteral("a picture is nothing for a terminal; send it to a file");
     EarlyPlatform early;
     chooseToolkit(early);
-    const QGuiApplication application(argc, argv);
+    const QGuiApplication application = makeApplication<QGuiApplication>(argc, argv);
     const Platform platform = makeCapturePlatform(early);
     if (const CapturePermission *permission = platform.capturePermission.get();
         permission && !permission->hasAccess()) {

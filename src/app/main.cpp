@@ -19,6 +19,7 @@
 #include "foundation/HelperProgram.h"
 #include "foundation/Log.h"
 #include "foundation/Memory.h"
+#include "foundation/ToolkitWithoutPortal.h"
 #include "foundation/Unfinished.h"
 #include "foundation/UserDefaults.h"
 #include "platform/Clipboard.h"
@@ -102,7 +103,7 @@ int run(int &argc, char **argv, const Wish &wish, QString &successor)
 
     forgetImpossibleDensity(statedDotsPerInch(early));
     auto startMessages = std::make_unique<StartMessages>();
-    QApplication application(argc, argv);
+    QApplication application = makeApplication<QApplication>(argc, argv);
     startMessages.reset();
     keepToolkitThreads();
     introduce();

@@ -4,6 +4,7 @@
 #include "update/program/UpdateProgram.h"
 
 #include "foundation/Log.h"
+#include "foundation/ToolkitWithoutPortal.h"
 #include "foundation/UserDefaults.h"
 #include "look/Look.h"
 #include "update/program/PackageOpener.h"
@@ -64,7 +65,7 @@ QString memoryPath()
 
 int runUpdateProgram(int &argc, char **argv, const UpdateBuild &build)
 {
-    QApplication application(argc, argv);
+    QApplication application = makeApplication<QApplication>(argc, argv);
     QApplication::setApplicationName(QStringLiteral("tovek"));
     QApplication::setDesktopFileName(QStringLiteral("org.tovek.Tovek"));
     // A window makes way for the next one; the session decides when it is over.
