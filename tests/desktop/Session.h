@@ -80,7 +80,7 @@ struct Session
         return waitUntil([&] {
             const QList<QRect> all = monitors();
             return std::none_of(all.begin(), all.end(),
-                                [&](QRect monitor) { return tovek->covers({monitor}); });
+                                [&](QRect monitor) { return tovek->isShownOn(monitor); });
         });
     }
 

@@ -5,6 +5,7 @@
 
 #include "desktop/Session.h"
 #include "faults/Processes.h"
+#include "support/SelectionReader.h"
 #include "support/Skip.h"
 
 #include <QElapsedTimer>
@@ -81,8 +82,15 @@ struct VictimSession : Session
         stopped = fault == Fault::stopped ? struck : 0;
         kill(struck, fault == Fault::stopped ? SIGSTOP : SIGKILL);
         return fault == Fault::stopped
-            || (waitUntil([&] { return pid() != struck; })
+            || (waitUntil([&] { return pid() != struck && !holdsADisplay(); })
                 && (fault == Fault::killed || startVictim()));
+    }
+    /// The server hears of a program's death later than its parent, and then lays the windows that
+    /// a window manager had framed over all others.
+    bool holdsADisplay() const
+    {
+        return victim == QLatin1String("openbox")
+            && SelectionReader(desktop.displayName().toLatin1(), "WM_S0").owner();
     }
     bool recover(Fault fault)
     {
@@ -122,6 +130,12 @@ struct VictimSession : Session
         }
         tovek->hand().click({200, 200});
         return tap("a");
+    }
+    /// A capture that was open covers the screen.
+    bool isUsable(State state)
+    {
+        return state == State::idle
+            || takes(opening, [&] { return waitUntil([&] { return tovek->covers(monitors()); }); });
     }
     /// From there to an image on the clipboard.
     bool finish(State state)
@@ -223,6 +237,7 @@ private Q_SLOTS:
             };
             QVERIFY2(s.reach(state), which().constData());
             QVERIFY2(s.strike(fault), which().constData());
+            QVERIFY2(s.isUsable(state), which().constData());
             QVERIFY2(s.finish(state), which().constData());
             const QImage copied = QImage::fromData(s.pasted());
             QVERIFY2(copied.size() == QSize(200, 150), which().constData());

@@ -91,6 +91,15 @@ bool RunningTovek::covers(const QList<QRect> &monitors) const
     });
 }
 
+bool RunningTovek::isShownOn(const QRect &monitor) const
+{
+    const QList<SeenWindow> windows = m_eye.windows();
+    return std::any_of(windows.begin(), windows.end(), [&](const SeenWindow &window) {
+        return window.isUnmanaged && window.native == monitor
+            && window.windowClass.compare(QStringLiteral("tovek"), Qt::CaseInsensitive) == 0;
+    });
+}
+
 bool RunningTovek::open(const QString &chord, const QList<QRect> &monitors)
 {
     return m_hand.tap(chord) && waitUntil([&] { return covers(monitors); });

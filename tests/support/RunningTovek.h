@@ -36,6 +36,8 @@ public:
     /// Presses the keys, and waits until an overlay lies over each of the monitors.
     [[nodiscard]] bool open(const QString &chord, const QList<QRect> &monitors);
     bool covers(const QList<QRect> &monitors) const;
+    /// Whether an overlay is up there, even one that another window hides.
+    bool isShownOn(const QRect &monitor) const;
     /// Waits until none of its windows is to be seen.
     [[nodiscard]] bool waitUntilGone() const;
     /// True while another program than the asker holds the keys.
