@@ -52,14 +52,15 @@ bool hasPortal(EarlyPlatform &early)
 }
 
 bool usePortalPictures(Platform &platform, EarlyPlatform &early,
-                       PortalScreenGrabber::Displays displays)
+                       PortalScreenGrabber::Desktop desktop)
 {
     const std::shared_ptr<PortalBus> bus = portalOf(early);
     if (!bus->isOffered())
         return false;
     logLine(QStringLiteral("Wayland: capturing over the desktop's portal"));
-    platform.grabber = std::make_unique<PortalScreenGrabber>(
-        bus, std::move(displays), isGnome() ? EarlyPictures::standardFolders() : QStringList());
+    if (isGnome())
+        desktop.folders = EarlyPictures::standardFolders();
+    platform.grabber = std::make_unique<PortalScreenGrabber>(bus, std::move(desktop));
     // A process for one picture has no window that could ask.
     const bool asksBefore = isGnome() && early.bus;
     platform.capturePermission = std::make_unique<PortalCapturePermission>(

@@ -17,7 +17,7 @@ bool hasPortal(EarlyPlatform &early);
 /// Pictures from the desktop's portal, and the permission for them, in place of what the platform
 /// has. False, changing nothing, where there is no portal.
 bool usePortalPictures(Platform &platform, EarlyPlatform &early,
-                       PortalScreenGrabber::Displays displays);
+                       PortalScreenGrabber::Desktop desktop);
 
 /// Starting at login as the portal lets a program in a sandbox have it; null outside of one.
 std::unique_ptr<LoginItem> makePortalLoginItem(EarlyPlatform &early);

@@ -21,6 +21,7 @@
 #include "platform/wayland/capture/KWinFrontmostApp.h"
 #include "platform/wayland/capture/KWinScreenGrabber.h"
 #include "platform/wayland/capture/SwayFrontmostApp.h"
+#include "platform/wayland/capture/WaylandFrozenDisplay.h"
 #include "platform/wayland/capture/WaylandScreens.h"
 #include "platform/wayland/capture/WlrScreenGrabber.h"
 #include "platform/wayland/clipboard/DataControlClipboard.h"
@@ -109,7 +110,9 @@ bool addGrabber(Platform &platform, EarlyPlatform &early,
 {
     auto grabber = makeWaylandGrabber(early.wayland, outputs);
     if (!grabber)
-        return usePortalPictures(platform, early, [outputs] { return portalDisplays(*outputs); });
+        return usePortalPictures(
+            platform, early,
+            {[outputs] { return portalDisplays(*outputs); }, &WaylandFrozenDisplay::fromImage, {}});
     if (dynamic_cast<KWinScreenGrabber *>(grabber.get()))
         platform.capturePermission = std::make_unique<KWinCapturePermission>();
     platform.grabber = std::move(grabber);

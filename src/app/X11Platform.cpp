@@ -70,7 +70,10 @@ std::shared_ptr<X11Connection> addX11Screens(Platform &platform, EarlyPlatform &
     platform.frontmostApp = std::make_unique<X11FrontmostApp>(connection);
     const bool isGuest = isXWayland(*connection, *monitors);
     const auto displays = [screens = platform.screens.get()] { return portalDisplays(*screens); };
-    if (isGuest && usePortalPictures(platform, early, displays))
+    const auto frozen = [connection](const QImage &image) {
+        return X11FrozenDisplay::fromImage(connection, image);
+    };
+    if (isGuest && usePortalPictures(platform, early, {displays, frozen, {}}))
         return connection;
     platform.grabber = std::make_unique<X11ScreenGrabber>(connection, monitors);
     platform.capturePermission =

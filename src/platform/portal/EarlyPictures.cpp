@@ -5,6 +5,7 @@
 
 #include "foundation/AskAside.h"
 #include "foundation/WhenReady.h"
+#include "platform/portal/FileGrowth.h"
 
 #include <QDir>
 #include <QFile>
@@ -35,7 +36,7 @@ struct EarlyPictures::Watch
             const int number = inotify < 0
                 ? -1
                 : inotify_add_watch(inotify, QFile::encodeName(name).constData(),
-                                    IN_CLOSE_WRITE | IN_MOVED_TO | IN_ONLYDIR);
+                                    IN_CREATE | IN_CLOSE_WRITE | IN_MOVED_TO | IN_ONLYDIR);
             if (number >= 0)
                 folders.emplace(number, name);
         }
@@ -99,8 +100,12 @@ void EarlyPictures::stop()
 {
     m_isWanted = false;
     m_notifier.reset();
-    m_watch.reset();
-    m_read.clear();
+    // The kernel takes its time to end one, ten milliseconds and more.
+    if (m_watch)
+        askAside<bool>([watch = std::exchange(m_watch, nullptr)] { return watch != nullptr; });
+    for (const auto &[path, reading] : m_readings)
+        reading.growth->set(FileGrowth::Writer::unimportant);
+    m_readings.clear();
 }
 
 void EarlyPictures::hear()
@@ -112,22 +117,46 @@ void EarlyPictures::hear()
         at += ssize_t(sizeof *event + event->len);
         const QString name = event->len ? QFile::decodeName(event->name) : QString();
         const auto folder = m_watch->folders.find(event->wd);
-        if (folder == m_watch->folders.end() || !name.endsWith(QLatin1String(".png"))
-            || m_read.size() == mostAtATime)
-            continue;
-        const QString path = QDir(folder->second).filePath(name);
-        // Written once more: what was read is not the file any longer.
-        m_read.insert_or_assign(
-            path, askAside<PortalPicture>([path] { return readPortalPicture(path); }));
+        if (folder != m_watch->folders.end() && name.endsWith(QLatin1String(".png")))
+            hear(QDir(folder->second).filePath(name), event->mask);
     }
+}
+
+void EarlyPictures::hear(const QString &path, uint32_t change)
+{
+    using Writer = FileGrowth::Writer;
+    const auto known = m_readings.find(path);
+    if (known == m_readings.end() && m_readings.size() == mostAtATime)
+        return;
+    if (known != m_readings.end()) {
+        FileGrowth &growth = *known->second.growth;
+        if (change & IN_CLOSE_WRITE && growth.writer() == Writer::writing)
+            return growth.set(Writer::done);
+        // Written once more: what was read is not the file any longer.
+        growth.set(Writer::unimportant);
+    }
+    const auto growth =
+        std::make_shared<FileGrowth>(change & IN_CREATE ? Writer::writing : Writer::done);
+    const auto picture =
+        askAside<PortalPicture>([path, growth] { return readPortalPicture(path, *growth); });
+    m_readings.insert_or_assign(path, Reading{picture, growth});
+    whenReady(picture, this, [this, growth](const PortalPicture &read) {
+        if (onRead && growth->writer() != Writer::unimportant)
+            onRead(read);
+    });
 }
 
 std::optional<QFuture<PortalPicture>> EarlyPictures::take(const QString &uri)
 {
     if (m_watch)
         hear(); // the answer may be read before the event
-    const auto read = m_read.find(QUrl(uri).toLocalFile());
-    return read == m_read.end() ? std::nullopt : std::optional(read->second);
+    const auto reading = m_readings.find(QUrl(uri).toLocalFile());
+    if (reading == m_readings.end())
+        return std::nullopt;
+    // It is whole when it is named, even if somebody keeps it open.
+    if (reading->second.growth->writer() == FileGrowth::Writer::writing)
+        reading->second.growth->set(FileGrowth::Writer::done);
+    return reading->second.picture;
 }
 
 } // namespace tovek

@@ -9,6 +9,7 @@
 #include <QObject>
 #include <QStringList>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -17,9 +18,11 @@ class QSocketNotifier;
 
 namespace tovek {
 
-/// Reads pictures as soon as the desktop has written them, in case it is going to name them: GNOME
-/// keeps its answer back for as long as the screen flashes, half a second. Removes nothing, and
-/// shows nothing that was not named. Main thread only.
+class FileGrowth;
+
+/// Reads pictures while the desktop is writing them, in case it is going to name them: compressing
+/// takes it longer than reading takes us, and GNOME keeps its answer back for as long as the screen
+/// flashes, half a second. Removes nothing, and shows nothing that was not named. Main thread only.
 class EarlyPictures : public QObject
 {
 public:
@@ -34,20 +37,28 @@ public:
     /// while the file system of a folder does not answer.
     QFuture<void> start();
     void stop();
+    /// Of what was read of a file, before it is known whether anybody is going to name it.
+    std::function<void(const PortalPicture &)> onRead;
     /// What was read of the named file, or is being read; absent when it was not seen.
     std::optional<QFuture<PortalPicture>> take(const QString &uri);
 
 private:
     struct Watch;
     void begin(std::shared_ptr<Watch> watch);
+    struct Reading
+    {
+        QFuture<PortalPicture> picture;
+        std::shared_ptr<FileGrowth> growth;
+    };
     void hear();
+    void hear(const QString &path, uint32_t change);
 
     const QStringList m_folders;
     QFuture<std::shared_ptr<Watch>> m_beginning;
     bool m_isWanted = false;
     std::shared_ptr<Watch> m_watch; ///< null while nothing is heard
     std::unique_ptr<QSocketNotifier> m_notifier;
-    std::map<QString, QFuture<PortalPicture>> m_read; ///< by path
+    std::map<QString, Reading> m_readings; ///< by path
 };
 
 } // namespace tovek

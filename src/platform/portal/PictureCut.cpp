@@ -12,6 +12,17 @@ namespace {
 /// Layouts in fractions of pixels are rounded, here and there.
 constexpr double roundedAway = 2;
 
+QImage sharedPart(const QImage &picture, QRect part)
+{
+    Q_ASSERT(picture.depth() == 32);
+    // Plain pointers, because the toolkit calls a function with one when the last copy goes.
+    auto *owner = new QImage(picture);
+    const uchar *pixels = owner->constScanLine(part.y()) + part.x() * 4;
+    return QImage(
+        pixels, part.width(), part.height(), owner->bytesPerLine(), owner->format(),
+        [](void *kept) { delete static_cast<QImage *>(kept); }, owner);
+}
+
 } // namespace
 
 std::vector<QRect> partsOfPicture(QSize picture, const std::vector<PortalDisplay> &displays)
@@ -40,7 +51,7 @@ std::vector<QRect> partsOfPicture(QSize picture, const std::vector<PortalDisplay
 
 QImage cutOut(const QImage &picture, QRect part, QSize native)
 {
-    const QImage image = part == picture.rect() ? picture : picture.copy(part);
+    const QImage image = part == picture.rect() ? picture : sharedPart(picture, part);
     return image.size() == native
         ? image
         : image.scaled(native, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);

@@ -25,7 +25,8 @@ struct PortalDisplay
 /// then it shows something else, or other screens than these.
 std::vector<QRect> partsOfPicture(QSize picture, const std::vector<PortalDisplay> &displays);
 
-/// One screen's pixels. A part of another size is scaled to the screen's.
+/// One screen's pixels, of a picture of four bytes a pixel, whose memory they share. A part of
+/// another size is scaled to the screen's.
 QImage cutOut(const QImage &picture, QRect part, QSize native);
 
 } // namespace tovek

@@ -3,21 +3,32 @@
 
 #include "platform/portal/PortalPicture.h"
 
+#include "platform/portal/FileGrowth.h"
+#include "platform/portal/PngReader.h"
+
 #include <QBuffer>
 #include <QFile>
 #include <QImageReader>
 #include <QUrl>
 
 #include <fcntl.h>
+#include <span>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace tovek {
 
 namespace {
 
+using namespace std::chrono_literals;
+using Writer = FileGrowth::Writer;
+
 constexpr qint64 largestFile = qint64(1) << 30;
+constexpr size_t bytesAtATime = 256 * 1024;
+/// Whoever writes it compresses some ten kilobytes meanwhile.
+constexpr auto growingTime = 2ms;
 constexpr int largestImageMb = 2048; // sixteen screens of 8K
 
 /// The file that a portal named, open, and nothing else.
@@ -53,8 +64,15 @@ public:
     const QString &error() const { return m_error; }
     FileState state() const
     {
-        return {m_status.st_dev, m_status.st_ino, m_status.st_size, m_status.st_mtim.tv_sec,
-                m_status.st_mtim.tv_nsec};
+        struct stat now = {};
+        if (fstat(m_file, &now) != 0)
+            return {};
+        return {now.st_dev, now.st_ino, now.st_size, now.st_mtim.tv_sec, now.st_mtim.tv_nsec};
+    }
+    /// The number of bytes that there were; negative on failure.
+    ssize_t readAt(off_t at, std::span<uint8_t> bytes) const
+    {
+        return pread(m_file, bytes.data(), bytes.size(), at);
     }
     QByteArray read() const
     {
@@ -84,7 +102,33 @@ private:
     QString m_error;
 };
 
-PortalPicture pictureIn(const LeftFile &file)
+/// A picture of the kind that desktops write, as soon as it is whole; without one otherwise.
+PortalPicture growingPictureIn(const LeftFile &file, FileGrowth &growth)
+{
+    PngReader reader(qint64(largestImageMb) << 20);
+    std::vector<uint8_t> bytes(bytesAtATime);
+    off_t at = 0;
+    while (reader.state() == PngReader::State::reading && at <= largestFile) {
+        // Asked before reading, not to miss what is written last.
+        const Writer writer = growth.writer();
+        const ssize_t count = writer == Writer::unimportant ? -1 : file.readAt(at, bytes);
+        if (count > 0) {
+            reader.add(std::span(bytes).first(size_t(count)));
+            at += count;
+        } else if (count == 0 && writer == Writer::writing) {
+            growth.waitFor(growingTime);
+        } else {
+            break;
+        }
+    }
+    const FileState after = file.state();
+    return reader.state() == PngReader::State::whole && after.size == at
+        ? PortalPicture{reader.image(), {}, after}
+        : PortalPicture();
+}
+
+/// PNG of any kind.
+PortalPicture writtenPictureIn(const LeftFile &file)
 {
     const FileState before = file.state();
     QByteArray bytes = file.read();
@@ -100,6 +144,14 @@ PortalPicture pictureIn(const LeftFile &file)
     return {image.convertToFormat(QImage::Format_RGB32), {}, before};
 }
 
+PortalPicture pictureIn(const LeftFile &file, FileGrowth &growth)
+{
+    PortalPicture picture = growingPictureIn(file, growth);
+    if (!picture.image.isNull() || growth.waitForEnd() == Writer::unimportant)
+        return picture;
+    return writtenPictureIn(file);
+}
+
 } // namespace
 
 PortalPicture takePortalPicture(const QString &uri)
@@ -112,16 +164,17 @@ PortalPicture takePortalPicture(const QString &uri, const PortalPicture &early)
     const LeftFile file(uri);
     if (!file.error().isEmpty())
         return {{}, file.error(), {}};
+    FileGrowth written(Writer::done);
     PortalPicture picture =
-        !early.image.isNull() && early.state == file.state() ? early : pictureIn(file);
+        !early.image.isNull() && early.state == file.state() ? early : pictureIn(file, written);
     file.remove();
     return picture;
 }
 
-PortalPicture readPortalPicture(const QString &path)
+PortalPicture readPortalPicture(const QString &path, FileGrowth &growth)
 {
     const LeftFile file(QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded));
-    return file.error().isEmpty() ? pictureIn(file) : PortalPicture{{}, file.error(), {}};
+    return file.error().isEmpty() ? pictureIn(file, growth) : PortalPicture{{}, file.error(), {}};
 }
 
 void dropPortalPicture(const QString &uri)

@@ -8,6 +8,8 @@
 
 namespace tovek {
 
+class FileGrowth;
+
 /// Tells a file from another, and from itself after it was written to.
 struct FileState
 {
@@ -30,8 +32,8 @@ struct PortalPicture
 PortalPicture takePortalPicture(const QString &uri);
 /// The same without reading the file again that `early` was read from, if it is still as it was.
 PortalPicture takePortalPicture(const QString &uri, const PortalPicture &early);
-/// Reads it under the same conditions, and leaves it where it is.
-PortalPicture readPortalPicture(const QString &path);
+/// Reads it under the same conditions, while it is being written, and leaves it where it is.
+PortalPicture readPortalPicture(const QString &path, FileGrowth &growth);
 /// Removes it unread, under the same conditions.
 void dropPortalPicture(const QString &uri);
 

@@ -45,6 +45,8 @@ public:
     static PortalRequest *send(PortalBus &bus, QDBusMessage call, QVariantMap options,
                                std::chrono::milliseconds limit, QObject *context,
                                Answered answered);
+    /// Another one, from now on.
+    void setLimit(std::chrono::milliseconds limit) { m_limit.start(limit); }
     /// An answer that comes after the limit, within a minute: whoever asked may have to clear up.
     std::function<void(const QVariantMap &results)> onLate;
 

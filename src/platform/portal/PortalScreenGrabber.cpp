@@ -39,15 +39,16 @@ struct PortalScreenGrabber::Cut
 {
     std::vector<QImage> images; ///< one a display
     QString error;
+    FileState file;
 
     static Cut of(const PortalPicture &picture, const std::vector<PortalDisplay> &displays)
     {
         if (picture.image.isNull())
-            return {{}, picture.error};
+            return {{}, picture.error, {}};
         const std::vector<QRect> parts = partsOfPicture(picture.image.size(), displays);
         if (parts.empty())
-            return {{}, QStringLiteral("the desktop's picture does not show these screens")};
-        Cut cut;
+            return {{}, QStringLiteral("the desktop's picture does not show these screens"), {}};
+        Cut cut{{}, {}, picture.state};
         for (size_t i = 0; i < parts.size(); ++i)
             cut.images.push_back(cutOut(picture.image, parts[i], displays[i].native.size()));
         return cut;
@@ -61,12 +62,12 @@ QFuture<QImage> ImageFrozenDisplay::pixels()
     return readyFuture(m_image);
 }
 
-PortalScreenGrabber::PortalScreenGrabber(std::shared_ptr<PortalBus> bus, Displays displays,
-                                         const QStringList &folders)
+PortalScreenGrabber::PortalScreenGrabber(std::shared_ptr<PortalBus> bus, Desktop desktop)
     : m_bus(std::move(bus))
-    , m_displays(std::move(displays))
-    , m_early(folders)
+    , m_desktop(std::move(desktop))
+    , m_early(m_desktop.folders)
 {
+    m_early.onRead = [this](const PortalPicture &picture) { prepare(picture); };
 }
 
 PortalScreenGrabber::~PortalScreenGrabber()
@@ -96,13 +97,15 @@ QFuture<PortalScreenGrabber::Content> PortalScreenGrabber::freeze()
     QDBusMessage ask = Portal::call(QStringLiteral("Screenshot"), QStringLiteral("Screenshot"));
     ask << QString();
     auto *request =
-        PortalRequest::send(*m_bus, ask, {{QStringLiteral("interactive"), false}}, limit(), this,
-                            [this](const PortalAnswer &answer) {
+        PortalRequest::send(*m_bus, ask, {{QStringLiteral("interactive"), false}}, questionLimit,
+                            this, [this](const PortalAnswer &answer) {
                                 if (answer.kind == PortalAnswer::Kind::given)
                                     take(answer.results.value(QStringLiteral("uri")).toString());
                                 else
                                     fail(answer.reason());
                             });
+    // Looked up while the portal works.
+    request->setLimit(limit());
     request->onLate = [](const QVariantMap &results) {
         dropPortalPicture(results.value(QStringLiteral("uri")).toString());
     };
@@ -122,7 +125,7 @@ PortalScreenGrabber::Content PortalScreenGrabber::shareableContent()
 
 void PortalScreenGrabber::take(const QString &uri)
 {
-    const std::vector<PortalDisplay> displays = m_displays();
+    const std::vector<PortalDisplay> displays = m_desktop.displays();
     // The disk may be slow, and the picture large.
     const auto work = askAside<Cut>([uri, displays, early = m_early.take(uri)]() mutable {
         if (early)
@@ -134,19 +137,41 @@ void PortalScreenGrabber::take(const QString &uri)
     whenOver(work, this, [this, displays](const QFuture<Cut> &finished) {
         const Cut cut = finished.resultCount() > 0
             ? finished.result()
-            : Cut{{}, QStringLiteral("there is not enough memory")};
+            : Cut{{}, QStringLiteral("there is not enough memory"), {}};
         if (cut.images.empty())
             return fail(cut.error);
-        const auto snapshot = std::make_shared<PortalSnapshot>();
-        ShareableContent content;
-        for (size_t i = 0; i < displays.size(); ++i) {
-            content.displays.push_back({displays[i].id, displays[i].native});
-            snapshot->displays.emplace(displays[i].id,
-                                       std::make_shared<ImageFrozenDisplay>(cut.images[i]));
-        }
-        content.snapshot = snapshot;
-        finish(content);
+        const bool isPrepared =
+            m_prepared && m_prepared->file == cut.file && m_prepared->displays == displays;
+        finish(isPrepared ? m_prepared->content : contentOf(cut.images, displays));
     });
+}
+
+void PortalScreenGrabber::prepare(const PortalPicture &picture)
+{
+    const std::vector<PortalDisplay> displays = m_desktop.displays();
+    const std::vector<QRect> parts = partsOfPicture(picture.image.size(), displays);
+    std::vector<QImage> images;
+    for (size_t i = 0; i < parts.size(); ++i) {
+        // Scaling takes its time, and may be for nothing.
+        if (parts[i].size() != displays[i].native.size())
+            return;
+        images.push_back(cutOut(picture.image, parts[i], parts[i].size()));
+    }
+    if (!images.empty())
+        m_prepared = {picture.state, displays, contentOf(images, displays)};
+}
+
+ShareableContent PortalScreenGrabber::contentOf(const std::vector<QImage> &images,
+                                                const std::vector<PortalDisplay> &displays)
+{
+    const auto snapshot = std::make_shared<PortalSnapshot>();
+    ShareableContent content;
+    for (size_t i = 0; i < displays.size(); ++i) {
+        content.displays.push_back({displays[i].id, displays[i].native});
+        snapshot->displays.emplace(displays[i].id, frozenFromImage(images[i]));
+    }
+    content.snapshot = snapshot;
+    return content;
 }
 
 void PortalScreenGrabber::fail(const QString &reason)
@@ -159,6 +184,7 @@ void PortalScreenGrabber::fail(const QString &reason)
 void PortalScreenGrabber::finish(Content content)
 {
     m_early.stop();
+    m_prepared.reset();
     QPromise<Content> promise = std::move(*m_running);
     m_running.reset();
     promise.addResult(std::move(content));
@@ -180,7 +206,9 @@ QFuture<ScreenGrabber::Result> PortalScreenGrabber::capture(const ShareableConte
 
 std::shared_ptr<FrozenDisplay> PortalScreenGrabber::frozenFromImage(const QImage &image)
 {
-    return std::make_shared<ImageFrozenDisplay>(image.convertToFormat(QImage::Format_RGB32));
+    const QImage pixels = image.convertToFormat(QImage::Format_RGB32);
+    const auto frozen = m_desktop.frozen ? m_desktop.frozen(pixels) : nullptr;
+    return frozen ? frozen : std::make_shared<ImageFrozenDisplay>(pixels);
 }
 
 } // namespace tovek

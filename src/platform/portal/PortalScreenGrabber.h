@@ -32,12 +32,17 @@ class PortalScreenGrabber : public QObject, public ScreenGrabber
 {
 public:
     using Content = std::optional<ShareableContent>;
-    /// The screens as they are now, in the units of the desktop's layout.
-    using Displays = std::function<std::vector<PortalDisplay>()>;
+    struct Desktop
+    {
+        /// The screens as they are now, in the units of the desktop's layout.
+        std::function<std::vector<PortalDisplay>()> displays;
+        /// A display as the overlays show it soonest; unset, it stays in memory.
+        std::function<std::shared_ptr<FrozenDisplay>(const QImage &)> frozen;
+        /// In which pictures are read before the portal names them.
+        QStringList folders;
+    };
 
-    /// In the folders, pictures are read before the portal names them.
-    PortalScreenGrabber(std::shared_ptr<PortalBus> bus, Displays displays,
-                        const QStringList &folders = {});
+    PortalScreenGrabber(std::shared_ptr<PortalBus> bus, Desktop desktop);
     ~PortalScreenGrabber() override;
 
     void prepare() override { }
@@ -56,15 +61,26 @@ public:
 
 private:
     struct Cut;
+    /// What a file that may never be named would show.
+    struct Prepared
+    {
+        FileState file;
+        std::vector<PortalDisplay> displays;
+        ShareableContent content;
+    };
     std::chrono::milliseconds limit() const;
+    void prepare(const PortalPicture &picture);
+    ShareableContent contentOf(const std::vector<QImage> &images,
+                               const std::vector<PortalDisplay> &displays);
     void take(const QString &uri);
     void finish(Content content);
     void fail(const QString &reason);
 
     std::shared_ptr<PortalBus> m_bus;
-    const Displays m_displays;
+    const Desktop m_desktop;
     std::optional<std::chrono::milliseconds> m_limit;
     EarlyPictures m_early;
+    std::optional<Prepared> m_prepared;
     std::optional<QPromise<Content>> m_running;
     QString m_failure;
 };

@@ -3,6 +3,7 @@
 
 #include "platform/portal/EarlyPictures.h"
 
+#include <QBuffer>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
@@ -18,6 +19,8 @@ private Q_SLOTS:
     {
         m_folder = std::make_unique<QTemporaryDir>();
         m_pictures = std::make_unique<EarlyPictures>(QStringList{m_folder->path(), "/no/such"});
+        m_heard.reset();
+        m_pictures->onRead = [this](const PortalPicture &read) { m_heard = read; };
         start();
     }
 
@@ -82,6 +85,48 @@ private Q_SLOTS:
         file.close();
         QVERIFY(read().image.isNull());
     }
+    void readsAFileWhileItIsWritten()
+    {
+        const QByteArray bytes = bytesOf(picture(Qt::red));
+        QFile file(path());
+        QVERIFY(begin(file, bytes.first(60)));
+        QTest::qWait(20);
+        QVERIFY(!m_heard);
+        file.write(bytes.mid(60));
+        QTRY_VERIFY(m_heard); // nobody has closed it
+        QCOMPARE(m_heard->image.pixelColor(0, 0), QColor(Qt::red));
+        file.close();
+        QCOMPARE(takePortalPicture(uri(), marked(*m_heard)).image.pixelColor(0, 0),
+                 QColor(Qt::green)); // it was not read again
+    }
+    void readsAnotherKindOnceItIsClosed()
+    {
+        QFile file(path());
+        QVERIFY(begin(file, bytesOf(grey())));
+        QTest::qWait(20);
+        QVERIFY(!m_heard);
+        file.close();
+        QTRY_VERIFY(m_heard);
+        QCOMPARE(m_heard->image.pixelColor(0, 0), grey().pixelColor(0, 0));
+    }
+    void takesWhatSomebodyKeepsOpen()
+    {
+        QFile file(path());
+        QVERIFY(begin(file, bytesOf(grey())));
+        QCOMPARE(read().image.pixelColor(0, 0), grey().pixelColor(0, 0));
+    }
+    void tellsNothingOfWhatNobodyWants()
+    {
+        const QByteArray bytes = bytesOf(picture(Qt::red));
+        QFile file(path());
+        QVERIFY(begin(file, bytes.first(60)));
+        QTest::qWait(20);
+        m_pictures->stop();
+        file.write(bytes.mid(60));
+        file.close();
+        QTest::qWait(50);
+        QVERIFY(!m_heard);
+    }
     void readsFewOfMany()
     {
         for (int i = 0; i < 9; ++i)
@@ -108,6 +153,25 @@ private:
         image.fill(color);
         return image;
     }
+    /// A kind that desktops do not write.
+    static QImage grey()
+    {
+        QImage image(8, 8, QImage::Format_Grayscale8);
+        image.fill(99);
+        return image;
+    }
+    static QByteArray bytesOf(const QImage &image)
+    {
+        QByteArray bytes;
+        QBuffer buffer(&bytes);
+        return buffer.open(QIODevice::WriteOnly) && image.save(&buffer, "PNG") ? bytes
+                                                                               : QByteArray();
+    }
+    static bool begin(QFile &file, const QByteArray &bytes)
+    {
+        return file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)
+            && file.write(bytes) == bytes.size();
+    }
     bool write(Qt::GlobalColor color) const { return picture(color).save(path(), "PNG"); }
     PortalPicture read() const
     {
@@ -130,6 +194,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<EarlyPictures> m_pictures;
+    std::optional<PortalPicture> m_heard;
 };
 
 QTEST_GUILESS_MAIN(TestEarlyPictures)

@@ -62,6 +62,11 @@ private Q_SLOTS:
         }
         const QRect part(100, 20, 150, 90);
         QCOMPARE(cutOut(picture, part, part.size()), picture.copy(part));
+        QImage kept = cutOut(QImage(picture), part, part.size());
+        QCOMPARE(kept, picture.copy(part)); // the memory stays with it
+        const QImage before = picture;
+        kept.fill(Qt::red);
+        QCOMPARE(picture, before);
     }
 
     void fillsTheScreenWhereThePictureIsCoarser()

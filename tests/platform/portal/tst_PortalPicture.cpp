@@ -37,6 +37,12 @@ private Q_SLOTS:
         const PortalPicture picture = takePortalPicture(QStringLiteral("file:///") + path());
         QCOMPARE(picture.image, m_image);
     }
+    void readsKindsThatDesktopsDoNotWrite()
+    {
+        m_image = m_image.convertToFormat(QImage::Format_Indexed8);
+        QVERIFY(m_image.save(path(), "PNG"));
+        QCOMPARE(takePortalPicture(uri()).image, m_image.convertToFormat(QImage::Format_RGB32));
+    }
     void removesItUnread()
     {
         dropPortalPicture(uri());

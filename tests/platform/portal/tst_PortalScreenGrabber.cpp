@@ -30,8 +30,13 @@ private Q_SLOTS:
     {
         m_folder = std::make_unique<QTemporaryDir>();
         begin();
+        m_screens = twoScreens;
+        m_frozen = 0;
         m_grabber = std::make_unique<PortalScreenGrabber>(
-            m_portalBus, [] { return twoScreens; }, QStringList(m_folder->path()));
+            m_portalBus,
+            PortalScreenGrabber::Desktop{[this] { return m_screens; },
+                                         [this](const QImage &image) { return frozen(image); },
+                                         QStringList(m_folder->path())});
     }
     void cleanup()
     {
@@ -49,7 +54,41 @@ private Q_SLOTS:
         QCOMPARE(pixels(*content, 0), m_picture.copy(0, 0, 100, 80));
         QCOMPARE(pixels(*content, 1), m_picture.copy(100, 0, 60, 90));
         QVERIFY(!QFile::exists(path()));
-        QCOMPARE(m_portal->calls(), (QStringList{"Register", "Lookup", "Screenshot"}));
+        QCOMPARE(m_portal->calls(), (QStringList{"Register", "Screenshot", "Lookup"}));
+    }
+    void showsWhatItReadBeforeItWasNamed()
+    {
+        answerLate();
+        const auto content = m_grabber->freeze();
+        QVERIFY(preparesBefore(content));
+        QVERIFY(waitUntil([&] { return content.isFinished(); }));
+        QVERIFY(content.result());
+        QCOMPARE(m_frozen, 2);
+        QCOMPARE(pixels(*content.result(), 0), m_picture.copy(0, 0, 100, 80));
+        QCOMPARE(pixels(*content.result(), 1), m_picture.copy(100, 0, 60, 90));
+        QVERIFY(!QFile::exists(path()));
+    }
+    void cutsAnewForScreensThatCameMeanwhile()
+    {
+        answerLate();
+        const auto content = m_grabber->freeze();
+        QVERIFY(preparesBefore(content));
+        m_screens = {{33, {0, 0, 160, 90}, {0, 0, 160, 90}}};
+        QVERIFY(waitUntil([&] { return content.isFinished(); }));
+        QVERIFY(content.result());
+        QCOMPARE(content.result()->displays, (std::vector<CaptureDisplay>{{33, {0, 0, 160, 90}}}));
+        QCOMPARE(pixels(*content.result(), 0), m_picture);
+    }
+    void readsAnewWhatWasWrittenMeanwhile()
+    {
+        answerLate();
+        const auto content = m_grabber->freeze();
+        QVERIFY(preparesBefore(content));
+        m_picture.fill(Qt::blue);
+        QVERIFY(m_picture.save(path(), "PNG"));
+        QVERIFY(waitUntil([&] { return content.isFinished(); }));
+        QVERIFY(content.result());
+        QCOMPARE(pixels(*content.result(), 0), m_picture.copy(0, 0, 100, 80));
     }
     void lookIsOneForAllWhoAskMeanwhile()
     {
@@ -171,6 +210,22 @@ private:
         script.results.insert(QStringLiteral("uri"), QUrl::fromLocalFile(path()).toString());
         m_portal->set(script);
     }
+    void answerLate() { answerWithPicture({.delay = 700ms}); }
+    /// The file is written by and by, as soon as somebody looks for it.
+    bool preparesBefore(const QFuture<PortalScreenGrabber::Content> &content)
+    {
+        for (int i = 0; i < 5 && m_frozen == 0; ++i) {
+            if (!m_picture.save(path(), "PNG"))
+                return false;
+            (void)waitUntil([this] { return m_frozen > 0; }, 100ms);
+        }
+        return m_frozen == int(m_screens.size()) && !content.isFinished();
+    }
+    std::shared_ptr<FrozenDisplay> frozen(const QImage &image)
+    {
+        ++m_frozen;
+        return std::make_shared<ImageFrozenDisplay>(image);
+    }
     QImage pixels(const ShareableContent &content, size_t display)
     {
         const auto result = m_grabber->capture(content, content.displays.at(display), {}).result();
@@ -179,6 +234,8 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_folder;
     std::unique_ptr<PortalScreenGrabber> m_grabber;
+    std::vector<PortalDisplay> m_screens;
+    int m_frozen = 0; ///< displays that were made
     QImage m_picture;
 };
 

@@ -17,6 +17,8 @@ public:
         : m_pixels(std::move(pixels))
     {
     }
+    /// A display whose pixels came another way; null where there is no memory for them.
+    static std::shared_ptr<WaylandFrozenDisplay> fromImage(const QImage &image);
     QSize size() const override { return m_pixels->size(); }
     QFuture<QImage> pixels() override;
     const std::shared_ptr<SharedPixels> &shared() const { return m_pixels; }

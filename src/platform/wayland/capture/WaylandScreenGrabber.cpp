@@ -57,6 +57,12 @@ QRect differenceOf(const SharedPixels &one, const SharedPixels &other)
 
 } // namespace
 
+std::shared_ptr<WaylandFrozenDisplay> WaylandFrozenDisplay::fromImage(const QImage &image)
+{
+    auto pixels = SharedPixels::fromImage(image);
+    return pixels ? std::make_shared<WaylandFrozenDisplay>(std::move(pixels)) : nullptr;
+}
+
 QFuture<QImage> WaylandFrozenDisplay::pixels()
 {
     if (m_future)
@@ -314,8 +320,7 @@ QFuture<ScreenGrabber::Result> WaylandScreenGrabber::capture(const ShareableCont
 
 std::shared_ptr<FrozenDisplay> WaylandScreenGrabber::frozenFromImage(const QImage &image)
 {
-    auto pixels = SharedPixels::fromImage(image);
-    return pixels ? std::make_shared<WaylandFrozenDisplay>(std::move(pixels)) : nullptr;
+    return WaylandFrozenDisplay::fromImage(image);
 }
 
 } // namespace tovek
