@@ -3,11 +3,32 @@
 
 #pragma once
 
+#include <QStringList>
+
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <vector>
 
 namespace tovek::bench {
+
+/// Ends the process with the reason on standard error.
+[[noreturn]] inline void giveUp(const QString &reason)
+{
+    std::fflush(stdout);
+    std::fprintf(stderr, "%s: %s\n", program_invocation_short_name, qPrintable(reason));
+    std::exit(1);
+}
+
+/// Of a table of Markdown, with what its figures are.
+inline void printHead(const char *title, const char *figures, const QStringList &columns)
+{
+    const QString line = columns.join(QStringLiteral(" | "));
+    std::printf("\n## %s (%s)\n\n| %s |\n%s|\n", title, figures, qPrintable(line),
+                qPrintable(QStringLiteral("|---").repeated(columns.size())));
+}
 
 /// Milliseconds that one call takes.
 template <typename Call>

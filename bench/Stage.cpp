@@ -71,13 +71,6 @@ private:
 
 } // namespace
 
-void giveUp(const QString &reason)
-{
-    std::fflush(stdout);
-    std::fprintf(stderr, "bench_capture: %s\n", qPrintable(reason));
-    std::exit(1);
-}
-
 void waitFor(std::chrono::microseconds time)
 {
     std::this_thread::sleep_for(time);

@@ -66,9 +66,6 @@ private:
     bool m_hasChecked[2]{};
 };
 
-/// Ends the process with the reason on standard error.
-[[noreturn]] void giveUp(const QString &reason);
-
 void waitFor(std::chrono::microseconds time);
 
 } // namespace tovek::bench

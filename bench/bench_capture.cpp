@@ -39,12 +39,10 @@ double least(const std::vector<double> &values)
     return *std::min_element(values.begin(), values.end());
 }
 
-void printHead(const char *title, const char *unit)
+void printHead(const char *title, const QString &unit)
 {
-    std::printf("\n## %s (%s: median, least)\n\n"
-                "| screen | program | floor | ratio | of the least | budget |\n"
-                "|---|---|---|---|---|---|\n",
-                title, unit);
+    printHead(title, qPrintable(unit + QStringLiteral(": median, least")),
+              {"screen", "program", "floor", "ratio", "of the least", "budget"});
 }
 
 void printRow(const char *name, QSize size, const Pair &pair, double budget)

@@ -34,13 +34,6 @@ constexpr auto settleTime = 500ms;
 constexpr auto patience = 20s;
 const auto askingOption = QStringLiteral("--ask-portal");
 
-[[noreturn]] void giveUp(const QString &reason)
-{
-    std::fflush(stdout);
-    std::fprintf(stderr, "bench_gnome: %s\n", qPrintable(reason));
-    std::exit(1);
-}
-
 /// Asks for a picture, and waits for the name of its file. The portal answers only to programs of
 /// the desktop's user.
 class BarePortalClient : public QObject
@@ -140,6 +133,8 @@ struct Stage
             while (!isShown()) {
                 if (end.hasExpired())
                     giveUp(QStringLiteral("no overlay came"));
+                // Answering takes the shell from what it is asked about.
+                std::this_thread::sleep_for(1ms);
             }
         });
         return time;
@@ -171,8 +166,8 @@ int main(int argc, char **argv)
     if (const QString missing = GnomeDesktop::missing(); !missing.isEmpty())
         giveUp(missing);
     Stage stage;
-    std::printf("\n## Command to all overlays, beside the portal alone (ms: median)\n\n"
-                "| animations | program | portal | difference | budget |\n|---|---|---|---|---|\n");
+    printHead("Command to all overlays, beside the portal alone", "ms: median",
+              {"animations", "program", "portal", "difference", "budget"});
     // Without hardware the shell shows none, and answers without its flash.
     for (const bool isAnimated : {true, false}) {
         const QString script = QStringLiteral("imports.gi.St.Settings.get().%1_animations()");

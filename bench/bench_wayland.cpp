@@ -32,13 +32,6 @@ constexpr auto settleTime = 400ms;
 constexpr auto startTime = 5s;
 constexpr auto idleTime = 30s;
 
-[[noreturn]] void giveUp(const QString &reason)
-{
-    std::fflush(stdout);
-    std::fprintf(stderr, "bench_wayland: %s\n", qPrintable(reason));
-    std::exit(1);
-}
-
 struct Stage
 {
     Stage() : session({{{QSize(1920, 1080), 1}, {QSize(1920, 1080), 1}}})
@@ -110,11 +103,7 @@ struct Stage
     Program *floor = nullptr;
 };
 
-void printHead(const char *title, const char *unit)
-{
-    std::printf("\n## %s (%s: median)\n\n| program | floor | ratio | budget |\n|---|---|---|---|\n",
-                title, unit);
-}
+const QStringList besideAFloor{"program", "floor", "ratio", "budget"};
 
 void printRow(const Pair &pair, double budget)
 {
@@ -134,14 +123,15 @@ void openFirst(Stage &stage)
             stage.close();
         }
     }
-    printHead("Shortcut released to both outputs covered, first of a process", "ms");
+    printHead("Shortcut released to both outputs covered, first of a process", "ms: median",
+              besideAFloor);
     printRow(times, 1.6);
 }
 
 void openWarm(Stage &stage)
 {
     const Pair times = timesOfOpening(stage, runs);
-    printHead("Shortcut released to both outputs covered", "ms");
+    printHead("Shortcut released to both outputs covered", "ms: median", besideAFloor);
     printRow(times, 1.3);
 }
 
@@ -183,7 +173,7 @@ void dragCosts(Stage &stage)
         for (const Subject subject : subjects)
             costs.add(subject, dragCost(stage, subject));
     }
-    printHead("Processor time for one motion event of a drag", "µs");
+    printHead("Processor time for one motion event of a drag", "µs: median", besideAFloor);
     printRow(costs, 3);
 }
 
@@ -196,9 +186,8 @@ void idle(Stage &stage)
     std::this_thread::sleep_for(idleTime);
     const qint64 wakeUps = switchesBetween(before, switchesOf(pid));
     const Memory memory = memoryOf(pid, {});
-    std::printf("\n## Idle for 30 s\n\n| wake-ups | proportional MB | the same, alone |\n"
-                "|---|---|---|\n| %lld | %.1f | %.1f |\n",
-                qlonglong(wakeUps), memory.pss, memory.alone);
+    printHead("Idle", "for 30 s", {"wake-ups", "proportional MB", "the same, alone"});
+    std::printf("| %lld | %.1f | %.1f |\n", qlonglong(wakeUps), memory.pss, memory.alone);
 }
 
 } // namespace
