@@ -26,6 +26,7 @@ public:
 
     /// For an X server that is a guest on a Wayland desktop.
     void setTakesFocus(bool takesFocus) { m_takesFocus = takesFocus; }
+    bool takesFocus() const { return m_takesFocus; }
     /// Brings the keys to the window, from another one of ours too. Where another program holds
     /// the keyboard, it gets some time, and what looks like its menu one Escape; `onDenied` tells
     /// when that was not enough. The window must be mapped.

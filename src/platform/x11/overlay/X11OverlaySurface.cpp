@@ -112,8 +112,15 @@ void X11OverlaySurface::orderFrontRegardless()
     xcb_map_window(connection.xcb(), id());
     connection.flush();
     m_isVisible = true;
-    if (std::exchange(m_wantsKey, false))
-        makeKey();
+    if (std::exchange(m_wantsKey, false)) {
+        // A guest answers once it has copied the picture into the window, which the desktop shows
+        // still later: the overlays of the other screens go first.
+        if (m_services->keyboard.takesFocus())
+            QMetaObject::invokeMethod(
+                this, [this] { makeKey(); }, Qt::QueuedConnection);
+        else
+            makeKey();
+    }
     // The screen is right from here on; the rest tells the toolkit.
     m_window.setVisible(true);
     forceNativeGeometry(0);
