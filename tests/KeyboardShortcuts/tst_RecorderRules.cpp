@@ -11,10 +11,6 @@ using tovek::KeyFlags;
 using Action = RecorderDecision::Action;
 using Type = InputEvent::Type;
 
-Q_DECLARE_METATYPE(Action)
-Q_DECLARE_METATYPE(Type)
-Q_DECLARE_METATYPE(KeyFlags)
-
 namespace {
 
 constexpr int letterA = 0;

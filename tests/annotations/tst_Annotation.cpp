@@ -12,8 +12,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(tovek::Point)
-
 namespace {
 
 template <typename Kind>

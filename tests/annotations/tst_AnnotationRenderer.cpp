@@ -15,9 +15,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(tovek::Annotation)
-Q_DECLARE_METATYPE(tovek::Rect)
-
 namespace {
 
 /// A screen on which every pixel differs from its neighbours.

@@ -33,8 +33,6 @@ struct Chunk
 
 } // namespace
 
-Q_DECLARE_METATYPE(const Deflater *)
-
 class TestPngEncoder : public QObject
 {
     Q_OBJECT

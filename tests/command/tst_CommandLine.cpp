@@ -8,8 +8,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(tovek::Command)
-
 namespace {
 
 Command parse(const char *line)

@@ -1,7 +1,7 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
-#include "Launched.h"
+#include "desktop/Launched.h"
 #include "support/Skip.h"
 
 #include <QDir>

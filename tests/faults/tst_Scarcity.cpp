@@ -81,8 +81,6 @@ struct Want
 
 } // namespace
 
-Q_DECLARE_METATYPE(Want)
-
 class TestScarcity : public QObject
 {
     Q_OBJECT

@@ -11,8 +11,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(tovek::StrokedSegment)
-
 namespace {
 
 const QSize paper(90, 70);

@@ -23,8 +23,6 @@ void finish(QPromise<int> &promise, End end)
 
 } // namespace
 
-Q_DECLARE_METATYPE(End)
-
 class TestWhenReady : public QObject
 {
     Q_OBJECT

@@ -9,8 +9,6 @@
 using namespace tovek;
 using Action = OverlayKeyAction;
 
-Q_DECLARE_METATYPE(tovek::AnnotationTool)
-
 class TestAnnotationKeys : public QObject
 {
     Q_OBJECT

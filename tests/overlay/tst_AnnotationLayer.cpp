@@ -14,8 +14,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(tovek::Annotation)
-
 namespace {
 
 using Items = std::vector<DisplayList::Item>;

@@ -9,9 +9,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(tovek::Point)
-Q_DECLARE_METATYPE(tovek::AnnotationTool)
-
 class TestOverlayCursor : public QObject
 {
     Q_OBJECT

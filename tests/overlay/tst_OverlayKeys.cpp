@@ -8,8 +8,6 @@
 using namespace tovek;
 using Action = OverlayKeyAction;
 
-Q_DECLARE_METATYPE(KeyFlags)
-
 class TestOverlayKeys : public QObject
 {
     Q_OBJECT

@@ -14,8 +14,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(Rect)
-
 namespace {
 
 QImage noise(QSize size)

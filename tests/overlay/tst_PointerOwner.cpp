@@ -8,9 +8,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(tovek::Point)
-Q_DECLARE_METATYPE(tovek::PointerOwner)
-
 namespace {
 
 const Rect selection{100, 100, 200, 100};

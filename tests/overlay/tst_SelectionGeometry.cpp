@@ -8,9 +8,6 @@
 using namespace tovek;
 
 using OptionalHandle = std::optional<ResizeHandle>;
-Q_DECLARE_METATYPE(OptionalHandle)
-Q_DECLARE_METATYPE(ResizeHandle)
-Q_DECLARE_METATYPE(Rect)
 
 class TestSelectionGeometry : public QObject
 {

@@ -7,8 +7,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(Rect)
-
 class TestSizeLabel : public QObject
 {
     Q_OBJECT

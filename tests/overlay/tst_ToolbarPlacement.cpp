@@ -8,8 +8,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(tovek::Rect)
-
 class TestToolbarPlacement : public QObject
 {
     Q_OBJECT

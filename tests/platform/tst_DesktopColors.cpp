@@ -44,7 +44,6 @@ struct Parts
 {
     double red, green, blue;
 };
-Q_DECLARE_METATYPE(Parts)
 
 QDBusArgument &operator<<(QDBusArgument &out, const Parts &parts)
 {

@@ -55,8 +55,6 @@ int area(const QRegion &region)
 
 } // namespace
 
-Q_DECLARE_METATYPE(DisplayList)
-
 class TestOverlaySurface : public QObject
 {
     Q_OBJECT

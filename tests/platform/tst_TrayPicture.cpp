@@ -7,8 +7,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(tovek::Size)
-
 class TestTrayPicture : public QObject
 {
     Q_OBJECT

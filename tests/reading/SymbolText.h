@@ -15,4 +15,13 @@ inline QString textOf(const std::vector<InkSymbol> &symbols)
     return text;
 }
 
+/// With a space before each symbol that starts a word, the first one too.
+inline QString spacedTextOf(const std::vector<InkSymbol> &symbols)
+{
+    QString text;
+    for (const InkSymbol &one : symbols)
+        text += (one.startsWord ? QStringLiteral(" ") : QString()) + one.text;
+    return text;
+}
+
 } // namespace tovek

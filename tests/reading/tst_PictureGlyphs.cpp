@@ -4,6 +4,7 @@
 #include "reading/GlyphNet.h"
 #include "reading/GlyphView.h"
 #include "reading/PictureGlyphs.h"
+#include "reading/SymbolText.h"
 
 #include <QImage>
 #include <QPainter>
@@ -66,18 +67,10 @@ InkSymbol sheet(const QString &text, int x)
     return symbol;
 }
 
-QString textOf(const std::vector<InkSymbol> &symbols)
-{
-    QString text;
-    for (const InkSymbol &symbol : symbols)
-        text += (symbol.startsWord ? QStringLiteral(" ") : QString()) + symbol.text;
-    return text;
-}
-
 QString keptOf(std::vector<InkSymbol> symbols)
 {
     PictureGlyphs(GlyphNet::trained()).erase(symbols, line());
-    return textOf(symbols);
+    return spacedTextOf(symbols);
 }
 
 std::vector<InkSymbol> label(int x)

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "reading/PictureShapes.h"
+#include "reading/SymbolText.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -24,14 +25,6 @@ InkSymbol symbol(const QString &text, const QRect &box, bool startsWord)
             1,
             box,
             std::vector<std::uint8_t>(std::size_t(box.width()) * box.height(), 0)};
-}
-
-QString textOf(const std::vector<InkSymbol> &symbols)
-{
-    QString text;
-    for (const InkSymbol &one : symbols)
-        text += (one.startsWord ? QStringLiteral(" ") : QString()) + one.text;
-    return text.trimmed();
 }
 
 } // namespace
@@ -102,7 +95,7 @@ private Q_SLOTS:
         uncertain.isCertain = false;
         std::vector<InkSymbol> symbols{square, symbol("a", QRect(20, 3, 6, 7), false)};
         erasePictures(symbols, uncertain);
-        QCOMPARE(textOf(symbols), isErased ? QString("a") : QString("Oa"));
+        QCOMPARE(spacedTextOf(symbols).trimmed(), isErased ? QString("a") : QString("Oa"));
         QVERIFY(symbols.front().startsWord);
     }
 
@@ -130,7 +123,7 @@ private Q_SLOTS:
         std::vector<InkSymbol> symbols{disc, symbol("a", QRect(14, 3, 6, 7), isAlone),
                                        symbol("b", QRect(22, 0, 6, 10), false)};
         erasePictures(symbols, metrics);
-        QCOMPARE(textOf(symbols), expected);
+        QCOMPARE(spacedTextOf(symbols).trimmed(), expected);
     }
 
     void leavesOutWhatDoesNotStandOnTheLine_data()
@@ -156,7 +149,7 @@ private Q_SLOTS:
                                        symbol("b", QRect(20, 0, 6, 10), true),
                                        symbol("c", QRect(28, 3, 6, 7), false)};
         erasePictures(symbols, metrics);
-        QCOMPARE(textOf(symbols), isErased ? QString("bc") : first + " bc");
+        QCOMPARE(spacedTextOf(symbols).trimmed(), isErased ? QString("bc") : first + " bc");
     }
 
     void keepsAWordOfWhichOneCharacterStands()
@@ -165,7 +158,7 @@ private Q_SLOTS:
                                        symbol("o", QRect(9, 3, 6, 7), false),
                                        symbol("b", QRect(20, 0, 6, 10), true)};
         erasePictures(symbols, metrics);
-        QCOMPARE(textOf(symbols), QString("To b"));
+        QCOMPARE(spacedTextOf(symbols).trimmed(), QString("To b"));
     }
 
     void bearsALineWithoutText()

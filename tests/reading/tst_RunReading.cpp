@@ -4,6 +4,7 @@
 #include "reading/InkSegments.h"
 #include "reading/Plausibility.h"
 #include "reading/ReadWords.h"
+#include "reading/SymbolText.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -26,14 +27,6 @@ LineStrip plainStrip()
 EngineSymbol symbol(const QString &text, double left, double right, bool startsWord = false)
 {
     return {text, left, right, 90, startsWord};
-}
-
-QString textOf(const std::vector<InkSymbol> &symbols)
-{
-    QString text;
-    for (const InkSymbol &one : symbols)
-        text += one.text;
-    return text;
 }
 
 } // namespace

@@ -76,9 +76,6 @@ const TextRun word = run(line({200, 150}, 6, 0));
 
 } // namespace
 
-Q_DECLARE_METATYPE(Patches)
-Q_DECLARE_METATYPE(TextRun)
-
 class TestSpeckField : public QObject
 {
     Q_OBJECT

@@ -8,10 +8,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(std::vector<tovek::Rect>)
-Q_DECLARE_METATYPE(std::vector<int>)
-Q_DECLARE_METATYPE(std::set<int>)
-
 class TestReadingOrder : public QObject
 {
     Q_OBJECT

@@ -8,8 +8,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(FeedError)
-
 namespace {
 
 const QByteArray signature = QByteArray(64, 'x').toBase64();

@@ -7,9 +7,6 @@ using namespace tovek;
 using namespace std::chrono_literals;
 using End = ServerAnswer::End;
 
-Q_DECLARE_METATYPE(ServerAnswer)
-Q_DECLARE_METATYPE(Refusal)
-
 class TestUpdateRefusals : public SessionTest
 {
     Q_OBJECT

@@ -10,8 +10,6 @@ using namespace tovek;
 using namespace std::chrono_literals;
 using End = ServerAnswer::End;
 
-Q_DECLARE_METATYPE(NoOffer)
-
 class TestUpdateSession : public SessionTest
 {
     Q_OBJECT

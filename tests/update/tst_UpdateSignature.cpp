@@ -9,8 +9,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(SignedEntry)
-
 class TestUpdateSignature : public QObject
 {
     Q_OBJECT

@@ -14,8 +14,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(UpdateAnswer)
-
 class TestUpdateWindows : public QObject
 {
     Q_OBJECT

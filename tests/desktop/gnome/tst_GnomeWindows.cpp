@@ -26,8 +26,6 @@ const auto nativeLine = QStringLiteral("Wayland: overlays are full-screen window
 
 } // namespace
 
-Q_DECLARE_METATYPE(GnomeDesktop::Setup)
-
 class TestGnomeWindows : public QObject
 {
     Q_OBJECT

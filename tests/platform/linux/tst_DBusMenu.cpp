@@ -34,7 +34,6 @@ struct HostEvent
     int id = 0;
     QString event;
 };
-Q_DECLARE_METATYPE(HostEvent)
 
 static QDBusArgument &operator<<(QDBusArgument &argument, const HostEvent &event)
 {

@@ -7,8 +7,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(std::vector<QRect>)
-
 class TestPictureCut : public QObject
 {
     Q_OBJECT

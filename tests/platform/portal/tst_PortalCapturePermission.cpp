@@ -8,8 +8,6 @@
 using namespace tovek;
 using Asking = PortalCapturePermission::Asking;
 
-Q_DECLARE_METATYPE(tovek::PortalCapturePermission::Asking)
-
 class TestPortalCapturePermission : public PortalTest
 {
     Q_OBJECT

@@ -14,7 +14,7 @@ namespace {
 constexpr int width = FakeGlyphs::cellWidth;
 constexpr int baseline = 20;
 
-QImage paper(QColor color = Qt::white)
+QImage sheet(QColor color = Qt::white)
 {
     QImage image(40 * width, 40, QImage::Format_RGB32);
     image.fill(color);
@@ -76,7 +76,7 @@ private Q_SLOTS:
         QFETCH(QColor, paper);
         QFETCH(QColor, ink);
         QFETCH(FontFace, face);
-        QImage image = ::paper(paper);
+        QImage image = sheet(paper);
         const QString text = "if (Count[3] != 0x7F) { return; }";
         writeText(image, {0, baseline}, text, 1, {paper, ink, face, false});
         QCOMPARE(readRow(image), text);
@@ -84,7 +84,7 @@ private Q_SLOTS:
 
     void readsACellAgainstItsOwnBackground()
     {
-        QImage image = paper();
+        QImage image = sheet();
         writeText(image, {0, baseline}, "File Open", 1);
         writeText(image, {5 * width, baseline}, "O", 1,
                   {Qt::black, Qt::white, FontFace::own, false});
@@ -95,7 +95,7 @@ private Q_SLOTS:
 
     void readsThroughAnUnderline()
     {
-        QImage image = paper();
+        QImage image = sheet();
         writeText(image, {0, baseline}, "See Below Now", 1,
                   {Qt::white, Qt::black, FontFace::own, true});
         QCOMPARE(readRow(image), QString("See~Below~Now"));
@@ -103,7 +103,7 @@ private Q_SLOTS:
 
     void takesFramesForNoText()
     {
-        QImage image = paper();
+        QImage image = sheet();
         writeText(image, {2 * width, baseline}, "Left", 1);
         writeText(image, {9 * width, baseline}, "Right", 1);
         for (int y = 0; y < image.height(); ++y)
@@ -115,7 +115,7 @@ private Q_SLOTS:
 
     void givesNoNameToWhatTheFontDoesNotHave()
     {
-        QImage image = paper();
+        QImage image = sheet();
         writeText(image, {0, baseline}, "Abc", 1);
         for (int y = baseline - 7; y < baseline; y += 2) {
             for (int x = 4 * width + (y % 4 ? 0 : 1); x < 5 * width; x += 2)
@@ -126,7 +126,7 @@ private Q_SLOTS:
 
     void takesNoiseForNoAccent()
     {
-        QImage image = paper();
+        QImage image = sheet();
         writeText(image, {0, baseline}, "caf\u00e9 lee the tree", 1);
         // A speck above an e, fainter than an accent and a column off, and one on the line.
         const QPoint e = {6 * width + 4, baseline - 7};
@@ -137,7 +137,7 @@ private Q_SLOTS:
 
     void readsARowThatTheEdgeCuts()
     {
-        QImage image = paper();
+        QImage image = sheet();
         writeText(image, {0, 6}, "Cut Above", 1);
         QCOMPARE(readRow(image, 6), QString("Cut Above"));
         QCOMPARE(readRow(image, 2), QString("outside"));
@@ -145,7 +145,7 @@ private Q_SLOTS:
 
     void isFarFromAnotherFont()
     {
-        QImage image = paper();
+        QImage image = sheet();
         writeText(image, {0, baseline}, "Another Font altogether", 2);
         FakeGlyphs glyphs({1});
         GlyphTable table(glyphs, {}, width, FakeGlyphs::rowPitch);

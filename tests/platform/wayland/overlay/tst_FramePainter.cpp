@@ -40,8 +40,6 @@ int worst(QRgb a, QRgb b)
 
 } // namespace
 
-Q_DECLARE_METATYPE(DisplayList)
-
 class TestFramePainter : public QObject
 {
     Q_OBJECT

@@ -8,8 +8,6 @@
 
 using namespace tovek;
 
-Q_DECLARE_METATYPE(HeldKind)
-
 /// What becomes of the clipboard when the program ends.
 class TestX11ClipboardAtTheEnd : public QObject, protected X11ClipboardFixture
 {

@@ -39,8 +39,6 @@ struct Window
 
 } // namespace
 
-Q_DECLARE_METATYPE(QList<Window>)
-
 /// What lies on top tells a locked screen from an open menu.
 class TestX11ScreenLock : public QObject
 {
