@@ -9,36 +9,44 @@ namespace tovek {
 
 namespace {
 
-/// One pixel, or two beside each other.
-template <typename Pixels>
-constexpr Pixels lowBytes = Pixels(0x00ff00ff00ff00ff);
-template <typename Pixels>
-constexpr Pixels halves = Pixels(0x0080008000800080);
-
 /// Each byte times `factor` / 255, rounded.
-template <typename Pixels>
-Pixels multiplied(Pixels pixels, uint32_t factor)
+uint32_t multiplied(uint32_t pixel, uint32_t factor)
 {
-    const auto products = [factor](Pixels bytes) {
-        const Pixels product = bytes * factor;
-        return product + ((product >> 8) & lowBytes<Pixels>)+halves<Pixels>;
+    constexpr uint32_t lowBytes = 0x00ff00ff;
+    constexpr uint32_t halves = 0x00800080;
+    const auto products = [factor](uint32_t bytes) {
+        const uint32_t product = bytes * factor;
+        return product + ((product >> 8) & lowBytes) + halves;
     };
-    return ((products(pixels & lowBytes<Pixels>) >> 8) & lowBytes<Pixels>)
-        | (products((pixels >> 8) & lowBytes<Pixels>) & ~lowBytes<Pixels>);
+    return ((products(pixel & lowBytes) >> 8) & lowBytes)
+        | (products((pixel >> 8) & lowBytes) & ~lowBytes);
+}
+
+/// Four pixels beside each other, two bytes in a lane.
+using FourPixels = uint16_t __attribute__((vector_size(16)));
+
+FourPixels multiplied(FourPixels pixels, uint16_t factor)
+{
+    const auto products = [factor](FourPixels bytes) {
+        const FourPixels product = bytes * factor;
+        return (product + (product >> 8) + 128) >> 8;
+    };
+    return products(pixels & 255) | products(pixels >> 8) << 8;
 }
 
 /// Multiplies a row, and adds a premultiplied colour.
 void blendRow(uint32_t *to, const uint32_t *from, int count, uint32_t factor, uint32_t color)
 {
-    const uint64_t colors = uint64_t(color) << 32 | color;
+    using Words = uint32_t __attribute__((vector_size(16)));
     int x = 0;
-    for (; x + 1 < count; x += 2) {
-        uint64_t two;
-        std::memcpy(&two, from + x, sizeof two);
-        two = multiplied(two, factor) + colors;
-        std::memcpy(to + x, &two, sizeof two);
+    for (; x + 3 < count; x += 4) {
+        FourPixels four;
+        std::memcpy(&four, from + x, sizeof four);
+        four = multiplied(four, uint16_t(factor));
+        const Words sum = Words(four) + color;
+        std::memcpy(to + x, &sum, sizeof sum);
     }
-    if (x < count)
+    for (; x < count; ++x)
         to[x] = multiplied(from[x], factor) + color;
 }
 
