@@ -14,6 +14,7 @@
 #include "platform/linux/ocr/RecognitionModels.h"
 #include "reading/PageReading.h"
 #include "reading/RunReader.h"
+#include "reading/fonts/GridVotes.h"
 
 #include <QCoreApplication>
 #include <QCryptographicHash>
@@ -189,6 +190,7 @@ void readWith(CachingEngine &engine, const QString &path)
         readings.push_back(readRun(page.ink, run.text, run.metrics, engine).value());
         runs.append(runOf(run, readings.back()));
     }
+    readByCells(page.ink, page.runs, fixedGrids(page.ink, page.runs), readings);
     QJsonArray words;
     for (const auto &line : linesOf(page, std::move(readings))) {
         for (const ReadWord &word : line)

@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "reading/ReadWords.h"
+#include "reading/ReadPiece.h"
 
 #include <functional>
 
@@ -27,6 +27,9 @@ public:
     virtual const std::vector<std::vector<ReadWord>> &lines() const = 0;
     /// True for what the engine read where these lines are: a part of a run that it had to read.
     virtual bool isIn(const QRect &word) const = 0;
+    /// Makes more of what engines read in the runs that were not taken, one entry a run; called
+    /// once, by one thread.
+    virtual void improve(std::vector<std::vector<ReadPiece>> &) const { }
     /// Goes on with what was not found in time, for the next page; called after all others.
     virtual void learn(const std::function<bool()> &isCancelled) = 0;
 };

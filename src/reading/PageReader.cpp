@@ -180,6 +180,8 @@ std::vector<std::vector<ReadWord>> PageReader::takeLines()
         if (isUnsure(m_page.runs[i], m_readings[i]))
             m_unsure.push_back(i);
     }
+    if (m_exact)
+        m_exact->improve(m_readings);
     std::vector<std::vector<ReadWord>> lines = linesOf(m_page, std::move(m_readings));
     return m_exact ? withExactLines(std::move(lines), *m_exact, m_exact->lines()) : lines;
 }

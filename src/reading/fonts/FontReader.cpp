@@ -5,6 +5,7 @@
 
 #include "reading/fonts/FontSearch.h"
 #include "reading/fonts/GridText.h"
+#include "reading/fonts/GridVotes.h"
 
 #include <QImage>
 
@@ -170,6 +171,10 @@ public:
     {
         return std::any_of(m_boxes.begin(), m_boxes.end(),
                            [&](const QRect &box) { return box.contains(word.center()); });
+    }
+    void improve(std::vector<std::vector<ReadPiece>> &readings) const override
+    {
+        readByCells(m_ink, m_runs, m_grids, readings);
     }
     void learn(const std::function<bool()> &isCancelled) override
     {
