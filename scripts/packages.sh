@@ -48,18 +48,20 @@ rpm_libraries() { printf 'pkgconfig(%s)\n' "${library_modules[@]}"; }
 # No sound server: on these systems it would take the place of the one that every desktop has. No
 # trayer: none of them has it any more. The tests that want either skip.
 fedora_build=(ccache cmake gcc-c++ ninja-build pkgconf-pkg-config qt6-qtbase-private-devel
-    qt6-qtwayland dejavu-sans-fonts tesseract-langpack-eng)
+    qt6-qtwayland dejavu-sans-fonts tesseract-langpack-eng tesseract-osd)
 fedora_desktop=(appstream dbus-daemon desktop-file-utils fish glib2 grim i3lock mandoc mold openbox
     openssl picom sway swaybg Thunar wl-clipboard wtype xkbcomp xrandr xset xorg-x11-xauth xclip
     xscreensaver xterm xorg-x11-server-Xvfb xorg-x11-server-Xwayland zsh)
 opensuse_build=(ccache cmake gcc-c++ ninja pkgconf-pkg-config qt6-base-private-devel qt6-wayland
-    dejavu-fonts tesseract-ocr-traineddata-english)
+    dejavu-fonts tesseract-ocr-traineddata-english
+    tesseract-ocr-traineddata-orientation_and_script_detection)
 opensuse_desktop=(AppStream dbus-1 dbus-1-daemon desktop-file-utils fish glib2-tools grim i3lock
     mandoc mold openbox openssl picom sway swaybg thunar wl-clipboard wtype xkbcomp xrandr xset
     xauth xclip xscreensaver xterm xorg-x11-server-Xvfb xwayland zsh)
 arch_build=(ccache cmake gcc ninja pkgconf qt6-base qt6-wayland fontconfig freetype2 isa-l
     libcanberra libdeflate libsodium libxcb libxkbcommon libxkbcommon-x11 tesseract
-    tesseract-data-eng ttf-dejavu wayland xcb-util-image xcb-util-keysyms xcb-util-wm zlib)
+    tesseract-data-eng tesseract-data-osd ttf-dejavu wayland xcb-util-image xcb-util-keysyms
+    xcb-util-wm zlib)
 arch_desktop=(appstream dbus desktop-file-utils fish glib2 grim i3lock mandoc mold openbox openssl
     picom sway swaybg thunar wl-clipboard wtype xorg-xkbcomp xorg-xrandr xorg-xset xorg-xauth xclip
     xscreensaver xterm xorg-server-xvfb xorg-xwayland zsh)
