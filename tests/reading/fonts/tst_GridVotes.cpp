@@ -14,7 +14,7 @@ using namespace tovek;
 
 namespace {
 
-const QStringList lines{"The Ground below Them moved,", "and 57 People ran from It",
+const QStringList lines{"The Ground below Them moved,", "and 57 People ran from there",
                         "over Hedge and Ditch alike", "until the Evening of the Day",
                         "when All lay down to Sleep."};
 constexpr int left = 9;
@@ -99,7 +99,7 @@ private Q_SLOTS:
     void readsWhatTheEnginePassedOver()
     {
         ReadPage page;
-        page.symbols().erase(page.symbols().begin() + 2, page.symbols().begin() + 6);
+        page.symbols().erase(page.symbols().begin() + 1, page.symbols().begin() + 3);
         QCOMPARE(page.read(), lines.join(' '));
     }
 
@@ -141,7 +141,7 @@ private Q_SLOTS:
         const QRect box = page.page.runs.front().text.box;
         page.readings.front().front() = {page.page.runs.front().metrics, {}, {{"own", box, 90}}};
         const QString read = page.read();
-        QVERIFY2(read.startsWith("own and 57"), qPrintable(read));
+        QVERIFY2(read.startsWith("own ") && read.contains("57 People"), qPrintable(read));
     }
 };
 
