@@ -71,7 +71,8 @@ std::shared_ptr<X11Connection> addX11Screens(Platform &platform, EarlyPlatform &
     const bool isGuest = isXWayland(*connection, *monitors);
     const auto displays = [screens = platform.screens.get()] { return portalDisplays(*screens); };
     const auto frozen = [connection](const QImage &image) {
-        return X11FrozenDisplay::fromImage(connection, image);
+        // A guest may have gone while the desktop was taking the picture.
+        return connection->xcb() ? X11FrozenDisplay::fromImage(connection, image) : nullptr;
     };
     if (isGuest && usePortalPictures(platform, early, {displays, frozen, {}}))
         return connection;
