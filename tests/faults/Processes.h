@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "support/SelectionReader.h"
+
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
@@ -30,6 +32,13 @@ inline QList<pid_t> childrenNamed(const QByteArray &name, qint64 parent)
     }
     std::sort(found.begin(), found.end());
     return found;
+}
+
+/// The server hears of a window manager's death later than its parent, and then lays the windows
+/// that it had framed over all others.
+inline bool hasWindowManager(const QString &displayName)
+{
+    return SelectionReader(displayName.toLatin1(), "WM_S0").owner() != 0;
 }
 
 /// The one that keeps the clipboard of a display after the program has ended; 0 when there is none.

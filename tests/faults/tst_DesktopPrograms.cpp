@@ -42,6 +42,9 @@ private Q_SLOTS:
         const pid_t pid = childrenNamed(program, getpid()).value(0);
         QVERIFY(pid > 0);
         QCOMPARE(kill(pid, signal), 0);
+        if (program == "openbox" && signal == SIGKILL)
+            QVERIFY(waitUntil([&] { return !hasWindowManager(s.desktop.displayName()); }));
+        QVERIFY(waitUntil([&] { return s.tovek->covers(s.monitors()); }));
         s.select({150, 150}, {350, 300});
         QVERIFY(s.tap("Return"));
         QCOMPARE(differentPixels(QImage::fromData(s.pasted()), s.expected({150, 150}, {350, 300})),

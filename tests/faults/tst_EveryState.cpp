@@ -5,7 +5,6 @@
 
 #include "desktop/Session.h"
 #include "faults/Processes.h"
-#include "support/SelectionReader.h"
 #include "support/Skip.h"
 
 #include <QElapsedTimer>
@@ -82,15 +81,12 @@ struct VictimSession : Session
         stopped = fault == Fault::stopped ? struck : 0;
         kill(struck, fault == Fault::stopped ? SIGSTOP : SIGKILL);
         return fault == Fault::stopped
-            || (waitUntil([&] { return pid() != struck && !holdsADisplay(); })
+            || (waitUntil([&] {
+                    return pid() != struck
+                        && (victim != QLatin1String("openbox")
+                            || !hasWindowManager(desktop.displayName()));
+                })
                 && (fault == Fault::killed || startVictim()));
-    }
-    /// The server hears of a program's death later than its parent, and then lays the windows that
-    /// a window manager had framed over all others.
-    bool holdsADisplay() const
-    {
-        return victim == QLatin1String("openbox")
-            && SelectionReader(desktop.displayName().toLatin1(), "WM_S0").owner();
     }
     bool recover(Fault fault)
     {
