@@ -74,9 +74,15 @@ public:
     {
         return m_page.runs[2].text.box.contains(word.center());
     }
+    void improve(std::vector<std::vector<ReadPiece>> &readings) const override
+    {
+        for (const std::size_t run : dropped)
+            readings[run].clear();
+    }
     void learn(const std::function<bool()> &) override { }
 
     bool wasWaitedFor = false;
+    std::vector<std::size_t> dropped; ///< by improve()
 
 private:
     Page m_page;
@@ -207,6 +213,22 @@ private Q_SLOTS:
         // The third run's words lie where others were read without the engine.
         QCOMPARE(wordsIn(reader.takeLines()),
                  QStringList({"M 0", "M 4", "exact 1", "exact 3", "exact 5"}));
+    }
+
+    void putsWhatIsMadeOfReadingsInTheirPlace()
+    {
+        const Page page = pageOfBlocks(6);
+        const auto linesRead = std::make_shared<int>(0);
+        auto exact = std::make_unique<EveryOther>(page);
+        exact->dropped = {4};
+        PageReader reader(page, std::make_shared<EnginePool>([&] {
+                              return std::make_unique<CountingEngine>(linesRead, QSet<int>{});
+                          }),
+                          std::move(exact));
+        reader.read([] { return false; });
+        QStringList words = wordsIn(reader.takeLines());
+        words.sort();
+        QCOMPARE(words, QStringList({"M 0", "exact 1", "exact 3", "exact 5"}));
     }
 
     void asksForHasteWhereNothingElseIsReadMeanwhile()

@@ -24,8 +24,6 @@ const CellLook eight = lookOf(6, {{"8", 6}}, {{'8', 0.99F}});
 
 } // namespace
 
-Q_DECLARE_METATYPE(std::vector<tovek::CellLook>)
-
 class TestLookNames : public QObject
 {
     Q_OBJECT
