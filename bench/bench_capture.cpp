@@ -39,7 +39,7 @@ double least(const std::vector<double> &values)
     return *std::min_element(values.begin(), values.end());
 }
 
-void printHead(const char *title, const QString &unit)
+void printOpeningHead(const char *title, const QString &unit)
 {
     printHead(title, qPrintable(unit + QStringLiteral(": median, least")),
               {"screen", "program", "floor", "ratio", "of the least", "budget"});
@@ -261,7 +261,7 @@ int main(int argc, char **argv)
     const auto onEach = [&](const char *name, const char *title, const char *unit, auto measure) {
         if (!isChosen(name))
             return;
-        printHead(title, unit);
+        printOpeningHead(title, unit);
         for (const auto &stage : stages)
             measure(*stage);
     };
