@@ -6,12 +6,14 @@
 #include "desktop/Session.h"
 #include "faults/Processes.h"
 #include "support/Skip.h"
+#include "support/XConnection.h"
 
 #include <QElapsedTimer>
 #include <QStandardPaths>
 #include <QTest>
 
 #include <csignal>
+#include <future>
 
 using namespace tovek;
 
@@ -79,14 +81,29 @@ struct VictimSession : Session
         if (struck == 0)
             return victim == QLatin1String("tovek-ocr");
         stopped = fault == Fault::stopped ? struck : 0;
-        kill(struck, fault == Fault::stopped ? SIGSTOP : SIGKILL);
-        return fault == Fault::stopped
-            || (waitUntil([&] {
-                    return pid() != struck
-                        && (victim != QLatin1String("openbox")
-                            || !hasWindowManager(desktop.displayName()));
-                })
-                && (fault == Fault::killed || startVictim()));
+        if (fault == Fault::stopped) {
+            stop(struck);
+            return true;
+        }
+        kill(struck, SIGKILL);
+        const bool isFramer = victim == QLatin1String("openbox");
+        return waitUntil([&] {
+                   return pid() != struck && !(isFramer && hasWindowManager(desktop.displayName()));
+               })
+            && (fault == Fault::killed || startVictim());
+    }
+    /// Not while it has the display server to itself, as compositing managers do for moments: then
+    /// nobody else has a desktop, and nothing that we do or leave changes that.
+    void stop(pid_t struck) const
+    {
+        while (true) {
+            kill(struck, SIGSTOP);
+            auto answer = std::async(std::launch::async,
+                                     [this] { XConnection(desktop.displayName()).sync(); });
+            if (answer.wait_for(std::chrono::seconds(1)) == std::future_status::ready)
+                return;
+            kill(struck, SIGCONT);
+        }
     }
     bool recover(Fault fault)
     {
