@@ -89,7 +89,7 @@ private Q_SLOTS:
             if (monitor == exact.last()) {
                 QVERIFY(m_desktop->act(QStringLiteral("quit")));
                 QVERIFY(waitUntil([&] { return !m_desktop->act("no-such-action"); }, patience));
-                QVERIFY(isPasted());
+                QVERIFY(waitUntil(isPasted, patience)); // the shell hears of its new owner later
             }
         }
     }
