@@ -117,9 +117,9 @@ OverlayController::Services AppDelegate::overlayServices()
         restSoon();
     };
     if (m_services.ocrService) {
-        services.takeMissingModel = [this] { return m_services.ocrService->takeMissingModel(); };
-        services.recognizeText = [this](const Image &image, const SelectionText::Use &tellPart) {
-            return m_services.ocrService->recognizeText(image, tellPart);
+        services.recognizeText = [this](const Image &image, const SelectionText::Use &tellPart,
+                                        const SelectionText::TellMissing &tellMissing) {
+            return m_services.ocrService->recognizeText(image, tellPart, tellMissing);
         };
     }
     return services;

@@ -46,6 +46,9 @@ CaptureFeedback AppServices::feedback()
             // Confirmations have their sound, and would be in the next picture.
             notificationManager->showMessage(message);
     };
+    feedback.extendToast = [this](const QString &message, const QString &more) {
+        return toast && toast->extend(message, more);
+    };
     feedback.playCopySound = [this] {
         prepareSound();
         if (soundManager)

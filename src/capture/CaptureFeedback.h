@@ -19,6 +19,8 @@ struct CaptureFeedback
     std::function<void(const QString &message, const QString &symbol,
                        const std::optional<Screen> &screen)>
         toast;
+    /// Lets the toast that says this say more, if it is still up. Returns whether it was.
+    std::function<bool(const QString &message, const QString &more)> extendToast;
     std::function<void()> playCopySound;
     std::function<void(const Image &image, std::chrono::seconds duration)> showPreview;
     std::function<void(const QString &message, const QUrl &file)> showSavedNotification;

@@ -6,7 +6,6 @@
 #include "capture/CaptureFeedback.h"
 #include "capture/SelectionText.h"
 #include "overlay/CaptureMode.h"
-#include "platform/TextRecognizer.h"
 
 namespace tovek {
 
@@ -39,8 +38,6 @@ struct CaptureServices
     std::function<void(CaptureMode)> didOpen = {}; ///< the overlays are up; nobody waits
     std::function<void()> didClose = {}; ///< the overlays are gone; results may still be made
     SelectionText::Recognize recognizeText = {};
-    /// A package that would have read the text better, each once.
-    std::function<std::optional<MissingModel>()> takeMissingModel = {};
 };
 
 } // namespace tovek

@@ -25,7 +25,6 @@ namespace {
 
 constexpr auto checkmark = "checkmark.circle.fill";
 constexpr auto xmark = "xmark.circle.fill";
-constexpr auto document = "doc.text";
 constexpr auto overlayRemovalDelay = 20ms;
 /// For the programs below to paint again what the overlays covered.
 constexpr auto repaintDelay = 50ms;
@@ -33,7 +32,11 @@ constexpr auto textCopyDelay = 50ms;
 
 } // namespace
 
-OverlayController::OverlayController(Services services) : m_services(std::move(services)) { }
+OverlayController::OverlayController(Services services)
+    : m_services(std::move(services))
+    , m_textCopyToast(m_services.feedback)
+{
+}
 
 OverlayController::~OverlayController()
 {
@@ -169,8 +172,8 @@ void OverlayController::installCallbacks(OverlayWindow &window)
     callbacks.onCopyAnnotatedImage =
         weakly([this](const Image &image) { copyAnnotatedImage(image); });
     callbacks.onCopyAllText = weakly([this] { copyAllText(); });
-    callbacks.onCopySelectedText =
-        weakly([this](const std::vector<TextRegion> &regions) { copyText(regions); });
+    callbacks.onCopySelectedText = weakly(
+        [this, screen](const std::vector<TextRegion> &regions) { copyText(regions, screen); });
     callbacks.onSaveImage = weakly([this, screen](const Rect &rect) { saveImage(rect, screen); });
     callbacks.onSaveAnnotatedImage =
         weakly([this](const Image &image) { saveAnnotatedImage(image); });
@@ -268,7 +271,7 @@ void OverlayController::useText(const std::vector<TextRegion> &regions, const Sc
     if (screen == m_session->selectedScreen())
         m_session->setDetectedTextRegions(regions);
     if (copies)
-        copyText(regions);
+        copyText(regions, screen);
     else if (OverlayWindow *window = m_session->window(screen))
         window->selectionView()->showTextRegions(regions);
 }
@@ -278,22 +281,19 @@ void OverlayController::copyAllText()
     if (detectedTextRegions().empty())
         toast(QStringLiteral("No text detected"), xmark, m_session->selectedScreen());
     else
-        copyText(detectedTextRegions());
+        copyText(detectedTextRegions(), *m_session->selectedScreen());
 }
 
-void OverlayController::copyText(const std::vector<TextRegion> &regions)
+void OverlayController::copyText(const std::vector<TextRegion> &regions, const Screen &read)
 {
     if (regions.empty())
         return;
     m_services.clipboard.setText(joinedLines(regions));
-    m_services.clock.after(textCopyDelay, m_session.get(), [this] {
+    const auto missing = m_session->text(read).missingModels();
+    m_services.clock.after(textCopyDelay, m_session.get(), [this, missing] {
         const auto screen = m_session->selectedScreen();
         cleanUp();
-        QString hint;
-        if (const auto missing =
-                m_services.takeMissingModel ? m_services.takeMissingModel() : std::nullopt)
-            hint = QStringLiteral(". Install %1 to read %2").arg(missing->package, missing->reads);
-        toast(QStringLiteral("Text copied to clipboard") + hint, document, screen);
+        m_textCopyToast.show(missing, screen);
     });
 }
 

@@ -5,6 +5,7 @@
 
 #include "capture/CaptureSession.h"
 #include "capture/KeptDrawings.h"
+#include "capture/TextCopyToast.h"
 
 namespace tovek {
 
@@ -54,7 +55,7 @@ private:
     void recognizeText(const Rect &rect, const Screen &screen);
     void useText(const std::vector<TextRegion> &regions, const Screen &screen);
     void copyAllText();
-    void copyText(const std::vector<TextRegion> &regions);
+    void copyText(const std::vector<TextRegion> &regions, const Screen &read);
     void screenGone(OverlayWindow *window);
     void keyboardDenied(const Screen &screen);
     void cleanUp();
@@ -77,6 +78,7 @@ private:
     std::unique_ptr<CaptureSession> m_session; ///< null while idle
     Leaving m_leaving;
     KeptDrawings m_keptDrawings;
+    TextCopyToast m_textCopyToast;
     std::optional<CaptureMode> m_waiting; ///< a capture that starts when the overlays are gone
 };
 

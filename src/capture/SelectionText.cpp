@@ -16,6 +16,12 @@ void SelectionText::start(const Request &request)
 {
     Q_ASSERT(isMainThread());
     stop();
+    m_missing = std::make_shared<MissingModels>();
+    const TellMissing tellMissing = [missing = m_missing](const MissingModel &model) {
+        missing->known.push_back(model);
+        if (missing->onMore)
+            missing->onMore();
+    };
     const auto isCurrent = [this, serial = m_serial] { return serial == m_serial; };
     whenReady(request.pixels, this, [=, this](const QImage &pixels) {
         if (!isCurrent())
@@ -32,7 +38,7 @@ void SelectionText::start(const Request &request)
                     request.onPart(regions);
             };
         }
-        m_recognition = m_recognize(*image, tellPart);
+        m_recognition = m_recognize(*image, tellPart, tellMissing);
         whenReady(m_recognition, this, [=](const std::vector<TextRegion> &regions) {
             if (isCurrent())
                 request.onRead(regions);

@@ -28,6 +28,8 @@ constexpr auto perCharacter = 70ms;
 constexpr auto shownAtMost = 6000ms;
 constexpr auto hidingFor = 300ms;
 constexpr auto frame = 16ms;
+/// Within which the window system shows a new window.
+constexpr auto takingOver = 80ms;
 
 std::chrono::milliseconds durationOf(const QString &message)
 {
@@ -56,26 +58,53 @@ QRect nativeRect(const Rect &panel, const Screen &screen)
 class Toast::Panel : public QObject
 {
 public:
-    Panel(Clock &clock, ToastView view, QRect native)
+    struct Place
+    {
+        std::optional<Screen> screen; ///< absent: there is none
+        Size content;
+        double scale = 1;
+        QRect native;
+    };
+
+    Panel(Clock &clock, ToastView view, Place place)
         : m_clock(clock)
         , m_view(std::move(view))
-        , m_native(native)
+        , m_place(std::move(place))
+        , m_native(m_place.native)
     {
     }
 
-    void open(ToastShell &shell, Size content, double scale, const SymbolSource &symbols,
-              const QImage &frozen)
+    QRect native() const { return m_native; }
+    const ToastView &view() const { return m_view; }
+    const std::optional<Screen> &screen() const { return m_place.screen; }
+    bool isLeaving() const { return m_started.isValid() && !m_view.isVisible; }
+
+    /// Opens with the motion of a toast that is on the screen, which it will cover.
+    void openOver(const Panel &before, ToastShell &shell, const SymbolSource &symbols)
+    {
+        m_view.isVisible = before.m_view.isVisible;
+        m_from = before.m_from;
+        m_started = before.m_started;
+        m_picture.presence = before.m_picture.presence;
+        open(shell, symbols, around(before, shell.pixelsBelow(m_native)));
+        if (m_started.isValid())
+            step();
+    }
+
+    /// A null image below: what the screen shows.
+    void open(ToastShell &shell, const SymbolSource &symbols, const QImage &known)
     {
         // The unused byte of captured pixels need not be 255: without the conversion it would be
         // taken for alpha.
-        const QImage below = frozen.isNull()
-            ? shell.pixelsBelow(m_native)
-            : frozen.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-        m_picture = makeToastPicture(m_view, content, scale, systemAppearance(),
-                                     QGuiApplication::font(), symbols, below);
+        m_below = known.isNull() ? shell.pixelsBelow(m_native)
+                                 : known.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        const double presence = m_picture.presence;
+        m_picture = makeToastPicture(m_view, m_place.content, m_place.scale, systemAppearance(),
+                                     QGuiApplication::font(), symbols, m_below);
+        m_picture.presence = presence;
         m_needsBelow = !shell.blends();
         if (m_needsBelow)
-            m_picture.below = below;
+            m_picture.below = m_below;
         m_window = shell.create(m_native, m_view.message);
         m_window->present(render());
         m_window->orderFront();
@@ -96,6 +125,20 @@ public:
     }
 
 private:
+    /// What lies below both: where the other toast is, the screen shows that.
+    QImage around(const Panel &other, QImage shown) const
+    {
+        if (other.m_below.isNull())
+            return {};
+        if (shown.isNull())
+            return other.m_below.scaled(m_native.size());
+        QPainter painter(&shown);
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+        painter.drawImage(other.m_native.topLeft() - m_native.topLeft(), other.m_below);
+        painter.end();
+        return shown;
+    }
+
     void step()
     {
         const double seconds = double(m_started.msecsTo(m_clock.now())) / 1000;
@@ -122,7 +165,9 @@ private:
 
     Clock &m_clock;
     ToastView m_view;
+    Place m_place;
     QRect m_native;
+    QImage m_below; ///< null where the window system does not tell
     ToastPicture m_picture;
     bool m_needsBelow = false;
     std::unique_ptr<ToastWindow> m_window;
@@ -140,29 +185,56 @@ Toast::Toast(Clock &clock, Screens &screens, ToastShell &shell, SymbolSource sym
 
 Toast::~Toast() = default;
 
+std::unique_ptr<Toast::Panel> Toast::makePanel(const QString &message, const QString &icon,
+                                               const std::optional<Screen> &target)
+{
+    const ToastView view{message, icon, false};
+    Panel::Place place{target, {}, target ? target->scale : 1, {}};
+    place.content = ToastGeometry::contentSize(toastIntrinsicSize(view, QGuiApplication::font()));
+    if (target) {
+        place.content.width = std::min(place.content.width,
+                                       std::max(ToastGeometry::shortestWidth,
+                                                target->frame.width - 2 * ToastGeometry::margin));
+        place.native = nativeRect(ToastGeometry::panelFrame(place.content, target->frame), *target);
+    } else {
+        const Size panel = ToastGeometry::panelSize(place.content);
+        place.native = QRect(0, 0, qRound(panel.width), qRound(panel.height));
+    }
+    return std::make_unique<Panel>(m_clock, view, place);
+}
+
 void Toast::show(const QString &message, const QString &icon, const std::optional<Screen> &screen)
 {
     Q_ASSERT(isMainThread());
     m_window.reset();
-    const ToastView view{message, icon, false};
-    const std::optional<Screen> target = screen ? screen : m_screens.main();
-    const double scale = target ? target->scale : 1;
-    Size content = ToastGeometry::contentSize(toastIntrinsicSize(view, QGuiApplication::font()));
-    Rect place{0, 0, ToastGeometry::panelSize(content).width,
-               ToastGeometry::panelSize(content).height};
-    QRect native(0, 0, qRound(place.width * scale), qRound(place.height * scale));
-    if (target) {
-        content.width = std::min(content.width,
-                                 std::max(ToastGeometry::shortestWidth,
-                                          target->frame.width - 2 * ToastGeometry::margin));
-        native = nativeRect(ToastGeometry::panelFrame(content, target->frame), *target);
-    }
-
-    m_window = std::make_unique<Panel>(m_clock, view, native);
+    m_extended.reset();
+    m_window = makePanel(message, icon, screen ? screen : m_screens.main());
     Panel *panel = m_window.get();
-    panel->open(m_shell, content, scale, m_symbols, frozenPixels ? frozenPixels(native) : QImage());
+    panel->open(m_shell, m_symbols, frozenPixels ? frozenPixels(panel->native()) : QImage());
     // The panel is the context of all that follows: what a replaced toast had coming dies with it.
     m_clock.after(0ms, panel, [panel] { panel->setVisible(true); });
+    goAfterReading(message);
+}
+
+bool Toast::extend(const QString &message, const QString &longer)
+{
+    Q_ASSERT(isMainThread());
+    if (!m_window || m_window->view().message != message || m_window->isLeaving())
+        return false;
+    m_extended = std::move(m_window);
+    m_window = makePanel(longer, m_extended->view().icon, m_extended->screen());
+    Panel *panel = m_window.get();
+    panel->openOver(*m_extended, m_shell, m_symbols);
+    if (!panel->view().isVisible)
+        m_clock.after(0ms, panel, [panel] { panel->setVisible(true); });
+    m_clock.after(takingOver, panel, [this] { m_extended.reset(); });
+    goAfterReading(longer);
+    return true;
+}
+
+void Toast::goAfterReading(const QString &message)
+{
+    Panel *panel = m_window.get();
     m_clock.after(durationOf(message), panel, [this, panel] {
         panel->setVisible(false);
         m_clock.after(hidingFor, panel, [this] { m_window.reset(); });
@@ -171,10 +243,11 @@ void Toast::show(const QString &message, const QString &icon, const std::optiona
 
 void Toast::hideForCapture()
 {
-    if (!m_window)
-        return;
-    m_window->vanish();
-    m_window.reset();
+    for (std::unique_ptr<Panel> *panel : {&m_window, &m_extended}) {
+        if (*panel)
+            (*panel)->vanish();
+        panel->reset();
+    }
 }
 
 } // namespace tovek

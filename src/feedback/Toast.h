@@ -28,6 +28,9 @@ public:
     /// as it takes to be read, on the main screen when none is given.
     void show(const QString &message, const QString &icon,
               const std::optional<Screen> &screen = std::nullopt);
+    /// The toast that says `message` says this longer message instead, where it is, for as long as
+    /// it takes to be read. False when there is none, or it is on its way out.
+    bool extend(const QString &message, const QString &longer);
     /// Takes the toast off the screen before a picture of the screen is taken; returns when it is
     /// gone for certain. Cheap when there is none.
     void hideForCapture();
@@ -40,11 +43,16 @@ public:
 private:
     class Panel;
 
+    std::unique_ptr<Panel> makePanel(const QString &message, const QString &icon,
+                                     const std::optional<Screen> &target);
+    void goAfterReading(const QString &message);
+
     Clock &m_clock;
     Screens &m_screens;
     ToastShell &m_shell;
     SymbolSource m_symbols;
     std::unique_ptr<Panel> m_window;
+    std::unique_ptr<Panel> m_extended; ///< until the one that took its place is on the screen
 };
 
 } // namespace tovek

@@ -60,23 +60,24 @@ public:
     /// The result, which always comes, has the last say about them. Main thread; never after the
     /// future has finished or was cancelled.
     using TellPart = std::function<void(const std::vector<TextObservation> &)>;
+    /// Gets what should be installed to read the picture, for the desktop's languages before the
+    /// result, and for text in another script when that is recognised: often some time after the
+    /// future has finished. Main thread.
+    using TellMissing = std::function<void(const MissingModel &)>;
 
     virtual ~TextRecognizer() = default;
     /// A recognition is likely soon: what takes long to load is loaded in the background.
     virtual void prepare() = 0;
     /// The image is native pixels (Format_RGB32), `scale` of them a point. The future gets one
     /// result; when it is cancelled the work stops soon and there is none. Several recognitions
-    /// may be under way at once; a recogniser that dies cancels them. `tellPart` may be unset.
-    [[nodiscard]] virtual QFuture<RecognitionResult> recognize(const QImage &image, double scale,
-                                                               TellPart tellPart) = 0;
-    /// At once.
-    [[nodiscard]] QFuture<RecognitionResult> recognize(const QImage &image, double scale)
+    /// may be under way at once; a recogniser that dies cancels them. What tells may be unset.
+    [[nodiscard]] virtual QFuture<RecognitionResult>
+    recognize(const QImage &image, double scale, TellPart tellPart, TellMissing tellMissing) = 0;
+    [[nodiscard]] QFuture<RecognitionResult> recognize(const QImage &image, double scale,
+                                                       TellPart tellPart = {})
     {
-        return recognize(image, scale, {});
+        return recognize(image, scale, std::move(tellPart), {});
     }
-    /// What should be installed: for the desktop's languages, as the last recognition found it, and
-    /// for text in other scripts that was seen.
-    virtual std::vector<MissingModel> missingModels() const { return {}; }
 };
 
 } // namespace tovek

@@ -44,20 +44,9 @@ void OCRService::prepare()
     m_recognizer.prepare();
 }
 
-std::optional<MissingModel> OCRService::takeMissingModel()
-{
-    Q_ASSERT(isMainThread());
-    for (const MissingModel &missing : m_recognizer.missingModels()) {
-        if (m_toldPackages.contains(missing.package))
-            continue;
-        m_toldPackages += missing.package;
-        return missing;
-    }
-    return std::nullopt;
-}
-
 QFuture<std::vector<TextRegion>> OCRService::recognizeText(const Image &image,
-                                                           const TellPart &tellPart)
+                                                           const TellPart &tellPart,
+                                                           const TellMissing &tellMissing)
 {
     Q_ASSERT(isMainThread());
     using Regions = std::vector<TextRegion>;
@@ -71,7 +60,7 @@ QFuture<std::vector<TextRegion>> OCRService::recognizeText(const Image &image,
         };
     }
     QFuture<RecognitionResult> recognition =
-        m_recognizer.recognize(image.bitmap, image.scale(), tellLines);
+        m_recognizer.recognize(image.bitmap, image.scale(), tellLines, tellMissing);
     QFuture<Regions> regions =
         recognition.then([imageSize](const QFuture<RecognitionResult> &finished) {
             return finished.resultCount() > 0 ? regionsOf(finished.result(), imageSize) : Regions{};

@@ -9,7 +9,6 @@
 
 #include <QFuture>
 #include <QObject>
-#include <QStringList>
 
 #include <functional>
 #include <vector>
@@ -25,6 +24,7 @@ class OCRService : public QObject
 public:
     /// Gets words while others are still being read; see TextRecognizer::TellPart.
     using TellPart = std::function<void(const std::vector<TextRegion> &)>;
+    using TellMissing = TextRecognizer::TellMissing;
 
     /// The recogniser must outlive the service.
     explicit OCRService(TextRecognizer &recognizer, QObject *parent = nullptr);
@@ -33,15 +33,12 @@ public:
     void prepare();
     /// The future gets one list: lines in the recogniser's order, their words in the line's.
     /// Cancelling it stops the work; there is no list then, and no log line.
-    [[nodiscard]] QFuture<std::vector<TextRegion>> recognizeText(const Image &image,
-                                                                 const TellPart &tellPart = {});
-    /// What to install so that text is read that was misread, each package the first time; nothing
-    /// where there is nothing to tell.
-    std::optional<MissingModel> takeMissingModel();
+    [[nodiscard]] QFuture<std::vector<TextRegion>>
+    recognizeText(const Image &image, const TellPart &tellPart = {},
+                  const TellMissing &tellMissing = {});
 
 private:
     TextRecognizer &m_recognizer;
-    QStringList m_toldPackages;
 };
 
 } // namespace tovek

@@ -43,6 +43,12 @@ struct ControllerFixture
                           .arg(screen ? int(screen->displayId.value_or(0)) : -1)
                           .arg(controller->overlayWindows().size());
         };
+        feedback.extendToast = [this](const QString &message, const QString &more) {
+            if (!isToastUp)
+                return false;
+            events << QStringLiteral("%1 -> %2").arg(message, more);
+            return true;
+        };
         feedback.playCopySound = [this] { events << QStringLiteral("sound"); };
         feedback.showPreview = [this](const Image &image, std::chrono::seconds duration) {
             events << QStringLiteral("preview %1x%2 for %3")
@@ -59,8 +65,9 @@ struct ControllerFixture
         services.feedback = feedback;
         services.hasPermission = [this] { return hasPermission; };
         services.showPermissionWindow = [this] { events << QStringLiteral("permission"); };
-        services.takeMissingModel = [this] { return missingModel; };
-        services.recognizeText = [this](const Image &image, const SelectionText::Use &tellPart) {
+        services.recognizeText = [this](const Image &image, const SelectionText::Use &tellPart,
+                                        const SelectionText::TellMissing &tellMissing) {
+            miss << tellMissing;
             recognised << image.bitmap.size();
             if (recognize)
                 return recognize(image, tellPart);
@@ -97,9 +104,12 @@ struct ControllerFixture
     std::unique_ptr<ImageOutput> output;
     std::unique_ptr<OverlayController> controller;
     bool hasPermission = true;
-    std::optional<MissingModel> missingModel;
     std::vector<TextRegion> regions;
-    SelectionText::Recognize recognize; ///< unset: `regions` at once
+    /// Unset: `regions` at once.
+    std::function<QFuture<std::vector<TextRegion>>(const Image &, const SelectionText::Use &)>
+        recognize;
+    QList<SelectionText::TellMissing> miss; ///< of each recognition
+    bool isToastUp = true;
     QStringList events;
     QList<QSize> recognised;
 };

@@ -211,17 +211,81 @@ private Q_SLOTS:
         QVERIFY(!f.controller->isCapturing());
     }
 
-    void tellsWhatWouldReadTheLanguage()
+    /// Each letter is an event: m a package is missing, n another, c the text is copied and its
+    /// toast comes up, g that goes, s another text is read, e its capture is cancelled.
+    void tellsOnceWhatToInstall_data()
+    {
+        QTest::addColumn<QString>("events");
+        QTest::addColumn<QStringList>("told");
+        const QString plain = QStringLiteral("toast Text copied to clipboard [doc.text]");
+        const QString advice = QStringLiteral("Text copied to clipboard. Install tesseract-ocr-%1");
+        const QString m = advice.arg("rus to read Cyrillic");
+        const QString n = advice.arg("ara to read Arabic");
+        const QString toast = QStringLiteral("toast %1 [doc.text]");
+        const QString extended = QStringLiteral("Text copied to clipboard -> %1");
+        QTest::newRow("nothing") << "sc" << QStringList{plain};
+        QTest::newRow("known before") << "smc" << QStringList{toast.arg(m)};
+        QTest::newRow("known while the toast is up")
+            << "scm" << QStringList{plain, extended.arg(m)};
+        QTest::newRow("known too late") << "scgm" << QStringList{plain};
+        QTest::newRow("too late, and again") << "scgmsmc" << QStringList{plain, toast.arg(m)};
+        QTest::newRow("once, early") << "smcgsmc" << QStringList{toast.arg(m), plain};
+        QTest::newRow("once, late") << "scmgscm" << QStringList{plain, extended.arg(m), plain};
+        QTest::newRow("twice of one text") << "smmc" << QStringList{toast.arg(m)};
+        QTest::newRow("each package")
+            << "smcgscn" << QStringList{toast.arg(m), plain, extended.arg(n)};
+        QTest::newRow("of a cancelled capture") << "sme" << QStringList{};
+        QTest::newRow("after a cancelled capture") << "sem" << QStringList{};
+        QTest::newRow("not of another text") << "smesc" << QStringList{plain};
+        QTest::newRow("with its own text") << "smesmc" << QStringList{toast.arg(m)};
+    }
+    void tellsOnceWhatToInstall()
+    {
+        QFETCH(QString, events);
+        ControllerFixture f;
+        f.regions = {word("word", 0.8)};
+        for (const QChar event : events) {
+            switch (event.toLatin1()) {
+            case 's':
+                f.controller->startCapture(CaptureMode::normal);
+                f.overlay().onSelectionComplete({10, 20, 30, 40});
+                break;
+            case 'm':
+                f.miss.last()({"tesseract-ocr-rus", "Cyrillic"});
+                break;
+            case 'n':
+                f.miss.last()({"tesseract-ocr-ara", "Arabic"});
+                break;
+            case 'c':
+                f.overlay().onCopySelectedText(f.regions);
+                f.clock.advance(200ms);
+                f.isToastUp = true;
+                break;
+            case 'g':
+                f.isToastUp = false;
+                break;
+            default:
+                f.overlay().onCancel();
+                f.clock.advance(200ms);
+            }
+        }
+        QTEST(f.events.replaceInStrings(QStringLiteral(" on 1, 0 open"), QString()), "told");
+    }
+
+    void doesNotTellOfAnEarlierTextInTheToastOfALater()
     {
         ControllerFixture f;
-        f.missingModel = {QStringLiteral("tesseract-ocr-ara"), QStringLiteral("Arabic")};
-        f.regions = {word("uber", 0.8)};
-        f.controller->startCapture(CaptureMode::copyText);
-        f.overlay().onSelectionComplete({10, 20, 30, 40});
-        f.clock.advance(50ms);
-        QCOMPARE(f.events,
-                 QStringList{"toast Text copied to clipboard. Install tesseract-ocr-ara to read "
-                             "Arabic [doc.text] on 1, 0 open"});
+        f.regions = {word("word", 0.8)};
+        for (int i = 0; i < 2; ++i) {
+            f.controller->startCapture(CaptureMode::copyText);
+            f.overlay().onSelectionComplete({10, 20, 30, 40});
+            f.clock.advance(200ms);
+        }
+        QCOMPARE(f.events.size(), 2);
+        f.miss.first()({"tesseract-ocr-rus", "Cyrillic"});
+        QCOMPARE(f.events.size(), 2);
+        f.miss.last()({"tesseract-ocr-rus", "Cyrillic"});
+        QCOMPARE(f.events.size(), 3);
     }
 
     void readsTheSelectionsOfTwoScreensSideBySide()

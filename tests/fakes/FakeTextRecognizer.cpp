@@ -6,7 +6,7 @@
 namespace tovek {
 
 QFuture<RecognitionResult> FakeTextRecognizer::recognize(const QImage &image, double scale,
-                                                         TellPart tellPart)
+                                                         TellPart tellPart, TellMissing tellMissing)
 {
     images.push_back(image);
     scales.push_back(scale);
@@ -14,6 +14,7 @@ QFuture<RecognitionResult> FakeTextRecognizer::recognize(const QImage &image, do
     promise->start();
     m_held.push_back(promise);
     m_tellPart.push_back(std::move(tellPart));
+    m_tellMissing = std::move(tellMissing);
     if (!m_isHeld)
         finish();
     return promise->future();

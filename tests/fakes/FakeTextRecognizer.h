@@ -17,15 +17,16 @@ class FakeTextRecognizer : public TextRecognizer
 public:
     void prepare() override { ++preparations; }
     using TextRecognizer::recognize;
-    QFuture<RecognitionResult> recognize(const QImage &image, double scale,
-                                         TellPart tellPart) override;
-    std::vector<MissingModel> missingModels() const override { return missing; }
+    QFuture<RecognitionResult> recognize(const QImage &image, double scale, TellPart tellPart,
+                                         TellMissing tellMissing) override;
 
     /// While held, recognitions stay under way; `finish` completes the oldest one.
     void hold() { m_isHeld = true; }
     void finish();
     /// A part of the oldest one that is under way.
     void tell(const std::vector<TextObservation> &lines) { m_tellPart.front()(lines); }
+    /// Of the last one, under way or not.
+    void miss(const MissingModel &model) { m_tellMissing(model); }
     int underWay() const { return int(m_held.size()); }
     QFuture<RecognitionResult> underWayFuture() const { return m_held.front()->future(); }
 
@@ -33,7 +34,6 @@ public:
     static TextObservation lineOf(const QString &text, double y = 0);
 
     RecognitionResult result;
-    std::vector<MissingModel> missing;
     int preparations = 0;
     std::vector<QImage> images;
     std::vector<double> scales;
@@ -42,6 +42,7 @@ private:
     bool m_isHeld = false;
     std::vector<std::shared_ptr<QPromise<RecognitionResult>>> m_held;
     std::vector<TellPart> m_tellPart; ///< as many
+    TellMissing m_tellMissing;
 };
 
 } // namespace tovek

@@ -146,6 +146,69 @@ private Q_SLOTS:
         QVERIFY(s.shell.windows.empty());
     }
 
+    void saysMoreWithoutMoving()
+    {
+        Setup s;
+        s.show(QStringLiteral("first"));
+        s.clock.advance(1000ms); // at rest
+        QVERIFY(!s.toast.extend(QStringLiteral("another"), QStringLiteral("first and more")));
+        const QRect before = s.window().native;
+        const QString longer = QStringLiteral("first and more") + QString(59, QLatin1Char('x'));
+        QVERIFY(s.toast.extend(QStringLiteral("first"), longer));
+        // The first one stays until the other covers it.
+        QCOMPARE(s.shell.windows.size(), 2U);
+        QCOMPARE(s.shell.windows.front()->title, QStringLiteral("first"));
+        QCOMPARE(s.window().title, longer);
+        QVERIFY(s.window().isVisible);
+        QCOMPARE(s.window().native.united(before), s.window().native);
+        const QImage shown = s.window().shown;
+        QCOMPARE(shown.pixelColor(shown.rect().center()).alpha(), 255);
+        s.clock.advance(100ms);
+        QCOMPARE(s.shell.windows.size(), 1U);
+        QVERIFY(s.window().shown == shown);
+        s.clock.advance(3449ms); // it is up as long as a toast of this length
+        QCOMPARE(s.shell.windows.size(), 1U);
+        s.clock.advance(1ms);
+        QVERIFY(s.shell.windows.empty());
+        s.clock.advance(5s);
+        QCOMPARE(s.clock.pendingCalls(), 0U);
+    }
+
+    void saysMoreOnItsWayInButNotOut()
+    {
+        Setup s;
+        s.show(QStringLiteral("first"));
+        QVERIFY(s.toast.extend(QStringLiteral("first"), QStringLiteral("second")));
+        s.clock.advance(60ms);
+        const QImage rising = s.window().shown;
+        QVERIFY(s.toast.extend(QStringLiteral("second"), QStringLiteral("third")));
+        s.clock.advance(700ms);
+        QVERIFY(s.window().shown != rising);
+        QCOMPARE(s.window().shown.pixelColor(s.window().shown.rect().center()).alpha(), 255);
+        s.clock.advance(900ms); // 1.6 s
+        QVERIFY(s.toast.isShown());
+        QVERIFY(!s.toast.extend(QStringLiteral("third"), QStringLiteral("fourth")));
+        s.clock.advance(300ms);
+        QVERIFY(!s.toast.isShown());
+    }
+
+    void keepsWhatLiesBelowWhereItSaysMore()
+    {
+        Setup s;
+        s.shell.canBlend = false;
+        s.shell.background = Qt::green;
+        s.show(QStringLiteral("first"));
+        s.clock.advance(700ms);
+        s.shell.background = Qt::red; // with the toast in it
+        QVERIFY(s.toast.extend(QStringLiteral("first"), QStringLiteral("first and what follows")));
+        s.toast.hideForCapture();
+        QVERIFY(s.shell.windows.empty());
+        QCOMPARE(s.shell.vanished.size(), 2U);
+        const QImage left = s.shell.vanished[0];
+        QCOMPARE(left.pixelColor(left.rect().center()), QColor(Qt::green));
+        QCOMPARE(left.pixelColor(0, 0), QColor(Qt::red));
+    }
+
     void vanishesForACapture()
     {
         Setup s;

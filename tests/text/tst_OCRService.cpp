@@ -122,19 +122,19 @@ private Q_SLOTS:
         QCOMPARE(recognizer.scales.front(), 2.0);
     }
 
-    void tellsEachMissingPackageOnce()
+    void tellsWhatIsMissingEvenAfterTheWords()
     {
         FakeTextRecognizer recognizer;
+        recognizer.hold();
         OCRService service(recognizer);
-        QVERIFY(!service.takeMissingModel());
-        const MissingModel german{"tesseract-ocr-deu", "your language"};
-        recognizer.missing = {german};
-        QVERIFY(service.takeMissingModel() == german);
-        QVERIFY(!service.takeMissingModel());
-        const MissingModel arabic{"tesseract-ocr-ara", "Arabic"};
-        recognizer.missing = {german, arabic};
-        QVERIFY(service.takeMissingModel() == arabic);
-        QVERIFY(!service.takeMissingModel());
+        QStringList packages;
+        const auto future = service.recognizeText(
+            picture(20, 20), {}, [&](const MissingModel &model) { packages += model.package; });
+        recognizer.miss({"tesseract-ocr-deu", "your language"});
+        recognizer.finish();
+        QVERIFY(future.isFinished());
+        recognizer.miss({"tesseract-ocr-ara", "Arabic"});
+        QCOMPARE(packages, (QStringList{"tesseract-ocr-deu", "tesseract-ocr-ara"}));
     }
 
     void asksNobodyAboutAnEmptyImage()

@@ -73,6 +73,7 @@ struct TesseractRecognizer::Job
 {
     QPromise<RecognitionResult> promise;
     TellPart tellPart;
+    TellMissing tellMissing;
     QElapsedTimer sinceAsked;
     QImage image;
     std::shared_ptr<EnginePool> engines;
@@ -128,12 +129,14 @@ void TesseractRecognizer::prepare()
 }
 
 QFuture<RecognitionResult> TesseractRecognizer::recognize(const QImage &image, double,
-                                                          TellPart tellPart)
+                                                          TellPart tellPart,
+                                                          TellMissing tellMissing)
 {
     findEngines();
     auto job = std::make_shared<Job>();
     job->sinceAsked.start();
     job->tellPart = std::move(tellPart);
+    job->tellMissing = std::move(tellMissing);
     const QFuture<RecognitionResult> future = job->promise.future();
     job->promise.start();
     if (m_setup.languages.isEmpty()) {
@@ -155,6 +158,11 @@ QFuture<RecognitionResult> TesseractRecognizer::recognize(const QImage &image, d
     });
     connect(watcher, &QFutureWatcherBase::finished, watcher, &QObject::deleteLater);
     watcher->setFuture(future);
+    // Not from within the call, but before the result.
+    const auto missing = missingModels(QLocale().uiLanguages(), {}, m_installed);
+    QMetaObject::invokeMethod(
+        this, [job, missing] { TesseractRecognizer::tellMissing(*job, missing); },
+        Qt::QueuedConnection);
     job->image = image;
     job->engines = m_engines;
     job->scriptSetup = m_scriptSetup;
@@ -174,16 +182,16 @@ int TesseractRecognizer::warmEngines() const
 void TesseractRecognizer::findEngines()
 {
     const QString folder = modelFolder(QCoreApplication::applicationDirPath());
-    const QStringList installed = modelsIn(folder);
+    m_installed = modelsIn(folder);
     const QStringList spoken = QLocale().uiLanguages();
-    const QStringList reading = modelsFor(spoken, installed);
+    const QStringList reading = modelsFor(spoken, m_installed);
     QStringList scripts = m_seenScripts;
     scripts.removeIf([&](const QString &script) { return canRead(script, reading); });
     QStringList languages;
     for (const QString &script : scripts)
-        languages += languageOf(script, installed);
-    const QStringList models = modelsFor(languages + spoken, installed);
-    std::vector<MissingModel> missing = tovek::missingModels(spoken, scripts, installed);
+        languages += languageOf(script, m_installed);
+    const QStringList models = modelsFor(languages + spoken, m_installed);
+    std::vector<MissingModel> missing = missingModels(spoken, scripts, m_installed);
     for (const MissingModel &model : missing) {
         const bool isKnown =
             std::find(m_missing.begin(), m_missing.end(), model) != m_missing.end();
@@ -196,7 +204,7 @@ void TesseractRecognizer::findEngines()
                             models.join('+').toLatin1()};
     m_scriptSetup = setup;
     m_scriptSetup.languages = scriptModel;
-    if (!installed.contains(QLatin1String(scriptModel)))
+    if (!m_installed.contains(QLatin1String(scriptModel)))
         m_scriptSetup.program.clear();
     if (m_engines && setup == m_setup)
         return;
@@ -260,20 +268,24 @@ void TesseractRecognizer::read(const std::shared_ptr<Job> &job)
                                     "package tesseract-ocr-eng")});
     } else {
         job->finish({observationsOf(job->reader->takeLines()), {}});
-        lookForScript(*job);
+        lookForScript(job);
         job->reader->learn([this] { return m_isEnding || m_threads.active() > 1; });
     }
 }
 
-void TesseractRecognizer::lookForScript(const Job &job)
+void TesseractRecognizer::lookForScript(const std::shared_ptr<Job> &job)
 {
-    const std::vector<LineStrip> lines = job.reader->unsureLines();
-    if (lines.empty() || job.scriptSetup.program.isEmpty() || m_isEnding)
+    const std::vector<LineStrip> lines = job->reader->unsureLines();
+    if (lines.empty() || job->scriptSetup.program.isEmpty() || m_isEnding)
         return;
-    const auto engine = EngineProcess::create(job.scriptSetup);
+    const auto engine = EngineProcess::create(job->scriptSetup);
     const QString script = engine ? engine->scriptOf(lines) : QString();
-    if (!script.isEmpty())
-        QMetaObject::invokeMethod(this, [this, script] { sawScript(script); });
+    if (script.isEmpty())
+        return;
+    QMetaObject::invokeMethod(this, [this, job, script] {
+        sawScript(script);
+        tellMissing(*job, missingModels({}, {script}, m_installed));
+    });
 }
 
 void TesseractRecognizer::sawScript(const QString &script)
@@ -282,6 +294,14 @@ void TesseractRecognizer::sawScript(const QString &script)
         return;
     m_seenScripts += script;
     findEngines();
+}
+
+void TesseractRecognizer::tellMissing(const Job &job, const std::vector<MissingModel> &missing)
+{
+    for (const MissingModel &model : missing) {
+        if (job.tellMissing)
+            job.tellMissing(model);
+    }
 }
 
 void TesseractRecognizer::becomeIdle()

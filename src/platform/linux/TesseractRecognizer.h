@@ -34,9 +34,8 @@ public:
 
     void prepare() override;
     using TextRecognizer::recognize;
-    QFuture<RecognitionResult> recognize(const QImage &image, double scale,
-                                         TellPart tellPart) override;
-    std::vector<MissingModel> missingModels() const override { return m_missing; }
+    QFuture<RecognitionResult> recognize(const QImage &image, double scale, TellPart tellPart,
+                                         TellMissing tellMissing) override;
     /// Processes that are kept warm now.
     int warmEngines() const;
 
@@ -48,14 +47,16 @@ private:
     void tellPart(const std::shared_ptr<Job> &job, const std::vector<std::vector<ReadWord>> &lines);
     void read(const std::shared_ptr<Job> &job);
     /// Of text that no model read; any thread.
-    void lookForScript(const Job &job);
+    void lookForScript(const std::shared_ptr<Job> &job);
     void sawScript(const QString &script);
+    static void tellMissing(const Job &job, const std::vector<MissingModel> &missing);
     void becomeIdle();
 
     std::atomic<bool> m_isEnding = false;
     EngineSetup m_setup;
     EngineSetup m_scriptSetup; ///< without a program where scripts cannot be told
-    std::vector<MissingModel> m_missing;
+    QStringList m_installed;
+    std::vector<MissingModel> m_missing; ///< for the desktop's languages and the scripts seen
     /// That no model for the desktop's languages reads, until there is nothing to recognise for a
     /// while. What is installed for them is used meanwhile.
     QStringList m_seenScripts;

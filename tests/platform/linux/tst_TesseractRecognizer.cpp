@@ -231,17 +231,23 @@ private Q_SLOTS:
         LogCapture log;
         const QImage english =
             lineOf("Could not connect to the server in the other room", font, Qt::white, Qt::black);
-        (void)recognizer.recognize(english, 1).result();
-        const QString misread = textOf(recognizer.recognize(line, 1).result());
-        QVERIFY(misread != text);
-        QTRY_COMPARE_WITH_TIMEOUT(recognizer.missingModels().size(), std::size_t(1), 20000);
-        QVERIFY(recognizer.missingModels().front()
-                == (MissingModel{"tesseract-ocr-rus", "Cyrillic"}));
+        std::vector<MissingModel> missing;
+        const auto tell = [&](const MissingModel &model) { missing.push_back(model); };
+        (void)recognizer.recognize(english, 1, {}, tell).result();
+        QVERIFY(missing.empty());
+        // Each time, though the log has it once: nobody may have looked at the first.
+        for (std::size_t time : {1, 2}) {
+            const QString misread = textOf(recognizer.recognize(line, 1, {}, tell).result());
+            QVERIFY(misread != text);
+            QTRY_COMPARE_WITH_TIMEOUT(missing.size(), time, 20000);
+            QVERIFY(missing.back() == (MissingModel{"tesseract-ocr-rus", "Cyrillic"}));
+        }
         QCOMPARE(log.lines(),
                  QStringList{"Text is misread: install tesseract-ocr-rus to read Cyrillic"});
         QVERIFY(install("rus"));
-        QCOMPARE(textOf(recognizer.recognize(line, 1).result()), text);
-        QVERIFY(recognizer.missingModels().empty());
+        QCOMPARE(textOf(recognizer.recognize(line, 1, {}, tell).result()), text);
+        QTest::qWait(50);
+        QCOMPARE(missing.size(), std::size_t(2));
     }
 
     void survivesADamagedModel_data()
