@@ -32,6 +32,16 @@ QImage decalImage()
     return image;
 }
 
+/// Byte by byte, rounded as the toolkit rounds.
+QRgb plainlyBlended(QRgb pixel, int alpha)
+{
+    const auto part = [alpha](int byte) {
+        const int product = byte * (255 - alpha);
+        return (product + (product >> 8) + 128) >> 8;
+    };
+    return qRgb(part(qRed(pixel)), part(qGreen(pixel)), part(qBlue(pixel)));
+}
+
 int worst(QRgb a, QRgb b)
 {
     return std::max(
@@ -106,6 +116,28 @@ private Q_SLOTS:
                                          .arg(y)
                                          .arg(is, 8, 16)
                                          .arg(expected.pixel(x, y), 8, 16)));
+            }
+        }
+    }
+
+    /// The same bytes, however many pixels of a row are blended at once.
+    void blendsEveryByteAsThePlainFormula()
+    {
+        QImage bytes(256, 1, QImage::Format_RGB32);
+        for (int x = 0; x < bytes.width(); ++x)
+            bytes.setPixel(x, 0, qRgb(x, 255 - x, x * 7 % 256));
+        const auto frozen = SharedPixels::fromImage(bytes);
+        for (int alpha = 0; alpha <= 255; ++alpha) {
+            for (const QRect &damage : {QRect(0, 0, 256, 1), QRect(1, 0, 1, 1), QRect(3, 0, 2, 1),
+                                        QRect(2, 0, 7, 1), QRect(5, 0, 251, 1)}) {
+                QImage expected = bytes;
+                for (int x = damage.left(); x <= damage.right(); ++x)
+                    expected.setPixel(x, 0, plainlyBlended(bytes.pixel(x, 0), alpha));
+                const auto frame = SharedPixels::fromImage(bytes);
+                paintFrame(*frame, *frozen, {alpha / 255.0, {}, {}}, damage);
+                const QImage made = SharedPixels::image(frame, QImage::Format_RGB32);
+                for (int x = 0; x < bytes.width(); ++x)
+                    QCOMPARE(made.pixel(x, 0) & RGB_MASK, expected.pixel(x, 0) & RGB_MASK);
             }
         }
     }
