@@ -98,7 +98,10 @@ struct CompositorState
     bool isCursorPainted = false; ///< for a picture, and since then, until it is set anew
     ClipboardState clipboard;
     uint32_t serial = 0;
+    bool holdsFrames = false;
+    std::vector<wl_resource *> heldFrames;
 
+    void tellHeldFrames();
     void offer(const wl_interface &interface, int version, wl_global_bind_func_t bind);
     OutputState *outputAt(int index);
     QImage compose(const OutputState &output, bool withCursor) const;

@@ -38,7 +38,11 @@ void damage(wl_client *, wl_resource *, int32_t, int32_t, int32_t, int32_t) { }
 void frame(wl_client *client, wl_resource *surface, uint32_t id)
 {
     wl_resource *callback = wl_resource_create(client, &wl_callback_interface, 1, id);
-    stateOf<SurfaceState>(surface).pendingCallbacks.push_back(callback);
+    auto &state = stateOf<SurfaceState>(surface);
+    wl_resource_set_implementation(callback, nullptr, state.compositor, [](wl_resource *gone) {
+        std::erase(stateOf<CompositorState>(gone).heldFrames, gone);
+    });
+    state.pendingCallbacks.push_back(callback);
 }
 
 void setRegion(wl_client *, wl_resource *, wl_resource *) { }
@@ -57,10 +61,11 @@ void commit(wl_client *, wl_resource *resource)
         if (*buffer)
             wl_buffer_send_release(*buffer);
     }
-    for (wl_resource *callback : std::exchange(surface.pendingCallbacks, {})) {
-        wl_callback_send_done(callback, 0);
-        wl_resource_destroy(callback);
-    }
+    CompositorState &state = *surface.compositor;
+    for (wl_resource *callback : std::exchange(surface.pendingCallbacks, {}))
+        state.heldFrames.push_back(callback);
+    if (!state.holdsFrames)
+        state.tellHeldFrames();
     if (surface.onCommit)
         surface.onCommit();
 }
@@ -222,6 +227,14 @@ void paint(QPainter &painter, const SurfaceState &surface, QPointF at, double sc
 }
 
 } // namespace
+
+void CompositorState::tellHeldFrames()
+{
+    for (wl_resource *callback : std::exchange(heldFrames, {})) {
+        wl_callback_send_done(callback, 0);
+        wl_resource_destroy(callback);
+    }
+}
 
 QImage CompositorState::compose(const OutputState &output, bool withCursor) const
 {

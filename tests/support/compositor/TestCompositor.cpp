@@ -154,6 +154,15 @@ void TestCompositor::hangUp()
     inside([&] { wl_display_destroy_clients(m_state->display); });
 }
 
+void TestCompositor::setFrames(Frames frames)
+{
+    inside([&] {
+        m_state->holdsFrames = frames == Frames::hold;
+        if (!m_state->holdsFrames)
+            m_state->tellHeldFrames();
+    });
+}
+
 void TestCompositor::closeLayers()
 {
     inside([&] {

@@ -75,6 +75,9 @@ public:
     void withdraw(const char *interface);
     /// Breaks all connections, as a compositor that crashes does.
     void hangUp();
+    /// From `hold` on nobody is told that a frame was shown; `release` tells them of all at once.
+    enum class Frames { hold, release };
+    void setFrames(Frames frames);
     /// Takes away all surfaces of the layer shell.
     void closeLayers();
 

@@ -242,9 +242,12 @@ bool LayerOverlaySurface::eventFilter(QObject *watched, QEvent *event)
     case QEvent::Expose: {
         if (m_isForwarding)
             return false;
-        // Tells the widget that it is on the screen, and nothing to paint: all of it is clear.
+        m_mayMissPaint = m_mayMissPaint || (m_hasChildren && !m_window.isExposed());
+        // Tells the widget that it is on the screen, and nothing to paint: all of it is clear. Only
+        // where something was to be painted meanwhile, it is told so, and paints no more than that.
         m_isForwarding = true;
-        QExposeEvent exposed{QRegion()};
+        const bool isMissing = m_window.isExposed() && std::exchange(m_mayMissPaint, false);
+        QExposeEvent exposed(isMissing ? QRegion(QRect(QPoint(), m_window.size())) : QRegion());
         QCoreApplication::sendEvent(watched, &exposed);
         m_isForwarding = false;
         return true;

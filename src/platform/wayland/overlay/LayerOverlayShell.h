@@ -42,7 +42,7 @@ public:
     void makeKey() override;
     bool isKey() const override { return m_services->key == this; }
     bool present(const DisplayList &list) override;
-    void setCovered(const QRegion &) override { }
+    void setCovered(const QRegion &region) override { m_hasChildren |= !region.isEmpty(); }
     bool liesBelow() const override { return m_canvas != nullptr; }
     void setFollowsPointer(bool isOn) override { m_drag.setOn(isOn && m_canvas); }
 
@@ -66,6 +66,10 @@ private:
     bool m_isVisible = false;
     bool m_wantsKey = false;
     bool m_isForwarding = false;
+    bool m_hasChildren = false; ///< child widgets have painted something, or will
+    /// The toolkit takes a window of which it hears nothing for a moment for hidden. What child
+    /// widgets want to paint then it keeps until it is told that all of it is to be seen again.
+    bool m_mayMissPaint = false;
 };
 
 /// Overlays of the layer shell; or full-screen windows, where there is no such shell.
