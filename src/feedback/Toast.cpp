@@ -28,6 +28,8 @@ constexpr auto perCharacter = 70ms;
 constexpr auto shownAtMost = 6000ms;
 constexpr auto hidingFor = 300ms;
 constexpr auto frame = 16ms;
+/// By then it has come to rest, and the programs below have painted what the overlays covered.
+constexpr auto settled = 400ms;
 /// Within which the window system shows a new window.
 constexpr auto takingOver = 80ms;
 
@@ -71,24 +73,29 @@ public:
         , m_view(std::move(view))
         , m_place(std::move(place))
         , m_native(m_place.native)
+        , m_opened(m_clock.now())
     {
     }
 
     QRect native() const { return m_native; }
     const ToastView &view() const { return m_view; }
     const std::optional<Screen> &screen() const { return m_place.screen; }
+    std::chrono::milliseconds age() const
+    {
+        return std::chrono::milliseconds(m_opened.msecsTo(m_clock.now()));
+    }
     bool isLeaving() const { return m_started.isValid() && !m_view.isVisible; }
 
     /// Opens with the motion of a toast that is on the screen, which it will cover.
     void openOver(const Panel &before, ToastShell &shell, const SymbolSource &symbols)
     {
+        m_opened = before.m_opened;
         m_view.isVisible = before.m_view.isVisible;
         m_from = before.m_from;
         m_started = before.m_started;
         m_picture.presence = before.m_picture.presence;
         open(shell, symbols, around(before, shell.pixelsBelow(m_native)));
-        if (m_started.isValid())
-            step();
+        step();
     }
 
     /// A null image below: what the screen shows.
@@ -171,6 +178,7 @@ private:
     ToastPicture m_picture;
     bool m_needsBelow = false;
     std::unique_ptr<ToastWindow> m_window;
+    QDateTime m_opened;
     double m_from = 0;
     QDateTime m_started;
 };
@@ -221,12 +229,15 @@ bool Toast::extend(const QString &message, const QString &longer)
     Q_ASSERT(isMainThread());
     if (!m_window || m_window->view().message != message || m_window->isLeaving())
         return false;
+    if (const auto age = m_window->age(); age < settled) {
+        m_clock.after(settled - age, m_window.get(),
+                      [this, message, longer] { (void)extend(message, longer); });
+        return true;
+    }
     m_extended = std::move(m_window);
     m_window = makePanel(longer, m_extended->view().icon, m_extended->screen());
     Panel *panel = m_window.get();
     panel->openOver(*m_extended, m_shell, m_symbols);
-    if (!panel->view().isVisible)
-        m_clock.after(0ms, panel, [panel] { panel->setVisible(true); });
     m_clock.after(takingOver, panel, [this] { m_extended.reset(); });
     goAfterReading(longer);
     return true;

@@ -28,8 +28,9 @@ public:
     /// as it takes to be read, on the main screen when none is given.
     void show(const QString &message, const QString &icon,
               const std::optional<Screen> &screen = std::nullopt);
-    /// The toast that says `message` says this longer message instead, where it is, for as long as
-    /// it takes to be read. False when there is none, or it is on its way out.
+    /// The toast that says `message` says this longer message instead, where it is and as soon as
+    /// it is at rest, for as long as it takes to be read. False when there is none, or it is on its
+    /// way out.
     bool extend(const QString &message, const QString &longer);
     /// Takes the toast off the screen before a picture of the screen is taken; returns when it is
     /// gone for certain. Cheap when there is none.
