@@ -150,7 +150,7 @@ std::unique_ptr<Clipboard> makeWaylandClipboard(std::shared_ptr<WaylandConnectio
 /// they are scaled, it may have fewer or more, and what it shows is resampled.
 bool isXWaylandExact(const std::shared_ptr<WaylandConnection> &connection)
 {
-    if (!qEnvironmentVariableIsSet("DISPLAY"))
+    if (!canUseX11() || !qEnvironmentVariableIsSet("DISPLAY"))
         return false;
     const WaylandOutputs outputs(connection);
     std::vector<QSize> natives;

@@ -95,6 +95,11 @@ void leaveInOrderWithout(const std::shared_ptr<X11Connection> &server)
 
 } // namespace
 
+bool canUseX11()
+{
+    return true;
+}
+
 double x11ServersDotsPerInch()
 {
     return std::max(x11DotsPerInch().value_or(0), publishedDotsPerInch().value_or(0));
@@ -161,6 +166,11 @@ bool addX11Capture(Platform &platform, EarlyPlatform &early)
     return addX11Screens(platform, early, monitors) != nullptr;
 }
 #else
+bool canUseX11()
+{
+    return false;
+}
+
 double x11ServersDotsPerInch()
 {
     return 0;

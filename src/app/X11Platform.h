@@ -14,6 +14,8 @@ namespace tovek {
 
 struct EarlyPlatform;
 
+/// False in a build without it.
+bool canUseX11();
 /// As the server's resources state them; 0 where they do not.
 double x11ServersDotsPerInch();
 /// Of the monitors in the server's pixels; none without a server. Needs no application.

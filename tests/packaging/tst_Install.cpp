@@ -23,8 +23,12 @@ private Q_SLOTS:
     {
         QTest::addColumn<bool>("isProgram");
         QTest::newRow("bin/tovek") << true;
+#ifdef TOVEK_WITH_X11
         QTest::newRow("libexec/tovek/tovek-clipboard") << true;
+#endif
+#ifdef TOVEK_WITH_WAYLAND
         QTest::newRow("libexec/tovek/tovek-clipboard-wayland") << true;
+#endif
         QTest::newRow("libexec/tovek/tovek-folder") << true;
         QTest::newRow("libexec/tovek/tovek-ocr") << true;
         QTest::newRow("share/applications/org.tovek.Tovek.desktop") << false;

@@ -52,6 +52,10 @@ private Q_SLOTS:
         row("no XWayland", {{}, Setup::Layout::inPoints, false, {}}, {0, 1});
         row("no XWayland, 2 beside 1, laid out in pixels",
             {{2, 1}, Setup::Layout::inPixels, false, {}}, {0, 1});
+#ifndef TOVEK_WITH_X11
+        row("an XWayland that the program cannot use", {{1, 1}, Setup::Layout::inPoints, true, {}},
+            {0, 1});
+#endif
         row("1.25", {{1.25, 1.25}, Setup::Layout::inPoints, true, {}}, {0, 1});
         // Of two scales the desktop takes its picture in the larger one.
         row("as near to 1.5 as mutter can, for each monitor",
@@ -97,6 +101,9 @@ private Q_SLOTS:
     /// As somebody who tries fractions in the desktop's settings, and goes back.
     void followsTheMonitorsToAnotherWindowSystem()
     {
+#ifndef TOVEK_WITH_X11
+        QSKIP("there is no other without X11");
+#endif
         QVERIFY(startDesktop({{1, 1}, GnomeDesktop::Setup::Layout::inPoints, true, speckles()}));
         QVERIFY(start());
         QVERIFY(!m_tovek->lines().contains(nativeLine));
@@ -135,7 +142,10 @@ private:
             && m_tovek->waitForLine(QStringLiteral("Wayland: capturing over the desktop's portal"),
                                     patience);
     }
-    bool startNatively() { return start() && m_tovek->lines().contains(nativeLine); }
+    bool startNatively()
+    {
+        return start() && m_tovek->lines().contains(nativeLine);
+    }
     qsizetype startsOnXWayland() const
     {
         return m_tovek->lines().count("Wayland: capturing over the desktop's portal")
@@ -160,7 +170,10 @@ private:
         QVERIFY(waitUntil([this] { return m_desktop->focusedTitle() == textWindow; }, patience));
     }
 
-    QImage paste() { return QImage::fromData(m_desktop->output("wl-paste", {}), "PNG"); }
+    QImage paste()
+    {
+        return QImage::fromData(m_desktop->output("wl-paste", {}), "PNG");
+    }
 
     /// Rounding to pixels is another matter.
     static bool isPartOf(const QImage &pasted, const QImage &monitor, QRectF selected, double scale)
