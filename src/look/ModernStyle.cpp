@@ -20,11 +20,17 @@ constexpr int tabHeight = 28;
 constexpr int tabIcon = 15;
 constexpr int tabPadding = 8;
 constexpr double placeholderOpacity = 0.5;
+constexpr int menuLineInset = 5;
 
 QColor withAlpha(QColor color, double alpha)
 {
     color.setAlphaF(float(alpha));
     return color;
+}
+
+QColor menuLineColor(const QPalette &palette)
+{
+    return withAlpha(palette.color(QPalette::Text), 0.22);
 }
 
 void fillRounded(QPainter &painter, const QRectF &rect, double corner, const QBrush &fill,
@@ -174,6 +180,15 @@ void ModernStyle::drawControl(ControlElement element, const QStyleOption *option
         if (element == CE_ProgressBarContents || element == CE_ProgressBarLabel)
             return;
     }
+    if (const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option)) {
+        // Fusion's is darker than the menu, and cannot be told from a dark one.
+        if (element == CE_MenuItem && item->menuItemType == QStyleOptionMenuItem::Separator
+            && item->text.isEmpty())
+            return painter->fillRect(QRect(item->rect.left() + menuLineInset,
+                                           item->rect.center().y(),
+                                           item->rect.width() - 2 * menuLineInset, 1),
+                                     menuLineColor(item->palette));
+    }
     const auto *button = qstyleoption_cast<const QStyleOptionButton *>(option);
     if (element == CE_PushButtonLabel && button
         && button->features & QStyleOptionButton::DefaultButton && button->state & State_Enabled) {
@@ -229,6 +244,8 @@ int ModernStyle::styleHint(StyleHint hint, const QStyleOption *option, const QWi
 {
     if (hint == SH_TabBar_Alignment)
         return Qt::AlignCenter;
+    if (hint == SH_EtchDisabledText) // which smears light text on a dark menu
+        return 0;
     return QProxyStyle::styleHint(hint, option, widget, returnData);
 }
 

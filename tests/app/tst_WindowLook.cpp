@@ -12,7 +12,9 @@
 
 #include <QApplication>
 #include <QFile>
+#include <QPainter>
 #include <QRegularExpression>
+#include <QStyleOption>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -121,6 +123,24 @@ private Q_SLOTS:
         colors.turn(purple);
         QTRY_COMPARE(updates.told(), QByteArray("dark\nlight\nlight #9141ac\n"));
         QVERIFY(!isDark());
+    }
+
+    void showsTheLinesOfADarkMenu()
+    {
+        const ModernStyle style;
+        QStyleOptionMenuItem line;
+        line.menuItemType = QStyleOptionMenuItem::Separator;
+        line.rect = QRect(0, 0, 40, 9);
+        line.palette = QPalette(QColor(0x3a, 0x3a, 0x3d), QColor(0x26, 0x26, 0x28));
+        const QColor menu(0x1e, 0x1e, 0x20);
+        QImage image(line.rect.size(), QImage::Format_RGB32);
+        image.fill(menu);
+        QPainter painter(&image);
+        style.drawControl(QStyle::CE_MenuItem, &line, &painter, nullptr);
+        painter.end();
+        QVERIFY(image.pixelColor(20, 4).lightness() > menu.lightness() + 30);
+        QCOMPARE(image.pixelColor(20, 2), menu);
+        QCOMPARE(style.styleHint(QStyle::SH_EtchDisabledText, nullptr, nullptr, nullptr), 0);
     }
 
     void followsTheAccent()
