@@ -69,6 +69,13 @@ struct Launched
         Program *gdbus = desktop->run("/usr/bin/gdbus", arguments + call);
         return gdbus && gdbus->waitForExit() == 0;
     }
+    /// Whether it comes to answer commands. Without a window nothing else shows that it has
+    /// started, and another start before that would be the first.
+    bool answers()
+    {
+        return waitUntil([&] { return call({"org.freedesktop.DBus.Peer.Ping"}); },
+                         std::chrono::seconds(20));
+    }
     bool activateAction(const QString &action)
     {
         return call({"org.freedesktop.Application.ActivateAction", action, "[]", "{}"});
