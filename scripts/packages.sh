@@ -7,7 +7,7 @@
 build_packages=(
     ccache cmake g++ ninja-build pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-base-private-dev
-    libcanberra-dev libdeflate-dev libfontconfig-dev libfreetype-dev libisal-dev libsodium-dev libtesseract-dev libxkbcommon-dev libxkbcommon-x11-dev zlib1g-dev
+    libcanberra-dev libdeflate-dev libfontconfig-dev libfreetype-dev libisal-dev libpipewire-0.3-dev libsodium-dev libtesseract-dev libxkbcommon-dev libxkbcommon-x11-dev zlib1g-dev
     libxcb1-dev libxcb-icccm4-dev libxcb-image0-dev libxcb-keysyms1-dev libxcb-randr0-dev
     libxcb-render0-dev libxcb-screensaver0-dev libxcb-shape0-dev libxcb-shm0-dev libxcb-xfixes0-dev libxcb-xinput-dev
     libxcb-xkb-dev libxcb-xtest0-dev
@@ -23,7 +23,8 @@ desktop_packages=(
 )
 # For the tests on GNOME, which skip without them: some hundred megabytes, which nothing installs by
 # itself.
-gnome_packages=(gnome-settings-daemon gnome-shell xdg-desktop-portal xdg-desktop-portal-gnome)
+gnome_packages=(gnome-settings-daemon gnome-shell pipewire procps wireplumber xdg-desktop-portal
+    xdg-desktop-portal-gnome)
 # For bench/run, which installs nothing: a notification server is not for everybody's desktop.
 bench_packages=(dunst)
 # For scripts/train-glyphs: what it draws (resources/reading/README.md).
@@ -39,7 +40,7 @@ ci_packages=(clang clang-format clang-tidy git)
 # Fedora and openSUSE know libraries by the names of their pkg-config files.
 library_modules=(
     Qt6Core Qt6Gui Qt6Widgets Qt6DBus Qt6Network Qt6Test
-    fontconfig freetype2 libcanberra libdeflate libisal libsodium tesseract wayland-client wayland-scanner wayland-server xkbcommon
+    fontconfig freetype2 libcanberra libdeflate libisal libpipewire-0.3 libsodium tesseract wayland-client wayland-scanner wayland-server xkbcommon
     xkbcommon-x11 zlib xcb xcb-icccm xcb-image xcb-keysyms xcb-randr xcb-render xcb-screensaver
     xcb-shape xcb-shm xcb-xfixes xcb-xinput xcb-xkb xcb-xtest
 )
@@ -59,7 +60,7 @@ opensuse_desktop=(AppStream dbus-1 dbus-1-daemon desktop-file-utils fish glib2-t
     mandoc mold openbox openssl picom sway swaybg thunar wl-clipboard wtype xkbcomp xrandr xset
     xauth xclip xscreensaver xterm xorg-x11-server-Xvfb xwayland zsh)
 arch_build=(ccache cmake gcc ninja pkgconf qt6-base qt6-wayland fontconfig freetype2 isa-l
-    libcanberra libdeflate libsodium libxcb libxkbcommon libxkbcommon-x11 tesseract
+    libcanberra libdeflate libpipewire libsodium libxcb libxkbcommon libxkbcommon-x11 tesseract
     tesseract-data-eng tesseract-data-osd ttf-dejavu wayland xcb-util-image xcb-util-keysyms
     xcb-util-wm zlib)
 arch_desktop=(appstream dbus desktop-file-utils fish glib2 grim i3lock mandoc mold openbox openssl

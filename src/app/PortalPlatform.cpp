@@ -5,7 +5,10 @@
 
 #include "app/PlatformFactory.h"
 #include "foundation/Log.h"
+#include "foundation/Settings.h"
+#include "foundation/UserDefaults.h"
 #include "platform/linux/SessionBus.h"
+#include "platform/mutter/MutterScreenGrabber.h"
 #include "platform/portal/GnomeBoundHotKeys.h"
 #include "platform/portal/HostAppId.h"
 #include "platform/portal/PortalCapturePermission.h"
@@ -44,6 +47,29 @@ std::shared_ptr<PortalBus> portalOf(EarlyPlatform &early)
     return early.portal;
 }
 
+/// Over mutter's ScreenCast, where somebody wrote into the settings that it is to be so, or the
+/// portal's as they are.
+std::unique_ptr<ScreenGrabber> withScreenCast(std::unique_ptr<ScreenGrabber> portal,
+                                              const PortalBus &bus,
+                                              MutterScreenGrabber::Displays displays)
+{
+    const QString key = QLatin1String(Settings::useMutterScreenCast.key);
+    if (!Settings::useMutterScreenCast.in(UserDefaults(UserDefaults::standardPath())))
+        return portal;
+    const QString program = ScreenCastFrames::program();
+    if (program.isEmpty()) {
+        logLine(
+            QStringLiteral("%1: the program tovek-screencast is missing beside this one").arg(key));
+        return portal;
+    }
+    if (!MutterScreenCast::isOffered(bus.connection())) {
+        logLine(QStringLiteral("%1: this desktop has no org.gnome.Mutter.ScreenCast").arg(key));
+        return portal;
+    }
+    logLine(QStringLiteral("Wayland: capturing over mutter's ScreenCast, a private interface"));
+    return std::make_unique<MutterScreenGrabber>(program, std::move(displays), std::move(portal));
+}
+
 } // namespace
 
 bool hasPortal(EarlyPlatform &early)
@@ -60,9 +86,12 @@ bool usePortalPictures(Platform &platform, EarlyPlatform &early,
     logLine(QStringLiteral("Wayland: capturing over the desktop's portal"));
     if (isGnome())
         desktop.folders = EarlyPictures::standardFolders();
-    platform.grabber = std::make_unique<PortalScreenGrabber>(bus, std::move(desktop));
-    // A process for one picture has no window that could ask.
-    const bool asksBefore = isGnome() && early.bus;
+    const auto displays = desktop.displays;
+    platform.grabber = withScreenCast(
+        std::make_unique<PortalScreenGrabber>(bus, std::move(desktop)), *bus, displays);
+    // A process for one picture has no window that could ask, and of a ScreenCast nobody asks.
+    const bool isCast = dynamic_cast<MutterScreenGrabber *>(platform.grabber.get());
+    const bool asksBefore = isGnome() && early.bus && !isCast;
     platform.capturePermission = std::make_unique<PortalCapturePermission>(
         bus,
         asksBefore ? PortalCapturePermission::Asking::before

@@ -36,6 +36,8 @@ struct Text
 inline constexpr Boolean highlightText     {"highlightText",      true};  ///< words are marked in a selection
 inline constexpr Boolean showInMenuBar     {"showInMenuBar",      true};  ///< the item in the panel
 inline constexpr Text    saveFolderPath    {"saveFolderPath",     ""};    ///< empty: Downloads
+/// Pictures over an interface that mutter has for its own programs: only in the file.
+inline constexpr Boolean useMutterScreenCast{"useMutterScreenCast", false};
 /// A notification said that there is no panel for the item: not chosen, but kept.
 inline constexpr Boolean toldOfNoStatusItem{"toldOfNoStatusItem", false};
 // clang-format on

@@ -113,6 +113,7 @@ private:
             {"platform/linux/ocr", {"platform", "reading"}},
             {"platform/linux/clipboard", {"platform", "foundation"}},
             {"platform/null", {"platform", "platform/linux", "foundation"}},
+            {"platform/mutter", {"platform/portal", "platform/linux", "platform", "foundation"}},
             {"platform/portal", {"platform/linux", "platform", "foundation"}},
             {"platform/x11", {"foundation"}},
             {"platform/x11/capture", {"platform/x11", "platform", "foundation"}},

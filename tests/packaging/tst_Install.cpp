@@ -31,6 +31,9 @@ private Q_SLOTS:
 #endif
         QTest::newRow("libexec/tovek/tovek-folder") << true;
         QTest::newRow("libexec/tovek/tovek-ocr") << true;
+#ifdef TOVEK_WITH_PIPEWIRE
+        QTest::newRow("libexec/tovek/tovek-screencast") << true;
+#endif
         QTest::newRow("share/applications/org.tovek.Tovek.desktop") << false;
         QTest::newRow("share/dbus-1/services/org.tovek.Tovek.service") << false;
         QTest::newRow("share/icons/hicolor/scalable/apps/org.tovek.Tovek.svg") << false;

@@ -88,7 +88,7 @@ private Q_SLOTS:
             shell(QStringLiteral("printf '%s ' \"${library_modules[@]}\"")).split(u' ');
         static const QRegularExpression lookup(
             QStringLiteral("pkg_check_modules\\(\\w+ (?:REQUIRED )?IMPORTED_TARGET(?: GLOBAL)?"
-                           "((?:\\s+[a-z0-9-]+)+)\\)"));
+                           "((?:\\s+[a-z0-9.-]+)+)\\)"));
         int found = 0;
         for (const char *folder : {"src", "tests"}) {
             QDirIterator files(source().filePath(QLatin1String(folder)),

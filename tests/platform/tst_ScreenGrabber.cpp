@@ -2,9 +2,12 @@
 // SPDX-License-Identifier: MIT
 
 #include "fakes/Contract.h"
+#include "fakes/FakeMutter.h"
 #include "fakes/FakeScreenGrabber.h"
+#include "platform/mutter/MutterScreenGrabber.h"
 #include "platform/x11/TwoMonitors.h"
 #include "platform/x11/capture/X11ScreenGrabber.h"
+#include "support/SessionBus.h"
 #ifdef TOVEK_WITH_WAYLAND
 #include "platform/wayland/capture/ExtScreenGrabber.h"
 #include "platform/wayland/capture/WlrScreenGrabber.h"
@@ -80,6 +83,56 @@ private:
     X11ScreenGrabber m_grabber;
 };
 
+/// A mutter that nobody sees; the real one is in desktop/gnome/GnomeScreenCast.
+class MutterDesk : public Desk
+{
+public:
+    MutterDesk()
+    {
+        if (!m_bus.start())
+            qFatal("no message bus");
+        m_mutter = std::make_unique<FakeMutter>();
+        m_mutter->setMonitors(
+            {{"DP-1", {0, 0}, filled({640, 768})}, {"DP-2", {640, 0}, filled({726, 600})}});
+        const std::vector<PortalDisplay> displays{{5, {0, 0, 640, 768}, {0, 0, 640, 768}},
+                                                  {8, {640, 0, 726, 600}, {640, 0, 726, 600}}};
+        m_grabber = std::make_unique<MutterScreenGrabber>(
+            m_mutter->program(), [displays] { return displays; },
+            std::make_unique<FakeScreenGrabber>());
+    }
+    ~MutterDesk() override
+    {
+        m_grabber.reset();
+        m_mutter.reset();
+    }
+    ScreenGrabber &grabber() override { return *m_grabber; }
+    QImage look(const CaptureDisplay &display) override
+    {
+        return m_mutter->monitors()[display.displayId == 5 ? 0 : 1].picture;
+    }
+    void paint(QRgb color) override
+    {
+        for (size_t monitor : {0, 1}) {
+            QImage picture = m_mutter->monitors()[monitor].picture;
+            picture.setPixel(70, 80, color);
+            m_mutter->setPicture(monitor, picture);
+        }
+    }
+    bool hasFallback() const override { return false; }
+
+private:
+    static QImage filled(QSize size)
+    {
+        QImage image(size, QImage::Format_RGB32);
+        image.fill(0xff336699);
+        return image;
+    }
+
+    SessionBus m_bus;
+    std::unique_ptr<FakeMutter> m_mutter;
+    std::unique_ptr<MutterScreenGrabber> m_grabber;
+};
+
 #ifdef TOVEK_WITH_WAYLAND
 /// Offers one of the ways alone.
 template <typename Grabber>
@@ -139,6 +192,8 @@ std::unique_ptr<Desk> makeDesk(const QString &implementation)
     if (implementation == QLatin1String("wlr-screencopy"))
         return std::make_unique<WaylandDesk<WlrScreenGrabber>>();
 #endif
+    if (implementation == QLatin1String("mutter"))
+        return std::make_unique<MutterDesk>();
     if (implementation == QLatin1String("x11"))
         return std::make_unique<X11Desk>();
     return std::make_unique<FakeDesk>();
@@ -155,6 +210,8 @@ private Q_SLOTS:
     void initTestCase_data()
     {
         addImplementations({
+            {"mutter",
+             SessionBus::isInstalled() ? QString() : QStringLiteral("dbus-daemon is missing")},
             {"x11", desktop ? QString() : QStringLiteral("Xvfb or xrandr is missing")},
 #ifdef TOVEK_WITH_WAYLAND
             {"ext-image-copy-capture", {}},

@@ -1,0 +1,218 @@
+// SPDX-FileCopyrightText: 2026 The Tovek developers
+// SPDX-License-Identifier: MIT
+
+#include "fakes/FakeMutter.h"
+#include "fakes/FakeScreenGrabber.h"
+#include "fakes/LogCapture.h"
+#include "platform/mutter/MutterScreenGrabber.h"
+#include "support/SessionBus.h"
+#include "support/Skip.h"
+
+#include <signal.h>
+
+using namespace tovek;
+using namespace std::chrono_literals;
+
+namespace {
+
+QImage picture(QSize size, QRgb color)
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(color);
+    image.setPixel(2, 3, 0xffffee11);
+    return image;
+}
+
+const QImage left = picture({100, 80}, 0xff112233);
+const QImage right = picture({60, 90}, 0xff445566);
+
+} // namespace
+
+/// Beside what all grabbers do (platform/ScreenGrabber).
+class TestMutterScreenGrabber : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        SKIP_BECAUSE(SessionBus::isInstalled() ? QString() : QStringLiteral("no dbus-daemon"));
+        QVERIFY(m_bus.start());
+    }
+    void init()
+    {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral(".*")));
+        m_mutter = std::make_unique<FakeMutter>();
+        m_mutter->setMonitors({{"DP-1", {0, 0}, left}, {"HDMI-1", {100, 0}, right}});
+        m_screens = {{11, {0, 0, 100, 80}, {0, 0, 100, 80}},
+                     {22, {100, 0, 60, 90}, {100, 0, 60, 90}}};
+    }
+    void cleanup()
+    {
+        m_grabber.reset();
+        m_mutter.reset();
+    }
+
+    void recordsEachMonitorOnceAndStops()
+    {
+        make(m_mutter->program());
+        QCOMPARE(shots(), QList<QImage>({left, right}));
+        QCOMPARE(m_mutter->calls,
+                 QStringList({"GetCurrentState", "CreateSession", "RecordMonitor DP-1",
+                              "RecordMonitor HDMI-1", "Start"}));
+        for (const QVariantMap &options : m_mutter->options) {
+            QCOMPARE(options.value("cursor-mode"), QVariant(0u));
+            QCOMPARE(options.value("is-recording"), QVariant(true));
+        }
+        QTRY_COMPARE(m_mutter->calls.last(), QStringLiteral("Stop"));
+    }
+
+    void takesAScreenThatIsTurnedAsAPersonSeesIt()
+    {
+        m_mutter->setMonitors({{"DP-1", {0, 0}, left, 2}, {"HDMI-1", {100, 0}, right, 3}});
+        make(m_mutter->program());
+        QCOMPARE(shots(), QList<QImage>({left, right}));
+    }
+
+    void leavesNoProcessBehind()
+    {
+        make(m_mutter->program("echo $$ > " + m_folder.filePath("pid") + "; exec sleep 60"));
+        {
+            const QFuture<std::optional<ShareableContent>> content = m_grabber->freeze();
+            QTRY_VERIFY(QFileInfo(m_folder.filePath("pid")).size() > 0);
+            m_grabber.reset();
+            QVERIFY(content.isFinished());
+            QVERIFY(!content.result());
+        }
+        QFile file(m_folder.filePath("pid"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(kill(file.readAll().trimmed().toInt(), 0) != 0);
+    }
+
+    void givesTheSamePicturesToWhoAsksTwice()
+    {
+        make(m_mutter->program());
+        const auto first = m_grabber->freeze();
+        const auto second = m_grabber->freeze();
+        QTRY_VERIFY(first.isFinished() && second.isFinished());
+        QVERIFY(first.result());
+        QCOMPARE(first.result()->snapshot, second.result()->snapshot);
+        QCOMPARE(m_mutter->calls.count("CreateSession"), 1);
+    }
+
+    void asksAnotherGrabberWhereItFails_data()
+    {
+        QTest::addColumn<QString>("refused");
+        QTest::addColumn<QString>("script");
+        QTest::addColumn<QString>("reason");
+        QTest::newRow("no session") << "CreateSession"
+                                    << ""
+                                    << "refused";
+        QTest::newRow("no monitors") << "GetCurrentState"
+                                     << ""
+                                     << "refused";
+        QTest::newRow("no recording") << "RecordMonitor"
+                                      << ""
+                                      << "refused";
+        QTest::newRow("no start") << "Start"
+                                  << ""
+                                  << "refused";
+        QTest::newRow("the stream fails")
+            << ""
+            << "echo 'a line of the library' >&2; echo 'no stream' >&2; exit 1"
+            << "no stream";
+        QTest::newRow("the program breaks down") << ""
+                                                 << "kill -SEGV $$"
+                                                 << "tovek-screencast broke down";
+        QTest::newRow("the program hangs") << ""
+                                           << "exec sleep 60"
+                                           << "it took too long";
+        QTest::newRow("another stream's frame") << ""
+                                                << "echo 3"
+                                                << "it took too long";
+    }
+    void asksAnotherGrabberWhereItFails()
+    {
+        QFETCH(QString, refused);
+        QFETCH(QString, script);
+        QFETCH(QString, reason);
+        m_mutter->refused = refused;
+        make(m_mutter->program(script));
+        LogCapture log;
+        failsOver();
+        QCOMPARE(log.lines(),
+                 QStringList("Mutter's ScreenCast gave no picture (" + reason
+                             + "): asking the desktop's portal for one"));
+    }
+
+    void asksAnotherGrabberWithoutItsProgram()
+    {
+        make(m_folder.filePath("nothing"));
+        failsOver();
+    }
+
+    void asksAnotherGrabberWhereTheMonitorsAreOthers()
+    {
+        m_screens.pop_back();
+        make(m_mutter->program());
+        m_other->images = {{11, right}};
+        QCOMPARE(shots(), QList<QImage>({right}));
+        QVERIFY(!m_mutter->calls.contains("Start"));
+    }
+
+    void saysWhyWhereTheOtherFailsToo()
+    {
+        m_mutter->refused = "Start";
+        make(m_mutter->program());
+        m_other->hasContent = false;
+        m_other->whyNone = "refused as well";
+        QVERIFY(!m_grabber->shareableContent());
+        QCOMPARE(m_grabber->failure(), QStringLiteral("refused as well"));
+        // Another time it may be there again.
+        m_mutter->refused.clear();
+        QCOMPARE(shots(), QList<QImage>({left, right}));
+    }
+
+    void isOfferedWhereMutterIs()
+    {
+        QVERIFY(MutterScreenCast::isOffered(QDBusConnection::sessionBus()));
+        m_mutter.reset();
+        QVERIFY(!MutterScreenCast::isOffered(QDBusConnection::sessionBus()));
+    }
+
+private:
+    void make(const QString &program)
+    {
+        auto other = std::make_unique<FakeScreenGrabber>();
+        m_other = other.get();
+        m_grabber = std::make_unique<MutterScreenGrabber>(
+            program, [this] { return m_screens; }, std::move(other));
+        m_grabber->setLimit(1s);
+    }
+    QList<QImage> shots()
+    {
+        const auto content = m_grabber->shareableContent();
+        QList<QImage> images;
+        for (const CaptureDisplay &display :
+             content ? content->displays : std::vector<CaptureDisplay>()) {
+            const auto result = m_grabber->capture(*content, display, {}).result();
+            images << (result.frozen ? result.frozen->pixels().result() : QImage());
+        }
+        return images;
+    }
+    void failsOver()
+    {
+        m_other->images = {{11, right}, {22, left}};
+        QCOMPARE(shots(), QList<QImage>({right, left}));
+    }
+
+    SessionBus m_bus;
+    QTemporaryDir m_folder;
+    std::unique_ptr<FakeMutter> m_mutter;
+    std::vector<PortalDisplay> m_screens;
+    FakeScreenGrabber *m_other = nullptr;
+    std::unique_ptr<MutterScreenGrabber> m_grabber;
+};
+
+QTEST_MAIN(TestMutterScreenGrabber)
+#include "tst_MutterScreenGrabber.moc"
