@@ -5,6 +5,9 @@
 // the desktop's portal that does nothing with the picture. Compressing the picture takes the
 // desktop most of the time, never twice the same; what counts is the time after that. Prints
 // Markdown. TOVEK_PROGRAM names another build of the program.
+//
+// With --screencast: from the command to all overlays instead, with the pictures of the portal, and
+// with those of mutter's ScreenCast, for which pipewire and wireplumber have to be installed.
 
 #include "Measure.h"
 #include "Pictures.h"
@@ -38,6 +41,7 @@ constexpr int escape = 1;
 constexpr auto settleTime = 500ms;
 constexpr auto patience = 20s;
 const auto askingOption = QStringLiteral("--ask-portal");
+const auto castOption = QStringLiteral("--screencast");
 
 /// Tells when a file was last closed by whoever wrote it, at home or in the folder for pictures
 /// there.
@@ -141,11 +145,41 @@ struct Stage
             if (!desktop.permitScreenshots(name))
                 giveUp(QStringLiteral("the desktop keeps no permissions"));
         }
+        startTovek();
+        written = new LastWritten(desktop.home());
+        std::this_thread::sleep_for(settleTime);
+    }
+
+    void startTovek()
+    {
         tovek = desktop.run(qEnvironmentVariable("TOVEK_PROGRAM"), {"--background"});
         if (!tovek || !waitUntil([&] { return desktop.act("no-such-action"); }, patience))
             giveUp(QStringLiteral("the program does not start"));
-        written = new LastWritten(desktop.home());
-        std::this_thread::sleep_for(settleTime);
+    }
+    void startPipeWire()
+    {
+        const QString socket = desktop.environment().value(QStringLiteral("XDG_RUNTIME_DIR"))
+            + QStringLiteral("/pipewire-0");
+        if (!desktop.run(QStringLiteral("pipewire"))
+            || !waitUntil([&] { return QFile::exists(socket); }, patience)
+            || !desktop.run(QStringLiteral("wireplumber")))
+            giveUp(QStringLiteral("PipeWire does not start"));
+    }
+    /// Another run of the program, which takes its pictures over mutter's ScreenCast.
+    void chooseScreenCast()
+    {
+        const QString folder = desktop.configFolder() + QStringLiteral("/tovek");
+        desktop.act("quit");
+        if (!waitUntil([&] { return !desktop.act("no-such-action"); }, patience)
+            || !QDir().mkpath(folder)
+            || !desktop.writeFile(folder + QStringLiteral("/defaults.json"),
+                                  R"({"useMutterScreenCast": true})"))
+            giveUp(QStringLiteral("the settings cannot be written"));
+        startTovek();
+        if (!tovek->waitForLine(QStringLiteral("Wayland: capturing over mutter's ScreenCast, a "
+                                               "private interface"),
+                                patience))
+            giveUp(QStringLiteral("the program takes no pictures over mutter's ScreenCast"));
     }
 
     bool isShown() const
@@ -165,6 +199,12 @@ struct Stage
                     .toDouble(&isTime);
             return isTime ? time : (giveUp(QStringLiteral("the portal gave no picture")), 0);
         }
+        open();
+        return written->millisecondsSince();
+    }
+    /// Until the desktop has the pixels of all overlays.
+    void open() const
+    {
         const QDeadlineTimer end(patience);
         if (!desktop.act("start-capture"))
             giveUp(QStringLiteral("the program has ended"));
@@ -174,7 +214,6 @@ struct Stage
             // Answering takes the shell from what it is asked about.
             std::this_thread::sleep_for(1ms);
         }
-        return written->millisecondsSince();
     }
     void close()
     {
@@ -191,6 +230,30 @@ struct Stage
     const LastWritten *written = nullptr; // stays, as its thread does
 };
 
+/// A row of milliseconds from the command, after one that does not count.
+void printFromCommand(Stage &stage, const char *pictures)
+{
+    std::vector<double> times;
+    for (int run = -1; run < runs; ++run) {
+        const double time = millisecondsOf([&] { stage.open(); });
+        stage.close();
+        if (run >= 0)
+            times.push_back(time);
+    }
+    std::printf("| %s | %.0f | %.0f |\n", pictures, median(times),
+                *std::min_element(times.begin(), times.end()));
+    std::fflush(stdout);
+}
+
+void comparePictures(Stage &stage)
+{
+    stage.startPipeWire();
+    printHead("Command to all overlays", "ms", {"pictures", "median", "least"});
+    printFromCommand(stage, "portal");
+    stage.chooseScreenCast();
+    printFromCommand(stage, "ScreenCast");
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -204,6 +267,10 @@ int main(int argc, char **argv)
     if (const QString missing = GnomeDesktop::missing(); !missing.isEmpty())
         giveUp(missing);
     Stage stage;
+    if (application.arguments().contains(castOption)) {
+        comparePictures(stage);
+        return 0;
+    }
     printHead("Picture written to all overlays, beside the portal's answer", "ms: median",
               {"animations", "overlays", "answer", "difference", "budget"});
     // Without hardware the shell shows none, and answers without its flash.
