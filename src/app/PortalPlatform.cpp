@@ -47,27 +47,22 @@ std::shared_ptr<PortalBus> portalOf(EarlyPlatform &early)
     return early.portal;
 }
 
-/// Over mutter's ScreenCast, where somebody wrote into the settings that it is to be so, or the
-/// portal's as they are.
-std::unique_ptr<ScreenGrabber> withScreenCast(std::unique_ptr<ScreenGrabber> portal,
-                                              const PortalBus &bus,
-                                              MutterScreenGrabber::Displays displays)
+/// What tovek-screencast takes part in, where somebody wrote into the settings that it is to;
+/// empty, with a reason in the log if there was such a wish, where the portal's pictures have to
+/// do.
+QString chosenScreenCast(const PortalBus &bus)
 {
     const QString key = QLatin1String(Settings::useMutterScreenCast.key);
     if (!Settings::useMutterScreenCast.in(UserDefaults(UserDefaults::standardPath())))
-        return portal;
+        return {};
     const QString program = ScreenCastFrames::program();
-    if (program.isEmpty()) {
-        logLine(
-            QStringLiteral("%1: the program tovek-screencast is missing beside this one").arg(key));
-        return portal;
-    }
-    if (!MutterScreenCast::isOffered(bus.connection())) {
-        logLine(QStringLiteral("%1: this desktop has no org.gnome.Mutter.ScreenCast").arg(key));
-        return portal;
-    }
-    logLine(QStringLiteral("Wayland: capturing over mutter's ScreenCast, a private interface"));
-    return std::make_unique<MutterScreenGrabber>(program, std::move(displays), std::move(portal));
+    if (program.isEmpty())
+        logLine(key + QStringLiteral(": the program tovek-screencast is missing beside this one"));
+    else if (!MutterScreenCast::isOffered(bus.connection()))
+        logLine(key + QStringLiteral(": this desktop has no org.gnome.Mutter.ScreenCast"));
+    else
+        return program;
+    return {};
 }
 
 } // namespace
@@ -83,15 +78,20 @@ bool usePortalPictures(Platform &platform, EarlyPlatform &early,
     const std::shared_ptr<PortalBus> bus = portalOf(early);
     if (!bus->isOffered())
         return false;
-    logLine(QStringLiteral("Wayland: capturing over the desktop's portal"));
     if (isGnome())
         desktop.folders = EarlyPictures::standardFolders();
     const auto displays = desktop.displays;
-    platform.grabber = withScreenCast(
-        std::make_unique<PortalScreenGrabber>(bus, std::move(desktop)), *bus, displays);
+    platform.grabber = std::make_unique<PortalScreenGrabber>(bus, std::move(desktop));
+    const QString screenCast = chosenScreenCast(*bus);
+    if (screenCast.isEmpty()) {
+        logLine(QStringLiteral("Wayland: capturing over the desktop's portal"));
+    } else {
+        logLine(QStringLiteral("Wayland: capturing over mutter's ScreenCast, a private interface"));
+        platform.grabber = std::make_unique<MutterScreenGrabber>(screenCast, displays,
+                                                                 std::move(platform.grabber));
+    }
     // A process for one picture has no window that could ask, and of a ScreenCast nobody asks.
-    const bool isCast = dynamic_cast<MutterScreenGrabber *>(platform.grabber.get());
-    const bool asksBefore = isGnome() && early.bus && !isCast;
+    const bool asksBefore = isGnome() && early.bus && screenCast.isEmpty();
     platform.capturePermission = std::make_unique<PortalCapturePermission>(
         bus,
         asksBefore ? PortalCapturePermission::Asking::before
