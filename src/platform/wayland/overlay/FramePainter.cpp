@@ -35,30 +35,27 @@ FourPixels multiplied(FourPixels pixels, uint16_t factor)
 }
 
 /// Multiplies a row, and adds a premultiplied colour.
-void blendRow(uint32_t *to, const uint32_t *from, int count, uint32_t factor, uint32_t color)
+void blendRow(uint32_t *row, int count, uint32_t factor, uint32_t color)
 {
     using Words = uint32_t __attribute__((vector_size(16)));
     int x = 0;
     for (; x + 3 < count; x += 4) {
         FourPixels four;
-        std::memcpy(&four, from + x, sizeof four);
+        std::memcpy(&four, row + x, sizeof four);
         four = multiplied(four, uint16_t(factor));
         const Words sum = Words(four) + color;
-        std::memcpy(to + x, &sum, sizeof sum);
+        std::memcpy(row + x, &sum, sizeof sum);
     }
     for (; x < count; ++x)
-        to[x] = multiplied(from[x], factor) + color;
+        row[x] = multiplied(row[x], factor) + color;
 }
 
 class RectanglePainter
 {
 public:
-    RectanglePainter(const SharedPixels &frame, const SharedPixels &frozen, const QRect &part)
+    RectanglePainter(const SharedPixels &frame, const QRect &part)
         : m_frame(frame)
-        , m_frozen(frozen)
-        , m_part(part)
-    {
-    }
+        , m_part(part) { }
 
     void paintBelow(uint32_t veil, const QRect &hole) const;
     void operator()(const DisplayList::Fill &fill) const { paint(fill.rect, fill.color); }
@@ -70,31 +67,27 @@ public:
     void operator()(const DisplayList::Decal &decal) const;
 
 private:
-    static uint32_t *at(const SharedPixels &pixels, int x, int y)
+    uint32_t *at(int x, int y) const
     {
-        return reinterpret_cast<uint32_t *>(pixels.data() + y * pixels.bytesPerLine()) + x;
+        return reinterpret_cast<uint32_t *>(m_frame.data() + y * m_frame.bytesPerLine()) + x;
     }
     void paint(const QRect &rect, QRgb color) const;
 
     const SharedPixels &m_frame;
-    const SharedPixels &m_frozen;
     const QRect m_part;
 };
 
 void RectanglePainter::paintBelow(uint32_t veil, const QRect &hole) const
 {
+    const uint32_t black = veil << 24;
     const QRect clear = veil > 0 ? hole & m_part : m_part;
     for (int y = m_part.top(); y <= m_part.bottom(); ++y) {
         const bool isClear = clear.top() <= y && y <= clear.bottom() && !clear.isEmpty();
         const int from = isClear ? clear.left() : m_part.right() + 1;
         const int to = isClear ? clear.right() + 1 : from;
-        const auto veiled = [&](int left, int right) {
-            blendRow(at(m_frame, left, y), at(m_frozen, left, y), right - left, 255 - veil,
-                     veil << 24);
-        };
-        veiled(m_part.left(), from);
-        std::memcpy(at(m_frame, from, y), at(m_frozen, from, y), size_t(to - from) * 4);
-        veiled(to, m_part.right() + 1);
+        std::fill(at(m_part.left(), y), at(from, y), black);
+        std::fill(at(from, y), at(to, y), 0);
+        std::fill(at(to, y), at(m_part.right() + 1, y), black);
     }
 }
 
@@ -102,11 +95,11 @@ void RectanglePainter::paint(const QRect &rect, QRgb color) const
 {
     const QRect covered = rect & m_part;
     for (int y = covered.top(); y <= covered.bottom(); ++y) {
-        uint32_t *row = at(m_frame, covered.left(), y);
+        uint32_t *row = at(covered.left(), y);
         if (qAlpha(color) == 255)
             std::fill_n(row, covered.width(), color);
         else
-            blendRow(row, row, covered.width(), 255 - uint32_t(qAlpha(color)), color);
+            blendRow(row, covered.width(), 255 - uint32_t(qAlpha(color)), color);
     }
 }
 
@@ -114,7 +107,7 @@ void RectanglePainter::operator()(const DisplayList::Decal &decal) const
 {
     const QRect covered = boundsOf(decal) & m_part;
     for (int y = covered.top(); y <= covered.bottom(); ++y) {
-        uint32_t *row = at(m_frame, covered.left(), y);
+        uint32_t *row = at(covered.left(), y);
         const auto *from =
             reinterpret_cast<const QRgb *>(decal.image.constScanLine(y - decal.at.y()))
             + covered.left() - decal.at.x();
@@ -129,13 +122,11 @@ void RectanglePainter::operator()(const DisplayList::Decal &decal) const
 
 } // namespace
 
-void paintFrame(const SharedPixels &frame, const SharedPixels &frozen, const DisplayList &list,
-                const QRegion &damage)
+void paintFrame(const SharedPixels &frame, const DisplayList &list, const QRegion &damage)
 {
-    Q_ASSERT(frame.size() == frozen.size());
     const auto veil = uint32_t(qBound(0, qRound(list.veil * 255), 255));
     for (const QRect &rect : damage &QRect(QPoint(), frame.size())) {
-        const RectanglePainter painter(frame, frozen, rect);
+        const RectanglePainter painter(frame, rect);
         painter.paintBelow(veil, list.clear);
         for (const DisplayList::Item &item : list.items)
             std::visit(painter, item);

@@ -8,12 +8,12 @@
 
 namespace tovek {
 
-/// Paints the part of a list that lies in `damage` into a frame, over the frozen picture of the
-/// same size. Both have Format_RGB32; the highest byte of what is painted is anything. Any thread.
+/// Paints the part of a list that lies in `damage` into a frame, which the compositor shows over
+/// the frozen picture: Format_ARGB32_Premultiplied, clear where nothing lies over the picture. Any
+/// thread.
 ///
 /// In a drag this happens for many small rectangles sixty times a second, for which the toolkit's
 /// painter takes several times as long and wakes threads.
-void paintFrame(const SharedPixels &frame, const SharedPixels &frozen, const DisplayList &list,
-                const QRegion &damage);
+void paintFrame(const SharedPixels &frame, const DisplayList &list, const QRegion &damage);
 
 } // namespace tovek

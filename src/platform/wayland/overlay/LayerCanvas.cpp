@@ -68,9 +68,32 @@ struct LayerCanvas::Frame
 {
     std::shared_ptr<SharedPixels> pixels;
     WaylandPtr<wl_buffer, wl_buffer_destroy> buffer;
-    std::optional<DisplayList> list; ///< in it; absent: nothing is yet
+    DisplayList list; ///< in it; new memory is clear
     bool isBusy = false; ///< the compositor may read it
 };
+
+/// Each directly below the parent, and so above those made before.
+LayerCanvas::Layer::Layer(const CanvasGlobals &globals, wl_surface *parent, QSize points)
+    : surface(wl_compositor_create_surface(globals.compositor))
+    , subsurface(wl_subcompositor_get_subsurface(globals.subcompositor, surface, parent))
+    , viewport(wp_viewporter_get_viewport(globals.viewporter, surface))
+{
+    wl_subsurface_place_below(subsurface, parent);
+    // The pointer is the window's above.
+    wl_region *nothing = wl_compositor_create_region(globals.compositor);
+    wl_surface_set_input_region(surface, nothing);
+    wl_region_destroy(nothing);
+    wp_viewport_set_destination(viewport, points.width(), points.height());
+}
+
+LayerCanvas::Layer::~Layer()
+{
+    if (!qApp) // the toolkit has closed the connection
+        return;
+    wp_viewport_destroy(viewport);
+    wl_subsurface_destroy(subsurface);
+    wl_surface_destroy(surface);
+}
 
 LayerCanvas::LayerCanvas(std::shared_ptr<CanvasGlobals> globals, wl_surface *parent,
                          std::shared_ptr<SharedPixels> frozen, double scale)
@@ -79,32 +102,20 @@ LayerCanvas::LayerCanvas(std::shared_ptr<CanvasGlobals> globals, wl_surface *par
     , m_points(wholePoints(m_native.width(), scale), wholePoints(m_native.height(), scale))
     , m_scale(scale)
     , m_frozen(fitted(std::move(frozen)))
-    , m_surface(wl_compositor_create_surface(m_globals->compositor))
-    , m_subsurface(wl_subcompositor_get_subsurface(m_globals->subcompositor, m_surface, parent))
-    , m_viewport(wp_viewporter_get_viewport(m_globals->viewporter, m_surface))
     , m_frozenBuffer(m_frozen->makeBuffer(m_globals->shm, WL_SHM_FORMAT_XRGB8888))
+    , m_below(*m_globals, parent, m_points)
+    , m_above(*m_globals, parent, m_points)
 {
-    wl_subsurface_place_below(m_subsurface, parent);
-    // The pointer is the window's above.
-    wl_region *nothing = wl_compositor_create_region(m_globals->compositor);
-    wl_surface_set_input_region(m_surface, nothing);
-    wl_region_destroy(nothing);
-    wp_viewport_set_destination(m_viewport, m_points.width(), m_points.height());
-    wl_surface_attach(m_surface, m_frozenBuffer, 0, 0);
-    wl_surface_damage_buffer(m_surface, 0, 0, m_frozen->size().width(), m_frozen->size().height());
-    wl_surface_commit(m_surface);
+    wl_surface_attach(m_below.surface, m_frozenBuffer.get(), 0, 0);
+    wl_surface_damage_buffer(m_below.surface, 0, 0, m_frozen->size().width(),
+                             m_frozen->size().height());
+    wl_surface_commit(m_below.surface);
 }
 
 LayerCanvas::~LayerCanvas()
 {
-    if (!qApp)
-        return;
-    if (m_callback)
+    if (m_callback && qApp)
         wl_callback_destroy(m_callback);
-    wp_viewport_destroy(m_viewport);
-    wl_subsurface_destroy(m_subsurface);
-    wl_surface_destroy(m_surface);
-    wl_buffer_destroy(m_frozenBuffer);
 }
 
 std::shared_ptr<SharedPixels> LayerCanvas::fitted(std::shared_ptr<SharedPixels> frozen)
@@ -126,7 +137,7 @@ std::shared_ptr<SharedPixels> LayerCanvas::fitted(std::shared_ptr<SharedPixels> 
 
 void LayerCanvas::becomeIndependent()
 {
-    wl_subsurface_set_desync(m_subsurface);
+    wl_subsurface_set_desync(m_above.subsurface);
 }
 
 void LayerCanvas::present(const DisplayList &list)
@@ -153,7 +164,7 @@ LayerCanvas::Frame *LayerCanvas::freeFrame()
     m_frames.push_back(std::make_unique<Frame>());
     Frame &frame = *m_frames.back();
     frame.pixels = std::move(pixels);
-    frame.buffer.reset(frame.pixels->makeBuffer(m_globals->shm, WL_SHM_FORMAT_XRGB8888));
+    frame.buffer.reset(frame.pixels->makeBuffer(m_globals->shm, WL_SHM_FORMAT_ARGB8888));
     static constexpr wl_buffer_listener listener{&released};
     wl_buffer_add_listener(frame.buffer.get(), &listener, this);
     return &frame;
@@ -161,29 +172,31 @@ LayerCanvas::Frame *LayerCanvas::freeFrame()
 
 void LayerCanvas::compose(Frame &frame, const DisplayList &list) const
 {
-    const QRect bounds(QPoint(), m_frozen->size());
-    const QRegion damage = frame.list ? damageBetween(*frame.list, list) & bounds : QRegion(bounds);
+    const QRegion damage = damageBetween(frame.list, list);
     frame.list = list;
-    paintFrame(*frame.pixels, *m_frozen, list, damage);
+    paintFrame(*frame.pixels, list, damage);
 }
 
 void LayerCanvas::show(const DisplayList &list)
 {
     m_waiting.reset();
-    const QRegion changed = damageBetween(m_shown, list) & QRect(QPoint(), m_frozen->size());
+    const QRect bounds(QPoint(), m_frozen->size());
+    const QRegion changed = damageBetween(m_shown, list) & bounds;
     if (changed.isEmpty())
         return;
+    // All of the first frame is new to the compositor.
+    const bool isFirst = m_shown == DisplayList();
     Frame &frame = *freeFrame();
     compose(frame, list);
     m_shown = list;
     frame.isBusy = true;
-    wl_surface_attach(m_surface, frame.buffer.get(), 0, 0);
-    for (const QRect &rect : changed)
-        wl_surface_damage_buffer(m_surface, rect.x(), rect.y(), rect.width(), rect.height());
-    m_callback = wl_surface_frame(m_surface);
+    wl_surface_attach(m_above.surface, frame.buffer.get(), 0, 0);
+    for (const QRect &rect : isFirst ? QRegion(bounds) : changed)
+        wl_surface_damage_buffer(m_above.surface, rect.x(), rect.y(), rect.width(), rect.height());
+    m_callback = wl_surface_frame(m_above.surface);
     static constexpr wl_callback_listener listener{&frameDone};
     wl_callback_add_listener(m_callback, &listener, this);
-    wl_surface_commit(m_surface);
+    wl_surface_commit(m_above.surface);
     m_globals->connection->flush();
 }
 

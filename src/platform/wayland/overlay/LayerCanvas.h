@@ -28,9 +28,9 @@ struct CanvasGlobals
     wp_viewporter *viewporter;
 };
 
-/// Shows a frozen display below a transparent surface, pixel for pixel: the captured memory itself
-/// until something lies over it, from then on composed copies of it, of which only what changed is
-/// painted. Main thread only.
+/// Shows a frozen display below a transparent surface, pixel for pixel: the captured memory itself,
+/// and over it, for the compositor to blend, frames of what lies over it, of which only what
+/// changed is painted. Main thread only.
 class LayerCanvas
 {
 public:
@@ -52,6 +52,18 @@ public:
 
 private:
     struct Frame;
+    /// A part of the parent that lies below it and takes no input.
+    struct Layer
+    {
+        Layer(const CanvasGlobals &globals, wl_surface *parent, QSize points);
+        ~Layer();
+        Layer(const Layer &) = delete;
+        Layer &operator=(const Layer &) = delete;
+
+        wl_surface *surface;
+        wl_subsurface *subsurface;
+        wp_viewport *viewport;
+    };
     static void frameDone(void *data, wl_callback *callback, uint32_t time);
     static void released(void *data, wl_buffer *buffer);
     Frame *freeFrame();
@@ -65,12 +77,11 @@ private:
     QSize m_points; ///< what the surface covers; a little more where the scale leaves a fraction
     double m_scale;
     std::shared_ptr<SharedPixels> m_frozen;
-    wl_surface *m_surface;
-    wl_subsurface *m_subsurface;
-    wp_viewport *m_viewport;
-    wl_buffer *m_frozenBuffer;
+    WaylandPtr<wl_buffer, wl_buffer_destroy> m_frozenBuffer;
     wl_callback *m_callback = nullptr; ///< of the last frame, while the compositor has it to show
     std::vector<std::unique_ptr<Frame>> m_frames;
+    Layer m_below; ///< the frozen display
+    Layer m_above; ///< what lies over it; not there before something does
     DisplayList m_shown;
     std::optional<DisplayList> m_waiting;
 };

@@ -41,19 +41,21 @@ PacedReading::~PacedReading()
 /// So it is enough to announce it, and to come late.
 void PacedReading::read(std::chrono::milliseconds interval) const
 {
-    using Clock = std::chrono::steady_clock;
     wl_display *display = m_connection->display();
-    Clock::time_point next = Clock::now();
+    std::chrono::milliseconds pause{0};
     while (wl_display_prepare_read_queue(display, m_queue) == 0) {
         pollfd descriptors[]{{wl_display_get_fd(display), POLLIN, 0}, {m_stop, POLLIN, 0}};
+        // First the time, then the message: woken once where many come within the interval.
+        if (isStoppedWithin(pause))
+            return wl_display_cancel_read(display);
         const bool isWoken = poll(descriptors, 2, -1) > 0;
-        if (descriptors[1].revents || isStoppedWithin(next - Clock::now()))
+        if (descriptors[1].revents)
             return wl_display_cancel_read(display);
         if (!isWoken) {
             wl_display_cancel_read(display);
             continue;
         }
-        next = Clock::now() + interval;
+        pause = interval;
         if (wl_display_read_events(display) < 0)
             return;
     }
