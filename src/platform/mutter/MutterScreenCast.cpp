@@ -20,6 +20,7 @@ const auto castPath = QStringLiteral("/org/gnome/Mutter/ScreenCast");
 const auto sessionInterface = QStringLiteral("org.gnome.Mutter.ScreenCast.Session");
 const auto streamInterface = QStringLiteral("org.gnome.Mutter.ScreenCast.Stream");
 constexpr uint hiddenCursor = 0;
+constexpr std::chrono::milliseconds busLimit{300};
 
 int castCount = 0;
 
@@ -52,9 +53,11 @@ MutterScreenCast::MutterScreenCast(const QString &program, std::vector<PortalDis
     m_limit.setSingleShot(true);
     m_limit.callOnTimeout(this, [this] { finish(QStringLiteral("it took too long")); });
     m_limit.start(limit);
-    // While the process starts.
-    m_connection =
-        QDBusConnection::connectToBus(QString::fromLatin1(sessionBusAddress()), m_connectionName);
+    // While the process starts. What a bus does not answer would be waited for by the library.
+    if (const QByteArray address = sessionBusAddress();
+        probeBus(address, busLimit) != BusHealth::silent)
+        m_connection =
+            QDBusConnection::connectToBus(QString::fromLatin1(address), m_connectionName);
     m_connection.connect(castService, QString(), streamInterface,
                          QStringLiteral("PipeWireStreamAdded"), this,
                          SLOT(streamAdded(uint, QDBusMessage)));

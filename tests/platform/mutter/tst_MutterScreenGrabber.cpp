@@ -8,7 +8,11 @@
 #include "support/SessionBus.h"
 #include "support/Skip.h"
 
+#include <QElapsedTimer>
+
 #include <signal.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 
 using namespace tovek;
 using namespace std::chrono_literals;
@@ -157,6 +161,26 @@ private Q_SLOTS:
         m_other->images = {{11, right}};
         QCOMPARE(shots(), QList<QImage>({right}));
         QVERIFY(!m_mutter->calls.contains("Start"));
+    }
+
+    void waitsForNoBusThatIsSilent()
+    {
+        // It takes connections and answers none.
+        const QByteArray path = QFile::encodeName(m_folder.filePath("silent"));
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        qstrncpy(address.sun_path, path.constData(), sizeof address.sun_path);
+        const int bus = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        QCOMPARE(bind(bus, reinterpret_cast<const sockaddr *>(&address), sizeof address), 0);
+        QCOMPARE(listen(bus, 5), 0);
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + path);
+        make(m_mutter->program());
+        QElapsedTimer timer;
+        timer.start();
+        failsOver();
+        QVERIFY2(timer.elapsed() < 3000, qPrintable(QString::number(timer.elapsed())));
+        qputenv("DBUS_SESSION_BUS_ADDRESS", m_bus.address().toUtf8());
+        close(bus);
     }
 
     void saysWhyWhereTheOtherFailsToo()
