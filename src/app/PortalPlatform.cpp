@@ -47,9 +47,8 @@ std::shared_ptr<PortalBus> portalOf(EarlyPlatform &early)
     return early.portal;
 }
 
-/// What tovek-screencast takes part in, where somebody wrote into the settings that it is to;
-/// empty, with a reason in the log if there was such a wish, where the portal's pictures have to
-/// do.
+/// The program that takes frames of mutter's recordings, where the settings file chooses them and
+/// they can be had; else empty, with one log line that says why a choice does nothing.
 QString chosenScreenCast(const PortalBus &bus)
 {
     const QString key = QLatin1String(Settings::useMutterScreenCast.key);
