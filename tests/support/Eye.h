@@ -12,9 +12,12 @@
 #include <QString>
 
 #include <chrono>
+#include <memory>
 #include <optional>
 
 namespace tovek {
+
+class ScreenMemory;
 
 /// A window on the screen: a child of the root, with the name and class of the client in it.
 struct SeenWindow
@@ -31,6 +34,7 @@ class Eye
 {
 public:
     explicit Eye(const QString &displayName);
+    ~Eye();
 
     /// The pixels of a part of the screen (all of it by default) as Format_RGB32, without the
     /// mouse pointer. Null when the server cannot tell. Depths 24 and 32 only.
@@ -52,10 +56,13 @@ public:
     QSize size() const;
 
 private:
-    std::optional<SeenWindow> see(xcb_window_t window) const;
-    QString nameIn(xcb_window_t window, const char *property, int depth) const;
+    struct Glance;
+    std::optional<SeenWindow> see(const Glance &glance) const;
+    QList<xcb_window_t> childrenOf(xcb_window_t window) const;
+    QString firstOf(const QList<xcb_window_t> &windows, xcb_atom_t property) const;
 
     XConnection m_connection;
+    std::unique_ptr<ScreenMemory> m_memory; ///< null where the server shares no memory
 };
 
 } // namespace tovek

@@ -21,17 +21,30 @@ XConnection::~XConnection()
 
 xcb_atom_t XConnection::atom(const char *name) const
 {
-    const auto cookie = xcb_intern_atom(m_connection, false, uint16_t(std::strlen(name)), name);
-    const XPtr<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(m_connection, cookie, nullptr));
-    return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
+    xcb_atom_t &known = m_atoms[name];
+    if (known == XCB_ATOM_NONE) {
+        const auto cookie = xcb_intern_atom(m_connection, false, uint16_t(std::strlen(name)), name);
+        const XPtr<xcb_intern_atom_reply_t> reply(
+            xcb_intern_atom_reply(m_connection, cookie, nullptr));
+        known = reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
+    }
+    return known;
 }
 
 QByteArray XConnection::property(xcb_window_t window, xcb_atom_t name) const
 {
-    const auto cookie =
-        xcb_get_property(m_connection, false, window, name, XCB_ATOM_ANY, 0, 1 << 18);
+    return property(askForProperty(window, name));
+}
+
+xcb_get_property_cookie_t XConnection::askForProperty(xcb_window_t window, xcb_atom_t name) const
+{
+    return xcb_get_property(m_connection, false, window, name, XCB_ATOM_ANY, 0, 1 << 18);
+}
+
+QByteArray XConnection::property(xcb_get_property_cookie_t asked) const
+{
     const XPtr<xcb_get_property_reply_t> reply(
-        xcb_get_property_reply(m_connection, cookie, nullptr));
+        xcb_get_property_reply(m_connection, asked, nullptr));
     if (!reply)
         return {};
     return {static_cast<const char *>(xcb_get_property_value(reply.get())),

@@ -7,7 +7,9 @@
 #include <QString>
 
 #include <cstdlib>
+#include <map>
 #include <memory>
+#include <string>
 #include <xcb/xcb.h>
 
 namespace tovek {
@@ -36,12 +38,16 @@ public:
     xcb_atom_t atom(const char *name) const;
     /// The bytes of a property, at most 1 MB of them; empty when there is none.
     QByteArray property(xcb_window_t window, xcb_atom_t name) const;
+    /// The same in two steps: several questions may be under way together.
+    xcb_get_property_cookie_t askForProperty(xcb_window_t window, xcb_atom_t name) const;
+    QByteArray property(xcb_get_property_cookie_t asked) const;
     /// Returns when the server has carried out everything sent before.
     void sync() const;
 
 private:
     xcb_connection_t *m_connection;
     xcb_screen_t *m_screen = nullptr;
+    mutable std::map<std::string, xcb_atom_t> m_atoms; ///< asked for before; they never change
 };
 
 } // namespace tovek
