@@ -38,6 +38,7 @@ struct Stage
     {
         session.settings.insert(QStringLiteral("KeyboardShortcuts_captureScreenshot"),
                                 QStringLiteral("{\"carbonKeyCode\":23,\"carbonModifiers\":6144}"));
+        session.readsText = true;
         if (!session.start())
             giveUp(session.error);
         witness = std::make_unique<Witness>(session.desktop.socket());

@@ -39,6 +39,7 @@ struct Session
         for (const QRect &monitor : monitors())
             picture = desktop.showPicture(monitor.adjusted(0, roomAbove, 0, 0));
         tovek = std::make_unique<RunningTovek>(desktop, qEnvironmentVariable("TOVEK_PROGRAM"));
+        tovek->readsText = readsText;
         return picture != nullptr || fail(QStringLiteral("no picture came"));
     }
     /// Puts the selected part of a fresh capture on the clipboard, in one go. True once the
@@ -123,6 +124,7 @@ struct Session
 
     DesktopPlan plan;
     double scale;
+    bool readsText = false; ///< true where that is tested, and where everything is to be at work
     int roomAbove = 0; ///< without a picture; openbox shows a panel only where none covers all
     TestDesktop desktop;
     std::unique_ptr<RunningTovek> tovek;

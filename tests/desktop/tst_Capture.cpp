@@ -61,6 +61,7 @@ private Q_SLOTS:
         QFETCH(double, scale);
         for (const DesktopPlan &plan : {DesktopPlan(), twoMonitors()}) {
             Session session(plan, scale);
+            session.readsText = true;
             QVERIFY2(session.start(), qPrintable(session.error));
             session.tovek->hand().move({300, 300});
             session.before = session.tovek->eye().lookWhenStill();

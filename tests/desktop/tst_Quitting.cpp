@@ -48,6 +48,7 @@ private Q_SLOTS:
     {
         QFETCH(int, signal);
         Session s(large());
+        s.readsText = true;
         QVERIFY2(s.start(), qPrintable(s.error));
         QVERIFY(s.open());
         s.select(from, to);
@@ -62,6 +63,7 @@ private Q_SLOTS:
     void keepsTheSave()
     {
         Session s(large());
+        s.readsText = true;
         QVERIFY2(s.start(), qPrintable(s.error));
         QVERIFY(s.open());
         s.select(from, to);
@@ -74,6 +76,7 @@ private Q_SLOTS:
     void keepsTheSaveWithoutAServer()
     {
         Session s(large());
+        s.readsText = true;
         QVERIFY2(s.start(), qPrintable(s.error));
         QVERIFY(s.open());
         s.select(from, to);

@@ -36,6 +36,7 @@ struct TextSession : Session
     [[nodiscard]] bool startProgram(const QJsonObject &more = {})
     {
         tovek = std::make_unique<RunningTovek>(desktop, program);
+        tovek->readsText = true;
         return (tovek->start(scale, more) || fail(tovek->error()))
             && waitUntil([&] { return tovek->holds(QLatin1String(captureText)); });
     }

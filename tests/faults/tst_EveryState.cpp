@@ -38,6 +38,7 @@ struct VictimSession : Session
         : Session(std::move(desktopPlan))
         , victim(std::move(program))
     {
+        readsText = victim == QLatin1String("tovek-ocr");
     }
 
     bool startVictim()

@@ -32,6 +32,7 @@ private Q_SLOTS:
     {
         QFETCH(int, signal);
         Session s;
+        s.readsText = true;
         QVERIFY2(s.start(), qPrintable(s.error));
         const qint64 pid = s.tovek->program().pid();
         QVERIFY(s.open());
@@ -52,6 +53,7 @@ private Q_SLOTS:
     void startsNoneForAnImage()
     {
         Session s;
+        s.readsText = true;
         QVERIFY2(s.start(), qPrintable(s.error));
         QVERIFY(s.copy({100, 100}, {300, 250}));
         QVERIFY(!s.pasted().isEmpty());

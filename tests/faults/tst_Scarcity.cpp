@@ -25,6 +25,7 @@ struct ScarceSession : Session
 {
     [[nodiscard]] bool start()
     {
+        readsText = true;
         if (!startDesktop())
             return false;
         file.setFileName(desktop.home() + QStringLiteral("/scarcity"));

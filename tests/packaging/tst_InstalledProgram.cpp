@@ -34,6 +34,7 @@ private Q_SLOTS:
     void leavesTheClipboardBehindWhenItQuits()
     {
         Session session;
+        session.readsText = true;
         QVERIFY2(session.start(), qPrintable(session.error));
         QVERIFY(session.copy({200, 200}, {420, 330}));
         const QByteArray before = session.pasted();
@@ -51,6 +52,7 @@ private Q_SLOTS:
         if (!QFile::exists(QStringLiteral("/usr/share/tesseract-ocr/5/tessdata/eng.traineddata")))
             QSKIP("no English recognition model is installed");
         Session session;
+        session.readsText = true;
         QVERIFY2(session.start(), qPrintable(session.error));
         Program *window = session.desktop.run(
             QStringLiteral(TOVEK_TEXT_WINDOW),

@@ -75,6 +75,7 @@ struct SoakSession : Session
     /// With a window of text over a corner of the picture.
     bool startWithText()
     {
+        readsText = true;
         if (!startDesktop())
             return false;
         words = showText(desktop, textWindow, 14, false, textLines);

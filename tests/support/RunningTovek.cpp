@@ -71,6 +71,8 @@ bool RunningTovek::start(double scale, const QJsonObject &more)
 bool RunningTovek::startAsItIs(double scale)
 {
     variables[QStringLiteral("QT_SCALE_FACTOR")] = QString::number(scale);
+    if (!readsText)
+        variables[QStringLiteral("TESSDATA_PREFIX")] = m_desktop.home() + "/no-models";
     m_program = m_desktop.run(m_path, {QStringLiteral("--background")}, variables);
     m_error =
         m_program ? QStringLiteral("the program does not hold its shortcuts") : m_desktop.error();

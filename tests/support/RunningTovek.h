@@ -27,6 +27,9 @@ public:
     bool writeSettings(const QByteArray &bytes) const;
     /// More of its environment; set before the start.
     std::map<QString, QString> variables;
+    /// Whether it finds the models to recognise text with; set before the start. To load them costs
+    /// more than all else that a capture does.
+    bool readsText = false;
     /// Starts it without its window, and waits until the shortcuts are its own. False when that
     /// did not come about; `error` tells.
     [[nodiscard]] bool start(double scale = 1, const QJsonObject &more = {});

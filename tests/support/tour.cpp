@@ -77,6 +77,7 @@ bool Tour::openDesktop()
         return false;
     }
     m_tovek = std::make_unique<RunningTovek>(m_desktop, m_program);
+    m_tovek->readsText = true;
     return step(m_desktop.showPicture(firstWindow) && m_desktop.showPicture(secondWindow),
                 "two windows with pictures and text")
         && startTovek();

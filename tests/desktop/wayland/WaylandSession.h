@@ -14,6 +14,7 @@
 #include <QFile>
 #include <QJsonObject>
 
+#include <algorithm>
 #include <cmath>
 
 namespace tovek {
@@ -45,6 +46,8 @@ struct WaylandSession
         QDir().mkpath(desktop.configFolder() + QStringLiteral("/tovek"));
         desktop.writeFile(desktop.configFolder() + QStringLiteral("/tovek/defaults.json"),
                           QJsonDocument(settings).toJson());
+        if (!readsText)
+            variables[QStringLiteral("TESSDATA_PREFIX")] = desktop.home() + "/no-models";
         tovek = desktop.run(qEnvironmentVariable("TOVEK_PROGRAM"), {QStringLiteral("--background")},
                             variables);
         return (tovek && waitUntil([&] { return act("no-such-action"); }))
@@ -57,9 +60,11 @@ struct WaylandSession
         for (size_t i = 0; i < plan.monitors.size(); ++i) {
             const QSize native = desktop.look(int(i)).size();
             QImage picture(native, QImage::Format_RGB32);
-            for (int y = 0; y < native.height(); ++y)
+            for (int y = 0; y < native.height(); ++y) {
+                auto *row = reinterpret_cast<QRgb *>(picture.scanLine(y));
                 for (int x = 0; x < native.width(); ++x)
-                    picture.setPixel(x, y, pictureColor(uint32_t(x), uint32_t(y)));
+                    row[x] = pictureColor(uint32_t(x), uint32_t(y));
+            }
             if (isInverted)
                 picture.invertPixels();
             const QString path = QStringLiteral("%1/picture%2%3.png")
@@ -68,7 +73,8 @@ struct WaylandSession
                                      .arg(isInverted ? "-inverted" : "");
             QBuffer png;
             png.open(QIODevice::WriteOnly);
-            picture.save(&png, "PNG");
+            constexpr int uncompressed = 100;
+            picture.save(&png, "PNG", uncompressed);
             if (!desktop.writeFile(path, png.data()) || !desktop.showPicture(int(i), path)
                 || !waitUntil([&] { return isFine(desktop.look(int(i))); }))
                 return false;
@@ -136,8 +142,7 @@ struct WaylandSession
     {
         for (QImage *image : {&one, &other}) {
             for (int y = 0; y < pointerArea().height(); ++y)
-                for (int x = 0; x < pointerArea().width(); ++x)
-                    image->setPixel(x, y, 0);
+                std::fill_n(reinterpret_cast<QRgb *>(image->scanLine(y)), pointerArea().width(), 0);
         }
         return differentPixels(one, other);
     }
@@ -170,6 +175,7 @@ struct WaylandSession
     QJsonObject settings{{QStringLiteral("highlightText"), false},
                          {QStringLiteral("showInMenuBar"), false}};
     std::map<QString, QString> variables; ///< of the program's environment
+    bool readsText = false; ///< whether it finds the models to recognise text with
     WaylandDesktop desktop;
     std::unique_ptr<WaylandHand> hand;
     Program *tovek = nullptr;
