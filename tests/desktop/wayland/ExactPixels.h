@@ -28,6 +28,9 @@ inline void verifyThatOpeningChangesNothing(WaylandSession &session)
         QTRY_COMPARE(differentPixels(session.desktop.look(i), session.before[i]), 0);
 }
 
+/// In points. All that is dragged below lies within, and each look takes all of it.
+constexpr QSize roomForDrags(640, 480);
+
 struct Drag
 {
     const char *name;

@@ -19,9 +19,9 @@ private Q_SLOTS:
     void opensAndCopiesToThePixel_data()
     {
         QTest::addColumn<WaylandPlan>("plan");
-        QTest::newRow("one") << onKWin({{QSize(1280, 800), 1}});
-        QTest::newRow("scale 2") << onKWin({{QSize(1600, 1200), 2}});
-        QTest::newRow("two") << onKWin({{QSize(1280, 800), 1}, {QSize(1280, 800), 1}});
+        QTest::newRow("one") << onKWin({{roomForDrags, 1}});
+        QTest::newRow("scale 2") << onKWin({{roomForDrags * 2, 2}});
+        QTest::newRow("two") << onKWin({{roomForDrags, 1}, {roomForDrags, 1}});
     }
     void opensAndCopiesToThePixel()
     {

@@ -20,8 +20,8 @@ private Q_SLOTS:
     {
         QTest::addColumn<WaylandPlan>("plan");
         for (const double scale : {1.0, 1.25, 1.5, 2.0})
-            QTest::addRow("scale %.2f", scale) << WaylandPlan{{{QSize(1200, 960), scale}}};
-        QTest::newRow("mixed") << WaylandPlan{{{QSize(1280, 800), 1}, {QSize(1600, 1200), 2}}};
+            QTest::addRow("scale %.2f", scale) << WaylandPlan{{{roomForDrags * scale, scale}}};
+        QTest::newRow("mixed") << WaylandPlan{{{QSize(800, 600), 1}, {roomForDrags * 2, 2}}};
     }
     void opensAndCopiesToThePixel()
     {

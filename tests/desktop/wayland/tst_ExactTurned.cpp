@@ -21,7 +21,7 @@ private Q_SLOTS:
         QTest::addColumn<WaylandPlan>("plan");
         for (const char *transform : {"90", "270", "flipped"})
             QTest::addRow("turned %s", transform)
-                << WaylandPlan{{{QSize(800, 1280), 1, QString::fromLatin1(transform)}}};
+                << WaylandPlan{{{QSize(560, 640), 1, QString::fromLatin1(transform)}}};
     }
     void opensAndCopiesToThePixel()
     {
