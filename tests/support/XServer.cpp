@@ -38,7 +38,9 @@ bool XServer::start()
         {QStringLiteral("-displayfd"), QString::number(ends[1]), QStringLiteral("-screen"),
          QStringLiteral("0"),
          QStringLiteral("%1x%2x%3").arg(m_size.width()).arg(m_size.height()).arg(m_depth),
-         QStringLiteral("-noreset"), QStringLiteral("-nolisten"), QStringLiteral("tcp")},
+         QStringLiteral("-noreset"), QStringLiteral("-nolisten"), QStringLiteral("tcp"),
+         // Which would load a compiler for shaders, and nobody here draws with them.
+         QStringLiteral("-extension"), QStringLiteral("GLX")},
         QProcessEnvironment::systemEnvironment());
     close(ends[1]);
     const bool isReady = isStarted && readDisplayName(ends[0]);
