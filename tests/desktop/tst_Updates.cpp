@@ -272,7 +272,7 @@ private:
     {
         m_launched->program = m_launched->launch({"--background"});
         return m_launched->program && waitUntil([&] { return m_launched->activateAction("about"); })
-            && m_launched->isOpen("About") && m_launched->hand->tap("Escape")
+            && m_launched->isInFront("About") && m_launched->hand->tap("Escape")
             && m_launched->isClosed();
     }
     bool check() { return m_launched->activateAction("check-for-updates"); }

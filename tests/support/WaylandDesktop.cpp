@@ -153,8 +153,22 @@ bool WaylandDesktop::startSway()
     const auto outputs = [&] {
         return tell({QStringLiteral("-t"), QStringLiteral("get_outputs")});
     };
-    return waitUntil([&] { return outputs().array().size() == int(m_plan.monitors.size()); })
-        || fail(QStringLiteral("sway has not the outputs that it was told to have"));
+    if (!waitUntil([&] { return outputs().array().size() == int(m_plan.monitors.size()); }))
+        return fail(QStringLiteral("sway has not the outputs that it was told to have"));
+    // A program of its own draws it, and on a busy machine it comes after the first looks.
+    return waitUntil([&] { return hasBackground(); })
+        || fail(QStringLiteral("sway shows no background"));
+}
+
+bool WaylandDesktop::hasBackground()
+{
+    for (size_t i = 0; i < m_plan.monitors.size(); ++i) {
+        const QImage seen = look(int(i));
+        // Nearly its colour: of a part of a pixel, newer ones show less.
+        if (seen.isNull() || qBlue(seen.pixel(seen.width() / 4, seen.height() / 4)) < 0x80)
+            return false;
+    }
+    return true;
 }
 
 bool WaylandDesktop::install(const QString &name, const QByteArray &desktopFile)

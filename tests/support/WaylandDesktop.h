@@ -66,6 +66,7 @@ public:
 private:
     bool isKWin() const { return m_plan.compositor == WaylandPlan::Compositor::kwin; }
     bool startSway();
+    bool hasBackground();
     bool startKWin();
     bool install(const QString &name, const QByteArray &desktopFile);
     /// KWin lets each program do what its desktop file says: ours too, as it is packaged.
