@@ -57,8 +57,9 @@ double lightOf(const QImage &image)
 {
     qint64 sum = 0;
     for (int y = 0; y < image.height(); ++y) {
+        const auto *row = reinterpret_cast<const QRgb *>(image.constScanLine(y));
         for (int x = 0; x < image.width(); ++x)
-            sum += qGray(image.pixel(x, y));
+            sum += qGray(row[x]);
     }
     return double(sum) / (image.width() * image.height());
 }

@@ -28,16 +28,30 @@ const xcb_visualtype_t *rootVisual(const xcb_screen_t &screen)
     return nullptr;
 }
 
-/// One channel of a pixel as 8 bits: cut off, or filled up by repeating its own bits.
-int channel(quint32 pixel, quint32 mask)
+/// One channel of a pixel as 8 bits: cut off, or filled up by repeating its own bits. Reckoned from
+/// its mask once: a screen has a million pixels.
+class Channel
 {
-    const int shift = std::countr_zero(mask);
-    const int bits = std::popcount(mask);
-    const quint32 value = (pixel & mask) >> shift;
-    if (bits >= 8)
-        return int(value >> (bits - 8));
-    return int((value << (8 - bits)) | (value >> (2 * bits - 8)));
-}
+public:
+    explicit Channel(quint32 mask)
+        : m_mask(mask)
+        , m_shift(std::countr_zero(mask))
+        , m_bits(std::popcount(mask))
+    {
+    }
+    int of(quint32 pixel) const
+    {
+        const quint32 value = (pixel & m_mask) >> m_shift;
+        if (m_bits >= 8)
+            return int(value >> (m_bits - 8));
+        return int((value << (8 - m_bits)) | (value >> (2 * m_bits - 8)));
+    }
+
+private:
+    quint32 m_mask;
+    int m_shift;
+    int m_bits;
+};
 
 } // namespace
 
@@ -62,7 +76,9 @@ bool X11TestDesktop::start(QSize size, int depth)
     m_server.setArguments(
         {"-displayfd", QString::number(ends[1]), "-screen", "0",
          QStringLiteral("%1x%2x%3").arg(size.width()).arg(size.height()).arg(depth), "-noreset",
-         "-nolisten", "tcp"});
+         "-nolisten", "tcp",
+         // Which would load a compiler for shaders, and nobody here draws with them.
+         "-extension", "GLX"});
     m_server.start();
     const bool isStarted = m_server.waitForStarted();
     close(ends[1]);
@@ -159,16 +175,15 @@ QImage X11TestDesktop::look(QRect rect) const
         return {};
     const int bytes = m_screen->root_depth == 16 ? 2 : 4;
     const int perLine = (rect.width() * bytes + 3) / 4 * 4;
+    const Channel red(visual->red_mask), green(visual->green_mask), blue(visual->blue_mask);
     QImage image(rect.size(), QImage::Format_RGB32);
-    for (int y = 0; y < rect.height(); ++y) {
+    const uint8_t *from = xcb_get_image_data(reply.get());
+    for (int y = 0; y < rect.height(); ++y, from += perLine) {
+        auto *to = reinterpret_cast<QRgb *>(image.scanLine(y));
         for (int x = 0; x < rect.width(); ++x) {
             quint32 pixel = 0;
-            std::memcpy(&pixel, xcb_get_image_data(reply.get()) + y * perLine + x * bytes,
-                        size_t(bytes));
-            image.setPixel(x, y,
-                           qRgb(channel(pixel, visual->red_mask),
-                                channel(pixel, visual->green_mask),
-                                channel(pixel, visual->blue_mask)));
+            std::memcpy(&pixel, from + x * bytes, size_t(bytes));
+            to[x] = qRgb(red.of(pixel), green.of(pixel), blue.of(pixel));
         }
     }
     return image;

@@ -18,8 +18,10 @@ QRect changed(const QImage &picture, const QImage &before)
 {
     QRect part;
     for (int y = 0; y < picture.height(); ++y) {
+        const auto *now = reinterpret_cast<const QRgb *>(picture.constScanLine(y));
+        const auto *then = reinterpret_cast<const QRgb *>(before.constScanLine(y));
         for (int x = 0; x < picture.width(); ++x) {
-            if (picture.pixel(x, y) != before.pixel(x, y))
+            if (now[x] != then[x])
                 part |= QRect(x, y, 1, 1);
         }
     }

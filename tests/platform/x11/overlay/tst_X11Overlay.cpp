@@ -29,11 +29,17 @@ int largestDifference(const QImage &a, const QImage &b)
 {
     if (a.size() != b.size())
         return 256;
+    const QImage one = a.convertToFormat(QImage::Format_RGB32);
+    const QImage other = b.convertToFormat(QImage::Format_RGB32);
     int largest = 0;
-    for (int y = 0; y < a.height(); ++y) {
-        for (int x = 0; x < a.width(); ++x) {
-            const QRgb p = a.pixel(x, y);
-            const QRgb q = b.pixel(x, y);
+    for (int y = 0; y < one.height(); ++y) {
+        const auto *left = reinterpret_cast<const QRgb *>(one.constScanLine(y));
+        const auto *right = reinterpret_cast<const QRgb *>(other.constScanLine(y));
+        for (int x = 0; x < one.width(); ++x) {
+            const QRgb p = left[x];
+            const QRgb q = right[x];
+            if (p == q)
+                continue;
             largest = std::max({largest, std::abs(qRed(p) - qRed(q)),
                                 std::abs(qGreen(p) - qGreen(q)), std::abs(qBlue(p) - qBlue(q))});
         }
