@@ -2,9 +2,10 @@
 // SPDX-License-Identifier: MIT
 
 // What a user of the running program waits for on GNOME with two monitors, beside a bare client of
-// the desktop's portal that does nothing with the picture. Compressing the picture takes the
-// desktop most of the time, never twice the same; what counts is the time after that. Prints
-// Markdown. TOVEK_PROGRAM names another build of the program.
+// the desktop's portal. That does nothing with the picture: when the answer comes it covers the
+// monitors with two windows that it has had ready, and tells when the answer came. Compressing the
+// picture takes the desktop most of the time, never twice the same; what counts is the time after
+// that. Prints Markdown. TOVEK_PROGRAM names another build of the program.
 //
 // With --screencast: from the command to all overlays instead, with the pictures of the portal, and
 // with those of mutter's ScreenCast, for which pipewire and wireplumber have to be installed.
@@ -13,6 +14,7 @@
 #include "Pictures.h"
 #include "support/GnomeDesktop.h"
 #include "support/Wait.h"
+#include "support/XConnection.h"
 
 #include <QDBusMessage>
 #include <QDBusPendingCall>
@@ -120,16 +122,68 @@ private:
     QString m_file;
 };
 
-/// Prints how long after the picture was written its answer came, in milliseconds.
+/// Windows over the monitors, with pixels that the X server has long had: to put them on the screen
+/// is one request each.
+class BareCover
+{
+public:
+    BareCover() : m_connection(qEnvironmentVariable("DISPLAY"))
+    {
+        if (!m_connection.isOpen())
+            giveUp(QStringLiteral("there is no X server"));
+        for (const QRect &monitor : GnomeDesktop::monitors())
+            m_windows.push_back(makeWindow(monitor));
+        m_connection.sync();
+    }
+    void show() const
+    {
+        for (const xcb_window_t window : m_windows)
+            xcb_map_window(m_connection, window);
+        xcb_flush(m_connection);
+    }
+
+private:
+    xcb_window_t makeWindow(const QRect &at) const
+    {
+        const xcb_screen_t &screen = *m_connection.screen();
+        const auto width = uint16_t(at.width()), height = uint16_t(at.height());
+        const uint32_t pixmap = xcb_generate_id(m_connection);
+        xcb_create_pixmap(m_connection, screen.root_depth, pixmap, screen.root, width, height);
+        const xcb_gcontext_t gc = xcb_generate_id(m_connection);
+        xcb_create_gc(m_connection, gc, pixmap, XCB_GC_FOREGROUND, &screen.white_pixel);
+        const xcb_rectangle_t all{0, 0, width, height};
+        xcb_poly_fill_rectangle(m_connection, pixmap, gc, 1, &all);
+        const uint32_t values[]{pixmap, 1};
+        const xcb_window_t window = xcb_generate_id(m_connection);
+        xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, window, screen.root, int16_t(at.x()),
+                          int16_t(at.y()), width, height, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                          screen.root_visual, XCB_CW_BACK_PIXMAP | XCB_CW_OVERRIDE_REDIRECT,
+                          values);
+        constexpr std::string_view title = "floor";
+        xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NAME,
+                            XCB_ATOM_STRING, 8, uint32_t(title.size()), title.data());
+        return window;
+    }
+
+    XConnection m_connection;
+    std::vector<xcb_window_t> m_windows;
+};
+
+/// Prints how long after the picture was written its answer came, in milliseconds, and stays for as
+/// long as anybody listens.
 int askPortal()
 {
     const auto &written = *new LastWritten(QDir::homePath()); // stays, as its thread does
     BarePortalClient client;
+    const BareCover cover;
     const QString file = client.takePicture();
     const double time = written.millisecondsSince();
+    cover.show();
     if (file.isEmpty() || !QFile::remove(file))
         return 1;
     std::printf("%.3f\n", time);
+    std::fflush(stdout);
+    pause();
     return 0;
 }
 
@@ -187,38 +241,52 @@ struct Stage
         return desktop.unmanagedTitles().size() == GnomeDesktop::monitors().size();
     }
 
-    /// Milliseconds after the picture was written until the desktop has the pixels of all overlays,
-    /// or the client its answer.
+    /// Milliseconds after the picture was written until the desktop has the pixels of all windows.
     double open(Subject subject)
     {
-        if (subject == Subject::floor) {
-            bool isTime = false;
-            const double time =
-                desktop.output(QCoreApplication::applicationFilePath(), {askingOption})
-                    .trimmed()
-                    .toDouble(&isTime);
-            return isTime ? time : (giveUp(QStringLiteral("the portal gave no picture")), 0);
+        if (subject == Subject::tovek) {
+            open();
+            return written->millisecondsSince();
         }
-        open();
-        return written->millisecondsSince();
+        floor = desktop.run(QCoreApplication::applicationFilePath(), {askingOption});
+        waitUntilCovered();
+        const double time = written->millisecondsSince();
+        answers.push_back(timeOfAnswer());
+        return time;
     }
     /// Until the desktop has the pixels of all overlays.
     void open() const
     {
-        const QDeadlineTimer end(patience);
         if (!desktop.act("start-capture"))
             giveUp(QStringLiteral("the program has ended"));
+        waitUntilCovered();
+    }
+    void waitUntilCovered() const
+    {
+        const QDeadlineTimer end(patience);
         while (!isShown()) {
             if (end.hasExpired())
-                giveUp(QStringLiteral("no overlay came"));
+                giveUp(QStringLiteral("nothing covered the screens"));
             // Answering takes the shell from what it is asked about.
             std::this_thread::sleep_for(1ms);
         }
     }
+    double timeOfAnswer() const
+    {
+        bool isTime = false;
+        const double time = floor && waitUntil([&] { return !floor->lines().isEmpty(); }, patience)
+            ? floor->lines().constFirst().toDouble(&isTime)
+            : 0;
+        if (!isTime)
+            giveUp(QStringLiteral("the portal gave no picture"));
+        return time;
+    }
     void close()
     {
         std::this_thread::sleep_for(settleTime);
-        if (isShown())
+        if (floor)
+            std::exchange(floor, nullptr)->stop();
+        else if (isShown())
             desktop.tap(escape);
         if (!waitUntil([&] { return desktop.unmanagedTitles().isEmpty(); }, patience))
             giveUp(QStringLiteral("an overlay does not close"));
@@ -227,6 +295,8 @@ struct Stage
 
     GnomeDesktop desktop;
     Program *tovek = nullptr;
+    Program *floor = nullptr; ///< while it covers the screens
+    std::vector<double> answers; ///< milliseconds after the picture was written, as it says
     const LastWritten *written = nullptr; // stays, as its thread does
 };
 
@@ -271,16 +341,20 @@ int main(int argc, char **argv)
         comparePictures(stage);
         return 0;
     }
-    printHead("Picture written to all overlays, beside the portal's answer", "ms: median",
-              {"animations", "overlays", "answer", "difference", "budget"});
+    printHead("Picture written to all screens covered", "ms: median",
+              {"animations", "overlays", "bare windows", "portal's answer", "overlays - answer",
+               "overlays - bare windows", "budget"});
     // Without hardware the shell shows none, and answers without its flash.
     for (const bool isAnimated : {true, false}) {
         const QString script = QStringLiteral("imports.gi.St.Settings.get().%1_animations()");
         stage.desktop.evaluate(script.arg(isAnimated ? "uninhibit" : "inhibit"));
+        stage.answers.clear();
         const Pair times = timesOfOpening(stage, runs);
-        std::printf("| %s | %.1f | %.1f | %.1f | 20 |\n", isAnimated ? "yes" : "no",
-                    median(times.tovek), median(times.floor),
-                    median(times.tovek) - median(times.floor));
+        const double overlays = median(times.tovek), windows = median(times.floor);
+        stage.answers.erase(stage.answers.begin()); // of the one that does not count
+        const double answer = median(stage.answers);
+        std::printf("| %s | %.1f | %.1f | %.1f | %.1f | %.1f | 20 |\n", isAnimated ? "yes" : "no",
+                    overlays, windows, answer, overlays - answer, overlays - windows);
         std::fflush(stdout);
     }
     return 0;
