@@ -110,9 +110,11 @@ bool addGrabber(Platform &platform, EarlyPlatform &early,
 {
     auto grabber = makeWaylandGrabber(early.wayland, outputs);
     if (!grabber)
-        return usePortalPictures(
-            platform, early,
-            {[outputs] { return portalDisplays(*outputs); }, &WaylandFrozenDisplay::fromImage, {}});
+        return usePortalPictures(platform, early,
+                                 {[outputs] { return portalDisplays(*outputs); },
+                                  &WaylandFrozenDisplay::fromImage,
+                                  {},
+                                  {}});
     if (dynamic_cast<KWinScreenGrabber *>(grabber.get()))
         platform.capturePermission = std::make_unique<KWinCapturePermission>();
     platform.grabber = std::move(grabber);

@@ -18,6 +18,7 @@
 #include "platform/x11/X11Resources.h"
 #include "platform/x11/capture/X11CapturePermission.h"
 #include "platform/x11/capture/X11FrontmostApp.h"
+#include "platform/x11/capture/X11GrowingDisplay.h"
 #include "platform/x11/capture/X11ScreenGrabber.h"
 #include "platform/x11/capture/X11Screens.h"
 #include "platform/x11/capture/XWayland.h"
@@ -67,14 +68,17 @@ std::shared_ptr<X11Connection> addX11Screens(Platform &platform, EarlyPlatform &
         return nullptr;
     monitors = std::make_shared<X11Monitors>(connection);
     platform.screens = std::make_unique<X11Screens>(connection, monitors);
-    platform.frontmostApp = std::make_unique<X11FrontmostApp>(connection);
     const bool isGuest = isXWayland(*connection, *monitors);
+    platform.frontmostApp = std::make_unique<X11FrontmostApp>(connection);
     const auto displays = [screens = platform.screens.get()] { return portalDisplays(*screens); };
     const auto frozen = [connection](const QImage &image) {
         // A guest may have gone while the desktop was taking the picture.
         return connection->xcb() ? X11FrozenDisplay::fromImage(connection, image) : nullptr;
     };
-    if (isGuest && usePortalPictures(platform, early, {displays, frozen, {}}))
+    const auto growing = [connection](QSize size) -> std::unique_ptr<GrowingDisplay> {
+        return X11GrowingDisplay::create(connection, size);
+    };
+    if (isGuest && usePortalPictures(platform, early, {displays, frozen, growing, {}}))
         return connection;
     platform.grabber = std::make_unique<X11ScreenGrabber>(connection, monitors);
     platform.capturePermission =

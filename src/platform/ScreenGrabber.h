@@ -27,6 +27,18 @@ public:
     virtual QFuture<QImage> pixels() = 0;
 };
 
+/// A display of which another program hands over rows of pixels, from the top, long before it says
+/// that they are what was asked for. Main thread only.
+class GrowingDisplay
+{
+public:
+    virtual ~GrowingDisplay() = default;
+    /// The next ones, in native pixels: Format_RGB32, as wide as the display.
+    virtual void addRows(const QImage &rows) = 0;
+    /// Of all rows, which are these. Null when they could not be kept.
+    virtual std::shared_ptr<FrozenDisplay> finished(const QImage &pixels) = 0;
+};
+
 /// A display that the capture service can grab.
 struct CaptureDisplay
 {

@@ -22,8 +22,9 @@ namespace tovek {
 
 namespace {
 
-/// Somebody may be unpacking photographs there.
-constexpr size_t mostAtATime = 2;
+using namespace std::chrono_literals;
+
+constexpr auto lookInterval = 25ms;
 
 } // namespace
 
@@ -53,7 +54,11 @@ struct EarlyPictures::Watch
     std::map<int, QString> folders; ///< by their numbers in events
 };
 
-EarlyPictures::EarlyPictures(QStringList folders) : m_folders(std::move(folders)) { }
+EarlyPictures::EarlyPictures(QStringList folders) : m_folders(std::move(folders))
+{
+    m_look.setInterval(lookInterval);
+    m_look.callOnTimeout([this] { look(); });
+}
 
 EarlyPictures::~EarlyPictures()
 {
@@ -99,6 +104,7 @@ void EarlyPictures::begin(std::shared_ptr<Watch> watch)
 void EarlyPictures::stop()
 {
     m_isWanted = false;
+    m_look.stop();
     m_notifier.reset();
     // The kernel takes its time to end one, ten milliseconds and more.
     if (m_watch)
@@ -106,6 +112,15 @@ void EarlyPictures::stop()
     for (const auto &[path, reading] : m_readings)
         reading.growth->set(FileGrowth::Writer::unimportant);
     m_readings.clear();
+}
+
+void EarlyPictures::look() const
+{
+    for (const auto &[path, reading] : m_readings) {
+        const auto [image, rows] = reading.growth->rows();
+        if (rows > 0 && onRows && !reading.picture.isFinished())
+            onRows(image, rows);
+    }
 }
 
 void EarlyPictures::hear()
@@ -140,6 +155,7 @@ void EarlyPictures::hear(const QString &path, uint32_t change)
     const auto picture =
         askAside<PortalPicture>([path, growth] { return readPortalPicture(path, *growth); });
     m_readings.insert_or_assign(path, Reading{picture, growth});
+    m_look.start();
     whenReady(picture, this, [this, growth](const PortalPicture &read) {
         if (onRead && growth->writer() != Writer::unimportant)
             onRead(read);

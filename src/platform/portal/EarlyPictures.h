@@ -8,6 +8,7 @@
 #include <QFuture>
 #include <QObject>
 #include <QStringList>
+#include <QTimer>
 
 #include <functional>
 #include <map>
@@ -26,6 +27,9 @@ class FileGrowth;
 class EarlyPictures : public QObject
 {
 public:
+    /// Somebody may be unpacking photographs there.
+    static constexpr size_t mostAtATime = 2;
+
     /// Those in which the desktop may leave pictures.
     explicit EarlyPictures(QStringList folders);
     ~EarlyPictures() override;
@@ -37,6 +41,9 @@ public:
     /// while the file system of a folder does not answer.
     QFuture<void> start();
     void stop();
+    /// Of as many rows, from the top, as were read of a file so far; the image gets the others
+    /// while it is held.
+    std::function<void(const QImage &image, int rows)> onRows;
     /// Of what was read of a file, before it is known whether anybody is going to name it.
     std::function<void(const PortalPicture &)> onRead;
     /// What was read of the named file, or is being read; absent when it was not seen.
@@ -50,6 +57,7 @@ private:
         QFuture<PortalPicture> picture;
         std::shared_ptr<FileGrowth> growth;
     };
+    void look() const;
     void hear();
     void hear(const QString &path, uint32_t change);
 
@@ -59,6 +67,7 @@ private:
     std::shared_ptr<Watch> m_watch; ///< null while nothing is heard
     std::unique_ptr<QSocketNotifier> m_notifier;
     std::map<QString, Reading> m_readings; ///< by path
+    QTimer m_look; ///< at how far they are
 };
 
 } // namespace tovek

@@ -3,13 +3,17 @@
 
 #pragma once
 
+#include <QImage>
+
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <utility>
 
 namespace tovek {
 
-/// What a thread that reads a file is told about whoever writes it. Any thread.
+/// What a thread that reads a file is told about whoever writes it, and tells of the picture in
+/// there. Any thread.
 class FileGrowth
 {
 public:
@@ -44,10 +48,25 @@ public:
         return m_writer;
     }
 
+    /// So many rows from the top are in the picture, which is written to further down.
+    void setRows(const QImage &picture, int rows)
+    {
+        const std::lock_guard lock(m_lock);
+        m_picture = picture;
+        m_rows = rows;
+    }
+    std::pair<QImage, int> rows() const
+    {
+        const std::lock_guard lock(m_lock);
+        return {m_picture, m_rows};
+    }
+
 private:
     mutable std::mutex m_lock;
     std::condition_variable m_change;
     Writer m_writer;
+    QImage m_picture;
+    int m_rows = 0;
 };
 
 } // namespace tovek

@@ -158,6 +158,7 @@ bool PngReader::readHeader()
     std::unique_ptr<z_stream> stream(new z_stream{});
     if (m_image.isNull() || inflateInit(stream.get()) != Z_OK)
         return false;
+    m_pixels = m_image.bits();
     m_stream.reset(stream.release());
     m_pixelBytes = kind[1] == opaqueColors ? 3 : 4;
     m_stride = 1 + width * m_pixelBytes;
@@ -212,7 +213,7 @@ bool PngReader::takeRows()
         if (m_nextRow == m_image.height()
             || !unfilterRow(row[-1], row, above, rowBytes, m_pixelBytes))
             return false;
-        auto *out = reinterpret_cast<uint32_t *>(m_image.scanLine(m_nextRow));
+        auto *out = reinterpret_cast<uint32_t *>(m_pixels + m_nextRow * m_image.bytesPerLine());
         rowToRgb32(row, size_t(m_image.width()), m_pixelBytes, out);
         ++m_nextRow;
         above = row;

@@ -30,8 +30,9 @@ public:
     /// What comes next in the file; nothing may follow the picture.
     void add(std::span<const uint8_t> bytes);
     State state() const { return m_state; }
-    /// Format_RGB32, when it is whole.
+    /// Format_RGB32, of which `rows` are there, from the top. Copies of it get the others as well.
     const QImage &image() const { return m_image; }
+    int rows() const { return m_nextRow; }
 
 private:
     struct EndInflating
@@ -66,7 +67,9 @@ private:
     size_t m_filled = 0; ///< bytes of those to come
     size_t m_pixelBytes = 0, m_stride = 0; ///< with the filter's byte
     int m_nextRow = 0;
-    QImage m_image;
+    QImage
+        m_image; ///< not to be written to but through `m_pixels`, or it would part from its copies
+    uchar *m_pixels = nullptr;
 };
 
 } // namespace tovek

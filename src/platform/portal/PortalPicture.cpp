@@ -115,6 +115,7 @@ PortalPicture growingPictureIn(const LeftFile &file, FileGrowth &growth)
         if (count > 0) {
             reader.add(std::span(bytes).first(size_t(count)));
             at += count;
+            growth.setRows(reader.image(), reader.rows());
         } else if (count == 0 && writer == Writer::writing) {
             growth.waitFor(growingTime);
         } else {

@@ -13,7 +13,9 @@
 
 #include <QDBusMessage>
 #include <QEventLoop>
+#include <QTimer>
 
+#include <algorithm>
 #include <map>
 
 namespace tovek {
@@ -26,6 +28,8 @@ using namespace std::chrono_literals;
 constexpr auto pictureLimit = 8s;
 /// A person may be asked first.
 constexpr auto questionLimit = 60s;
+/// After the overlays have come.
+constexpr auto memoryLingering = 300ms;
 
 struct PortalSnapshot
 {
@@ -67,6 +71,8 @@ PortalScreenGrabber::PortalScreenGrabber(std::shared_ptr<PortalBus> bus, Desktop
     , m_desktop(std::move(desktop))
     , m_early(m_desktop.folders)
 {
+    if (m_desktop.growing)
+        m_early.onRows = [this](const QImage &picture, int rows) { grow(picture, rows); };
     m_early.onRead = [this](const PortalPicture &picture) { prepare(picture); };
 }
 
@@ -142,8 +148,43 @@ void PortalScreenGrabber::take(const QString &uri)
             return fail(cut.error);
         const bool isPrepared =
             m_prepared && m_prepared->file == cut.file && m_prepared->displays == displays;
-        finish(isPrepared ? m_prepared->content : contentOf(cut.images, displays));
+        finish(isPrepared ? m_prepared->content : contentOf(displays, frozenOf(cut.images)));
     });
+}
+
+PortalScreenGrabber::Growing *PortalScreenGrabber::growingOf(const QImage &picture)
+{
+    const auto known = std::find_if(m_growing.begin(), m_growing.end(), [&](const Growing &one) {
+        return one.picture.constBits() == picture.constBits();
+    });
+    return known == m_growing.end() ? nullptr : &*known;
+}
+
+void PortalScreenGrabber::grow(const QImage &picture, int rows)
+{
+    Growing *growing = growingOf(picture);
+    if (!growing) {
+        if (m_growing.size() == EarlyPictures::mostAtATime)
+            return;
+        const std::vector<PortalDisplay> displays = m_desktop.displays();
+        growing = &m_growing.emplace_back(
+            Growing{picture, 0, displays, partsOfPicture(picture.size(), displays), {}});
+        const auto isWhole = [](const QRect &part, const PortalDisplay &display) {
+            return part.size() == display.native.size();
+        };
+        if (std::equal(growing->parts.begin(), growing->parts.end(), displays.begin(),
+                       displays.end(), isWhole)) {
+            for (const QRect &part : growing->parts)
+                growing->growing.push_back(m_desktop.growing(part.size()));
+        }
+    }
+    for (size_t i = 0; i < growing->growing.size(); ++i) {
+        const QRect fresh(0, growing->rows, picture.width(), rows - growing->rows);
+        const QRect part = growing->parts[i] & fresh;
+        if (growing->growing[i] && !part.isEmpty())
+            growing->growing[i]->addRows(cutOut(picture, part, part.size()));
+    }
+    growing->rows = rows;
 }
 
 void PortalScreenGrabber::prepare(const PortalPicture &picture)
@@ -157,18 +198,40 @@ void PortalScreenGrabber::prepare(const PortalPicture &picture)
             return;
         images.push_back(cutOut(picture.image, parts[i], parts[i].size()));
     }
-    if (!images.empty())
-        m_prepared = {picture.state, displays, contentOf(images, displays)};
+    if (images.empty())
+        return;
+    Growing *growing = growingOf(picture.image);
+    if (!growing || growing->displays != displays || growing->growing.size() != images.size()) {
+        m_prepared = {picture.state, displays, contentOf(displays, frozenOf(images))};
+        return;
+    }
+    grow(picture.image, picture.image.height());
+    std::vector<std::shared_ptr<FrozenDisplay>> frozen;
+    for (size_t i = 0; i < images.size(); ++i) {
+        auto grown = growing->growing[i] ? growing->growing[i]->finished(images[i]) : nullptr;
+        frozen.push_back(grown ? std::move(grown) : frozenFromImage(images[i]));
+    }
+    m_prepared = {picture.state, displays, contentOf(displays, frozen)};
 }
 
-ShareableContent PortalScreenGrabber::contentOf(const std::vector<QImage> &images,
-                                                const std::vector<PortalDisplay> &displays)
+std::vector<std::shared_ptr<FrozenDisplay>>
+PortalScreenGrabber::frozenOf(const std::vector<QImage> &images)
+{
+    std::vector<std::shared_ptr<FrozenDisplay>> frozen;
+    for (const QImage &image : images)
+        frozen.push_back(frozenFromImage(image));
+    return frozen;
+}
+
+ShareableContent
+PortalScreenGrabber::contentOf(const std::vector<PortalDisplay> &displays,
+                               const std::vector<std::shared_ptr<FrozenDisplay>> &frozen)
 {
     const auto snapshot = std::make_shared<PortalSnapshot>();
     ShareableContent content;
     for (size_t i = 0; i < displays.size(); ++i) {
         content.displays.push_back({displays[i].id, displays[i].native});
-        snapshot->displays.emplace(displays[i].id, frozenFromImage(images[i]));
+        snapshot->displays.emplace(displays[i].id, frozen[i]);
     }
     content.snapshot = snapshot;
     return content;
@@ -184,6 +247,10 @@ void PortalScreenGrabber::fail(const QString &reason)
 void PortalScreenGrabber::finish(Content content)
 {
     m_early.stop();
+    // To give so much memory back takes some milliseconds, for which nobody should wait.
+    const auto memory = std::make_shared<std::vector<Growing>>(std::move(m_growing));
+    QTimer::singleShot(memoryLingering, this, [memory] { memory->clear(); });
+    m_growing.clear();
     m_prepared.reset();
     QPromise<Content> promise = std::move(*m_running);
     m_running.reset();

@@ -38,6 +38,8 @@ public:
         std::function<std::vector<PortalDisplay>()> displays;
         /// A display as the overlays show it soonest; unset, it stays in memory.
         std::function<std::shared_ptr<FrozenDisplay>(const QImage &)> frozen;
+        /// A display of this size whose pixels are on their way; unset where nothing is won by it.
+        std::function<std::unique_ptr<GrowingDisplay>(QSize)> growing;
         /// In which pictures are read before the portal names them.
         QStringList folders;
     };
@@ -68,10 +70,22 @@ private:
         std::vector<PortalDisplay> displays;
         ShareableContent content;
     };
+    /// The same while it is written.
+    struct Growing
+    {
+        QImage picture;
+        int rows = 0;
+        std::vector<PortalDisplay> displays;
+        std::vector<QRect> parts;
+        std::vector<std::unique_ptr<GrowingDisplay>> growing; ///< none where the parts are scaled
+    };
     std::chrono::milliseconds limit() const;
+    Growing *growingOf(const QImage &picture);
+    void grow(const QImage &picture, int rows);
     void prepare(const PortalPicture &picture);
-    ShareableContent contentOf(const std::vector<QImage> &images,
-                               const std::vector<PortalDisplay> &displays);
+    std::vector<std::shared_ptr<FrozenDisplay>> frozenOf(const std::vector<QImage> &images);
+    static ShareableContent contentOf(const std::vector<PortalDisplay> &displays,
+                                      const std::vector<std::shared_ptr<FrozenDisplay>> &frozen);
     void take(const QString &uri);
     void finish(Content content);
     void fail(const QString &reason);
@@ -80,6 +94,7 @@ private:
     const Desktop m_desktop;
     std::optional<std::chrono::milliseconds> m_limit;
     EarlyPictures m_early;
+    std::vector<Growing> m_growing;
     std::optional<Prepared> m_prepared;
     std::optional<QPromise<Content>> m_running;
     QString m_failure;

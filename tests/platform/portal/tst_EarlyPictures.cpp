@@ -99,6 +99,31 @@ private Q_SLOTS:
         QCOMPARE(takePortalPicture(uri(), marked(*m_heard)).image.pixelColor(0, 0),
                  QColor(Qt::green)); // it was not read again
     }
+    void tellsOfRowsWhileTheOthersAreWritten()
+    {
+        QImage expected(300, 300, QImage::Format_RGB32);
+        for (int y = 0; y < 300; ++y) {
+            for (int x = 0; x < 300; ++x)
+                expected.setPixel(x, y, qRgb((x * y) % 251, (x * 7) ^ y, x + y));
+        }
+        QImage image;
+        int told = 0;
+        m_pictures->onRows = [&](const QImage &read, int rows) {
+            image = read;
+            told = rows;
+        };
+        const QByteArray bytes = bytesOf(expected);
+        QFile file(path());
+        QVERIFY(begin(file, bytes.first(bytes.size() / 2)));
+        QTRY_VERIFY(told > 0);
+        QVERIFY(told < 300);
+        QCOMPARE(image.copy(0, 0, 300, told), expected.copy(0, 0, 300, told));
+        QVERIFY(!m_heard);
+        file.write(bytes.mid(bytes.size() / 2));
+        QTRY_VERIFY(m_heard);
+        QCOMPARE(m_heard->image.constBits(), image.constBits());
+        QCOMPARE(image, expected);
+    }
     void readsAnotherKindOnceItIsClosed()
     {
         QFile file(path());

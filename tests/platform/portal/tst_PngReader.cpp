@@ -116,6 +116,20 @@ private Q_SLOTS:
         for (qsizetype size = 0; size < png.size(); ++size)
             QCOMPARE(read(png.first(size)), State::reading);
     }
+    void tellsWhichRowsAreThere()
+    {
+        const QImage expected = noise({300, 200}).convertToFormat(QImage::Format_RGB32);
+        const QByteArray png = pngOf(expected, 4);
+        PngReader reader(enoughMemory);
+        QCOMPARE(read(reader, png.first(png.size() / 2)), State::reading);
+        const int rows = reader.rows();
+        QVERIFY(rows > 50 && rows < 150);
+        const QImage copy = reader.image();
+        QCOMPARE(copy.copy(0, 0, 300, rows), expected.copy(0, 0, 300, rows));
+        QCOMPARE(read(reader, png.mid(png.size() / 2)), State::whole);
+        QCOMPARE(reader.rows(), 200);
+        QCOMPARE(copy, expected);
+    }
     void believesNoDamagedByte()
     {
         const QByteArray png = pngOf(windows({40, 30}), 4, -1, 100);

@@ -7,8 +7,11 @@
 #include "platform/portal/PortalTest.h"
 #include "support/Wait.h"
 
+#include <QFile>
 #include <QSignalSpy>
 #include <QUrl>
+
+#include <cstring>
 
 using namespace tovek;
 using namespace std::chrono_literals;
@@ -17,6 +20,30 @@ namespace {
 
 const std::vector<PortalDisplay> twoScreens{{11, {0, 0, 100, 80}, {0, 0, 100, 80}},
                                             {22, {100, 0, 60, 90}, {100, 0, 60, 90}}};
+
+/// Keeps the rows that it is given.
+class FakeGrowingDisplay : public GrowingDisplay
+{
+public:
+    FakeGrowingDisplay(QSize size, bool keeps) : m_image(size, QImage::Format_RGB32), m_keeps(keeps)
+    {
+    }
+    void addRows(const QImage &rows) override
+    {
+        for (int y = 0; y < rows.height(); ++y, ++m_rows)
+            std::memcpy(m_image.scanLine(m_rows), rows.constScanLine(y), size_t(rows.width()) * 4);
+    }
+    std::shared_ptr<FrozenDisplay> finished(const QImage &) override
+    {
+        const bool isWhole = m_keeps && m_rows == m_image.height();
+        return isWhole ? std::make_shared<ImageFrozenDisplay>(m_image) : nullptr;
+    }
+
+private:
+    QImage m_image;
+    int m_rows = 0;
+    bool m_keeps;
+};
 
 } // namespace
 
@@ -31,12 +58,16 @@ private Q_SLOTS:
         m_folder = std::make_unique<QTemporaryDir>();
         begin();
         m_screens = twoScreens;
-        m_frozen = 0;
+        m_frozen = m_growing = 0;
         m_grabber = std::make_unique<PortalScreenGrabber>(
             m_portalBus,
-            PortalScreenGrabber::Desktop{[this] { return m_screens; },
-                                         [this](const QImage &image) { return frozen(image); },
-                                         QStringList(m_folder->path())});
+            PortalScreenGrabber::Desktop{
+                [this] { return m_screens; }, [this](const QImage &image) { return frozen(image); },
+                [this](QSize size) {
+                    ++m_growing;
+                    return std::make_unique<FakeGrowingDisplay>(size, m_keepsRows);
+                },
+                QStringList(m_folder->path())});
     }
     void cleanup()
     {
@@ -67,6 +98,42 @@ private Q_SLOTS:
         QCOMPARE(pixels(*content.result(), 0), m_picture.copy(0, 0, 100, 80));
         QCOMPARE(pixels(*content.result(), 1), m_picture.copy(100, 0, 60, 90));
         QVERIFY(!QFile::exists(path()));
+    }
+    void showsTheRowsThatCameWhileItWasWritten_data()
+    {
+        QTest::addColumn<bool>("keeps");
+        QTest::newRow("brought by rows") << true;
+        QTest::newRow("by rows that were lost") << false;
+    }
+    void showsTheRowsThatCameWhileItWasWritten()
+    {
+        QFETCH(const bool, keeps);
+        m_keepsRows = keeps;
+        answerWithPicture({.delay = 2s}); // which makes m_picture
+        const auto content = m_grabber->freeze();
+        QFile file(path());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray bytes = file.readAll();
+        file.close();
+        // As the desktop does, by and by, in a new file.
+        for (int i = 0; i < 5 && m_growing == 0; ++i) {
+            QVERIFY(file.remove());
+            QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+            file.write(bytes.first(bytes.size() / 2));
+            (void)waitUntil([this] { return m_growing > 0; }, 100ms);
+            if (m_growing == 0)
+                file.close();
+        }
+        QCOMPARE(m_growing, 2);
+        QVERIFY(!content.isFinished());
+        file.write(bytes.mid(bytes.size() / 2));
+        file.close();
+        QVERIFY(waitUntil([&] { return content.isFinished(); }));
+        QVERIFY(content.result());
+        QCOMPARE(m_growing, 2);
+        QCOMPARE(m_frozen, keeps ? 0 : 2);
+        QCOMPARE(pixels(*content.result(), 0), m_picture.copy(0, 0, 100, 80));
+        QCOMPARE(pixels(*content.result(), 1), m_picture.copy(100, 0, 60, 90));
     }
     void cutsAnewForScreensThatCameMeanwhile()
     {
@@ -236,6 +303,8 @@ private:
     std::unique_ptr<PortalScreenGrabber> m_grabber;
     std::vector<PortalDisplay> m_screens;
     int m_frozen = 0; ///< displays that were made
+    int m_growing = 0; ///< likewise, of rows
+    bool m_keepsRows = true;
     QImage m_picture;
 };
 

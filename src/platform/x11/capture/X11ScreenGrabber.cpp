@@ -90,7 +90,7 @@ X11FrozenDisplay::fromImage(const std::shared_ptr<X11Connection> &connection, co
     const X11PixelFormat format = x11RootFormat(*setup, connection->screen());
     if (format.format != QImage::Format_Invalid && pixmap->error().isEmpty())
         putPixels(*connection, pixmap->id(), image.convertToFormat(format.format));
-    return std::shared_ptr<X11FrozenDisplay>(new X11FrozenDisplay(pixmap, image));
+    return std::make_shared<X11FrozenDisplay>(pixmap, image);
 }
 
 QFuture<QImage> X11FrozenDisplay::pixels()

@@ -16,6 +16,8 @@ class X11FrozenDisplay : public FrozenDisplay
 public:
     X11FrozenDisplay(std::shared_ptr<X11Pixmap> pixmap, std::shared_ptr<X11Barrier> barrier,
                      std::shared_ptr<X11PixelFetcher> fetcher);
+    /// One whose pixels are here as well.
+    X11FrozenDisplay(std::shared_ptr<X11Pixmap> pixmap, const QImage &image);
     /// A display whose pixels came another way; they are brought to the server.
     static std::shared_ptr<X11FrozenDisplay>
     fromImage(const std::shared_ptr<X11Connection> &connection, const QImage &image);
@@ -25,8 +27,6 @@ public:
     const std::shared_ptr<X11Pixmap> &pixmap() const { return m_pixmap; }
 
 private:
-    X11FrozenDisplay(std::shared_ptr<X11Pixmap> pixmap, const QImage &image);
-
     std::shared_ptr<X11Pixmap> m_pixmap;
     std::shared_ptr<X11Barrier> m_barrier;
     std::shared_ptr<X11PixelFetcher> m_fetcher;

@@ -2,6 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "platform/x11/X11TestDesktop.h"
+#include "platform/x11/capture/X11GrowingDisplay.h"
 #include "platform/x11/capture/X11ScreenGrabber.h"
 #include "platform/x11/capture/X11Screens.h"
 
@@ -74,6 +75,29 @@ private Q_SLOTS:
         desktop->fill(desktop->screen().root, QRect(700, 300, 9, 9), 0x00aa00aa);
         for (size_t i = 0; i < frozen.size(); ++i)
             QCOMPARE(frozen[i]->pixels().result(), before.copy(content->displays[i].native));
+    }
+
+    void keepsWhatComesInRows()
+    {
+        const QImage image = desktop->look(QRect(0, 0, 90, 50));
+        auto growing = X11GrowingDisplay::create(m_connection, image.size());
+        if (m_connection->screen().root_depth != 24) {
+            QVERIFY(!growing); // the pixels are others there
+            return;
+        }
+        QVERIFY(growing);
+        for (int y = 0; y < image.height(); y += 7) {
+            QVERIFY(!growing->finished(image));
+            growing->addRows(image.copy(0, y, image.width(), std::min(7, image.height() - y)));
+        }
+        const auto frozen = std::dynamic_pointer_cast<X11FrozenDisplay>(growing->finished(image));
+        QVERIFY(frozen);
+        growing.reset();
+        QCOMPARE(frozen->pixels().result(), image);
+        const auto barrier = std::make_shared<X11Barrier>(m_connection);
+        m_connection->flush();
+        X11PixelFetcher fetcher(m_connection);
+        QCOMPARE(fetcher.fetch(frozen->pixmap(), barrier).result(), image);
     }
 
     void keepsThePixelsWhenTheDisplayIsDropped()
