@@ -50,23 +50,14 @@ void CaptureSession::open(const Screen &starting, const ShareableContent &conten
                       return failed();
                   }
                   const QPointer<CaptureSession> self(this);
-                  openStartingScreen(*captured);
+                  openWindow(*captured, Keyboard::taken);
                   if (self)
                       openOtherScreens(starting, content);
                   if (self)
+                      showWindows();
+                  if (self)
                       fetchPixels();
               });
-}
-
-void CaptureSession::openStartingScreen(const CapturedDisplay &captured)
-{
-    const QPointer<CaptureSession> self(this);
-    openWindow(captured, Keyboard::taken);
-    if (!self)
-        return;
-    m_previousApp = m_services.frontmostApp.frontmost();
-    m_services.frontmostApp.setActivationPolicy(ActivationPolicy::accessory);
-    setCaptureCursors();
 }
 
 void CaptureSession::openOtherScreens(const Screen &starting, const ShareableContent &content)
@@ -92,12 +83,35 @@ void CaptureSession::openWindow(const CapturedDisplay &captured, Keyboard keyboa
     const QPointer<OverlayWindow> window(new OverlayWindow(context, m_services.overlayShell));
     m_windows.push_back(window);
     onNewWindow(*window);
-    // With the picture: whoever sees it presses keys for it. Without keys the session ends here.
     const QPointer<CaptureSession> self(this);
     if (keyboard == Keyboard::taken)
         window->makeKey();
-    if (self && window)
+    if (self && window && m_areShown)
         window->orderFrontRegardless();
+}
+
+/// All at once: where the display server is a guest on another desktop, every question to it waits
+/// until it has carried out what was asked before, and to show a window takes it as long as a frame.
+void CaptureSession::showWindows()
+{
+    m_areShown = true;
+    // With the picture: whoever sees it presses keys for it. Without keys the session ends here.
+    const QPointer<CaptureSession> self(this);
+    const std::vector<QPointer<OverlayWindow>> windows(m_windows.begin(), m_windows.end());
+    const auto forEach = [&](void (OverlayWindow::*act)()) {
+        for (const QPointer<OverlayWindow> &window : windows) {
+            if (self && window)
+                (window->*act)();
+        }
+    };
+    forEach(&OverlayWindow::sendToFront);
+    if (!self)
+        return;
+    m_previousApp = m_services.frontmostApp.frontmost();
+    m_services.frontmostApp.setActivationPolicy(ActivationPolicy::accessory);
+    forEach(&OverlayWindow::orderFrontRegardless);
+    if (self)
+        setCaptureCursors();
 }
 
 void CaptureSession::setCaptureCursors()

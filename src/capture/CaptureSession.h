@@ -62,15 +62,16 @@ public:
 
 private:
     enum class Keyboard { taken, left };
-    void openStartingScreen(const CapturedDisplay &captured);
     void openOtherScreens(const Screen &starting, const ShareableContent &content);
     void openWindow(const CapturedDisplay &captured, Keyboard keyboard);
+    void showWindows();
     void setCaptureCursors();
     void fetchPixels();
 
     const CaptureServices &m_services;
     const CaptureMode m_mode;
     std::vector<OverlayWindow *> m_windows;
+    bool m_areShown = false;
     CapturedDisplays m_displays;
     std::optional<Rect> m_selectedRect;
     std::optional<Screen> m_selectedScreen;

@@ -18,6 +18,8 @@ public:
     const Screen &targetScreen() const { return m_targetScreen; }
 
     void orderFrontRegardless();
+    /// See OverlaySurface.
+    void sendToFront() { m_surface->sendToFront(); }
     /// Takes the keyboard; the view is its receiver.
     void makeKey();
     bool isKey() const { return m_surface->isKey(); }

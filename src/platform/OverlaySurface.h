@@ -88,6 +88,10 @@ public:
     /// Shows the window above everything, whatever is active. When this returns, the request is
     /// on its way to the display server and nothing needs to be painted first.
     virtual void orderFrontRegardless() = 0;
+    /// That request alone; `orderFrontRegardless` must follow, and tells the toolkit. For several
+    /// screens that are to come up together: where the display server is a guest, the toolkit waits
+    /// for it while it carries out the first.
+    virtual void sendToFront() { }
     virtual void orderOut() = 0;
     virtual bool isVisible() const = 0;
     /// Brings all keys to this window, without moving the input focus of the desktop where that

@@ -41,6 +41,7 @@ private Q_SLOTS:
         f.screens.mouse = {450, 10};
         f.controller->startCapture(CaptureMode::normal);
         QCOMPARE(f.shell.events, (QStringList{"front 2", "key 2", "front 1"}));
+        QCOMPARE(f.shell.mostSent, 2); // before any of them waits for the display server
         QVERIFY(f.controller->isCapturing());
         QVERIFY(f.frontmost.policy == ActivationPolicy::accessory);
     }

@@ -3,6 +3,9 @@
 
 #include "fakes/FakeOverlayShell.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace tovek {
 
 FakeOverlaySurface::FakeOverlaySurface(FakeOverlayShell &shell, Screen screen,
@@ -23,10 +26,18 @@ FakeOverlaySurface::~FakeOverlaySurface()
 
 void FakeOverlaySurface::orderFrontRegardless()
 {
+    if (std::exchange(m_isSent, false))
+        --m_shell.sent;
     m_isVisible = true;
     m_shell.events << QStringLiteral("front %1").arg(m_screen.displayId.value_or(0));
     if (std::exchange(m_wantsKey, false))
         makeKey();
+}
+
+void FakeOverlaySurface::sendToFront()
+{
+    if (!std::exchange(m_isSent, true))
+        m_shell.mostSent = std::max(m_shell.mostSent, ++m_shell.sent);
 }
 
 void FakeOverlaySurface::orderOut()

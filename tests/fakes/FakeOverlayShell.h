@@ -19,6 +19,7 @@ public:
                        std::shared_ptr<FrozenDisplay> frozen);
     ~FakeOverlaySurface() override;
     void orderFrontRegardless() override;
+    void sendToFront() override;
     void orderOut() override;
     bool isVisible() const override { return m_isVisible; }
     void makeKey() override;
@@ -42,6 +43,7 @@ private:
     Screen m_screen;
     std::shared_ptr<FrozenDisplay> m_frozen;
     bool m_isVisible = false;
+    bool m_isSent = false;
     bool m_wantsKey = false;
 };
 
@@ -54,6 +56,8 @@ public:
 
     int preparations = 0;
     bool draws = true; ///< false: widgets must paint themselves
+    int sent = 0; ///< to the front, of which nobody may have been told
+    int mostSent = 0; ///< at a time
     QStringList events; ///< "front 1", "key 1", "out 1": with the display's number
     std::vector<FakeOverlaySurface *> surfaces; ///< alive, in order of creation
     FakeOverlaySurface *keySurface = nullptr;

@@ -75,6 +75,20 @@ private Q_SLOTS:
         QVERIFY(first().isVisible());
     }
 
+    void showsAllThatWereSentTogether()
+    {
+        for (const Screen &screen : m_screens)
+            m_desk->paintBelow(screen, after);
+        first().sendToFront();
+        second().sendToFront();
+        first().orderFrontRegardless();
+        second().orderFrontRegardless();
+        for (size_t index = 0; index < 2; ++index) {
+            QVERIFY(m_surfaces[index]->isVisible());
+            QTRY_COMPARE_WITH_TIMEOUT(m_desk->pixel(m_screens[index], {5, 5}), before, deadline);
+        }
+    }
+
     void goesWhenItIsOrderedOut()
     {
         first().orderOut(); // was not there

@@ -103,7 +103,7 @@ void X11OverlaySurface::forceNativeGeometry(uint16_t alsoRaise)
                          values);
 }
 
-void X11OverlaySurface::orderFrontRegardless()
+void X11OverlaySurface::sendToFront()
 {
     const X11Connection &connection = *m_services->connection;
     if (m_isVisible || !connection.xcb())
@@ -111,7 +111,7 @@ void X11OverlaySurface::orderFrontRegardless()
     forceNativeGeometry(XCB_CONFIG_WINDOW_STACK_MODE);
     xcb_map_window(connection.xcb(), id());
     connection.flush();
-    m_isVisible = true;
+    m_isVisible = m_isSent = true;
     if (std::exchange(m_wantsKey, false)) {
         // A guest answers once it has copied the picture into the window, which the desktop shows
         // still later: the overlays of the other screens go first.
@@ -121,7 +121,15 @@ void X11OverlaySurface::orderFrontRegardless()
         else
             makeKey();
     }
-    // The screen is right from here on; the rest tells the toolkit.
+}
+
+void X11OverlaySurface::orderFrontRegardless()
+{
+    const X11Connection &connection = *m_services->connection;
+    sendToFront();
+    if (!std::exchange(m_isSent, false) || !connection.xcb())
+        return;
+    // The screen is right already; this tells the toolkit.
     m_window.setVisible(true);
     forceNativeGeometry(0);
     m_services->stacking.add(id(), m_screen.native);
@@ -135,7 +143,7 @@ void X11OverlaySurface::orderOut()
     const X11Connection &connection = *m_services->connection;
     if (!m_isVisible || !connection.xcb())
         return;
-    m_isVisible = false;
+    m_isVisible = m_isSent = false;
     m_services->keyboard.release(m_window);
     m_services->stacking.remove(id());
     m_pointer.stop();

@@ -41,6 +41,7 @@ public:
                       const Screen &screen, std::shared_ptr<X11FrozenDisplay> frozen);
     ~X11OverlaySurface() override;
     void orderFrontRegardless() override;
+    void sendToFront() override;
     void orderOut() override;
     bool isVisible() const override { return m_isVisible; }
     void makeKey() override;
@@ -74,6 +75,7 @@ private:
     std::optional<DisplayList> m_waiting; ///< came while the gate was closed
     QRegion m_covered; ///< native pixels
     bool m_isVisible = false;
+    bool m_isSent = false; ///< and the toolkit does not know yet
     bool m_wantsKey = false;
     bool m_isForwarding = false;
 };
