@@ -69,7 +69,9 @@ std::shared_ptr<X11Connection> addX11Screens(Platform &platform, EarlyPlatform &
     monitors = std::make_shared<X11Monitors>(connection);
     platform.screens = std::make_unique<X11Screens>(connection, monitors);
     const bool isGuest = isXWayland(*connection, *monitors);
-    platform.frontmostApp = std::make_unique<X11FrontmostApp>(connection);
+    using Server = X11FrontmostApp::Server;
+    platform.frontmostApp =
+        std::make_unique<X11FrontmostApp>(connection, isGuest ? Server::guest : Server::own);
     const auto displays = [screens = platform.screens.get()] { return portalDisplays(*screens); };
     const auto frozen = [connection](const QImage &image) {
         // A guest may have gone while the desktop was taking the picture.

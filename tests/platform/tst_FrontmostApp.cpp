@@ -148,6 +148,24 @@ private Q_SLOTS:
         QVERIFY(m_first && m_second && m_first != m_second);
         m_desk->settle(); // a window manager goes on for a moment with a window that is new
     }
+
+    void takesOnlyAGuestsClientForAProgram()
+    {
+        QFETCH_GLOBAL(bool, isReal);
+        if (!isReal)
+            return; // there is no server
+        const X11FrontmostApp guests(X11Connection::create(), X11FrontmostApp::Server::guest);
+        QVERIFY(guests.frontmost());
+        QCOMPARE(guests.frontmost(), m_desk->frontmostApp().frontmost());
+        // Mutter calls a window of its own the active one.
+        const XConnection client(desktop->displayName());
+        const uint32_t none = client.root() + 1;
+        xcb_change_property(client, XCB_PROP_MODE_REPLACE, client.root(),
+                            client.atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, 32, 1, &none);
+        client.sync();
+        QVERIFY(m_desk->frontmostApp().frontmost());
+        QVERIFY(!guests.frontmost());
+    }
     void cleanup() { m_desk.reset(); }
 
     void namesTheProgramThatTheUserClicked()

@@ -7,6 +7,7 @@
 #include <QGuiApplication>
 #include <QWindow>
 
+#include <algorithm>
 #include <utility>
 
 namespace tovek {
@@ -15,6 +16,7 @@ namespace {
 
 /// Who asks, in messages to the window manager: an application, not a pager.
 constexpr uint32_t fromApplication = 1;
+constexpr uint32_t mostClients = 4096;
 
 /// Ordinary windows belong into the taskbar; overlays, toasts and menus never do.
 bool isOrdinary(const QWindow &window)
@@ -25,8 +27,9 @@ bool isOrdinary(const QWindow &window)
 
 } // namespace
 
-X11FrontmostApp::X11FrontmostApp(std::shared_ptr<X11Connection> connection)
+X11FrontmostApp::X11FrontmostApp(std::shared_ptr<X11Connection> connection, Server server)
     : m_connection(std::move(connection))
+    , m_server(server)
 {
     // Sees each window as it is shown for the first time; the policy holds for that one too.
     qApp->installEventFilter(this);
@@ -42,6 +45,8 @@ std::optional<RunningApplication> X11FrontmostApp::frontmost() const
         && focus->focus != m_connection->root())
         application.focus = focus->focus;
     application.window = number(m_connection->root(), X11Atom::activeWindow).value_or(0);
+    if (m_server == Server::guest && !isClient(xcb_window_t(application.window)))
+        return std::nullopt;
     if (!application.window)
         application.window = application.focus;
     if (application.focus == application.window)
@@ -203,6 +208,22 @@ bool X11FrontmostApp::hasWindowManager() const
     // The window that the property names dies with the window manager; the property does not.
     const auto check = number(m_connection->root(), X11Atom::supportingWmCheck);
     return check && number(*check, X11Atom::supportingWmCheck) == check;
+}
+
+/// Mutter (48) calls a window of its own the active one for as long as the keyboard belongs to a
+/// program that the server does not see, and takes a focus that is given back to that for nobody's.
+bool X11FrontmostApp::isClient(xcb_window_t window) const
+{
+    xcb_connection_t *xcb = m_connection->xcb();
+    const auto cookie =
+        xcb_get_property(xcb, 0, m_connection->root(), m_connection->atom(X11Atom::clientList),
+                         XCB_ATOM_WINDOW, 0, mostClients);
+    const X11Reply<xcb_get_property_reply_t> list(xcb_get_property_reply(xcb, cookie, nullptr));
+    if (!list || list->format != 32)
+        return false;
+    const auto *first = static_cast<xcb_window_t *>(xcb_get_property_value(list.get()));
+    const auto *end = first + size_t(xcb_get_property_value_length(list.get())) / sizeof *first;
+    return std::find(first, end, window) != end;
 }
 
 std::optional<uint32_t> X11FrontmostApp::number(xcb_window_t window, X11Atom property) const

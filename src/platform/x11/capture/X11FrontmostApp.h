@@ -14,7 +14,12 @@ namespace tovek {
 class X11FrontmostApp : public QObject, public FrontmostApp
 {
 public:
-    explicit X11FrontmostApp(std::shared_ptr<X11Connection> connection);
+    /// A guest's server on a Wayland desktop sees the windows of some programs only, and the
+    /// desktop itself gives the keyboard back to the others.
+    enum class Server { own, guest };
+
+    explicit X11FrontmostApp(std::shared_ptr<X11Connection> connection,
+                             Server server = Server::own);
     std::optional<RunningApplication> frontmost() const override;
     std::optional<QRect> activeWindowFrame() const override;
     void activate(const RunningApplication &application) override;
@@ -30,11 +35,13 @@ private:
     void requestActivation(xcb_window_t window) const;
     void sendToRoot(xcb_window_t window, xcb_atom_t type, std::array<uint32_t, 5> data) const;
     bool hasWindowManager() const;
+    bool isClient(xcb_window_t window) const;
     /// What a program that draws its own frame draws around it as well.
     QMargins drawnShadow(xcb_window_t window) const;
     std::optional<uint32_t> number(xcb_window_t window, X11Atom property) const;
 
     std::shared_ptr<X11Connection> m_connection;
+    const Server m_server;
     ActivationPolicy m_policy = ActivationPolicy::accessory;
 };
 
