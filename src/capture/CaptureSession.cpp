@@ -91,7 +91,8 @@ void CaptureSession::openWindow(const CapturedDisplay &captured, Keyboard keyboa
 }
 
 /// All at once: where the display server is a guest on another desktop, every question to it waits
-/// until it has carried out what was asked before, and to show a window takes it as long as a frame.
+/// until it has carried out what was asked before, and to show a window takes it as long as a
+/// frame.
 void CaptureSession::showWindows()
 {
     m_areShown = true;
