@@ -21,8 +21,8 @@ desktop_packages=(
     tesseract-ocr-rus thunar trayer wl-clipboard wtype x11-xkb-utils x11-xserver-utils xauth xclip xfonts-base xfonts-terminus xscreensaver xterm xvfb
     xwayland zsh
 )
-# For the tests on GNOME, which skip without them: some hundred megabytes, which nothing installs by
-# itself.
+# For the tests on GNOME, which skip without them: some hundred megabytes, which only scripts/systems
+# installs by itself.
 gnome_packages=(gnome-settings-daemon gnome-shell pipewire procps wireplumber xdg-desktop-portal
     xdg-desktop-portal-gnome)
 # For bench/run, which installs nothing: a notification server is not for everybody's desktop.
