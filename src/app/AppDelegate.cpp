@@ -108,6 +108,8 @@ OverlayController::Services AppDelegate::overlayServices()
     };
     services.didOpen = [this](CaptureMode mode) {
         m_services.prepareSound();
+        if (learnColors)
+            learnColors();
         if (m_services.ocrService && mode != CaptureMode::copyImage)
             m_services.ocrService->prepare();
     };
@@ -123,6 +125,12 @@ OverlayController::Services AppDelegate::overlayServices()
         };
     }
     return services;
+}
+
+void AppDelegate::setDesktopDark(bool isDark)
+{
+    if (m_services.toast)
+        m_services.toast->isDesktopDark = isDark;
 }
 
 void AppDelegate::applicationDidFinishLaunching(Launch launch, HotkeyManager &hotkeys)

@@ -42,6 +42,8 @@ public:
     void setStatusItemVisible(bool isVisible);
 
     std::function<void()> prepareWindow; ///< before each window of the delegate's
+    std::function<void()> learnColors; ///< while nobody waits, and before most toasts
+    void setDesktopDark(bool isDark);
 
     OverlayController &overlayController() { return m_overlayController; }
     /// What is being saved; to be kept until the clipboard has been handed over.

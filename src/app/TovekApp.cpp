@@ -42,6 +42,8 @@ TovekApp::TovekApp(Platform &platform, UserDefaults &defaults, UpdateConfigurati
         makeWayFor(program);
     };
     m_appDelegate.prepareWindow = [this] { m_windowLook.prepare(); };
+    m_appDelegate.learnColors = [this] { m_windowLook.learn(); };
+    m_windowLook.onTold = [this](bool isDark) { m_appDelegate.setDesktopDark(isDark); };
     m_settingsTabs.setStatusItemVisible = [this](bool isVisible) {
         m_appDelegate.setStatusItemVisible(isVisible);
     };

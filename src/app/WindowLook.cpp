@@ -8,6 +8,8 @@
 #include "platform/WindowColors.h"
 #include "update/Updater.h"
 
+#include <utility>
+
 namespace tovek {
 
 namespace {
@@ -40,17 +42,33 @@ WindowLook::~WindowLook()
 void WindowLook::prepare()
 {
     m_isUsed = true;
-    use(m_colors ? m_colors->theme() : WindowTheme());
+    const WindowTheme theme = m_colors ? m_colors->theme() : WindowTheme();
+    use(theme);
+    tell(theme);
+}
+
+void WindowLook::learn()
+{
+    if (m_colors && !std::exchange(m_isAsked, true))
+        follow();
+}
+
+void WindowLook::tell(const WindowTheme &theme)
+{
+    m_isAsked = true;
+    if (onTold)
+        onTold(theme.isDark);
 }
 
 void WindowLook::follow()
 {
-    if (!m_isUsed && !m_updater.isRunning())
+    if (!m_isUsed && !m_isAsked && !m_updater.isRunning())
         return;
     whenReady(m_colors->ask(), this, [this](const WindowTheme &theme) {
         m_updater.setWindows(theme.isDark, theme.accent);
         if (m_isUsed)
             use(theme);
+        tell(theme);
     });
 }
 

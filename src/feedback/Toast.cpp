@@ -39,10 +39,9 @@ std::chrono::milliseconds durationOf(const QString &message)
     return std::min<std::chrono::milliseconds>(shownFor + more, shownAtMost);
 }
 
-ToastAppearance systemAppearance()
+bool isPaletteDark()
 {
-    const QColor window = QGuiApplication::palette().color(QPalette::Window);
-    return window.lightness() < 128 ? ToastAppearance::dark : ToastAppearance::light;
+    return QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
 }
 
 /// The panel's place in native pixels, of a whole number of them.
@@ -66,6 +65,7 @@ public:
         Size content;
         double scale = 1;
         QRect native;
+        ToastAppearance appearance = ToastAppearance::light;
     };
 
     Panel(Clock &clock, ToastView view, Place place)
@@ -106,7 +106,7 @@ public:
         m_below = known.isNull() ? shell.pixelsBelow(m_native)
                                  : known.convertToFormat(QImage::Format_ARGB32_Premultiplied);
         const double presence = m_picture.presence;
-        m_picture = makeToastPicture(m_view, m_place.content, m_place.scale, systemAppearance(),
+        m_picture = makeToastPicture(m_view, m_place.content, m_place.scale, m_place.appearance,
                                      QGuiApplication::font(), symbols, m_below);
         m_picture.presence = presence;
         m_needsBelow = !shell.blends();
@@ -197,7 +197,12 @@ std::unique_ptr<Toast::Panel> Toast::makePanel(const QString &message, const QSt
                                                const std::optional<Screen> &target)
 {
     const ToastView view{message, icon, false};
-    Panel::Place place{target, {}, target ? target->scale : 1, {}};
+    Panel::Place place{target,
+                       {},
+                       target ? target->scale : 1,
+                       {},
+                       isDesktopDark || isPaletteDark() ? ToastAppearance::dark
+                                                        : ToastAppearance::light};
     place.content = ToastGeometry::contentSize(toastIntrinsicSize(view, QGuiApplication::font()));
     if (target) {
         place.content.width = std::min(place.content.width,

@@ -40,6 +40,8 @@ public:
     /// While the screens are frozen: the frozen pixels in a rectangle (native, y down, global), as
     /// what lies below a toast is not on the screen itself then. A null image: not frozen.
     std::function<QImage(QRect native)> frozenPixels;
+    /// The desktop says that it is dark. The toolkit's palette may say so too, or not know.
+    bool isDesktopDark = false;
 
 private:
     class Panel;

@@ -110,6 +110,26 @@ private Q_SLOTS:
         colors.turn(false);
     }
 
+    /// Where no window was opened yet, for what lies on the screen without one.
+    void tellsWhatIsNoWindow()
+    {
+        Colors colors;
+        colors.wanted.isDark = true;
+        Updates updates;
+        WindowLook look(&colors, updates.updater);
+        QList<bool> told;
+        look.onTold = [&](bool dark) { told << dark; };
+        look.learn();
+        QTRY_COMPARE(told, QList<bool>{true});
+        QVERIFY(!isDark());
+        look.learn();
+        QCOMPARE(colors.questions, 1);
+        colors.turn(false);
+        QTRY_COMPARE(told, (QList<bool>{true, false}));
+        look.prepare();
+        QCOMPARE(told, (QList<bool>{true, false, false}));
+    }
+
     void tellsTheProgramThatUpdates()
     {
         Colors colors;

@@ -25,9 +25,12 @@ private:
         FakeScreens screens;
         FakeToastShell shell;
         QStringList symbols;
+        std::function<void(const QColor &)> onSymbol;
         Toast toast{clock, screens, shell,
-                    [this](const QString &name, const QColor &, double, double scale) {
+                    [this](const QString &name, const QColor &color, double, double scale) {
                         symbols << name;
+                        if (onSymbol)
+                            onSymbol(color);
                         QImage image(16, 16, QImage::Format_ARGB32_Premultiplied);
                         image.fill(Qt::red);
                         image.setDevicePixelRatio(scale);
@@ -69,6 +72,35 @@ private Q_SLOTS:
         s.toast.show(QStringLiteral("x"), QStringLiteral("doc.text"), second);
         QTEST(s.window().native, "native");
         QCOMPARE(s.window().shown.size(), s.window().native.size());
+    }
+
+    void isDarkOnADarkDesktop_data()
+    {
+        QTest::addColumn<bool>("isDesktopDark");
+        QTest::addColumn<QColor>("window");
+        QTest::addColumn<bool>("isDark");
+        const QColor light(239, 239, 239);
+        const QColor dark(42, 42, 42);
+        QTest::newRow("light") << false << light << false;
+        QTest::newRow("the palette knows") << false << dark << true;
+        QTest::newRow("the desktop tells") << true << light << true;
+        QTest::newRow("both say so") << true << dark << true;
+    }
+    void isDarkOnADarkDesktop()
+    {
+        QFETCH(bool, isDesktopDark);
+        QFETCH(QColor, window);
+        const QPalette before = QGuiApplication::palette();
+        QPalette palette = before;
+        palette.setColor(QPalette::Window, window);
+        QGuiApplication::setPalette(palette);
+        Setup s;
+        s.toast.isDesktopDark = isDesktopDark;
+        QColor symbol;
+        s.onSymbol = [&](const QColor &color) { symbol = color; };
+        s.show();
+        QGuiApplication::setPalette(before);
+        QTEST(symbol.lightness() > 128, "isDark");
     }
 
     void needsNoScreen()
