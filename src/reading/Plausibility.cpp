@@ -159,15 +159,22 @@ void dropCrowded(std::vector<std::vector<ReadWord>> &lines)
             && both.width() > std::min(a.width(), b.width()) * mostCovered;
     };
     const std::vector<std::vector<ReadWord>> all = lines;
+    // Most lines are nowhere near a word: of a large page's thousands, few words are compared.
+    std::vector<QRect> bounds(all.size());
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        for (const ReadWord &word : all[i])
+            bounds[i] |= word.box;
+    }
     for (std::size_t i = 0; i < lines.size(); ++i) {
         std::erase_if(lines[i], [&](const ReadWord &word) {
             // Ideographs are words by themselves, and their lines stand close.
             if (word.text.size() > mostLettersInIcon || scriptOf(word.text) == Script::words)
                 return false;
             for (std::size_t k = 0; k < all.size(); ++k) {
-                if (k != i && std::any_of(all[k].begin(), all[k].end(), [&](const ReadWord &other) {
-                        return covers(word.box, other.box);
-                    }))
+                if (k != i && bounds[k].intersects(word.box)
+                    && std::any_of(all[k].begin(), all[k].end(), [&](const ReadWord &other) {
+                           return covers(word.box, other.box);
+                       }))
                     return true;
             }
             return false;
