@@ -3,11 +3,13 @@
 
 #include "reading/KnownGlyphs.h"
 
+#include "reading/GlyphView.h"
 #include "reading/InkSegments.h"
 #include "reading/SharedReadings.h"
 #include "reading/TextRuns.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 
 namespace tovek {
@@ -18,15 +20,17 @@ namespace {
 constexpr double sureOfGlyph = 85;
 /// Half sure is what was named by its shape alone.
 constexpr double namedByShape = 50;
-/// Readings that a look must have, and how many of them must agree; beside certain characters
-/// fewer are needed, but then all agree.
+/// Readings that a look must have; with the network of glyphs for a witness one is enough.
 constexpr int leastVotes = 2;
-constexpr double agreement = 0.98;
+constexpr float sureWitness = 0.5F;
+/// The same of a look of two characters, beside others of certain kinds.
+constexpr int leastAmid = 4;
+/// The share of a look's readings that may be other than the rest: of characters that fonts draw
+/// alike, and of those that no font does, where the engine was mistaken.
+constexpr double mostAlike = 0.02;
+constexpr double mostMistaken = 0.25;
 /// Of a clear majority, the part that may be read with a neighbour's mark.
 constexpr int mostWithMore = 10;
-/// Gaps that must have been seen, and the share of them that may be misread.
-constexpr std::size_t leastGaps = 20;
-constexpr double misread = 0.02;
 /// The most pieces of one character, as the double quote has two.
 constexpr std::size_t mostGlyphPieces = 3;
 
@@ -48,7 +52,7 @@ std::vector<std::uint8_t> inkOf(const InkMap &ink, const QRect &box)
 
 /// What all agree on; nothing where they do not. A reading with more around it ("'d" beside many
 /// d) is the same, with a mark that belongs to its neighbour.
-std::optional<QString> agreed(const std::map<QString, int> &votes, int least, double share)
+std::optional<QString> agreed(const std::map<QString, int> &votes, int least)
 {
     const auto best =
         std::max_element(votes.begin(), votes.end(),
@@ -56,11 +60,13 @@ std::optional<QString> agreed(const std::map<QString, int> &votes, int least, do
     if (best == votes.end() || best->first.isEmpty())
         return std::nullopt;
     int all = 0;
+    int alike = 0;
     for (const auto &[text, count] : votes) {
         const bool hasMore = text.size() > best->first.size() && text.contains(best->first);
         all += hasMore && count * mostWithMore <= best->second ? 0 : count;
+        alike += text != best->first && !text.isEmpty() && isAlike(text, best->first) ? count : 0;
     }
-    if (all < least || best->second < all * share)
+    if (all < least || alike > all * mostAlike || all - best->second > all * mostMistaken)
         return std::nullopt;
     return best->first;
 }
@@ -84,9 +90,39 @@ UnitText unitAt(const std::vector<InkSymbol> &symbols, std::size_t i)
     return unit;
 }
 
-int quarters(double capHeight)
+/// The kind of a character beside another; none at a word's end.
+int neighbourKind(const QString &text)
 {
-    return int(std::lround(capHeight * 4));
+    const QChar c = text.isEmpty() ? QChar(' ') : text.at(0);
+    return c.isSpace() ? 0 : c.isLower() ? 1 : c.isUpper() ? 2 : c.isDigit() ? 3 : 4;
+}
+
+/// Whether the network sees in a glyph what was read there. Of letters that run together it sees
+/// only that they are several; bars and rings it cannot tell from each other.
+bool showsText(const GlyphNet::Glyph &glyph, const QString &text)
+{
+    static const QString oneShape = QStringLiteral("lI|10Oo");
+    if (text.isEmpty() || oneShape.contains(text))
+        return false;
+    const char16_t c = text.size() == 1 ? text.at(0).unicode() : u'\0';
+    const int kind = text.size() > 1 ? GlyphNet::severalLetters
+        : c > u' ' && c <= u'~'      ? c - u'!'
+                                     : GlyphNet::otherLetter;
+    return GlyphNet::trained().classify(glyph)[std::size_t(kind)] >= sureWitness;
+}
+
+/// What most readings are, whoever agrees.
+QString usualText(const std::map<QString, int> &votes)
+{
+    const auto best =
+        std::max_element(votes.begin(), votes.end(),
+                         [](const auto &a, const auto &b) { return a.second < b.second; });
+    return best == votes.end() ? QString() : best->first;
+}
+
+int gapBetween(const QRect &left, const QRect &right)
+{
+    return right.left() - left.right() - 1;
 }
 
 } // namespace
@@ -95,32 +131,42 @@ void KnownGlyphs::learn(const std::vector<ReadPiece> &pieces)
 {
     for (const ReadPiece &piece : pieces) {
         const auto &symbols = piece.symbols;
-        Gaps &gaps = m_gaps[quarters(piece.metrics.capHeight)];
         for (std::size_t i = 0; i < symbols.size();) {
             const UnitText unit = unitAt(symbols, i);
-            const std::size_t next = i + unit.count;
             // What was named from here says nothing new.
             const bool isRead = unit.least != namedByShape && !symbols[i].isByLook;
-            if (i > 0 && isRead && !symbols[i - 1].isByLook) {
-                const int gap = symbols[i].unit.left() - symbols[i - 1].unit.right() - 1;
-                (symbols[i].startsWord ? gaps.blanks : gaps.letters).push_back(gap);
-            }
-            if (isRead && !symbols[i].glyph.empty()) {
-                Glyph *glyph = find(keyOf(symbols[i].unit, piece.metrics), symbols[i].glyph,
-                                    piece.metrics.capHeight);
-                const QString text = unit.least >= sureOfGlyph ? unit.text : QString();
-                ++glyph->votes[text];
-                glyph->confidence += unit.least;
-                ++glyph->places;
-                const bool isFirst = i == 0 || symbols[i].startsWord;
-                const bool isLast = next == symbols.size() || symbols[next].startsWord;
-                const QString before = isFirst ? QString() : symbols[i - 1].text;
-                const QString after = isLast ? QString() : symbols[next].text;
-                ++glyph->between[{before, after}][text];
-            }
-            i = next;
+            if (i > 0 && isRead && !symbols[i - 1].isByLook)
+                m_gaps.learn(piece.metrics.capHeight,
+                             {gapBetween(symbols[i - 1].unit, symbols[i].unit), symbols[i - 1].text,
+                              symbols[i].text},
+                             symbols[i].startsWord);
+            if (isRead && !symbols[i].glyph.empty())
+                learnGlyph(symbols, i, i + unit.count, piece.metrics);
+            i += unit.count;
         }
     }
+}
+
+void KnownGlyphs::learnGlyph(const std::vector<InkSymbol> &symbols, std::size_t from,
+                             std::size_t to, const LetterMetrics &metrics)
+{
+    const InkSymbol &first = symbols[from];
+    const UnitText unit = unitAt(symbols, from);
+    const QString text = unit.least >= sureOfGlyph ? unit.text : QString();
+    Glyph *glyph = find(keyOf(first.unit, metrics), first.glyph, metrics.capHeight);
+    if (glyph->places == 0) {
+        glyph->unit = first.unit;
+        glyph->metrics = metrics;
+    }
+    ++glyph->votes[text];
+    glyph->confidence += unit.least;
+    ++glyph->places;
+    const bool isFirst = from == 0 || first.startsWord;
+    const bool isLast = to == symbols.size() || symbols[to].startsWord;
+    const QString before = isFirst ? QString() : symbols[from - 1].text;
+    const QString after = isLast ? QString() : symbols[to].text;
+    ++glyph->between[{before, after}][text];
+    ++glyph->amid[{neighbourKind(before), neighbourKind(after)}][text];
 }
 
 KnownGlyphs::Glyph *KnownGlyphs::find(const QByteArray &key, const std::vector<std::uint8_t> &ink,
@@ -129,8 +175,10 @@ KnownGlyphs::Glyph *KnownGlyphs::find(const QByteArray &key, const std::vector<s
     if (const Glyph *glyph = std::as_const(*this).find(key, ink, capHeight))
         return const_cast<Glyph *>(glyph);
     std::vector<Glyph> &glyphs = m_glyphs[key];
-    glyphs.push_back({ink, capHeight, 0, 0, {}, {}});
-    return &glyphs.back();
+    Glyph &added = glyphs.emplace_back();
+    added.ink = ink;
+    added.capHeight = capHeight;
+    return &added;
 }
 
 const KnownGlyphs::Glyph *KnownGlyphs::find(const QByteArray &key,
@@ -145,26 +193,6 @@ const KnownGlyphs::Glyph *KnownGlyphs::find(const QByteArray &key,
             && looksLike(one.ink, ink);
     });
     return found == glyphs->end() ? nullptr : &*found;
-}
-
-std::optional<std::pair<int, int>> KnownGlyphs::gapsOf(double capHeight) const
-{
-    Gaps all;
-    for (auto it = m_gaps.lower_bound(quarters(capHeight * (1 - sameFont)));
-         it != m_gaps.end() && it->first <= quarters(capHeight * (1 + sameFont)); ++it) {
-        all.letters.insert(all.letters.end(), it->second.letters.begin(), it->second.letters.end());
-        all.blanks.insert(all.blanks.end(), it->second.blanks.begin(), it->second.blanks.end());
-    }
-    if (std::min(all.letters.size(), all.blanks.size()) < leastGaps)
-        return std::nullopt;
-    std::sort(all.letters.begin(), all.letters.end());
-    std::sort(all.blanks.begin(), all.blanks.end());
-    const int widestLetter =
-        all.letters[std::size_t(double(all.letters.size() - 1) * (1 - misread))];
-    const int narrowestBlank = all.blanks[std::size_t(double(all.blanks.size() - 1) * misread)];
-    if (widestLetter >= narrowestBlank)
-        return std::nullopt;
-    return std::pair(widestLetter, narrowestBlank);
 }
 
 std::vector<KnownGlyphs::Unit> KnownGlyphs::unitsOf(const InkMap &ink, const PageRun &run) const
@@ -195,6 +223,33 @@ std::vector<KnownGlyphs::Unit> KnownGlyphs::unitsOf(const InkMap &ink, const Pag
     return units;
 }
 
+bool KnownGlyphs::isWitnessed(const Glyph &glyph)
+{
+    const std::atomic_ref<std::uint8_t> witness(glyph.witness);
+    if (witness == unasked)
+        witness = showsText(glyphView(glyph.ink, glyph.unit, glyph.metrics), usualText(glyph.votes))
+            ? agrees
+            : disagrees;
+    return witness == agrees;
+}
+
+std::optional<QString> KnownGlyphs::textOf(const Glyph &glyph)
+{
+    return agreed(glyph.votes, glyph.places == 1 && isWitnessed(glyph) ? 1 : leastVotes);
+}
+
+std::optional<QString> KnownGlyphs::textBetween(const Glyph &glyph, const QString &before,
+                                                const QString &after)
+{
+    const auto exactly = glyph.between.find({before, after});
+    if (exactly != glyph.between.end()) {
+        if (const auto text = agreed(exactly->second, 1))
+            return text;
+    }
+    const auto roughly = glyph.amid.find({neighbourKind(before), neighbourKind(after)});
+    return roughly == glyph.amid.end() ? std::nullopt : agreed(roughly->second, leastAmid);
+}
+
 KnownGlyphs::Word KnownGlyphs::wordOf(const std::vector<Unit> &units) const
 {
     Word word;
@@ -202,23 +257,21 @@ KnownGlyphs::Word KnownGlyphs::wordOf(const std::vector<Unit> &units) const
     bool isKnown = true;
     for (const Unit &unit : units) {
         word.box |= unit.box;
-        const auto text =
-            unit.glyph ? agreed(unit.glyph->votes, leastVotes, agreement) : std::nullopt;
-        texts.push_back(text.value_or(QString()));
+        texts.push_back(unit.glyph ? textOf(*unit.glyph).value_or(QString()) : QString());
         isKnown = isKnown && unit.glyph;
     }
+    const auto neighbour = [&](std::size_t i) {
+        return texts[i].isEmpty() ? usualText(units[i].glyph->votes) : texts[i];
+    };
     for (std::size_t i = 0; isKnown && i < units.size(); ++i) {
         if (!texts[i].isEmpty())
             continue;
         // One look of two characters, such as l and I: the characters beside it tell.
-        const QString before = i > 0 ? texts[i - 1].right(1) : QString();
-        const QString after = i + 1 < units.size() ? texts[i + 1].left(1) : QString();
+        const QString before = i > 0 ? neighbour(i - 1).right(1) : QString();
+        const QString after = i + 1 < units.size() ? neighbour(i + 1).left(1) : QString();
         const bool isTold =
             (i == 0 || !before.isEmpty()) && (i + 1 == units.size() || !after.isEmpty());
-        const auto votes = units[i].glyph->between.find({before, after});
-        const auto text = isTold && votes != units[i].glyph->between.end()
-            ? agreed(votes->second, 1, 1)
-            : std::nullopt;
+        const auto text = isTold ? textBetween(*units[i].glyph, before, after) : std::nullopt;
         isKnown = text.has_value();
         texts[i] = text.value_or(QString());
     }
@@ -243,11 +296,21 @@ KnownGlyphs::Word KnownGlyphs::wordOf(const std::vector<Unit> &units) const
     return word;
 }
 
+std::optional<bool> KnownGlyphs::isBlank(const Unit &left, const Unit &right,
+                                         double capHeight) const
+{
+    if (!left.glyph || !right.glyph)
+        return std::nullopt;
+    return m_gaps.isBlank(capHeight,
+                          {gapBetween(left.box, right.box), usualText(left.glyph->votes).right(1),
+                           usualText(right.glyph->votes).left(1)});
+}
+
 std::optional<std::vector<KnownGlyphs::Word>> KnownGlyphs::read(const InkMap &map,
                                                                 const PageRun &run) const
 {
-    const auto gaps = gapsOf(run.metrics.capHeight);
-    if (!gaps)
+    const auto limits = m_gaps.limits(run.metrics.capHeight);
+    if (!limits)
         return std::nullopt;
     std::vector<Unit> units = unitsOf(evenInk(map, run.text, run.metrics), run);
     std::vector<Word> words;
@@ -263,10 +326,15 @@ std::optional<std::vector<KnownGlyphs::Word>> KnownGlyphs::read(const InkMap &ma
         isDoubtful = false;
     };
     for (Unit &unit : units) {
-        const int gap = word.empty() ? 0 : unit.box.left() - word.back().box.right() - 1;
-        if (!word.empty() && gap >= gaps->second)
-            finish();
-        isDoubtful = isDoubtful || (gap > gaps->first && !word.empty());
+        if (!word.empty()) {
+            const int gap = gapBetween(word.back().box, unit.box);
+            std::optional<bool> isBlankHere = gap >= limits->narrowestBlank;
+            if (gap > limits->widestLetter && gap < limits->narrowestBlank)
+                isBlankHere = isBlank(word.back(), unit, run.metrics.capHeight);
+            isDoubtful = isDoubtful || !isBlankHere;
+            if (isBlankHere.value_or(false))
+                finish();
+        }
         word.push_back(unit);
     }
     finish();

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "reading/KnownGaps.h"
 #include "reading/PageReading.h"
 
 #include <QByteArray>
@@ -33,6 +34,7 @@ public:
 
 private:
     using Votes = std::map<QString, int>;
+    enum Witness : std::uint8_t { unasked, agrees, disagrees };
     /// One look.
     struct Glyph
     {
@@ -40,13 +42,14 @@ private:
         double capHeight = 0;
         double confidence = 0; ///< the sum over all places where it was read
         int places = 0;
+        QRect unit{}; ///< where it was read first
+        LetterMetrics metrics{};
+        /// Whether the network sees in it what was read there; asked for when it is needed first,
+        /// by whichever thread.
+        mutable std::uint8_t witness = unasked;
         Votes votes;
         std::map<std::pair<QString, QString>, Votes> between; ///< by the characters beside it
-    };
-    /// The gaps between letters, and those where words begin, of one size.
-    struct Gaps
-    {
-        std::vector<int> letters, blanks;
+        std::map<std::pair<int, int>, Votes> amid; ///< by their kinds
     };
     struct Unit
     {
@@ -57,13 +60,19 @@ private:
     Glyph *find(const QByteArray &key, const std::vector<std::uint8_t> &ink, double capHeight);
     const Glyph *find(const QByteArray &key, const std::vector<std::uint8_t> &ink,
                       double capHeight) const;
-    /// The widest gap between letters and the narrowest blank.
-    std::optional<std::pair<int, int>> gapsOf(double capHeight) const;
     std::vector<Unit> unitsOf(const InkMap &ink, const PageRun &run) const;
+    /// What a look is, wherever it stands; or beside these characters.
+    static std::optional<QString> textOf(const Glyph &glyph);
+    static bool isWitnessed(const Glyph &glyph);
+    static std::optional<QString> textBetween(const Glyph &glyph, const QString &before,
+                                              const QString &after);
+    std::optional<bool> isBlank(const Unit &left, const Unit &right, double capHeight) const;
+    void learnGlyph(const std::vector<InkSymbol> &symbols, std::size_t from, std::size_t to,
+                    const LetterMetrics &metrics);
     Word wordOf(const std::vector<Unit> &units) const;
 
     QHash<QByteArray, std::vector<Glyph>> m_glyphs;
-    std::map<int, Gaps> m_gaps; ///< by quarters of the cap height
+    KnownGaps m_gaps;
 };
 
 } // namespace tovek

@@ -21,11 +21,11 @@ constexpr int mostEnginesLost = 3;
 /// In columns of the strips that engines read, of which one reads 20 to 40 thousand in a second: a
 /// page with more is read in rounds.
 constexpr double largePage = 90'000;
-/// The rest of such a page is read in rounds, each of which knows the glyphs that those before it
-/// met. Of so many runs, of all widths, one is in the first round, one in the second and two in the
-/// third; none knows as much as what is left then.
-constexpr std::size_t roundStep = 16;
-constexpr std::size_t learningRounds = 3;
+/// Such a page is read in rounds, each of which knows the glyphs that those before it met. Of so
+/// many runs, of all widths, one is in the first round and one in the second; each further round
+/// has as many as all before it, since what is rare on the page is met late.
+constexpr std::size_t roundStep = 32;
+constexpr std::size_t learningRounds = 5;
 /// Of a run's width, what may be left to an engine word by word.
 constexpr double mostUnknown = 0.6;
 constexpr std::chrono::milliseconds checkInterval{20};
@@ -38,17 +38,10 @@ double columnsOf(const PageRun &run)
 /// Of the run that is the `at`-th for an engine.
 std::size_t roundOf(std::size_t at)
 {
-    switch (at % roundStep) {
-    case 0:
-        return 0;
-    case roundStep / 2:
-        return 1;
-    case roundStep / 4:
-    case roundStep * 3 / 4:
-        return 2;
-    default:
-        return learningRounds;
-    }
+    std::size_t round = 0;
+    for (std::size_t step = roundStep; at % step != 0; step /= 2)
+        ++round;
+    return round;
 }
 
 } // namespace

@@ -40,15 +40,6 @@ struct Cluster
     std::vector<Unit> members;
 };
 
-bool isAlike(const QString &a, const QString &b)
-{
-    static const QStringList groups{QStringLiteral("lI|1i"), QStringLiteral("0Oo"),
-                                    QStringLiteral("'`,"), QStringLiteral("-_~\u2014")};
-    return std::any_of(groups.begin(), groups.end(), [&](const QString &group) {
-        return group.contains(a) && group.contains(b);
-    });
-}
-
 std::vector<Unit> unitsOf(const std::vector<InkSymbol> &symbols, std::size_t piece)
 {
     std::vector<Unit> units;
@@ -153,6 +144,15 @@ std::vector<InkSymbol> corrected(const std::vector<InkSymbol> &symbols, std::siz
 }
 
 } // namespace
+
+bool isAlike(const QString &a, const QString &b)
+{
+    static const QStringList groups{QStringLiteral("lI|1i"), QStringLiteral("0Oo"),
+                                    QStringLiteral("'`,"), QStringLiteral("-_~\u2014")};
+    return std::any_of(groups.begin(), groups.end(), [&](const QString &group) {
+        return group.contains(a) && group.contains(b);
+    });
+}
 
 bool looksLike(const std::vector<std::uint8_t> &a, const std::vector<std::uint8_t> &b)
 {

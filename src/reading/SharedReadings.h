@@ -19,4 +19,7 @@ bool looksLike(const std::vector<std::uint8_t> &a, const std::vector<std::uint8_
 /// All pieces of a picture. Afterwards no symbol is left without a text.
 void shareReadings(std::vector<ReadPiece> &pieces);
 
+/// Whether many fonts draw both characters alike.
+bool isAlike(const QString &a, const QString &b);
+
 } // namespace tovek
