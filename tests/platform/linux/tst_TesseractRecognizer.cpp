@@ -44,6 +44,24 @@ QImage pageOf(const QString &words, QSize size)
     return page;
 }
 
+/// Of the same text, in which few lines have letters of the same look.
+QImage variedPageOf(const QString &words, QSize size)
+{
+    QImage page(size, QImage::Format_RGB32);
+    page.fill(Qt::white);
+    QPainter painter(&page);
+    const QStringList families{"DejaVu Sans", "DejaVu Serif", "DejaVu Sans Mono"};
+    for (int line = 0, y = 24; y < size.height() - 10; ++line, y += 22) {
+        QFont font(families[line % 3]);
+        font.setPixelSize(11 + line % 7);
+        font.setBold(line % 2 == 1);
+        font.setItalic(line % 5 > 2);
+        painter.setFont(font);
+        painter.drawText(10, y, words.repeated(size.width() / 10 / int(words.size())));
+    }
+    return page;
+}
+
 QString textOf(const RecognitionResult &result)
 {
     QStringList lines;
@@ -277,7 +295,7 @@ private Q_SLOTS:
     void tellsTheFirstWordsOfALargePageEarly()
     {
         const QImage page =
-            pageOf("many different words on a page, and Figures 0123 ", {3000, 2000});
+            variedPageOf("many different words on a page, and Figures 0123 ", {3000, 1200});
         (void)m_recognizer->recognize(noise({30, 30}), 1).result(); // loads an engine
         QElapsedTimer timer;
         timer.start();
