@@ -5,8 +5,7 @@
 
 #include "foundation/Log.h"
 #include "foundation/WhenReady.h"
-
-#include <QEventLoop>
+#include "platform/portal/FrozenContent.h"
 
 namespace tovek {
 
@@ -14,9 +13,16 @@ namespace {
 
 struct MutterSnapshot
 {
-    std::map<quint32, std::shared_ptr<FrozenDisplay>> displays;
-    std::optional<ShareableContent> other; ///< of the other grabber, in their place
+    ShareableContent content;
+    bool isOther; ///< it is the other grabber's
 };
+
+/// Of either, with a note of whose it is.
+ShareableContent noted(const ShareableContent &content, bool isOther)
+{
+    return {content.displays, content.windows,
+            std::make_shared<MutterSnapshot>(MutterSnapshot{content, isOther})};
+}
 
 } // namespace
 
@@ -50,11 +56,7 @@ QFuture<MutterScreenGrabber::Content> MutterScreenGrabber::freeze()
                                "portal for one")
                     .arg(error));
         whenFinished(m_other->freeze(), this, [this](const Content &content) {
-            if (!content)
-                return finish(std::nullopt);
-            ShareableContent wrapped = *content;
-            wrapped.snapshot = std::make_shared<MutterSnapshot>(MutterSnapshot{{}, content});
-            finish(wrapped);
+            finish(content ? Content(noted(*content, true)) : std::nullopt);
         });
     };
     return m_running->future();
@@ -63,25 +65,15 @@ QFuture<MutterScreenGrabber::Content> MutterScreenGrabber::freeze()
 void MutterScreenGrabber::recorded(const std::vector<PortalDisplay> &displays,
                                    const std::vector<QImage> &images)
 {
-    const auto snapshot = std::make_shared<MutterSnapshot>();
-    ShareableContent content;
-    for (size_t i = 0; i < displays.size(); ++i) {
-        content.displays.push_back({displays[i].id, displays[i].native});
-        snapshot->displays.emplace(displays[i].id, frozenFromImage(images[i]));
-    }
-    content.snapshot = snapshot;
-    finish(content);
+    std::vector<std::shared_ptr<FrozenDisplay>> frozen;
+    for (const QImage &image : images)
+        frozen.push_back(frozenFromImage(image));
+    finish(noted(frozenContent(displays, frozen), false));
 }
 
 MutterScreenGrabber::Content MutterScreenGrabber::shareableContent()
 {
-    const QFuture<Content> content = freeze();
-    QEventLoop loop;
-    if (!content.isFinished()) {
-        whenOver(content, &loop, [&loop](const QFuture<Content> &) { loop.quit(); });
-        loop.exec(QEventLoop::ExcludeUserInputEvents);
-    }
-    return content.result();
+    return waitFor(freeze());
 }
 
 void MutterScreenGrabber::finish(Content content)
@@ -97,14 +89,10 @@ QFuture<ScreenGrabber::Result> MutterScreenGrabber::capture(const ShareableConte
                                                             const std::vector<quint32> &excluded)
 {
     const auto *snapshot = static_cast<MutterSnapshot *>(content.snapshot.get());
-    if (snapshot && snapshot->other)
-        return m_other->capture(*snapshot->other, display, excluded);
-    if (!excluded.empty())
-        return readyFuture(Result{nullptr, QStringLiteral("windows cannot be left out")});
-    if (!snapshot || !snapshot->displays.contains(display.displayId))
-        return readyFuture(
-            Result{nullptr, QStringLiteral("the display is not part of the content")});
-    return readyFuture(Result{snapshot->displays.at(display.displayId), {}});
+    if (!snapshot)
+        return captureOf(content, display, excluded);
+    return snapshot->isOther ? m_other->capture(snapshot->content, display, excluded)
+                             : captureOf(snapshot->content, display, excluded);
 }
 
 } // namespace tovek

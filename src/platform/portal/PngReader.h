@@ -67,9 +67,8 @@ private:
     size_t m_filled = 0; ///< bytes of those to come
     size_t m_pixelBytes = 0, m_stride = 0; ///< with the filter's byte
     int m_nextRow = 0;
-    QImage
-        m_image; ///< not to be written to but through `m_pixels`, or it would part from its copies
-    uchar *m_pixels = nullptr;
+    QImage m_image;
+    uchar *m_pixels = nullptr; ///< the image's: written to otherwise, it would leave its copies
 };
 
 } // namespace tovek

@@ -6,17 +6,16 @@
 #include "foundation/AskAside.h"
 #include "foundation/Log.h"
 #include "foundation/WhenReady.h"
+#include "platform/portal/FrozenContent.h"
 #include "platform/portal/HostAppId.h"
 #include "platform/portal/PermissionStore.h"
 #include "platform/portal/PortalPicture.h"
 #include "platform/portal/PortalRequest.h"
 
 #include <QDBusMessage>
-#include <QEventLoop>
 #include <QTimer>
 
 #include <algorithm>
-#include <map>
 
 namespace tovek {
 
@@ -30,11 +29,6 @@ constexpr auto pictureLimit = 8s;
 constexpr auto questionLimit = 60s;
 /// After the overlays have come.
 constexpr auto memoryLingering = 300ms;
-
-struct PortalSnapshot
-{
-    std::map<quint32, std::shared_ptr<FrozenDisplay>> displays;
-};
 
 } // namespace
 
@@ -120,13 +114,7 @@ QFuture<PortalScreenGrabber::Content> PortalScreenGrabber::freeze()
 
 PortalScreenGrabber::Content PortalScreenGrabber::shareableContent()
 {
-    const QFuture<Content> content = freeze();
-    QEventLoop loop;
-    if (!content.isFinished()) {
-        whenOver(content, &loop, [&loop](const QFuture<Content> &) { loop.quit(); });
-        loop.exec(QEventLoop::ExcludeUserInputEvents);
-    }
-    return content.result();
+    return waitFor(freeze());
 }
 
 void PortalScreenGrabber::take(const QString &uri)
@@ -148,7 +136,7 @@ void PortalScreenGrabber::take(const QString &uri)
             return fail(cut.error);
         const bool isPrepared =
             m_prepared && m_prepared->file == cut.file && m_prepared->displays == displays;
-        finish(isPrepared ? m_prepared->content : contentOf(displays, frozenOf(cut.images)));
+        finish(isPrepared ? m_prepared->content : frozenContent(displays, frozenOf(cut.images)));
     });
 }
 
@@ -202,7 +190,7 @@ void PortalScreenGrabber::prepare(const PortalPicture &picture)
         return;
     Growing *growing = growingOf(picture.image);
     if (!growing || growing->displays != displays || growing->growing.size() != images.size()) {
-        m_prepared = {picture.state, displays, contentOf(displays, frozenOf(images))};
+        m_prepared = {picture.state, displays, frozenContent(displays, frozenOf(images))};
         return;
     }
     grow(picture.image, picture.image.height());
@@ -211,7 +199,7 @@ void PortalScreenGrabber::prepare(const PortalPicture &picture)
         auto grown = growing->growing[i] ? growing->growing[i]->finished(images[i]) : nullptr;
         frozen.push_back(grown ? std::move(grown) : frozenFromImage(images[i]));
     }
-    m_prepared = {picture.state, displays, contentOf(displays, frozen)};
+    m_prepared = {picture.state, displays, frozenContent(displays, frozen)};
 }
 
 std::vector<std::shared_ptr<FrozenDisplay>>
@@ -221,20 +209,6 @@ PortalScreenGrabber::frozenOf(const std::vector<QImage> &images)
     for (const QImage &image : images)
         frozen.push_back(frozenFromImage(image));
     return frozen;
-}
-
-ShareableContent
-PortalScreenGrabber::contentOf(const std::vector<PortalDisplay> &displays,
-                               const std::vector<std::shared_ptr<FrozenDisplay>> &frozen)
-{
-    const auto snapshot = std::make_shared<PortalSnapshot>();
-    ShareableContent content;
-    for (size_t i = 0; i < displays.size(); ++i) {
-        content.displays.push_back({displays[i].id, displays[i].native});
-        snapshot->displays.emplace(displays[i].id, frozen[i]);
-    }
-    content.snapshot = snapshot;
-    return content;
 }
 
 void PortalScreenGrabber::fail(const QString &reason)
@@ -262,13 +236,7 @@ QFuture<ScreenGrabber::Result> PortalScreenGrabber::capture(const ShareableConte
                                                             const CaptureDisplay &display,
                                                             const std::vector<quint32> &excluded)
 {
-    const auto *snapshot = static_cast<PortalSnapshot *>(content.snapshot.get());
-    if (!excluded.empty())
-        return readyFuture(Result{nullptr, QStringLiteral("windows cannot be left out")});
-    if (!snapshot || !snapshot->displays.contains(display.displayId))
-        return readyFuture(
-            Result{nullptr, QStringLiteral("the display is not part of the content")});
-    return readyFuture(Result{snapshot->displays.at(display.displayId), {}});
+    return captureOf(content, display, excluded);
 }
 
 std::shared_ptr<FrozenDisplay> PortalScreenGrabber::frozenFromImage(const QImage &image)

@@ -84,8 +84,6 @@ private:
     void grow(const QImage &picture, int rows);
     void prepare(const PortalPicture &picture);
     std::vector<std::shared_ptr<FrozenDisplay>> frozenOf(const std::vector<QImage> &images);
-    static ShareableContent contentOf(const std::vector<PortalDisplay> &displays,
-                                      const std::vector<std::shared_ptr<FrozenDisplay>> &frozen);
     void take(const QString &uri);
     void finish(Content content);
     void fail(const QString &reason);
