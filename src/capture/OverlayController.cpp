@@ -34,7 +34,7 @@ constexpr auto textCopyDelay = 50ms;
 
 OverlayController::OverlayController(Services services)
     : m_services(std::move(services))
-    , m_textCopyToast(m_services.feedback)
+    , m_textToast(m_services.feedback)
 {
 }
 
@@ -264,7 +264,7 @@ void OverlayController::useText(const std::vector<TextRegion> &regions, const Sc
     if (regions.empty()) {
         if (!copies)
             return;
-        toast(QStringLiteral("No text detected"), xmark, screen);
+        m_textToast.noneFound(m_session->text(screen).missingModels(), screen);
         m_services.clock.after(textCopyDelay, m_session.get(), [this] { cleanUp(); });
         return;
     }
@@ -278,10 +278,13 @@ void OverlayController::useText(const std::vector<TextRegion> &regions, const Sc
 
 void OverlayController::copyAllText()
 {
-    if (detectedTextRegions().empty())
-        toast(QStringLiteral("No text detected"), xmark, m_session->selectedScreen());
+    const auto screen = m_session->selectedScreen();
+    if (!detectedTextRegions().empty())
+        copyText(detectedTextRegions(), *screen);
     else
-        copyText(detectedTextRegions(), *m_session->selectedScreen());
+        m_textToast.noneFound(screen ? m_session->text(*screen).missingModels()
+                                     : std::make_shared<MissingModels>(),
+                              screen);
 }
 
 void OverlayController::copyText(const std::vector<TextRegion> &regions, const Screen &read)
@@ -293,7 +296,7 @@ void OverlayController::copyText(const std::vector<TextRegion> &regions, const S
     m_services.clock.after(textCopyDelay, m_session.get(), [this, missing] {
         const auto screen = m_session->selectedScreen();
         cleanUp();
-        m_textCopyToast.show(missing, screen);
+        m_textToast.copied(missing, screen);
     });
 }
 

@@ -5,7 +5,7 @@
 
 #include "capture/CaptureSession.h"
 #include "capture/KeptDrawings.h"
-#include "capture/TextCopyToast.h"
+#include "capture/TextToast.h"
 
 namespace tovek {
 
@@ -78,7 +78,7 @@ private:
     std::unique_ptr<CaptureSession> m_session; ///< null while idle
     Leaving m_leaving;
     KeptDrawings m_keptDrawings;
-    TextCopyToast m_textCopyToast;
+    TextToast m_textToast;
     std::optional<CaptureMode> m_waiting; ///< a capture that starts when the overlays are gone
 };
 

@@ -4,6 +4,7 @@
 #include "capture/ControllerFixture.h"
 #include "fakes/LogCapture.h"
 
+#include <QRegularExpression>
 #include <QTest>
 
 using namespace tovek;
@@ -212,7 +213,8 @@ private Q_SLOTS:
     }
 
     /// Each letter is an event: m a package is missing, n another, c the text is copied and its
-    /// toast comes up, g that goes, s another text is read, e its capture is cancelled.
+    /// toast comes up, g that goes, s another text is read, e its capture is cancelled, x there is
+    /// no text in what is to be copied.
     void tellsOnceWhatToInstall_data()
     {
         QTest::addColumn<QString>("events");
@@ -238,6 +240,13 @@ private Q_SLOTS:
         QTest::newRow("after a cancelled capture") << "sem" << QStringList{};
         QTest::newRow("not of another text") << "smesc" << QStringList{plain};
         QTest::newRow("with its own text") << "smesmc" << QStringList{toast.arg(m)};
+        const QString none = QStringLiteral("toast No text detected [xmark.circle.fill]");
+        const QString noneExtended =
+            QStringLiteral("No text detected -> No text detected. Install tesseract-ocr-rus "
+                           "to read Cyrillic");
+        QTest::newRow("no text") << "x" << QStringList{none};
+        QTest::newRow("no text, for want of it") << "xm" << QStringList{none, noneExtended};
+        QTest::newRow("no text, and told before") << "smcgxm" << QStringList{toast.arg(m), none};
     }
     void tellsOnceWhatToInstall()
     {
@@ -264,12 +273,19 @@ private Q_SLOTS:
             case 'g':
                 f.isToastUp = false;
                 break;
+            case 'x':
+                f.isToastUp = true;
+                f.regions.clear();
+                f.controller->startCapture(CaptureMode::copyText);
+                f.overlay().onSelectionComplete({10, 20, 30, 40});
+                f.clock.advance(200ms);
+                break;
             default:
                 f.overlay().onCancel();
                 f.clock.advance(200ms);
             }
         }
-        QTEST(f.events.replaceInStrings(QStringLiteral(" on 1, 0 open"), QString()), "told");
+        QTEST(f.events.replaceInStrings(QRegularExpression(" on 1, . open"), QString()), "told");
     }
 
     void doesNotTellOfAnEarlierTextInTheToastOfALater()
