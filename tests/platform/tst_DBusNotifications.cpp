@@ -4,7 +4,7 @@
 #include "platform/linux/DBusFileRevealer.h"
 #include "platform/linux/DBusNotifications.h"
 #include "support/DesktopServices.h"
-#include "support/SessionBus.h"
+#include "support/TestBus.h"
 
 #include <QRegularExpression>
 #include <QTest>
@@ -18,7 +18,7 @@ class TestDBusNotifications : public QObject
 
 private:
     const QString service = QStringLiteral("org.freedesktop.Notifications");
-    SessionBus bus;
+    TestBus bus;
     std::unique_ptr<NotificationServer> server;
 
     QDBusConnection serverBus() const
@@ -45,7 +45,7 @@ private:
 private Q_SLOTS:
     void initTestCase()
     {
-        if (!SessionBus::isInstalled())
+        if (!TestBus::isInstalled())
             QSKIP("dbus-daemon is not installed");
         QVERIFY(bus.start());
     }

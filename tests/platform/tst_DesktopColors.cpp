@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "platform/linux/DesktopColors.h"
-#include "support/SessionBus.h"
+#include "support/TestBus.h"
 
 #include <QDBusArgument>
 #include <QDBusConnection>
@@ -64,7 +64,7 @@ class TestDesktopColors : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        if (!SessionBus::isInstalled())
+        if (!TestBus::isInstalled())
             QSKIP("dbus-daemon is not installed");
         QVERIFY(m_bus.start());
         qDBusRegisterMetaType<Parts>();
@@ -227,7 +227,7 @@ private:
     }
 
     const QString m_name = QStringLiteral("org.freedesktop.portal.Desktop");
-    SessionBus m_bus;
+    TestBus m_bus;
     QTemporaryDir m_folder;
     QThread m_thread;
     Portal m_portal;

@@ -7,7 +7,7 @@
 #include "platform/mutter/MutterScreenGrabber.h"
 #include "platform/x11/TwoMonitors.h"
 #include "platform/x11/capture/X11ScreenGrabber.h"
-#include "support/SessionBus.h"
+#include "support/TestBus.h"
 #ifdef TOVEK_WITH_WAYLAND
 #include "platform/wayland/capture/ExtScreenGrabber.h"
 #include "platform/wayland/capture/WlrScreenGrabber.h"
@@ -128,7 +128,7 @@ private:
         return image;
     }
 
-    SessionBus m_bus;
+    TestBus m_bus;
     std::unique_ptr<FakeMutter> m_mutter;
     std::unique_ptr<MutterScreenGrabber> m_grabber;
 };
@@ -211,7 +211,7 @@ private Q_SLOTS:
     {
         addImplementations({
             {"mutter",
-             SessionBus::isInstalled() ? QString() : QStringLiteral("dbus-daemon is missing")},
+             TestBus::isInstalled() ? QString() : QStringLiteral("dbus-daemon is missing")},
             {"x11", desktop ? QString() : QStringLiteral("Xvfb or xrandr is missing")},
 #ifdef TOVEK_WITH_WAYLAND
             {"ext-image-copy-capture", {}},

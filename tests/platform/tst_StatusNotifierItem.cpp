@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "platform/linux/StatusNotifierItem.h"
-#include "support/SessionBus.h"
+#include "support/TestBus.h"
 
 #include <QDBusArgument>
 #include <QDBusConnectionInterface>
@@ -34,7 +34,7 @@ class TestStatusNotifierItem : public QObject
 
 private:
     const QString service = QStringLiteral("org.kde.StatusNotifierWatcher");
-    SessionBus bus;
+    TestBus bus;
     Watcher watcher;
 
     QDBusConnection hostBus() const
@@ -71,7 +71,7 @@ private:
 private Q_SLOTS:
     void initTestCase()
     {
-        if (!SessionBus::isInstalled())
+        if (!TestBus::isInstalled())
             QSKIP("dbus-daemon is not installed");
         QVERIFY(bus.start());
         QVERIFY(hostBus().registerObject(QStringLiteral("/StatusNotifierWatcher"), &watcher,

@@ -2,7 +2,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "platform/linux/DBusMenu.h"
-#include "support/SessionBus.h"
+#include "support/TestBus.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
@@ -60,7 +60,7 @@ class TestDBusMenu : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        if (!SessionBus::isInstalled())
+        if (!TestBus::isInstalled())
             QSKIP("dbus-daemon is not installed");
         qDBusRegisterMetaType<HostEvent>();
         qDBusRegisterMetaType<QList<HostEvent>>();
@@ -173,7 +173,7 @@ private:
         return qdbus_cast<HostRow>(answer.arguments().value(1));
     }
 
-    SessionBus m_bus;
+    TestBus m_bus;
     std::vector<TrayMenuRow> m_rows;
     std::unique_ptr<DBusMenu> m_menu;
     QList<int> m_chosen;

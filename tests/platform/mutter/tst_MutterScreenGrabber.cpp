@@ -5,8 +5,8 @@
 #include "fakes/FakeScreenGrabber.h"
 #include "fakes/LogCapture.h"
 #include "platform/mutter/MutterScreenGrabber.h"
-#include "support/SessionBus.h"
 #include "support/Skip.h"
+#include "support/TestBus.h"
 
 #include <QElapsedTimer>
 
@@ -40,7 +40,7 @@ class TestMutterScreenGrabber : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        SKIP_BECAUSE(SessionBus::isInstalled() ? QString() : QStringLiteral("no dbus-daemon"));
+        SKIP_BECAUSE(TestBus::isInstalled() ? QString() : QStringLiteral("no dbus-daemon"));
         QVERIFY(m_bus.start());
     }
     void init()
@@ -229,7 +229,7 @@ private:
         QCOMPARE(shots(), QList<QImage>({right, left}));
     }
 
-    SessionBus m_bus;
+    TestBus m_bus;
     QTemporaryDir m_folder;
     std::unique_ptr<FakeMutter> m_mutter;
     std::vector<PortalDisplay> m_screens;

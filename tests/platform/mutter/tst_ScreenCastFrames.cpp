@@ -4,8 +4,8 @@
 // tovek-screencast on a PipeWire of the test's own, with streams that no desktop makes on demand.
 
 #include "platform/mutter/ScreenCastFrames.h"
-#include "support/SessionBus.h"
 #include "support/Skip.h"
+#include "support/TestBus.h"
 #include "support/Wait.h"
 
 #include <QTest>
@@ -298,7 +298,7 @@ private:
     }
 
     QTemporaryDir m_folder;
-    SessionBus m_bus;
+    TestBus m_bus;
     QProcess m_daemon, m_manager;
     std::map<size_t, QImage> m_frames;
     QString m_failure;

@@ -4,8 +4,8 @@
 #pragma once
 
 #include "fakes/FakePortal.h"
-#include "support/SessionBus.h"
 #include "support/Skip.h"
+#include "support/TestBus.h"
 
 #include <QDBusConnection>
 
@@ -21,12 +21,12 @@ protected:
     /// For initTestCase.
     static void needBus()
     {
-        SKIP_BECAUSE(SessionBus::isInstalled() ? QString() : QStringLiteral("no dbus-daemon"));
+        SKIP_BECAUSE(TestBus::isInstalled() ? QString() : QStringLiteral("no dbus-daemon"));
     }
     /// `appId`: what the portal takes the program for; empty for what it registers as.
     void begin(const QString &appId = QString())
     {
-        m_bus = std::make_unique<SessionBus>();
+        m_bus = std::make_unique<TestBus>();
         QVERIFY(m_bus->start());
         m_session = QStringLiteral("test of ") + m_bus->address();
         QDBusConnection::connectToBus(m_bus->address(), m_session);
@@ -42,7 +42,7 @@ protected:
         m_bus.reset();
     }
 
-    std::unique_ptr<SessionBus> m_bus;
+    std::unique_ptr<TestBus> m_bus;
     QString m_session; ///< name of the program's connection
     std::unique_ptr<FakePortal> m_portal;
     std::shared_ptr<PortalBus> m_portalBus;

@@ -11,10 +11,10 @@ namespace tovek {
 
 /// A session bus of a test's own, with no services but those that the test brings. The process's
 /// environment names it from `start` on.
-class SessionBus
+class TestBus
 {
 public:
-    ~SessionBus()
+    ~TestBus()
     {
         m_daemon.kill();
         m_daemon.waitForFinished();
