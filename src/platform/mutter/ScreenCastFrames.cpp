@@ -55,26 +55,31 @@ ScreenCastFrames::ScreenCastFrames(const QString &program, std::vector<QSize> si
         bytes += size_t(size.width()) * size_t(size.height()) * 4;
     }
     m_memory = std::make_shared<Memory>(bytes);
-    connect(&m_process, &QProcess::readyReadStandardOutput, this, &ScreenCastFrames::readAnswers);
-    connect(&m_process, &QProcess::finished, this, &ScreenCastFrames::ended);
+    connect(m_process, &QProcess::readyReadStandardOutput, this, &ScreenCastFrames::readAnswers);
+    connect(m_process, &QProcess::finished, this, &ScreenCastFrames::ended);
     // Some of it is noticed before there is anybody to tell.
     const auto failToStart = [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart)
-            fail(m_process.errorString());
+            fail(m_process->errorString());
     };
-    connect(&m_process, &QProcess::errorOccurred, this, failToStart, Qt::QueuedConnection);
+    connect(m_process, &QProcess::errorOccurred, this, failToStart, Qt::QueuedConnection);
     // Only this child is to have it.
-    m_process.setChildProcessModifier(
+    m_process->setChildProcessModifier(
         [descriptor = m_memory->descriptor] { fcntl(descriptor, F_SETFD, 0); });
-    m_process.start(program, {QString::number(m_memory->descriptor)});
+    m_process->start(program, {QString::number(m_memory->descriptor)});
 }
 
 ScreenCastFrames::~ScreenCastFrames()
 {
-    m_process.disconnect(this);
-    // Nothing in it is to be kept, and it may hang.
-    m_process.kill();
-    m_process.waitForFinished(1000);
+    m_process->disconnect(this);
+    if (m_process->state() == QProcess::NotRunning) {
+        delete m_process;
+        return;
+    }
+    // Nothing in it is to be kept, and it may hang. Even killed it takes its time to end, with so
+    // much to unmap, for which nobody should wait.
+    QObject::connect(m_process, &QProcess::stateChanged, m_process, &QObject::deleteLater);
+    m_process->kill();
 }
 
 void ScreenCastFrames::take(size_t index, quint32 node)
@@ -82,18 +87,18 @@ void ScreenCastFrames::take(size_t index, quint32 node)
     if (!m_memory->data)
         return fail(QStringLiteral("there is not enough memory"));
     m_awaited.emplace(node, index);
-    m_process.write(QStringLiteral("%1 %2 %3 %4\n")
-                        .arg(node)
-                        .arg(m_sizes[index].width())
-                        .arg(m_sizes[index].height())
-                        .arg(m_offsets[index])
-                        .toLatin1());
+    m_process->write(QStringLiteral("%1 %2 %3 %4\n")
+                         .arg(node)
+                         .arg(m_sizes[index].width())
+                         .arg(m_sizes[index].height())
+                         .arg(m_offsets[index])
+                         .toLatin1());
 }
 
 void ScreenCastFrames::readAnswers()
 {
-    while (!m_hasFailed && m_process.canReadLine()) {
-        const auto found = m_awaited.find(m_process.readLine().trimmed().toUInt());
+    while (!m_hasFailed && m_process->canReadLine()) {
+        const auto found = m_awaited.find(m_process->readLine().trimmed().toUInt());
         if (found == m_awaited.end())
             continue;
         const size_t index = found->second;
@@ -113,7 +118,7 @@ void ScreenCastFrames::readAnswers()
 
 void ScreenCastFrames::ended()
 {
-    const QString said = QString::fromLocal8Bit(m_process.readAllStandardError()).trimmed();
+    const QString said = QString::fromLocal8Bit(m_process->readAllStandardError()).trimmed();
     fail(said.isEmpty() ? QStringLiteral("tovek-screencast broke down")
                         : said.section(QLatin1Char('\n'), -1));
 }

@@ -43,7 +43,7 @@ private:
     std::vector<size_t> m_offsets;
     std::shared_ptr<Memory> m_memory;
     std::map<quint32, size_t> m_awaited; ///< node to index
-    QProcess m_process;
+    QProcess *const m_process = new QProcess; ///< may outlive this object, to be waited for
     bool m_hasFailed = false;
 };
 

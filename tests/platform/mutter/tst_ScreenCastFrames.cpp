@@ -11,8 +11,10 @@
 #include <QTest>
 
 #include <atomic>
+#include <csignal>
 #include <pipewire/pipewire.h>
 #include <spa/param/video/format-utils.h>
+#include <unistd.h>
 
 using namespace tovek;
 using namespace std::chrono_literals;
@@ -168,6 +170,22 @@ private:
     std::atomic<int> m_sent = 0;
 };
 
+/// A process that this one started; 0 when there is none of that name.
+pid_t childNamed(const char *name)
+{
+    const QByteArray start = QByteArray("(") + name + ") ";
+    for (const QString &entry : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        QFile file(QStringLiteral("/proc/%1/stat").arg(entry));
+        if (entry.toInt() == 0 || !file.open(QIODevice::ReadOnly))
+            continue;
+        const QByteArray stat = file.readAll();
+        const qsizetype at = stat.indexOf(start);
+        if (at > 0 && stat.mid(at + start.size()).split(' ').value(1).toInt() == getpid())
+            return entry.toInt();
+    }
+    return 0;
+}
+
 QImage filled(QRgb color)
 {
     QImage image(frameSize, QImage::Format_RGB32);
@@ -268,6 +286,19 @@ private Q_SLOTS:
         QVERIFY(waitUntil([this] { return !m_failure.isNull(); }, patience));
         QVERIFY2(m_failure.startsWith("stream "), qPrintable(m_failure));
         QVERIFY(m_frames.empty());
+    }
+
+    void doesNotWaitForTheEndOfItsProcess()
+    {
+        // With a number as its only argument, this hangs.
+        auto frames = std::make_unique<ScreenCastFrames>(
+            QStandardPaths::findExecutable(QStringLiteral("sleep")), std::vector{frameSize});
+        QTRY_VERIFY(childNamed("sleep") > 0);
+        const pid_t process = childNamed("sleep");
+        frames.reset();
+        // Nobody has asked yet how it ended.
+        QCOMPARE(kill(process, 0), 0);
+        QTRY_VERIFY(kill(process, 0) != 0);
     }
 
     /// The last: no other one is started.
