@@ -10,8 +10,11 @@
 #include <QDBusPendingCall>
 #include <QPainter>
 #include <QRegularExpression>
+#include <QSignalSpy>
 #include <QTest>
 #include <QtEndian>
+
+#include <array>
 
 using namespace tovek;
 
@@ -26,6 +29,9 @@ public:
 
 public Q_SLOTS:
     void RegisterStatusNotifierItem(const QString &service) { items << service; }
+
+Q_SIGNALS:
+    void iconChanged();
 };
 
 class TestStatusNotifierItem : public QObject
@@ -98,6 +104,49 @@ private Q_SLOTS:
         QCOMPARE(property(QStringLiteral("Status")).toString(), QStringLiteral("Active"));
         QCOMPARE(property(QStringLiteral("ItemIsMenu")).toBool(), false);
         QVERIFY(!item.canDrag());
+    }
+
+    void announcesItsConnectionWhereItMayHaveNoName()
+    {
+        TestBus strict; // as that of a sandbox
+        QVERIFY(strict.start({service.toUtf8()}));
+        const auto connected = [&strict](const char *name) {
+            return QDBusConnection::connectToBus(strict.address(), QLatin1String(name));
+        };
+        {
+            QDBusConnection host = connected("strict-host");
+            QVERIFY(host.registerObject(QStringLiteral("/StatusNotifierWatcher"), &watcher,
+                                        QDBusConnection::ExportAllSlots));
+            QVERIFY(host.registerService(service));
+            StatusNotifierItem item(connected("guest"), StatusNotifierItem::Menu::ofHost);
+            item.setPicture(picture({18, 18}));
+            item.setVisible(true);
+            QTRY_COMPARE(watcher.items.size(), 1);
+            QVERIFY2(watcher.items.front().startsWith(':'), qPrintable(watcher.items.front()));
+            for (const auto &[path, interface, name] :
+                 {std::array{"/StatusNotifierItem", "org.kde.StatusNotifierItem", "Id"},
+                  std::array{"/MenuBar", "com.canonical.dbusmenu", "Version"}}) {
+                QDBusMessage ask = QDBusMessage::createMethodCall(
+                    watcher.items.front(), path, "org.freedesktop.DBus.Properties", "Get");
+                ask << interface << name;
+                const QDBusPendingCall asked = host.asyncCall(ask);
+                QTRY_VERIFY(asked.isFinished());
+                QVERIFY2(!asked.isError(), qPrintable(asked.error().message()));
+            }
+            QSignalSpy changes(&watcher, &Watcher::iconChanged);
+            QVERIFY(host.connect(watcher.items.front(), "/StatusNotifierItem",
+                                 "org.kde.StatusNotifierItem", "NewIcon", &watcher,
+                                 SIGNAL(iconChanged())));
+            item.setPicture(picture({72, 18}));
+            QTRY_COMPARE(changes.size(), 1);
+            item.setVisible(false);
+            QTRY_VERIFY(!host.interface()->isServiceRegistered(watcher.items.front()));
+            item.setVisible(true);
+            QTRY_COMPARE(watcher.items.size(), 2);
+        }
+        for (const char *name : {"strict-host", "guest"})
+            QDBusConnection::disconnectFromBus(QLatin1String(name));
+        QVERIFY(qputenv("DBUS_SESSION_BUS_ADDRESS", bus.address().toUtf8()));
     }
 
     void sendsWidePicturesInSquares()

@@ -25,15 +25,19 @@ public:
         return !QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty();
     }
 
-    [[nodiscard]] bool start()
+    /// With `names`, nobody may own others.
+    [[nodiscard]] bool start(const QByteArrayList &names = {"*"})
     {
         QFile config(m_folder.filePath(QStringLiteral("bus.conf")));
         if (!config.open(QIODevice::WriteOnly))
             return false;
         config.write("<busconfig><type>session</type><listen>unix:path=" + m_folder.path().toUtf8()
                      + "/bus</listen><auth>EXTERNAL</auth><policy context=\"default\">"
-                       "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/><allow "
-                       "own=\"*\"/></policy></busconfig>");
+                       "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/>"
+                       "<deny own=\"*\"/>");
+        for (const QByteArray &name : names)
+            config.write("<allow own=\"" + name + "\"/>");
+        config.write("</policy></busconfig>");
         config.close();
         m_daemon.start(QStringLiteral("dbus-daemon"),
                        {QStringLiteral("--config-file=") + config.fileName(),

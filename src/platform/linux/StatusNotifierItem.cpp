@@ -4,6 +4,7 @@
 #include "platform/linux/StatusNotifierItem.h"
 
 #include "platform/linux/BusPixmap.h"
+#include "platform/linux/BusProbe.h"
 #include "platform/linux/DBusMenu.h"
 
 #include <QCoreApplication>
@@ -25,6 +26,9 @@ const QString itemPath = QStringLiteral("/StatusNotifierItem");
 const QString itemInterface = QStringLiteral("org.kde.StatusNotifierItem");
 const QString itemProperties = QStringLiteral("org.freedesktop.DBus.Properties");
 
+using namespace std::chrono_literals;
+
+constexpr auto ownBusLimit = 1s;
 constexpr int iconSizes[]{16, 22, 24, 32, 44, 48};
 
 } // namespace
@@ -192,14 +196,15 @@ void StatusNotifierItem::setPicture(const TrayPicture &picture)
 {
     m_picture = picture;
     if (!m_service.isEmpty())
-        m_bus.send(QDBusMessage::createSignal(itemPath, itemInterface, QStringLiteral("NewIcon")));
+        itemBus().send(
+            QDBusMessage::createSignal(itemPath, itemInterface, QStringLiteral("NewIcon")));
 }
 
 void StatusNotifierItem::setToolTip(const QString &text)
 {
     m_toolTip = text;
     if (!m_service.isEmpty())
-        m_bus.send(
+        itemBus().send(
             QDBusMessage::createSignal(itemPath, itemInterface, QStringLiteral("NewToolTip")));
 }
 
@@ -245,23 +250,58 @@ void StatusNotifierItem::registerItem()
     if (!m_isVisible || !m_hasHost || !m_service.isEmpty())
         return;
     static int serial = 0;
-    const QString service = QStringLiteral("org.kde.StatusNotifierItem-%1-%2")
-                                .arg(QCoreApplication::applicationPid())
-                                .arg(++serial);
+    const QString number =
+        QStringLiteral("%1-%2").arg(QCoreApplication::applicationPid()).arg(++serial);
+    const QString service = itemInterface + QLatin1Char('-') + number;
     m_object = std::make_unique<Object>(*this);
-    // The objects first: the host reads them as soon as it hears of the name.
-    if (m_menu)
-        m_bus.registerVirtualObject(QLatin1String(DBusMenu::path), m_menu.get());
-    if (!m_bus.registerVirtualObject(itemPath, m_object.get()) || !m_bus.registerService(service)) {
-        m_bus.unregisterObject(itemPath);
+    if (offerObjects(m_bus) && m_bus.registerService(service))
+        m_service = service;
+    else
+        registerUnnamed(number);
+    if (m_service.isEmpty()) {
         m_object.reset();
         return;
     }
-    m_service = service;
     QDBusMessage message = QDBusMessage::createMethodCall(
         watcherService, watcherPath, watcherService, QStringLiteral("RegisterStatusNotifierItem"));
-    message << service;
-    m_bus.asyncCall(message);
+    message << m_service;
+    itemBus().asyncCall(message);
+}
+
+/// The bus of a sandbox gives no names away but the program's own, and hosts take the number of a
+/// connection as well. It has to be the item's alone: to close it is what takes the item out of the
+/// panel.
+void StatusNotifierItem::registerUnnamed(const QString &number)
+{
+    withdrawObjects(m_bus);
+    if (!m_bus.isConnected() || probeBus(sessionBusAddress(), ownBusLimit) != BusHealth::answers)
+        return;
+    const QString name = QStringLiteral("tovek-item-") + number;
+    m_ownBus = QDBusConnection::connectToBus(QString::fromLatin1(sessionBusAddress()), name);
+    if (m_ownBus->isConnected() && offerObjects(*m_ownBus))
+        m_service = m_ownBus->baseService();
+    else
+        closeOwnBus();
+}
+
+/// Before the host hears of the name, since it reads them as soon as it does.
+bool StatusNotifierItem::offerObjects(QDBusConnection &bus)
+{
+    if (m_menu)
+        bus.registerVirtualObject(QLatin1String(DBusMenu::path), m_menu.get());
+    return bus.registerVirtualObject(itemPath, m_object.get());
+}
+
+void StatusNotifierItem::withdrawObjects(QDBusConnection &bus)
+{
+    bus.unregisterObject(itemPath);
+    bus.unregisterObject(QLatin1String(DBusMenu::path));
+}
+
+void StatusNotifierItem::closeOwnBus()
+{
+    QDBusConnection::disconnectFromBus(m_ownBus->name());
+    m_ownBus.reset();
 }
 
 void StatusNotifierItem::unregisterItem()
@@ -269,9 +309,11 @@ void StatusNotifierItem::unregisterItem()
     if (m_service.isEmpty())
         return;
     // Giving the name back is what takes the item out of the panel.
-    m_bus.unregisterService(m_service);
-    m_bus.unregisterObject(itemPath);
-    m_bus.unregisterObject(QLatin1String(DBusMenu::path));
+    if (!m_ownBus)
+        m_bus.unregisterService(m_service);
+    withdrawObjects(itemBus());
+    if (m_ownBus)
+        closeOwnBus();
     m_object.reset();
     m_service.clear();
 }

@@ -8,6 +8,7 @@
 #include <QDBusConnection>
 
 #include <memory>
+#include <optional>
 
 class QDBusServiceWatcher;
 
@@ -45,10 +46,16 @@ private:
     void watchHosts();
     void setHasHost(bool hasHost);
     void registerItem();
+    void registerUnnamed(const QString &number);
+    bool offerObjects(QDBusConnection &bus);
+    static void withdrawObjects(QDBusConnection &bus);
+    void closeOwnBus();
     void unregisterItem();
+    QDBusConnection &itemBus() { return m_ownBus ? *m_ownBus : m_bus; }
     void chosen(int x, int y);
 
     QDBusConnection m_bus;
+    std::optional<QDBusConnection> m_ownBus; ///< of the item, where it may have no name
     QString m_service; ///< ours, empty while the item is not registered
     bool m_hasHost = false;
     bool m_isLooking = false;
