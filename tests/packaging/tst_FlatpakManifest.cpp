@@ -34,13 +34,16 @@ private Q_SLOTS:
 
     void asksForNothingMore()
     {
-        // A window, a notification, a place in the panel, and the folder that screenshots go to:
-        // no network, no home, no other program. All else is the portals'.
+        // A window, a notification, a place in the panel, to hear when the screen is locked, and
+        // the folder that screenshots go to: no network, no home, no other program. All else is the
+        // portals'. Not among it: the sound server, which would let the program record as well; and
+        // GNOME's own name for its locker, over which a program can end the lock.
         const QStringList allowed{"--socket=wayland",
                                   "--socket=fallback-x11",
                                   "--share=ipc",
                                   "--talk-name=org.freedesktop.Notifications",
                                   "--talk-name=org.kde.StatusNotifierWatcher",
+                                  "--talk-name=org.freedesktop.ScreenSaver",
                                   "--filesystem=xdg-download"};
         QStringList asked;
         for (const QJsonValue &argument : m_manifest.value("finish-args").toArray()) {
