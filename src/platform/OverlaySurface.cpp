@@ -35,14 +35,29 @@ public:
         std::erase_if(m_rects, [&rect](const QRect &known) { return rect.contains(known); });
         m_rects.push_back(rect);
     }
-    QRegion region() const
+    /// What of a rectangle lies outside of another one.
+    void addOutside(const QRect &hole, const QRect &rect)
+    {
+        const QRect shared = rect & hole;
+        if (rect.isEmpty() || shared == rect)
+            return;
+        if (shared.isEmpty())
+            return add(rect);
+        const QRect beside(rect.left(), shared.top(), rect.width(), shared.height());
+        for (const QRect &part :
+             {QRect(rect.topLeft(), QPoint(rect.right(), shared.top() - 1)),
+              QRect(beside.topLeft(), QPoint(shared.left() - 1, beside.bottom())),
+              QRect(QPoint(shared.right() + 1, beside.top()), beside.bottomRight()),
+              QRect(QPoint(rect.left(), shared.bottom() + 1), rect.bottomRight())}) {
+            if (!part.isEmpty())
+                add(part);
+        }
+    }
+    std::vector<QRect> rects() &&
     {
         if (m_rects.size() > mostRectangles)
-            return m_bounds;
-        QRegion region;
-        for (const QRect &rect : m_rects)
-            region += rect;
-        return region;
+            return {m_bounds};
+        return std::move(m_rects);
     }
 
 private:
@@ -100,17 +115,34 @@ void addChangedFills(Items before, Items after, Damage &damage)
         damage.addAll(*std::get<DisplayList::Fills>(*next).rects);
 }
 
+/// Two items in the same place of the paint order.
+void addChange(const DisplayList::Item &before, const DisplayList::Item &after, Damage &damage)
+{
+    if (before == after)
+        return;
+    const auto *fill = std::get_if<DisplayList::Fill>(&before);
+    const auto *other = std::get_if<DisplayList::Fill>(&after);
+    if (fill && other && fill->color == other->color) {
+        // A line that grows is the same but at its end.
+        damage.addOutside(fill->rect, other->rect);
+        damage.addOutside(other->rect, fill->rect);
+        return;
+    }
+    damage.add(boundsOf(before));
+    damage.add(boundsOf(after));
+}
+
 /// Item by item where some only moved, and as a whole where some came or went.
 void addChangedItems(Items before, Items after, Damage &damage)
 {
-    const bool isSameCount = before.size() == after.size();
-    for (size_t i = 0; i < before.size(); ++i) {
-        if (!isSameCount || !(before[i] == after[i]))
-            damage.add(boundsOf(before[i]));
+    if (before.size() == after.size()) {
+        for (size_t i = 0; i < before.size(); ++i)
+            addChange(before[i], after[i], damage);
+        return;
     }
-    for (size_t i = 0; i < after.size(); ++i) {
-        if (!isSameCount || !(before[i] == after[i]))
-            damage.add(boundsOf(after[i]));
+    for (const Items &items : {before, after}) {
+        for (const DisplayList::Item &item : items)
+            damage.add(boundsOf(item));
     }
 }
 
@@ -126,29 +158,41 @@ QRect boundsOf(const DisplayList::Item &item)
             bounds |= rect;
         return bounds;
     }
-    const auto &decal = std::get<DisplayList::Decal>(item);
+    return boundsOf(std::get<DisplayList::Decal>(item));
+}
+
+QRect boundsOf(const DisplayList::Decal &decal)
+{
     const QRect bounds(decal.at, decal.image.size());
     return decal.clip.isNull() ? bounds : bounds & decal.clip;
+}
+
+std::vector<QRect> damagedRects(const DisplayList &before, const DisplayList &after)
+{
+    constexpr QRect everywhere(-(1 << 14), -(1 << 14), 1 << 15, 1 << 15);
+    Damage damage;
+    if (before.veil != after.veil) {
+        // The veil lies outside of both holes.
+        damage.addOutside(before.clear & after.clear, everywhere);
+    } else if (before.clear != after.clear && after.veil > 0) {
+        damage.addOutside(before.clear, after.clear);
+        damage.addOutside(after.clear, before.clear);
+    }
+    // What both lists begin and end with keeps its place in the paint order.
+    const auto [gone, come] = changedParts(before.items, after.items);
+    if (areAllFills(gone) && areAllFills(come))
+        addChangedFills(gone, come, damage);
+    else
+        addChangedItems(gone, come, damage);
+    return std::move(damage).rects();
 }
 
 QRegion damageBetween(const DisplayList &before, const DisplayList &after)
 {
     QRegion damage;
-    if (before.veil != after.veil) {
-        // The veil lies outside of both holes.
-        damage =
-            QRegion(-(1 << 14), -(1 << 14), 1 << 15, 1 << 15) - QRegion(before.clear & after.clear);
-    } else if (before.clear != after.clear && after.veil > 0) {
-        damage = QRegion(before.clear).xored(QRegion(after.clear));
-    }
-    // What both lists begin and end with keeps its place in the paint order.
-    const auto [gone, come] = changedParts(before.items, after.items);
-    Damage items;
-    if (areAllFills(gone) && areAllFills(come))
-        addChangedFills(gone, come, items);
-    else
-        addChangedItems(gone, come, items);
-    return damage + items.region();
+    for (const QRect &rect : damagedRects(before, after))
+        damage += rect;
+    return damage;
 }
 
 } // namespace tovek

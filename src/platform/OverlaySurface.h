@@ -63,10 +63,13 @@ struct DisplayList
 
 /// What an item covers, in native pixels; with many rectangles what lies between them too.
 QRect boundsOf(const DisplayList::Item &item);
+QRect boundsOf(const DisplayList::Decal &decal);
 
 /// The pixels in which two lists over the same frozen display can differ; a superset, exact enough
 /// that a small change of the list stays a small region whatever the size of the display.
 QRegion damageBetween(const DisplayList &before, const DisplayList &after);
+/// The same as a few rectangles, some of which may overlap, for a fraction of the time.
+std::vector<QRect> damagedRects(const DisplayList &before, const DisplayList &after);
 
 /// Turns one window into the overlay of one screen: above everything, without animation or shadow,
 /// exactly over the screen's native pixels, showing the frozen display from its first instant on.

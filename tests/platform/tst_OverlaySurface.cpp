@@ -98,6 +98,12 @@ private Q_SLOTS:
         row("twins, one goes", {0, {}, {shade, shade}}, {0, {}, {shade}}, 400);
         row("colour changes", {0, {}, {red, green}}, {0, {}, {Fill{red.rect, 0xff000000}, green}},
             900);
+        row("line grows", {0, {}, {Fill{QRect(10, 10, 2, 30), 0x80000080}}},
+            {0, {}, {Fill{QRect(10, 10, 2, 40), 0x80000080}}}, 20);
+        row("line moves along itself", {0, {}, {Fill{QRect(10, 10, 30, 2), 0x80000080}}},
+            {0, {}, {Fill{QRect(13, 10, 30, 2), 0x80000080}}}, 12);
+        row("line moves across itself", {0, {}, {Fill{QRect(10, 10, 30, 2), 0x80000080}}},
+            {0, {}, {Fill{QRect(10, 14, 30, 2), 0x80000080}}}, 120);
         row("decal moves", {0, {}, {decal}}, {0, {}, {Decal{1, QPoint(61, 10), decal.image, {}}}},
             210);
         row("decal is clipped", {0, {}, {decal}}, {0, {}, {clipped}}, 200);

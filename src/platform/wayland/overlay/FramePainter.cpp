@@ -4,50 +4,66 @@
 #include "platform/wayland/overlay/FramePainter.h"
 
 #include <cstring>
+#include <cwchar>
 
 namespace tovek {
 
 namespace {
 
-/// Each byte times `factor` / 255, rounded.
-uint32_t multiplied(uint32_t pixel, uint32_t factor)
-{
-    constexpr uint32_t lowBytes = 0x00ff00ff;
-    constexpr uint32_t halves = 0x00800080;
-    const auto products = [factor](uint32_t bytes) {
-        const uint32_t product = bytes * factor;
-        return product + ((product >> 8) & lowBytes) + halves;
-    };
-    return ((products(pixel & lowBytes) >> 8) & lowBytes)
-        | (products((pixel >> 8) & lowBytes) & ~lowBytes);
-}
+/// So many pixels take as long as a rectangle more: to paint, to tell the compositor, and there.
+constexpr int pixelsOfARect = 1000;
 
 /// Four pixels beside each other, two bytes in a lane.
 using FourPixels = uint16_t __attribute__((vector_size(16)));
 
-FourPixels multiplied(FourPixels pixels, uint16_t factor)
+using FourWords = uint32_t __attribute__((vector_size(16)));
+
+/// By factors that are the same in both lanes of a pixel.
+FourPixels multiplied(FourPixels pixels, FourPixels factors)
 {
-    const auto products = [factor](FourPixels bytes) {
-        const FourPixels product = bytes * factor;
+    const auto products = [&factors](FourPixels bytes) {
+        const FourPixels product = bytes * factors;
         return (product + (product >> 8) + 128) >> 8;
     };
     return products(pixels & 255) | products(pixels >> 8) << 8;
 }
 
-/// Multiplies a row, and adds a premultiplied colour.
-void blendRow(uint32_t *row, int count, uint32_t factor, uint32_t color)
+/// Premultiplied colours over others.
+FourWords blended(FourWords below, FourWords colors)
 {
-    using Words = uint32_t __attribute__((vector_size(16)));
+    const FourWords factors = 255 - (colors >> 24);
+    return FourWords(multiplied(FourPixels(below), FourPixels(factors | factors << 16))) + colors;
+}
+
+/// The first `count` of four pixels, and nothing.
+FourWords loaded(const uint32_t *pixels, int count)
+{
+    FourWords words{};
+    std::memcpy(&words, pixels, size_t(count) * sizeof *pixels);
+    return words;
+}
+
+/// The library has the widest stores of the processor for words of this size.
+void fillRow(uint32_t *row, int count, uint32_t color)
+{
+    static_assert(sizeof(wchar_t) == sizeof color);
+    std::wmemset(reinterpret_cast<wchar_t *>(row), wchar_t(color), size_t(count));
+}
+
+/// `colors(x, n)`: those that lie over `n` pixels from `x` on.
+template <typename Colors>
+void blendRow(uint32_t *row, int count, const Colors &colors)
+{
     int x = 0;
     for (; x + 3 < count; x += 4) {
-        FourPixels four;
-        std::memcpy(&four, row + x, sizeof four);
-        four = multiplied(four, uint16_t(factor));
-        const Words sum = Words(four) + color;
+        const FourWords sum = blended(loaded(row + x, 4), colors(x, 4));
         std::memcpy(row + x, &sum, sizeof sum);
     }
-    for (; x < count; ++x)
-        row[x] = multiplied(row[x], factor) + color;
+    const int rest = count - x;
+    if (rest <= 0)
+        return;
+    const FourWords sum = blended(loaded(row + x, rest), colors(x, rest));
+    std::memcpy(row + x, &sum, size_t(rest) * sizeof *row);
 }
 
 class RectanglePainter
@@ -85,9 +101,9 @@ void RectanglePainter::paintBelow(uint32_t veil, const QRect &hole) const
         const bool isClear = clear.top() <= y && y <= clear.bottom() && !clear.isEmpty();
         const int from = isClear ? clear.left() : m_part.right() + 1;
         const int to = isClear ? clear.right() + 1 : from;
-        std::fill(at(m_part.left(), y), at(from, y), black);
-        std::fill(at(from, y), at(to, y), 0);
-        std::fill(at(to, y), at(m_part.right() + 1, y), black);
+        fillRow(at(m_part.left(), y), from - m_part.left(), black);
+        fillRow(at(from, y), to - from, 0);
+        fillRow(at(to, y), m_part.right() + 1 - to, black);
     }
 }
 
@@ -97,9 +113,9 @@ void RectanglePainter::paint(const QRect &rect, QRgb color) const
     for (int y = covered.top(); y <= covered.bottom(); ++y) {
         uint32_t *row = at(covered.left(), y);
         if (qAlpha(color) == 255)
-            std::fill_n(row, covered.width(), color);
+            fillRow(row, covered.width(), color);
         else
-            blendRow(row, covered.width(), 255 - uint32_t(qAlpha(color)), color);
+            blendRow(row, covered.width(), [color](int, int) { return FourWords{} + color; });
     }
 }
 
@@ -107,30 +123,52 @@ void RectanglePainter::operator()(const DisplayList::Decal &decal) const
 {
     const QRect covered = boundsOf(decal) & m_part;
     for (int y = covered.top(); y <= covered.bottom(); ++y) {
-        uint32_t *row = at(covered.left(), y);
         const auto *from =
             reinterpret_cast<const QRgb *>(decal.image.constScanLine(y - decal.at.y()))
             + covered.left() - decal.at.x();
-        for (int x = 0; x < covered.width(); ++x) {
-            if (qAlpha(from[x]) == 255)
-                row[x] = from[x];
-            else if (from[x] != 0)
-                row[x] = multiplied(row[x], 255 - uint32_t(qAlpha(from[x]))) + from[x];
-        }
+        blendRow(at(covered.left(), y), covered.width(),
+                 [from](int x, int count) { return loaded(from + x, count); });
     }
 }
 
 } // namespace
 
-void paintFrame(const SharedPixels &frame, const DisplayList &list, const QRegion &damage)
+void paintFrame(const SharedPixels &frame, const DisplayList &list, std::span<const QRect> damage)
 {
     const auto veil = uint32_t(qBound(0, qRound(list.veil * 255), 255));
-    for (const QRect &rect : damage &QRect(QPoint(), frame.size())) {
-        const RectanglePainter painter(frame, rect);
+    std::vector<QRect> bounds(list.items.size());
+    std::transform(list.items.begin(), list.items.end(), bounds.begin(),
+                   [](const DisplayList::Item &item) { return boundsOf(item); });
+    for (const QRect &rect : damage) {
+        const QRect part = rect & QRect(QPoint(), frame.size());
+        if (part.isEmpty())
+            continue;
+        const RectanglePainter painter(frame, part);
         painter.paintBelow(veil, list.clear);
-        for (const DisplayList::Item &item : list.items)
-            std::visit(painter, item);
+        for (size_t i = 0; i < bounds.size(); ++i) {
+            if (bounds[i].intersects(part))
+                std::visit(painter, list.items[i]);
+        }
     }
+}
+
+std::vector<QRect> joined(std::vector<QRect> rects)
+{
+    const auto area = [](const QRect &rect) { return qint64(rect.width()) * rect.height(); };
+    for (size_t i = 0; i < rects.size(); ++i) {
+        for (size_t other = i + 1; other < rects.size();) {
+            const QRect both = rects[i] | rects[other];
+            if (area(both) > area(rects[i]) + area(rects[other]) + pixelsOfARect) {
+                ++other;
+                continue;
+            }
+            rects[i] = both;
+            rects[other] = rects.back();
+            rects.pop_back();
+            other = i + 1; // it has grown
+        }
+    }
+    return rects;
 }
 
 } // namespace tovek

@@ -13,6 +13,7 @@
 #include <cmath>
 #include <cstring>
 #include <numeric>
+#include <utility>
 
 namespace tovek {
 
@@ -68,7 +69,7 @@ struct LayerCanvas::Frame
 {
     std::shared_ptr<SharedPixels> pixels;
     WaylandPtr<wl_buffer, wl_buffer_destroy> buffer;
-    DisplayList list; ///< in it; new memory is clear
+    SharedList list = std::make_shared<DisplayList>(); ///< in it; new memory is clear
     bool isBusy = false; ///< the compositor may read it
 };
 
@@ -143,11 +144,10 @@ void LayerCanvas::becomeIndependent()
 void LayerCanvas::present(const DisplayList &list)
 {
     Q_ASSERT(isMainThread());
+    m_waiting = std::make_shared<DisplayList>(list);
     // One frame a refresh: what comes in between would not be seen.
-    if (m_callback || !freeFrame())
-        m_waiting = list;
-    else
-        show(list);
+    if (!m_callback && freeFrame())
+        show(std::exchange(m_waiting, nullptr));
 }
 
 LayerCanvas::Frame *LayerCanvas::freeFrame()
@@ -170,29 +170,26 @@ LayerCanvas::Frame *LayerCanvas::freeFrame()
     return &frame;
 }
 
-void LayerCanvas::compose(Frame &frame, const DisplayList &list) const
+void LayerCanvas::show(SharedList list)
 {
-    const QRegion damage = damageBetween(frame.list, list);
-    frame.list = list;
-    paintFrame(*frame.pixels, list, damage);
-}
-
-void LayerCanvas::show(const DisplayList &list)
-{
-    m_waiting.reset();
+    const auto changed = joined(damagedRects(*m_shown, *list));
     const QRect bounds(QPoint(), m_frozen->size());
-    const QRegion changed = damageBetween(m_shown, list) & bounds;
-    if (changed.isEmpty())
+    if (std::none_of(changed.begin(), changed.end(),
+                     [&bounds](const QRect &rect) { return rect.intersects(bounds); }))
         return;
-    // All of the first frame is new to the compositor.
-    const bool isFirst = m_shown == DisplayList();
     Frame &frame = *freeFrame();
-    compose(frame, list);
-    m_shown = list;
+    paintFrame(*frame.pixels, *list, joined(damagedRects(*frame.list, *list)));
+    frame.list = list;
     frame.isBusy = true;
     wl_surface_attach(m_above.surface, frame.buffer.get(), 0, 0);
-    for (const QRect &rect : isFirst ? QRegion(bounds) : changed)
-        wl_surface_damage_buffer(m_above.surface, rect.x(), rect.y(), rect.width(), rect.height());
+    // All of the first frame is new to the compositor.
+    for (const QRect &rect : *m_shown == DisplayList() ? std::vector{bounds} : changed) {
+        const QRect seen = rect & bounds;
+        if (!seen.isEmpty())
+            wl_surface_damage_buffer(m_above.surface, seen.x(), seen.y(), seen.width(),
+                                     seen.height());
+    }
+    m_shown = std::move(list);
     m_callback = wl_surface_frame(m_above.surface);
     static constexpr wl_callback_listener listener{&frameDone};
     wl_callback_add_listener(m_callback, &listener, this);
@@ -213,7 +210,7 @@ void LayerCanvas::becameReady()
     if (!isReady())
         return;
     if (m_waiting && freeFrame())
-        show(DisplayList(std::move(*m_waiting)));
+        show(std::exchange(m_waiting, nullptr));
     else if (onReady)
         onReady();
 }

@@ -51,6 +51,7 @@ public:
     std::function<void()> onReady;
 
 private:
+    using SharedList = std::shared_ptr<const DisplayList>; ///< never null but where it waits
     struct Frame;
     /// A part of the parent that lies below it and takes no input.
     struct Layer
@@ -67,8 +68,7 @@ private:
     static void frameDone(void *data, wl_callback *callback, uint32_t time);
     static void released(void *data, wl_buffer *buffer);
     Frame *freeFrame();
-    void compose(Frame &frame, const DisplayList &list) const;
-    void show(const DisplayList &list);
+    void show(SharedList list);
     void becameReady();
     std::shared_ptr<SharedPixels> fitted(std::shared_ptr<SharedPixels> frozen);
 
@@ -82,8 +82,8 @@ private:
     std::vector<std::unique_ptr<Frame>> m_frames;
     Layer m_below; ///< the frozen display
     Layer m_above; ///< what lies over it; not there before something does
-    DisplayList m_shown;
-    std::optional<DisplayList> m_waiting;
+    SharedList m_shown = std::make_shared<DisplayList>();
+    SharedList m_waiting; ///< null where nothing waits to be shown
 };
 
 } // namespace tovek

@@ -134,13 +134,14 @@ private Q_SLOTS:
         for (int x = 0; x < bytes.width(); ++x)
             bytes.setPixel(x, 0, qRgb(x, 255 - x, x * 7 % 256));
         const DisplayList::Decal below{1, QPoint(), bytes, {}};
+        const QRegion all(QRect(QPoint(), bytes.size()));
         const auto frame = SharedPixels::create(bytes.size());
         const auto *made = reinterpret_cast<const QRgb *>(frame->data());
         for (int alpha = 0; alpha <= 255; ++alpha) {
             for (const QRect &shaded : {QRect(0, 0, 256, 1), QRect(1, 0, 1, 1), QRect(3, 0, 2, 1),
                                         QRect(2, 0, 7, 1), QRect(5, 0, 251, 1)}) {
                 const DisplayList::Fill shade{shaded, QRgb(alpha) << 24};
-                paintFrame(*frame, {0, {}, {below, shade}}, QRect(QPoint(), bytes.size()));
+                paintFrame(*frame, {0, {}, {below, shade}}, all);
                 for (int x = 0; x < bytes.width(); ++x)
                     QCOMPARE(made[x],
                              plainlyBlended(bytes.pixel(x, 0),
@@ -149,12 +150,39 @@ private Q_SLOTS:
         }
     }
 
+    void joinsWhatLiesCloseTogether_data()
+    {
+        using Rects = std::vector<QRect>;
+        QTest::addColumn<Rects>("rects");
+        QTest::addColumn<size_t>("most");
+        const QRect one(0, 0, 100, 10);
+        QTest::newRow("nothing") << Rects() << size_t(0);
+        QTest::newRow("one") << Rects{one} << size_t(1);
+        QTest::newRow("one inside another") << Rects{one, QRect(5, 2, 10, 3)} << size_t(1);
+        QTest::newRow("with as much between as one costs")
+            << Rects{one, one.translated(0, 20)} << size_t(1);
+        QTest::newRow("with more between") << Rects{one, one.translated(0, 21)} << size_t(2);
+        QTest::newRow("by way of a third")
+            << Rects{one, one.translated(0, 35), one.translated(0, 18)} << size_t(1);
+        QTest::newRow("a line across the screen and one down it")
+            << Rects{QRect(0, 0, 2000, 2), QRect(0, 0, 2, 1000)} << size_t(2);
+    }
+    void joinsWhatLiesCloseTogether()
+    {
+        QFETCH(std::vector<QRect>, rects);
+        const std::vector<QRect> fewer = joined(rects);
+        QTEST(fewer.size(), "most");
+        for (const QRect &rect : rects)
+            QVERIFY(std::any_of(fewer.begin(), fewer.end(),
+                                [&rect](const QRect &known) { return known.contains(rect); }));
+    }
+
     /// Not a trace, so that the compositor shows the display's own pixels.
     void isClearWhereNothingLiesOver()
     {
         const auto frame = SharedPixels::create(size);
         const QRect hole(20, 20, 41, 40);
-        const QRect all(QPoint(), size);
+        const QRegion all(QRect(QPoint(), size));
         paintFrame(*frame, {1, {}, {}}, all);
         paintFrame(*frame, {0.5, hole, {}}, all);
         const auto *made = reinterpret_cast<const QRgb *>(frame->data());
