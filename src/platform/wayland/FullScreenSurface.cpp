@@ -5,10 +5,13 @@
 
 #include "foundation/Log.h"
 #include "foundation/MainThread.h"
+#include "platform/wayland/SharedPixels.h"
 #include "xdg-shell-client.h"
 
 #include <QGuiApplication>
 #include <QWindow>
+
+#include <cstdlib>
 
 namespace tovek {
 
@@ -19,6 +22,15 @@ using namespace std::chrono_literals;
 constexpr uint32_t windowVersion = 2;
 constexpr char programName[] = "org.tovek.Tovek"; // of its desktop file
 constexpr auto windowAnswerLimit = 2s;
+/// Each frame that this takes is one of the wait for the overlay.
+constexpr auto bringOverLimit = 1000ms;
+
+/// Fractions of points are rounded, here and there.
+bool isAbout(QSize one, QSize other)
+{
+    const QSize difference = one - other;
+    return std::abs(difference.width()) <= 1 && std::abs(difference.height()) <= 1;
+}
 
 } // namespace
 
@@ -53,7 +65,8 @@ FullScreenSurface::FullScreenSurface(std::shared_ptr<WindowShell> shell, wl_surf
 }
 
 std::unique_ptr<FullScreenSurface> FullScreenSurface::create(std::shared_ptr<WindowShell> shell,
-                                                             QWindow &window, QScreen *screen)
+                                                             QWindow &window, QScreen *screen,
+                                                             QSize points)
 {
     if (screen)
         window.setScreen(screen);
@@ -69,6 +82,8 @@ std::unique_ptr<FullScreenSurface> FullScreenSurface::create(std::shared_ptr<Win
         logLine(QStringLiteral("The compositor shows no window: it does not answer"));
         return nullptr;
     }
+    if (!isAbout(role->m_announced, points))
+        role->bringOver(screen, points);
     connection.adopt(role->m_handle);
     connection.adopt(role->m_window);
     window.resize(role->configuredSize());
@@ -110,11 +125,49 @@ void FullScreenSurface::open(const QWindow &window, QScreen *screen)
     wl_surface_commit(surface());
 }
 
+/// Where mutter (48) lays out its screens in pixels, it makes a window for the scale of the screen
+/// with the pointer. On a screen of another scale it is told a wrong size and shown larger or
+/// smaller; its scale is that of its screen only after it was moved there, from where it has been
+/// shown. Nobody sees it meanwhile: it is clear.
+void FullScreenSurface::bringOver(QScreen *screen, QSize points)
+{
+    WaylandConnection &connection = m_shell->connection();
+    auto *shown = connection.waitable(surface());
+    const WaylandPtr<wl_callback, wl_callback_destroy> frame(wl_surface_frame(shown));
+    wl_proxy_wrapper_destroy(shown);
+    bool isShown = false;
+    static constexpr wl_callback_listener listener{
+        [](void *data, wl_callback *, uint32_t) { *static_cast<bool *>(data) = true; }};
+    wl_callback_add_listener(frame.get(), &listener, &isShown);
+    showNothing();
+    connection.waitFor([&] { return isShown; }, bringOverLimit);
+    xdg_toplevel_unset_fullscreen(m_window);
+    xdg_toplevel_set_fullscreen(m_window, outputOf(screen));
+    connection.waitFor([&] { return isAbout(configuredSize(), points); }, bringOverLimit);
+    showNothing();
+}
+
+/// As large as it should be: what does not fill its screen is put into the middle, on black.
+void FullScreenSurface::showNothing()
+{
+    WaylandConnection &connection = m_shell->connection();
+    const WaylandPtr<wl_shm, wl_shm_destroy> memory(connection.bind<wl_shm>(wl_shm_interface, 1));
+    const auto clear = SharedPixels::create(configuredSize());
+    if (!memory || !clear)
+        return;
+    m_nothing.reset(clear->makeBuffer(memory.get(), WL_SHM_FORMAT_ARGB8888));
+    wl_surface_attach(surface(), m_nothing.get(), 0, 0);
+    wl_surface_damage(surface(), 0, 0, INT32_MAX, INT32_MAX);
+    wl_surface_commit(surface());
+}
+
 FullScreenSurface::~FullScreenSurface()
 {
     Q_ASSERT(isMainThread());
-    if (!qApp)
+    if (!qApp) {
+        (void)m_nothing.release();
         return;
+    }
     if (m_window)
         xdg_toplevel_destroy(m_window);
     if (m_handle)

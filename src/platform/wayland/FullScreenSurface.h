@@ -38,9 +38,10 @@ private:
 class FullScreenSurface : public SurfaceRole
 {
 public:
-    /// Null, with one log line, when the compositor does not answer for long.
-    static std::unique_ptr<FullScreenSurface> create(std::shared_ptr<WindowShell> shell,
-                                                     QWindow &window, QScreen *screen);
+    /// `points` is how large the window should be on this screen. Null, with one log line, when the
+    /// compositor does not answer for long.
+    static std::unique_ptr<FullScreenSurface>
+    create(std::shared_ptr<WindowShell> shell, QWindow &window, QScreen *screen, QSize points);
     ~FullScreenSurface() override;
 
     void setKeyboard(Keyboard) override { }
@@ -49,12 +50,15 @@ public:
 private:
     FullScreenSurface(std::shared_ptr<WindowShell> shell, wl_surface *surface);
     void open(const QWindow &window, QScreen *screen);
+    void bringOver(QScreen *screen, QSize points);
+    void showNothing();
 
     std::shared_ptr<WindowShell> m_shell;
     xdg_surface *m_handle = nullptr;
     xdg_toplevel *m_window = nullptr;
     QSize m_announced; ///< until the end of what is announced together
     bool m_isConfigured = false;
+    WaylandPtr<wl_buffer, wl_buffer_destroy> m_nothing;
 };
 
 } // namespace tovek

@@ -79,7 +79,8 @@ void LayerOverlaySurface::setUpWindow()
 {
     const QRect before = m_window.geometry();
     m_window.setFlags(m_window.flags() | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint);
-    m_role = m_services->makeRole(m_window, toolkitScreen(m_screen.name));
+    const QSizeF points(m_screen.frame.width, m_screen.frame.height);
+    m_role = m_services->makeRole(m_window, toolkitScreen(m_screen.name), points.toSize());
     if (!m_role)
         return;
     m_role->onClosed = [this] { leaveWithTheScreen(); };
@@ -275,7 +276,7 @@ LayerOverlayShell::create(std::shared_ptr<WaylandOutputs> outputs, PointerSeenOn
     if (!shell)
         return nullptr;
     return createWith(
-        [shell = std::move(shell)](QWindow &window, QScreen *screen) {
+        [shell = std::move(shell)](QWindow &window, QScreen *screen, QSize) {
             return LayerSurface::create(shell, window, screen, {});
         },
         std::move(outputs), std::move(pointerSeenOn));
@@ -289,8 +290,8 @@ LayerOverlayShell::createOfWindows(std::shared_ptr<WaylandOutputs> outputs,
     if (!shell)
         return nullptr;
     return createWith(
-        [shell = std::move(shell)](QWindow &window, QScreen *screen) {
-            return FullScreenSurface::create(shell, window, screen);
+        [shell = std::move(shell)](QWindow &window, QScreen *screen, QSize points) {
+            return FullScreenSurface::create(shell, window, screen, points);
         },
         std::move(outputs), std::move(pointerSeenOn));
 }

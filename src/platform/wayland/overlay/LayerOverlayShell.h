@@ -16,7 +16,8 @@ class LayerOverlaySurface;
 /// What the overlays of one session share.
 struct LayerOverlayServices
 {
-    using MakeRole = std::function<std::unique_ptr<SurfaceRole>(QWindow &, QScreen *)>;
+    using MakeRole =
+        std::function<std::unique_ptr<SurfaceRole>(QWindow &, QScreen *, QSize points)>;
 
     MakeRole makeRole; ///< null from it where the compositor refuses
     std::shared_ptr<CanvasGlobals> canvas;
