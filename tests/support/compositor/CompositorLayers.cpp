@@ -3,7 +3,6 @@
 
 #include "support/compositor/CompositorState.h"
 #include "wlr-layer-shell-unstable-v1-server.h"
-#include "xdg-shell-server.h"
 
 namespace tovek {
 
@@ -139,7 +138,11 @@ void getKeyboard(wl_client *client, wl_resource *seat, uint32_t id)
 {
     wl_resource *keyboard =
         wl_resource_create(client, &wl_keyboard_interface, wl_resource_get_version(seat), id);
-    wl_resource_set_implementation(keyboard, &keyboardRequests, nullptr, nullptr);
+    auto &state = stateOf<CompositorState>(seat);
+    wl_resource_set_implementation(keyboard, &keyboardRequests, &state, [](wl_resource *gone) {
+        std::erase(stateOf<CompositorState>(gone).keyboards, gone);
+    });
+    state.keyboards.push_back(keyboard);
 }
 
 const struct wl_seat_interface seatRequests
@@ -152,20 +155,11 @@ void bindSeat(wl_client *client, void *data, uint32_t version, uint32_t id)
     const auto &state = *static_cast<CompositorState *>(data);
     wl_resource *seat = wl_resource_create(client, &wl_seat_interface, int(version), id);
     wl_resource_set_implementation(seat, &seatRequests, data, nullptr);
-    wl_seat_send_capabilities(seat, state.plan.cursor ? WL_SEAT_CAPABILITY_POINTER : 0);
+    wl_seat_send_capabilities(seat,
+                              (state.plan.cursor ? WL_SEAT_CAPABILITY_POINTER : 0)
+                                  | (state.plan.hasKeyboard ? WL_SEAT_CAPABILITY_KEYBOARD : 0));
     if (version >= WL_SEAT_NAME_SINCE_VERSION)
         wl_seat_send_name(seat, "seat");
-}
-
-/// The toolkit wants to know of a shell; nothing here makes a window of it.
-void bindWindows(wl_client *client, void *data, uint32_t version, uint32_t id)
-{
-    static const struct xdg_wm_base_interface requests
-    {
-        &destroyResource, nullptr, nullptr, nullptr
-    };
-    wl_resource *windows = wl_resource_create(client, &xdg_wm_base_interface, int(version), id);
-    wl_resource_set_implementation(windows, &requests, data, nullptr);
 }
 
 } // namespace
@@ -228,7 +222,6 @@ void offerLayers(CompositorState &state)
 {
     state.offer(zwlr_layer_shell_v1_interface, layerShellVersion, &bindShell);
     state.offer(wl_seat_interface, seatVersion, &bindSeat);
-    state.offer(xdg_wm_base_interface, 1, &bindWindows);
 }
 
 } // namespace tovek

@@ -42,7 +42,7 @@ struct SurfaceState
     QPoint position; ///< in the parent
     bool isAbove = true; ///< the parent
     std::vector<SurfaceState *> children;
-    std::function<void()> onCommit; ///< of the role
+    std::function<void()> onCommit, onGone; ///< of the role
 
     QSize points() const
     {
@@ -91,7 +91,8 @@ struct CompositorState
     TestCompositor::Captures captures = TestCompositor::Captures::work;
     int captureCount = 0;
     std::list<LayerState *> layers;
-    std::vector<wl_resource *> pointers;
+    std::vector<wl_resource *> pointers, keyboards;
+    SurfaceState *focus = nullptr; ///< has the keyboard
     wl_resource *cursorOwner =
         nullptr; ///< the pointer of the client that it is over, if that is ours
     bool isCursorHidden = false;
@@ -108,6 +109,7 @@ struct CompositorState
     /// The pixels as the panel has them.
     QImage capture(const OutputState &output, bool withCursor);
     void updatePointer();
+    void leaveKeyboard();
 };
 
 // Each file offers what it serves.
@@ -116,6 +118,7 @@ void offerOutput(CompositorState &state, const CompositorOutput &output);
 void tellOutput(OutputState &output);
 void offerSurfaces(CompositorState &state);
 void offerLayers(CompositorState &state);
+void offerFocus(CompositorState &state);
 void offerCaptures(CompositorState &state);
 void offerClipboard(CompositorState &state);
 

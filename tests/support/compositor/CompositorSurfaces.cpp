@@ -98,6 +98,10 @@ void surfaceGone(wl_resource *resource)
 {
     auto *surface = &stateOf<SurfaceState>(resource);
     CompositorState &state = *surface->compositor;
+    if (surface->onGone)
+        surface->onGone();
+    if (state.focus == surface)
+        state.focus = nullptr;
     if (surface->parent)
         std::erase(surface->parent->children, surface);
     for (SurfaceState *child : surface->children)

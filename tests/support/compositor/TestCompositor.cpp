@@ -65,6 +65,7 @@ bool TestCompositor::start()
         wl_display_add_shm_format(state.display, format);
     offerSurfaces(state);
     offerLayers(state);
+    offerFocus(state);
     offerOutputs(state);
     offerCaptures(state);
     offerClipboard(state);
@@ -222,6 +223,18 @@ void TestCompositor::takeClipboard()
             m_state->clipboard.cancelled();
         m_state->clipboard = {};
     });
+}
+
+void TestCompositor::overtakeCopies(int count)
+{
+    inside([&] { m_state->plan.overtakenCopies = count; });
+}
+
+bool TestCompositor::hasFocusedWindow()
+{
+    bool has = false;
+    inside([&] { has = m_state->focus; });
+    return has;
 }
 
 OutputState *CompositorState::outputAt(int index)

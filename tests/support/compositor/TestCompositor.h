@@ -37,6 +37,9 @@ struct CompositorPlan
     bool isUpsideDown = false; ///< captures over wlr-screencopy
     std::optional<QPoint> cursor{}; ///< points of the desktop; absent: there is no mouse
     bool hasCursorHardware = false; ///< which leaves it out of pictures
+    bool hasKeyboard = false; ///< and a clipboard for the window that has it
+    int overtakenCopies = 0; ///< another window has the keyboard when so many are heard of
+    bool tellsRefusedCopies = false;
 };
 
 /// A Wayland compositor without a screen, in a thread of the test's own process, that does what a
@@ -92,6 +95,9 @@ public:
     int paste(const QByteArray &type);
     /// Another program copies something.
     void takeClipboard();
+    /// As the plan's number of them.
+    void overtakeCopies(int count);
+    bool hasFocusedWindow();
 
 private:
     /// Runs it in the compositor's thread, and waits for that.

@@ -51,6 +51,7 @@ public:
     explicit Window(Globals &globals);
 
     std::function<void(uint32_t serial)> onFocused;
+    std::function<void()> onLeft;
 
 private:
     friend struct FocusedEvents;
@@ -94,6 +95,8 @@ struct FocusedEvents
         auto &self = *static_cast<FocusedSelection *>(data);
         if (self.m_source != source)
             return;
+        if (self.m_answer)
+            return self.overtaken();
         self.dropSource();
         if (self.onLost)
             self.onLost();
@@ -116,7 +119,10 @@ struct FocusedEvents
     {
         static_cast<Window *>(data)->onFocused(serial);
     }
-    static void focusOut(void *, wl_keyboard *, uint32_t, wl_surface *) { }
+    static void focusOut(void *data, wl_keyboard *, uint32_t, wl_surface *)
+    {
+        static_cast<Window *>(data)->onLeft();
+    }
     static void key(void *, wl_keyboard *, uint32_t, uint32_t, uint32_t, uint32_t) { }
     static void modifiers(void *, wl_keyboard *, uint32_t, uint32_t, uint32_t, uint32_t, uint32_t)
     {
@@ -172,6 +178,7 @@ FocusedSelection::FocusedSelection(std::unique_ptr<Globals> globals) : m_globals
 void FocusedSelection::giveUp()
 {
     m_window.reset();
+    m_answer.reset();
     const bool wasTaking = m_source != nullptr;
     dropSource();
     setContent({}, Readiness::ready);
@@ -199,10 +206,10 @@ bool FocusedSelection::take(SelectionContent content, Readiness readiness)
     dropSource();
     if (!m_hasKeyboard)
         return false;
-    m_source = wl_data_device_manager_create_data_source(m_globals->manager.get());
-    wl_data_source_add_listener(m_source, &FocusedEvents::sourceListener, this);
+    m_types.clear();
     for (const SelectionTarget &target : content)
-        wl_data_source_offer(m_source, target.name.c_str());
+        m_types.push_back(target.name);
+    makeSource();
     setContent(std::move(content), readiness);
     ask();
     return !m_globals->connection->isLost();
@@ -210,9 +217,21 @@ bool FocusedSelection::take(SelectionContent content, Readiness readiness)
 
 void FocusedSelection::clear()
 {
+    m_types.clear();
     dropSource();
     setContent({}, Readiness::ready);
     ask();
+}
+
+void FocusedSelection::makeSource()
+{
+    dropSource();
+    if (m_types.empty())
+        return;
+    m_source = wl_data_device_manager_create_data_source(m_globals->manager.get());
+    wl_data_source_add_listener(m_source, &FocusedEvents::sourceListener, this);
+    for (const std::string &type : m_types)
+        wl_data_source_offer(m_source, type.c_str());
 }
 
 void FocusedSelection::dropSource()
@@ -230,22 +249,52 @@ void FocusedSelection::ask()
                                                                        m_globals->seat.get()));
         wl_data_device_add_listener(m_globals->device.get(), &FocusedEvents::deviceListener, this);
     }
-    if (!m_window)
-        m_window = std::make_unique<Window>(*m_globals);
-    m_window->onFocused = [this](uint32_t serial) { focused(serial); };
+    m_answer.reset();
+    openWindow();
     m_limit.start();
     m_globals->connection->flush();
 }
 
-void FocusedSelection::focused(uint32_t serial)
+void FocusedSelection::openWindow()
+{
+    m_window = std::make_unique<Window>(*m_globals);
+    m_window->onFocused = [this](uint32_t serial) { claim(serial); };
+    m_window->onLeft = [this] { overtaken(); };
+}
+
+void FocusedSelection::claim(uint32_t serial)
 {
     wl_data_device_set_selection(m_globals->device.get(), m_source, serial);
+    static constexpr wl_callback_listener listener{[](void *data, wl_callback *, uint32_t) {
+        static_cast<FocusedSelection *>(data)->claimed();
+    }};
+    m_answer.reset(wl_display_sync(m_globals->connection->display()));
+    wl_callback_add_listener(m_answer.get(), &listener, this);
+    m_globals->connection->flush();
+}
+
+void FocusedSelection::claimed()
+{
+    m_answer.reset();
     m_limit.stop();
-    // It is what called us.
+    m_window.reset();
+    m_globals->connection->flush();
+}
+
+/// Had the keyboard left before the compositor heard of the copy, nothing was copied: mutter 43
+/// does not even say so, newer ones end the source. A window that opens at this moment is enough
+/// for it.
+void FocusedSelection::overtaken()
+{
+    if (!m_answer)
+        return;
+    m_answer.reset();
+    makeSource();
+    // The window is what called us.
     QTimer::singleShot(0, &m_limit, [this] {
-        if (m_limit.isActive())
-            return; // asked again
-        m_window.reset();
+        if (!m_limit.isActive())
+            return;
+        openWindow();
         m_globals->connection->flush();
     });
 }

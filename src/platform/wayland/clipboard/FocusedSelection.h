@@ -33,13 +33,19 @@ private:
     class Window;
     friend struct FocusedEvents;
     explicit FocusedSelection(std::unique_ptr<Globals> globals);
+    void makeSource();
     void dropSource();
     void ask();
+    void openWindow();
+    void claim(uint32_t serial);
+    void claimed();
+    void overtaken();
     void giveUp();
-    void focused(uint32_t serial);
 
     std::unique_ptr<Globals> m_globals;
     std::unique_ptr<Window> m_window; ///< while the keyboard is asked for
+    WaylandPtr<wl_callback, wl_callback_destroy> m_answer; ///< while a claim is on its way
+    std::vector<std::string> m_types; ///< none: the clipboard is cleared
     wl_data_source *m_source = nullptr;
     bool m_hasKeyboard = false;
     QTimer m_limit;
