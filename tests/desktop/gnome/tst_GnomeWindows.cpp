@@ -82,9 +82,7 @@ private Q_SLOTS:
         leave();
         for (const int monitor : exact) {
             const QRect selection(200, 100, 320, 240);
-            QVERIFY(startCapture("capture-image"));
-            drag(monitor, selection);
-            QVERIFY(waitUntil([this] { return m_desktop->windowCount(overlay) == 0; }, patience));
+            QVERIFY(copy(monitor, selection));
             const double scale = m_desktop->pixelsPerUnit(monitor);
             const auto isPasted = [&] {
                 return isPartOf(paste(), before[monitor], selection, scale);
@@ -110,9 +108,8 @@ private Q_SLOTS:
         QVERIFY(m_desktop->setScales({1.25, 1.25}));
         QVERIFY(m_tovek->waitForLine(nativeLine, patience));
         const QImage before = m_desktop->lookAt(0);
-        QVERIFY(startCapture("capture-image"));
         const QRect selection(200, 100, 320, 240);
-        drag(0, selection);
+        QVERIFY(copy(0, selection));
         QVERIFY(waitUntil([&] { return isPartOf(paste(), before, selection, 1.25); }, patience));
         QVERIFY(m_desktop->setScales({1, 1}));
         QVERIFY(waitUntil([this] { return startsOnXWayland() == 2; }, patience));
@@ -166,8 +163,22 @@ private:
     void leave()
     {
         m_desktop->tap(escape);
-        QVERIFY(waitUntil([this] { return m_desktop->windowCount(overlay) == 0; }, patience));
-        QVERIFY(waitUntil([this] { return m_desktop->focusedTitle() == textWindow; }, patience));
+        QVERIFY(waitUntil([this] { return isOver(); }, patience));
+    }
+
+    bool copy(int monitor, const QRect &selection)
+    {
+        if (!startCapture("capture-image"))
+            return false;
+        drag(monitor, selection);
+        return waitUntil([this] { return isOver(); }, patience);
+    }
+
+    /// Who copies needs the keyboard for it here, and so does who pastes: nobody else's window may
+    /// come before the person sees the own one again.
+    bool isOver() const
+    {
+        return m_desktop->windowCount(overlay) == 0 && m_desktop->focusedTitle() == textWindow;
     }
 
     QImage paste()
