@@ -175,6 +175,8 @@ bool GnomeDesktop::startShell()
         && isTrue("Main.overview.hide(); !Main.overview.visible");
     if (!isReady)
         return fail(QStringLiteral("gnome-shell did not get ready"));
+    // Else a picture of one minute is compared with the desktop of the next.
+    evaluate(QStringLiteral("Main.panel.statusArea.dateMenu.container.hide()"));
     if (!m_setup.hasXWayland)
         return true;
     const QString display = evaluate(QStringLiteral("imports.gi.GLib.getenv('DISPLAY')"));
