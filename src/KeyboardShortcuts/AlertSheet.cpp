@@ -40,7 +40,7 @@ AlertSheet::AlertSheet(const Content &content, QWidget &owner) : QDialog(owner.w
     setAttribute(Qt::WA_DeleteOnClose);
     const bool hasWindow = !owner.isWindow() && owner.window()->isVisible();
     setWindowModality(hasWindow ? Qt::WindowModal : Qt::ApplicationModal);
-    setWindowTitle(owner.window()->windowTitle());
+    setWindowTitle(content.message);
     setAccessibleName(content.message);
     setAccessibleDescription(content.information);
 

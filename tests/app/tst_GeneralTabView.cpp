@@ -107,6 +107,7 @@ private Q_SLOTS:
         auto *alert = m_view->findChild<KeyboardShortcuts::AlertSheet *>();
         QVERIFY(alert);
         QCOMPARE(alert->accessibleName(), QStringLiteral("Tovek Is Now Hidden"));
+        QCOMPARE(alert->windowTitle(), alert->accessibleName());
         QCOMPARE(alert->accessibleDescription(),
                  QStringLiteral("To open preference window in the future, click Tovek's icon in "
                                 "your Launchpad when Tovek is running."));

@@ -40,7 +40,6 @@ struct SettingsHand : Launched
     {
         for (const char *title : {"General", "Shortcuts", "About"}) {
             const QList<SeenWindow> found = windowsTitled(*eye, title);
-            // An alert has the title of its window, and lies above it.
             if (!found.isEmpty())
                 return found.first().native.topLeft();
         }
