@@ -7,6 +7,7 @@
 #include "support/Skip.h"
 
 #include <QRegularExpression>
+#include <QStandardPaths>
 
 using namespace tovek;
 
@@ -68,6 +69,26 @@ private Q_SLOTS:
         QCOMPARE(differentPixels(session.desktop.look().copy(aside), before.copy(aside)), 0);
         QVERIFY(session.tap("Escape"));
         QTRY_COMPARE(differentPixels(session.desktop.look(), before), 0);
+    }
+
+    void isIntroducedToKWinByTheScriptThatRunsIt()
+    {
+        WaylandPlan plan{{{}}, false, WaylandPlan::Compositor::kwin};
+        plan.isInstalled = false;
+        SKIP_BECAUSE(WaylandDesktop::missing(plan));
+        if (QStandardPaths::findExecutable(QStringLiteral("kbuildsycoca5")).isEmpty())
+            QSKIP("kbuildsycoca5 is not installed, without which KWin finds no new file");
+        WaylandSession session(plan);
+        QVERIFY2(session.start(), qPrintable(session.error));
+        const QStringList program{qEnvironmentVariable("TOVEK_PROGRAM")};
+        const QByteArray said =
+            session.desktop.output(QStringLiteral(TOVEK_INTRODUCE_TO_KWIN), program);
+        QVERIFY(said.contains("org.tovek.Tovek.built.desktop"));
+        // Said once: nothing is to be done the next time.
+        QCOMPARE(session.desktop.output(QStringLiteral(TOVEK_INTRODUCE_TO_KWIN), program),
+                 QByteArray());
+        QVERIFY(session.open());
+        QVERIFY(session.tap("Escape"));
     }
 
     void loadsNoGraphicsDriver_data() { desktops(); }
