@@ -24,6 +24,10 @@ void syncDone(void *data, wl_callback *, uint32_t)
     *static_cast<bool *>(data) = true;
 }
 
+/// At login a compositor may be busy for a while. What it has not told by the end of this, the
+/// program would do without for as long as it runs.
+constexpr auto openingLimit = std::chrono::seconds(20);
+
 constexpr wl_callback_listener syncListener{&syncDone};
 
 } // namespace
@@ -104,7 +108,7 @@ bool WaylandConnection::readGlobals()
     m_registry = wl_display_get_registry(wrapper);
     wl_proxy_wrapper_destroy(wrapper);
     wl_registry_add_listener(m_registry, &registryListener, this);
-    return roundtrip();
+    return roundtrip(openingLimit);
 }
 
 void WaylandConnection::handleInMainLoop()

@@ -30,7 +30,7 @@ class WaylandConnection
 {
 public:
     /// One of our own. Works before there is an application; see `handleInMainLoop`. Null without
-    /// a compositor.
+    /// a compositor, or with one that says nothing for twenty seconds.
     static std::shared_ptr<WaylandConnection> open();
     /// Its events are handled in the main loop from now on. Our own only; needs an application.
     void handleInMainLoop();

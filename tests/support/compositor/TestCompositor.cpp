@@ -100,6 +100,15 @@ void TestCompositor::inside(const std::function<void()> &call)
     done.get_future().wait();
 }
 
+void TestCompositor::beBusy(std::chrono::milliseconds duration)
+{
+    {
+        const std::lock_guard lock(m_state->callsMutex);
+        m_state->calls.push_back([duration] { std::this_thread::sleep_for(duration); });
+    }
+    eventfd_write(m_state->wakeUp, 1);
+}
+
 void TestCompositor::setCaptures(Captures captures)
 {
     inside([&] { m_state->captures = captures; });

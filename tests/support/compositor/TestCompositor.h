@@ -8,6 +8,7 @@
 #include <QPoint>
 #include <QStringList>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -81,6 +82,8 @@ public:
     /// From `hold` on nobody is told that a frame was shown; `release` tells them of all at once.
     enum class Frames { hold, release };
     void setFrames(Frames frames);
+    /// Answers nobody for so long; returns at once.
+    void beBusy(std::chrono::milliseconds duration);
     /// Takes away all surfaces of the layer shell.
     void closeLayers();
 

@@ -16,6 +16,7 @@
 #include <wayland-client-protocol.h>
 
 using namespace tovek;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -103,6 +104,17 @@ class TestWaylandScreenGrabber : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void connectsToACompositorThatIsBusyAtFirst()
+    {
+        TestCompositor compositor(oneOutput());
+        QVERIFY(compositor.start());
+        const UseCompositor use(compositor);
+        compositor.beBusy(4s);
+        const auto connection = WaylandConnection::open();
+        QVERIFY(connection);
+        QVERIFY(connection->offers("zwlr_layer_shell_v1"));
+    }
+
     void initTestCase_data()
     {
         QTest::addColumn<QString>("way");
