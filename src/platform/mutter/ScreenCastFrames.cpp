@@ -78,7 +78,12 @@ ScreenCastFrames::~ScreenCastFrames()
     }
     // Nothing in it is to be kept, and it may hang. Even killed it takes its time to end, with so
     // much to unmap, for which nobody should wait.
-    QObject::connect(m_process, &QProcess::stateChanged, m_process, &QObject::deleteLater);
+    QObject::connect(m_process, &QProcess::stateChanged, m_process,
+                     [process = m_process](QProcess::ProcessState state) {
+                         // It may not even be running yet.
+                         if (state == QProcess::NotRunning)
+                             process->deleteLater();
+                     });
     m_process->kill();
 }
 

@@ -103,6 +103,13 @@ public:
     Stream(const Stream &) = delete;
     Stream &operator=(const Stream &) = delete;
 
+    /// PipeWire 1.4 leaves the stream of a source that is gone paused, as if another might come.
+    void sourceGone(std::uint32_t node) const
+    {
+        if (node == m_wish.node && !m_isDone)
+            fail("stream %u has ended", node);
+    }
+
 private:
     static const pw_stream_events &events()
     {
@@ -238,6 +245,7 @@ public:
             return made;
         }();
         pw_core_add_listener(m_core, &m_listener, &events, this);
+        watchSources();
         const auto read = [](void *self, int, std::uint32_t) {
             static_cast<Frames *>(self)->readInput();
         };
@@ -249,6 +257,21 @@ public:
     void run() { pw_main_loop_run(m_loop); }
 
 private:
+    void watchSources()
+    {
+        static const pw_registry_events events = [] {
+            pw_registry_events made{};
+            made.version = PW_VERSION_REGISTRY_EVENTS;
+            made.global_remove = [](void *self, std::uint32_t id) {
+                for (const auto &stream : static_cast<Frames *>(self)->m_streams)
+                    stream->sourceGone(id);
+            };
+            return made;
+        }();
+        m_registry = pw_core_get_registry(m_core, PW_VERSION_REGISTRY, 0);
+        if (m_registry)
+            pw_registry_add_listener(m_registry, &m_registryListener, &events, this);
+    }
     void readInput()
     {
         char bytes[512];
@@ -283,7 +306,8 @@ private:
     pw_main_loop *m_loop; // these as long as the process
     pw_context *m_context;
     pw_core *m_core;
-    spa_hook m_listener{};
+    pw_registry *m_registry = nullptr;
+    spa_hook m_listener{}, m_registryListener{};
     std::string m_input;
     std::vector<std::unique_ptr<Stream>> m_streams;
 };
