@@ -42,6 +42,8 @@ OverlayWindow::OverlayWindow(const OverlayContext &context, OverlayShell &shell)
     };
     m_selectionView->setSurface(m_surface.get());
     m_selectionView->installEventFilter(this);
+    // Where the keyboard stays on another screen's window, keys come here by way of that one.
+    m_selectionView->setFocus();
     // What words, toolbar and text box make of a press never reaches the view.
     windowHandle()->installEventFilter(this);
 }

@@ -52,6 +52,14 @@ private Q_SLOTS:
         QVERIFY(f.surface().presented.empty());
     }
 
+    void takesKeysThatComeByWayOfAnotherScreensWindow()
+    {
+        Fixture f;
+        QVERIFY(!f.surface().isKey());
+        QTest::keyClick(f.window.windowHandle(), Qt::Key_Escape);
+        QCOMPARE(f.reports, QStringList{"cancel"});
+    }
+
     void showsEachStepOfADragInPixels()
     {
         Fixture f;
