@@ -21,10 +21,10 @@ desktop_packages=(
     tesseract-ocr-rus thunar trayer wl-clipboard wtype x11-xkb-utils x11-xserver-utils xauth xclip xfonts-base xfonts-terminus xscreensaver xterm xvfb
     xwayland zsh
 )
-# For the tests on GNOME, which skip without them: some hundred megabytes, which only scripts/systems
-# installs by itself.
+# For the tests on GNOME and with the portals of other desktops, which skip without them: some hundred
+# megabytes, which only scripts/systems installs by itself.
 gnome_packages=(gnome-settings-daemon gnome-shell pipewire procps wireplumber xdg-desktop-portal
-    xdg-desktop-portal-gnome)
+    xdg-desktop-portal-gnome xdg-desktop-portal-wlr)
 # For bench/run, which installs nothing: a notification server is not for everybody's desktop.
 bench_packages=(dunst)
 # For scripts/train-glyphs: what it draws (resources/reading/README.md).

@@ -22,6 +22,10 @@ using namespace std::chrono_literals;
 constexpr uint32_t windowVersion = 2;
 constexpr char programName[] = "org.tovek.Tovek"; // of its desktop file
 constexpr auto windowAnswerLimit = 2s;
+/// wlroots tells a window without pixels no size.
+constexpr auto windowSizeLimit = 100ms;
+/// Only mutter offers this. It tells the size in a second answer, at its leisure.
+constexpr char shellOfMutter[] = "gtk_shell1";
 /// Each frame that this takes is one of the wait for the overlay.
 constexpr auto bringOverLimit = 1000ms;
 
@@ -77,12 +81,16 @@ std::unique_ptr<FullScreenSurface> FullScreenSurface::create(std::shared_ptr<Win
     std::unique_ptr<FullScreenSurface> role(new FullScreenSurface(std::move(shell), surface));
     role->open(window, screen);
     WaylandConnection &connection = role->m_shell->connection();
-    connection.waitFor([&] { return role->m_isConfigured; }, windowAnswerLimit);
-    if (!role->m_isConfigured) {
+    connection.waitFor([&] { return role->m_hasAnswered; }, windowAnswerLimit);
+    if (!role->m_hasAnswered) {
         logLine(QStringLiteral("The compositor shows no window: it does not answer"));
         return nullptr;
     }
-    if (!isAbout(role->m_announced, points))
+    connection.waitFor([&] { return role->isSizeKnown(); },
+                       connection.offers(shellOfMutter) ? windowAnswerLimit : windowSizeLimit);
+    if (!role->isSizeKnown())
+        role->setConfiguredSize(points);
+    else if (!isAbout(role->m_announced, points))
         role->bringOver(screen, points);
     connection.adopt(role->m_handle);
     connection.adopt(role->m_window);
@@ -100,11 +108,9 @@ void FullScreenSurface::open(const QWindow &window, QScreen *screen)
         [](void *data, xdg_surface *configured, uint32_t serial) {
             auto &self = *static_cast<FullScreenSurface *>(data);
             xdg_surface_ack_configure(configured, serial);
+            self.m_hasAnswered = true;
             // Of a window that it does not know yet, the compositor may leave the size open.
-            if (self.m_announced.isEmpty())
-                return;
-            self.m_isConfigured = true;
-            if (self.m_announced != self.configuredSize())
+            if (!self.m_announced.isEmpty() && self.m_announced != self.configuredSize())
                 self.setConfiguredSize(self.m_announced);
         }};
     xdg_surface_add_listener(m_handle, &surfaceListener, this);

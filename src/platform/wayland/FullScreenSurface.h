@@ -52,12 +52,13 @@ private:
     void open(const QWindow &window, QScreen *screen);
     void bringOver(QScreen *screen, QSize points);
     void showNothing();
+    bool isSizeKnown() const { return !configuredSize().isEmpty(); }
 
     std::shared_ptr<WindowShell> m_shell;
     xdg_surface *m_handle = nullptr;
     xdg_toplevel *m_window = nullptr;
     QSize m_announced; ///< until the end of what is announced together
-    bool m_isConfigured = false;
+    bool m_hasAnswered = false;
     WaylandPtr<wl_buffer, wl_buffer_destroy> m_nothing;
 };
 

@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace tovek {
 
@@ -46,6 +47,8 @@ struct WaylandSession
         QDir().mkpath(desktop.configFolder() + QStringLiteral("/tovek"));
         desktop.writeFile(desktop.configFolder() + QStringLiteral("/tovek/defaults.json"),
                           QJsonDocument(settings).toJson());
+        if (beforeTheProgram && !beforeTheProgram())
+            return fail(QStringLiteral("what the program needs does not start"));
         if (!readsText)
             variables[QStringLiteral("TESSDATA_PREFIX")] = desktop.home() + "/no-models";
         tovek = desktop.run(qEnvironmentVariable("TOVEK_PROGRAM"), {QStringLiteral("--background")},
@@ -174,6 +177,7 @@ struct WaylandSession
     /// A preview would lie over what is compared.
     QJsonObject settings{{QStringLiteral("highlightText"), false},
                          {QStringLiteral("showInMenuBar"), false}};
+    std::function<bool()> beforeTheProgram; ///< on the desktop, which is ready then
     std::map<QString, QString> variables; ///< of the program's environment
     bool readsText = false; ///< whether it finds the models to recognise text with
     WaylandDesktop desktop;
