@@ -169,19 +169,23 @@ private:
     std::vector<xcb_window_t> m_windows;
 };
 
-/// Prints how long after the picture was written its answer came, in milliseconds, and stays for as
-/// long as anybody listens.
+/// Prints how long after the picture was written its answer came, and how long after it was asked
+/// for, in milliseconds, and stays for as long as anybody listens.
 int askPortal()
 {
     const auto &written = *new LastWritten(QDir::homePath()); // stays, as its thread does
     BarePortalClient client;
     const BareCover cover;
-    const QString file = client.takePicture();
-    const double time = written.millisecondsSince();
+    QString file;
+    double sinceWritten = 0;
+    const double roundTrip = millisecondsOf([&] {
+        file = client.takePicture();
+        sinceWritten = written.millisecondsSince();
+    });
     cover.show();
     if (file.isEmpty() || !QFile::remove(file))
         return 1;
-    std::printf("%.3f\n", time);
+    std::printf("%.3f %.3f\n", sinceWritten, roundTrip);
     std::fflush(stdout);
     pause();
     return 0;
@@ -245,13 +249,13 @@ struct Stage
     double open(Subject subject)
     {
         if (subject == Subject::tovek) {
-            open();
+            fromCommand.push_back(millisecondsOf([this] { open(); }));
             return written->millisecondsSince();
         }
         floor = desktop.run(QCoreApplication::applicationFilePath(), {askingOption});
         waitUntilCovered();
         const double time = written->millisecondsSince();
-        answers.push_back(timeOfAnswer());
+        keepTimesOfAnswer();
         return time;
     }
     /// Until the desktop has the pixels of all overlays.
@@ -271,15 +275,21 @@ struct Stage
             std::this_thread::sleep_for(1ms);
         }
     }
-    double timeOfAnswer() const
+    void keepTimesOfAnswer()
     {
-        bool isTime = false;
-        const double time = floor && waitUntil([&] { return !floor->lines().isEmpty(); }, patience)
-            ? floor->lines().constFirst().toDouble(&isTime)
-            : 0;
-        if (!isTime)
+        const QStringList times =
+            floor && waitUntil([&] { return !floor->lines().isEmpty(); }, patience)
+            ? floor->lines().constFirst().split(QLatin1Char(' '))
+            : QStringList();
+        if (times.size() != 2)
             giveUp(QStringLiteral("the portal gave no picture"));
-        return time;
+        answers.push_back(times.front().toDouble());
+        roundTrips.push_back(times.back().toDouble());
+    }
+    void forgetTimes()
+    {
+        for (std::vector<double> *times : {&answers, &roundTrips, &fromCommand})
+            times->clear();
     }
     void close()
     {
@@ -296,7 +306,10 @@ struct Stage
     GnomeDesktop desktop;
     Program *tovek = nullptr;
     Program *floor = nullptr; ///< while it covers the screens
-    std::vector<double> answers; ///< milliseconds after the picture was written, as it says
+    // In milliseconds; the first of each does not count.
+    std::vector<double> answers; ///< after the picture was written, as the bare client says
+    std::vector<double> roundTrips; ///< from the question to the answer, as it says
+    std::vector<double> fromCommand; ///< to all overlays
     const LastWritten *written = nullptr; // stays, as its thread does
 };
 
@@ -324,6 +337,25 @@ void comparePictures(Stage &stage)
     printFromCommand(stage, "ScreenCast");
 }
 
+/// A row; what comes after the picture is written is counted from there.
+void printAfterWriting(Stage &stage, bool isAnimated)
+{
+    const QString script = QStringLiteral("imports.gi.St.Settings.get().%1_animations()");
+    stage.desktop.evaluate(script.arg(isAnimated ? "uninhibit" : "inhibit"));
+    stage.forgetTimes();
+    const Pair times = timesOfOpening(stage, runs);
+    const auto medianOf = [](std::vector<double> values) {
+        values.erase(values.begin());
+        return median(values);
+    };
+    const double overlays = median(times.tovek), windows = median(times.floor);
+    const double answer = medianOf(stage.answers);
+    std::printf("| %s | %.0f | %.0f | %.1f | %.1f | %.1f | %.1f | %.1f | 20 |\n",
+                isAnimated ? "yes" : "no", medianOf(stage.fromCommand), medianOf(stage.roundTrips),
+                overlays, windows, answer, overlays - answer, overlays - windows);
+    std::fflush(stdout);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -341,22 +373,13 @@ int main(int argc, char **argv)
         comparePictures(stage);
         return 0;
     }
-    printHead("Picture written to all screens covered", "ms: median",
-              {"animations", "overlays", "bare windows", "portal's answer", "overlays - answer",
-               "overlays - bare windows", "budget"});
+    printHead("Command to all overlays, and what comes after the picture is written", "ms: median",
+              {"animations", "command to overlays", "portal's round trip", "overlays",
+               "bare windows", "portal's answer", "overlays - answer", "overlays - bare windows",
+               "budget"});
     // Without hardware the shell shows none, and answers without its flash.
-    for (const bool isAnimated : {true, false}) {
-        const QString script = QStringLiteral("imports.gi.St.Settings.get().%1_animations()");
-        stage.desktop.evaluate(script.arg(isAnimated ? "uninhibit" : "inhibit"));
-        stage.answers.clear();
-        const Pair times = timesOfOpening(stage, runs);
-        const double overlays = median(times.tovek), windows = median(times.floor);
-        stage.answers.erase(stage.answers.begin()); // of the one that does not count
-        const double answer = median(stage.answers);
-        std::printf("| %s | %.1f | %.1f | %.1f | %.1f | %.1f | 20 |\n", isAnimated ? "yes" : "no",
-                    overlays, windows, answer, overlays - answer, overlays - windows);
-        std::fflush(stdout);
-    }
+    for (const bool isAnimated : {true, false})
+        printAfterWriting(stage, isAnimated);
     return 0;
 }
 
