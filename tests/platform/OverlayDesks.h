@@ -15,7 +15,7 @@
 #include "platform/wayland/capture/WaylandFrozenDisplay.h"
 #include "platform/wayland/capture/WaylandScreens.h"
 #include "platform/wayland/overlay/LayerOverlayShell.h"
-#include "support/compositor/TestCompositor.h"
+#include "support/compositor/RunOnCompositor.h"
 #endif
 
 #include <QImage>

@@ -188,29 +188,14 @@ private:
     std::array<std::unique_ptr<OverlaySurface>, 2> m_surfaces;
 };
 
-#ifdef TOVEK_WITH_WAYLAND
-/// The toolkit can have but one window system a process.
-int runOnWayland(int argc, char **argv)
-{
-    TestCompositor own(
-        {{outputOf("Left", {640, 768}, {}), outputOf("Right", {726, 600}, {640, 0})}});
-    if (!own.start())
-        return 1;
-    compositor = &own;
-    const UseCompositor use(own);
-    qputenv("QT_QPA_PLATFORM", "wayland");
-    qputenv("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1");
-    QGuiApplication application(argc, argv);
-    TestOverlayShell test;
-    return QTest::qExec(&test, argc, argv);
-}
-#endif
-
 int main(int argc, char **argv)
 {
 #ifdef TOVEK_WITH_WAYLAND
     if (qEnvironmentVariableIsSet("TOVEK_TEST_WAYLAND"))
-        return runOnWayland(argc, argv);
+        return runOnCompositor<QGuiApplication, TestOverlayShell>(
+            argc, argv,
+            {{outputOf("Left", {640, 768}, {}), outputOf("Right", {726, 600}, {640, 0})}},
+            compositor);
 #endif
     return runOnTwoMonitors<TestOverlayShell>(argc, argv, desktop, {"*Left", "640/200x768/200+0+0"},
                                               {"Right", "726/200x600/200+640+100"});

@@ -7,11 +7,10 @@
 #include "platform/wayland/capture/WaylandFrozenDisplay.h"
 #include "platform/wayland/capture/WaylandScreens.h"
 #include "platform/wayland/overlay/LayerOverlayShell.h"
-#include "support/compositor/TestCompositor.h"
+#include "support/compositor/RunOnCompositor.h"
 
 #include <QApplication>
 #include <QBackingStore>
-#include <QTest>
 #include <QWidget>
 #include <QWindow>
 
@@ -104,16 +103,8 @@ private Q_SLOTS:
 
 int main(int argc, char **argv)
 {
-    TestCompositor own({{{QStringLiteral("Only"), frozenPicture()}}});
-    if (!own.start())
-        return 1;
-    compositor = &own;
-    const UseCompositor use(own);
-    qputenv("QT_QPA_PLATFORM", "wayland");
-    qputenv("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT", "1");
-    QApplication application(argc, argv);
-    TestLayerOverlayShell test;
-    return QTest::qExec(&test, argc, argv);
+    return runOnCompositor<QApplication, TestLayerOverlayShell>(
+        argc, argv, {{{QStringLiteral("Only"), frozenPicture()}}}, compositor);
 }
 
 #include "tst_LayerOverlayShell.moc"
