@@ -174,7 +174,9 @@ bool addWaylandDesktop(Platform &platform, EarlyPlatform &early)
     const std::shared_ptr<WaylandConnection> &connection = early.wayland;
     if (!connection)
         return false;
-    keepToShmBuffers();
+    // Where nobody else makes the windows' title bars, the toolkit does, but not without OpenGL.
+    if (connection->offers("zxdg_decoration_manager_v1"))
+        keepToShmBuffers();
     const auto outputs = std::make_shared<WaylandOutputs>(connection);
     auto screens = std::make_unique<WaylandScreens>(outputs);
     auto overlayShell =
