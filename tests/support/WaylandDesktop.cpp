@@ -164,8 +164,10 @@ bool WaylandDesktop::hasBackground()
 {
     for (size_t i = 0; i < m_plan.monitors.size(); ++i) {
         const QImage seen = look(int(i));
-        // Nearly its colour: of a part of a pixel, newer ones show less.
-        if (seen.isNull() || qBlue(seen.pixel(seen.width() / 4, seen.height() / 4)) < 0x80)
+        // It is one pixel, made large: where scales are fractions, sway 1.10 has it fade towards
+        // the edges. In the very middle lies the pointer.
+        const QPoint middle = seen.rect().center() - QPoint(20, 20);
+        if (seen.isNull() || qBlue(seen.pixel(middle)) < 0x80)
             return false;
     }
     return true;
