@@ -1,6 +1,6 @@
 # What the tests are compiled and linked into; see tovek_test. Most of what a test costs to compile are
 # the headers that it includes, and to link is the library that it tests. So, unless TOVEK_UNITY_TESTS is
-# off, ten are compiled at a time and all of one library linked together. Each is still run by itself,
+# off, fifteen are compiled at a time and all of one library linked together. Each is still run by itself,
 # through a link to the program that bears its name.
 
 # tovek_moc(TARGET SOURCE FOLDER): what the source includes as its .moc. The generator's own way costs
@@ -16,7 +16,7 @@ endfunction()
 # tovek_test_program(TARGET LIBRARIES SOURCES...)
 function(tovek_test_program target libraries)
   add_executable(${target} ${ARGN})
-  target_link_libraries(${target} PRIVATE ${libraries})
+  target_link_libraries(${target} PRIVATE tovek_test_options ${libraries})
   set(kind rules)
   if(Qt6::Widgets IN_LIST libraries)
     set(kind widgets)
@@ -94,11 +94,11 @@ function(tovek_batched_program program)
   target_compile_options(${program} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
   set_source_files_properties(${folder}/main.cpp PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
 
-  # Ten at a time, so that several processors have something to do.
+  # Fifteen at a time, so that several processors have something to do.
   list(LENGTH ARGN count)
   math(EXPR last "${count} - 1")
-  foreach(first RANGE 0 ${last} 10)
-    list(SUBLIST ARGN ${first} 10 tests)
+  foreach(first RANGE 0 ${last} 15)
+    list(SUBLIST ARGN ${first} 15 tests)
     tovek_batch(${program} ${folder}/${first} ${tests})
   endforeach()
   foreach(test ${ARGN})

@@ -21,7 +21,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto startLimit = 60s;
-constexpr int leftButton = 0x110;
+constexpr int pointerButton = 0x110;
 const auto shell = QStringLiteral("org.gnome.Shell");
 const auto remoteDesktop = QStringLiteral("org.gnome.Mutter.RemoteDesktop");
 
@@ -243,7 +243,7 @@ void GnomeDesktop::moveTo(QPoint at)
 
 void GnomeDesktop::button(bool isDown) const
 {
-    callHand(QStringLiteral("NotifyPointerButton"), {leftButton, isDown});
+    callHand(QStringLiteral("NotifyPointerButton"), {pointerButton, isDown});
 }
 
 QString GnomeDesktop::evaluate(const QString &script) const

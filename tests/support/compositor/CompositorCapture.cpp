@@ -300,13 +300,6 @@ const struct ext_output_image_capture_source_manager_v1_interface sourcesRequest
     &extCreateSource, &destroyResource
 };
 
-template <const wl_interface &interface, const auto &requests>
-void bindPlain(wl_client *client, void *data, uint32_t version, uint32_t id)
-{
-    wl_resource *resource = wl_resource_create(client, &interface, int(version), id);
-    wl_resource_set_implementation(resource, &requests, data, nullptr);
-}
-
 } // namespace
 
 QImage CompositorState::capture(const OutputState &output, bool withCursor)

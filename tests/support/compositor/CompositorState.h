@@ -134,4 +134,12 @@ inline void destroyResource(wl_client *, wl_resource *resource)
     wl_resource_destroy(resource);
 }
 
+/// For what is bound to the whole compositor.
+template <const wl_interface &interface, const auto &requests>
+void bindPlain(wl_client *client, void *data, uint32_t version, uint32_t id)
+{
+    wl_resource *resource = wl_resource_create(client, &interface, int(version), id);
+    wl_resource_set_implementation(resource, &requests, data, nullptr);
+}
+
 } // namespace tovek

@@ -209,13 +209,6 @@ const struct wp_viewporter_interface viewporterRequests
     &destroyResource, &getViewport
 };
 
-template <const wl_interface &interface, const auto &requests>
-void bindPlain(wl_client *client, void *data, uint32_t version, uint32_t id)
-{
-    wl_resource *resource = wl_resource_create(client, &interface, int(version), id);
-    wl_resource_set_implementation(resource, &requests, data, nullptr);
-}
-
 void paint(QPainter &painter, const SurfaceState &surface, QPointF at, double scale)
 {
     const auto paintChildren = [&](bool above) {
