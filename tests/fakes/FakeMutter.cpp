@@ -123,6 +123,9 @@ FakeMutter::FakeMutter()
 
 FakeMutter::~FakeMutter()
 {
+    // The bus may hear of the connection's end only after the next one asks for the names.
+    for (const char *name : {"org.gnome.Mutter.ScreenCast", "org.gnome.Mutter.DisplayConfig"})
+        m_bus.unregisterService(QLatin1String(name));
     QDBusConnection::disconnectFromBus(m_bus.name());
 }
 
