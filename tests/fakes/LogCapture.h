@@ -6,13 +6,15 @@
 #include <QString>
 #include <QStringList>
 #include <QTemporaryFile>
+#include <QTest>
 
 #include <cstdio>
 #include <unistd.h>
 
 namespace tovek {
 
-/// Collects what the program writes to standard output while it lives.
+/// Collects what the program writes to standard output while it lives. Where a test fails
+/// meanwhile, it is written in the end, as the failure itself is in it.
 class LogCapture
 {
 public:
@@ -23,7 +25,16 @@ public:
         if (m_file.open())
             dup2(m_file.handle(), STDOUT_FILENO);
     }
-    ~LogCapture() { restore(); }
+    ~LogCapture()
+    {
+        const QStringList collected = lines();
+        restore();
+        if (!QTest::currentTestFailed())
+            return;
+        for (const QString &line : collected)
+            std::printf("%s\n", qPrintable(line));
+        std::fflush(stdout);
+    }
 
     QStringList lines()
     {
