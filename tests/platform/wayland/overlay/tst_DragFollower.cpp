@@ -151,7 +151,10 @@ private Q_SLOTS:
         Drag drag(m_connection);
         drag.press();
         // As soon as the thread that reads has begun.
-        QVERIFY(happensOnce([this] { return roundtripMs() >= soonMs; }));
+        QVERIFY(happensOnce([this] {
+            QTest::qWait(soonMs / 4);
+            return roundtripMs() >= soonMs;
+        }));
         QVERIFY(happensOnce([this] {
             QTest::qWait(int(interval.count()));
             return roundtripMs() < soonMs;
