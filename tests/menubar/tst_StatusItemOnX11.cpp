@@ -43,16 +43,18 @@ class DropTarget : public QWidget
 {
 public:
     DropTarget() { setAcceptDrops(true); }
-    bool isEntered = false;
+    /// The source tells of a move only when it has had the answer to the one before.
+    bool isAnswerHeard() const { return m_moves > 1; }
     QStringList formats;
     Qt::DropActions actions;
     QString file;
     QImage image;
 
 protected:
-    void dragEnterEvent(QDragEnterEvent *event) override
+    void dragEnterEvent(QDragEnterEvent *event) override { event->acceptProposedAction(); }
+    void dragMoveEvent(QDragMoveEvent *event) override
     {
-        isEntered = true;
+        ++m_moves;
         event->acceptProposedAction();
     }
     void dropEvent(QDropEvent *event) override
@@ -63,6 +65,9 @@ protected:
         image = QImage(file);
         event->acceptProposedAction();
     }
+
+private:
+    int m_moves = 0;
 };
 
 /// The status item in a real panel, under a real mouse.
@@ -97,6 +102,19 @@ private:
                     found += (look.pixel(x, y) | 0xff000000) == color;
             }
             return found;
+        }
+        /// And until the panel has found a place for it.
+        bool waitForPreview() const
+        {
+            QRect last;
+            int looksAlike = 0;
+            return waitUntil([&] {
+                const QRect place = tray->geometry();
+                looksAlike = place == last && count(qRgb(0, 0, 255)) > 800 ? looksAlike + 1 : 0;
+                last = place;
+                QTest::qWait(50);
+                return looksAlike > 4;
+            });
         }
         bool waitForIcon() const
         {
@@ -153,7 +171,7 @@ private Q_SLOTS:
         Setup s;
         QVERIFY(s.waitForIcon());
         s.preview();
-        QVERIFY(waitUntil([&] { return s.count(qRgb(0, 0, 255)) > 800; }));
+        QVERIFY(s.waitForPreview());
         QVERIFY(s.tray->geometry().width() >= 72);
         const QPoint at = s.tray->geometry().center();
         Hand hand(desktop->displayName());
@@ -191,7 +209,7 @@ private Q_SLOTS:
         s.controller.performDrag = StatusBarController::dragFile;
         QVERIFY(s.waitForIcon());
         s.preview();
-        QVERIFY(waitUntil([&] { return s.count(qRgb(0, 0, 255)) > 800; }));
+        QVERIFY(s.waitForPreview());
         DropTarget target;
         target.setGeometry(300, 300, 300, 200);
         target.show();
@@ -199,11 +217,11 @@ private Q_SLOTS:
         Hand hand(desktop->displayName());
         const QPoint at = s.tray->geometry().center();
         // The drag runs a loop of its own: the hand goes on from inside it, like a person's, who
-        // moves until the target answers and only then lets go.
+        // moves until the target has answered and only then lets go.
         QTimer onward;
         QPoint place(400, 390);
         QObject::connect(&onward, &QTimer::timeout, &target, [&] {
-            if (!target.isEntered)
+            if (!target.isAnswerHeard())
                 return hand.move(place += QPoint(1, 1));
             onward.stop();
             hand.release();
