@@ -10,6 +10,8 @@
 #include <QFile>
 
 #include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -32,6 +34,18 @@ bool openParent()
         && found.st_uid == ::geteuid() && (found.st_mode & (S_IRWXG | S_IRWXO)) == 0;
 }
 
+/// Locked for as long as somebody has this; invalid where another process holds the lock, or where
+/// the folder has gone meanwhile.
+FileDescriptor lockFolder(const QString &path)
+{
+    FileDescriptor folder(::open(QFile::encodeName(path).constData(),
+                                 O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    struct stat found = {};
+    const bool isOurs = folder.isValid() && ::flock(folder.get(), LOCK_EX | LOCK_NB) == 0
+        && ::fstat(folder.get(), &found) == 0 && found.st_nlink > 0;
+    return isOurs ? std::move(folder) : FileDescriptor();
+}
+
 std::nullopt_t failed(const QString &reason)
 {
     logLine(QStringLiteral("Failed to write temp file: ") + reason);
@@ -49,20 +63,42 @@ DragFiles::~DragFiles()
 
 void DragFiles::removeLeft()
 {
-    if (openParent())
-        QDir(parentPath()).removeRecursively();
+    if (!openParent())
+        return;
+    const QFileInfoList left =
+        QDir(parentPath()).entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden);
+    for (const QFileInfo &folder : left) {
+        // Whoever was killed holds no lock any more; a program on another display does.
+        const FileDescriptor lock = lockFolder(folder.filePath());
+        if (lock.isValid())
+            QDir(folder.filePath()).removeRecursively();
+    }
+    ::rmdir(QFile::encodeName(parentPath()).constData());
+}
+
+DragFiles::Folder DragFiles::makeFolder()
+{
+    // A program that starts right now may take a folder that is not yet locked for a left one.
+    constexpr int tries = 3;
+    Folder folder;
+    for (int i = 0; i < tries && !folder.lock.isValid(); ++i) {
+        // Where somebody else has taken the parent's name, one of a chance name serves.
+        folder.place = std::make_unique<QTemporaryDir>(
+            openParent() ? parentPath() + QStringLiteral("/XXXXXX")
+                         : QDir::tempPath() + QStringLiteral("/tovek-XXXXXX"));
+        if (folder.place->isValid())
+            folder.lock = lockFolder(folder.place->path());
+    }
+    return folder;
 }
 
 std::optional<QString> DragFiles::write(const QString &name, const QByteArray &contents)
 {
     Q_ASSERT(isMainThread());
-    // Where somebody else has taken the parent's name, one of a chance name serves.
-    auto folder = std::make_unique<QTemporaryDir>(
-        openParent() ? parentPath() + QStringLiteral("/XXXXXX")
-                     : QDir::tempPath() + QStringLiteral("/tovek-XXXXXX"));
-    if (!folder->isValid())
-        return failed(folder->errorString());
-    QFile file(folder->filePath(name));
+    Folder folder = makeFolder();
+    if (!folder.place->isValid())
+        return failed(folder.place->errorString());
+    QFile file(folder.place->filePath(name));
     if (!file.open(QIODevice::WriteOnly)
         || !file.setPermissions(QFile::ReadOwner | QFile::WriteOwner)
         || file.write(contents) != contents.size() || !file.flush())

@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "foundation/FileDescriptor.h"
+
 #include <QString>
 #include <QTemporaryDir>
 
@@ -23,7 +25,8 @@ public:
     DragFiles(const DragFiles &) = delete;
     DragFiles &operator=(const DragFiles &) = delete;
 
-    /// Removes what a process left that was killed.
+    /// Removes what a process left that was killed, and nothing of one that still runs, as on
+    /// another display of the same user.
     static void removeLeft();
     /// The path of a new file; absent, with one log line, where none can be written.
     [[nodiscard]] std::optional<QString> write(const QString &name, const QByteArray &contents);
@@ -31,7 +34,14 @@ public:
     void removeOldest();
 
 private:
-    std::vector<std::unique_ptr<QTemporaryDir>> m_folders; ///< oldest first
+    struct Folder
+    {
+        std::unique_ptr<QTemporaryDir> place;
+        FileDescriptor lock; ///< tells other processes that we are still there
+    };
+    static Folder makeFolder();
+
+    std::vector<Folder> m_folders; ///< oldest first
 };
 
 } // namespace tovek

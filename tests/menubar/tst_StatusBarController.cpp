@@ -241,6 +241,23 @@ private Q_SLOTS:
         QVERIFY(!QFileInfo::exists(left));
     }
 
+    void leavesAtTheStartWhatAnotherProcessStillOffers()
+    {
+        Setup dragging;
+        dragging.start();
+        dragging.preview();
+        dragging.tray.press({110, 10});
+        dragging.tray.moveTo({120, 10});
+        QCOMPARE(dragging.drags.size(), 1U);
+        const QString file = dragging.drags[0].file.toLocalFile();
+        {
+            // Locks belong to the file that was opened: to them this is another process.
+            Setup starting;
+            starting.start();
+        }
+        QVERIFY(QFileInfo::exists(file));
+    }
+
     void leavesAloneWhatOthersCanLookInto()
     {
         const QString theirs = m_temporary.filePath(QStringLiteral("tovek-%1").arg(geteuid()));

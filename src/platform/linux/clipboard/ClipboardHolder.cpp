@@ -3,6 +3,7 @@
 
 #include "platform/linux/clipboard/ClipboardHolder.h"
 
+#include "foundation/FileDescriptor.h"
 #include "foundation/Log.h"
 #include "platform/linux/clipboard/ClipboardHolderProtocol.h"
 
@@ -22,23 +23,6 @@ namespace {
 
 constexpr std::chrono::seconds startLimit(3);
 constexpr std::chrono::milliseconds pollInterval(1);
-
-class FileDescriptor
-{
-public:
-    explicit FileDescriptor(int descriptor) : m_descriptor(descriptor) { }
-    ~FileDescriptor()
-    {
-        if (m_descriptor >= 0)
-            close(m_descriptor);
-    }
-    FileDescriptor(const FileDescriptor &) = delete;
-    FileDescriptor &operator=(const FileDescriptor &) = delete;
-    int get() const { return m_descriptor; }
-
-private:
-    int m_descriptor;
-};
 
 bool writeAll(int descriptor, const SelectionBytes &bytes)
 {
