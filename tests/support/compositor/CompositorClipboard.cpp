@@ -70,9 +70,7 @@ struct Served
     static void setSelection(wl_client *, wl_resource *device, wl_resource *source)
     {
         auto &state = stateOf<CompositorState>(device);
-        const ClipboardState before = std::exchange(state.clipboard, {});
-        if (before.cancelled && before.source != source)
-            before.cancelled();
+        state.replaceClipboard(source);
         if (!source)
             return;
         state.clipboard = {source, stateOf<SourceState>(source).types,

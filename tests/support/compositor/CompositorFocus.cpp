@@ -131,9 +131,7 @@ void setSelection(wl_client *client, wl_resource *device, wl_resource *source, u
             wl_data_source_send_cancelled(source);
         return;
     }
-    const ClipboardState before = std::exchange(state.clipboard, {});
-    if (before.cancelled && before.source != source)
-        before.cancelled();
+    state.replaceClipboard(source);
     if (!source)
         return;
     state.clipboard = {source, stateOf<SourceState>(source).types,

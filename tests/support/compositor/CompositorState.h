@@ -110,6 +110,8 @@ struct CompositorState
     QImage capture(const OutputState &output, bool withCursor);
     void updatePointer();
     void leaveKeyboard();
+    /// Empties the clipboard, and tells its owner unless that is who copies now.
+    void replaceClipboard(const wl_resource *source);
 };
 
 // Each file offers what it serves.

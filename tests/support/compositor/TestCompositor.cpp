@@ -227,11 +227,7 @@ int TestCompositor::paste(const QByteArray &type)
 
 void TestCompositor::takeClipboard()
 {
-    inside([&] {
-        if (m_state->clipboard.cancelled)
-            m_state->clipboard.cancelled();
-        m_state->clipboard = {};
-    });
+    inside([&] { m_state->replaceClipboard(nullptr); });
 }
 
 void TestCompositor::overtakeCopies(int count)
@@ -244,6 +240,13 @@ bool TestCompositor::hasFocusedWindow()
     bool has = false;
     inside([&] { has = m_state->focus; });
     return has;
+}
+
+void CompositorState::replaceClipboard(const wl_resource *source)
+{
+    const ClipboardState before = std::exchange(clipboard, {});
+    if (before.cancelled && before.source != source)
+        before.cancelled();
 }
 
 OutputState *CompositorState::outputAt(int index)
