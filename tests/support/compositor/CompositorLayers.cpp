@@ -85,6 +85,7 @@ void getLayer(wl_client *client, wl_resource *shell, uint32_t id, wl_resource *s
         return;
     }
     state.layers.push_back(layer);
+    ++state.layerCount;
     layer->surface->onCommit = [layer] {
         if (!std::exchange(layer->isConfigured, true))
             configure(*layer);
@@ -184,7 +185,7 @@ QRect LayerState::geometry() const
 /// The mouse is over the uppermost surface that shows something where it is.
 void CompositorState::updatePointer()
 {
-    if (!plan.cursor)
+    if (!plan.cursor || plan.keepsPointer)
         return;
     LayerState *under = nullptr;
     for (LayerState *layer : layers) {

@@ -91,6 +91,7 @@ struct CompositorState
     TestCompositor::Captures captures = TestCompositor::Captures::work;
     int captureCount = 0;
     std::list<LayerState *> layers;
+    int layerCount = 0; ///< ever
     std::vector<wl_resource *> pointers, keyboards;
     SurfaceState *focus = nullptr; ///< has the keyboard
     wl_resource *cursorOwner =

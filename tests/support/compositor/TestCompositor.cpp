@@ -200,6 +200,13 @@ QStringList TestCompositor::layers()
     return names;
 }
 
+int TestCompositor::layerCount()
+{
+    int count = 0;
+    inside([&] { count = m_state->layerCount; });
+    return count;
+}
+
 QStringList TestCompositor::clipboardTypes()
 {
     QStringList types;

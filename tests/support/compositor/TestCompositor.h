@@ -38,6 +38,7 @@ struct CompositorPlan
     bool isUpsideDown = false; ///< captures over wlr-screencopy
     std::optional<QPoint> cursor{}; ///< points of the desktop; absent: there is no mouse
     bool hasCursorHardware = false; ///< which leaves it out of pictures
+    bool keepsPointer = false; ///< from what opens below it, until the mouse moves
     bool hasKeyboard = false; ///< and a clipboard for the window that has it
     int overtakenCopies = 0; ///< another window has the keyboard when so many are heard of
     bool tellsRefusedCopies = false;
@@ -91,6 +92,8 @@ public:
     QImage look(int output);
     /// The surfaces of the layer shell that show something now, by their names, lowest first.
     QStringList layers();
+    /// How many there have been.
+    int layerCount();
 
     /// What another program is offered by the clipboard, sorted.
     QStringList clipboardTypes();

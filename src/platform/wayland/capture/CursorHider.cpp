@@ -16,6 +16,7 @@ using namespace std::chrono_literals;
 
 constexpr auto limit = 80ms; // a few frames
 constexpr uint32_t everyEdge = 15;
+constexpr int mostMisses = 3; // an open menu keeps the pointer, too
 
 } // namespace
 
@@ -171,8 +172,17 @@ void CursorHider::hide(const std::vector<WaylandOutput> &outputs)
 void CursorHider::show()
 {
     Q_ASSERT(isMainThread());
+    // By now a slow compositor has told of it, too.
+    m_hasWorked |= m_globals->hasEntered;
+    if (!m_veils.empty() && !m_hasWorked)
+        ++m_misses;
     m_veils.clear();
     m_connection->flush();
+}
+
+bool CursorHider::isInVain() const
+{
+    return !m_hasWorked && m_misses >= mostMisses;
 }
 
 } // namespace tovek

@@ -22,6 +22,9 @@ public:
     /// there be no pointer, or an open menu that keeps it.
     void hide(const std::vector<WaylandOutput> &outputs);
     void show();
+    /// True when the compositor has never given a surface of ours the pointer, in three tries:
+    /// Hyprland (0.56) leaves it where it is until the mouse moves. Waiting is in vain, then.
+    bool isInVain() const;
 
 private:
     struct Globals;
@@ -31,6 +34,8 @@ private:
     std::shared_ptr<WaylandConnection> m_connection;
     std::unique_ptr<Globals> m_globals;
     std::vector<std::unique_ptr<Veil>> m_veils;
+    bool m_hasWorked = false;
+    int m_misses = 0; ///< before it was hidden for the first time
 };
 
 } // namespace tovek

@@ -25,6 +25,7 @@ using namespace std::chrono_literals;
 constexpr auto captureAnswerLimit = 3s;
 constexpr auto spareLimit = 5s;
 constexpr auto comparisonDelay = 3s; // the program has started, or the capture is over
+constexpr int mostComparisons = 4; // they cost a moment each, in which somebody may be dragging
 constexpr int largestCursor = 256; // what changes more than that is something else
 
 struct WaylandSnapshot
@@ -207,7 +208,10 @@ std::optional<ShareableContent> WaylandScreenGrabber::shareableContent()
     const auto captures = takeAll(Cursor::leftOut);
     if (m_cursorHider) {
         m_cursorHider->show();
-        m_compareCursors.start();
+        if (m_cursorHider->isInVain())
+            m_cursorHider.reset();
+        else if (m_comparisons < mostComparisons)
+            m_compareCursors.start();
     }
     m_spare.clear();
 
@@ -258,6 +262,7 @@ void WaylandScreenGrabber::compareCursors()
 {
     // A cursor that comes only when it is asked for is one of the hardware's. Where both pictures
     // are alike it is in both, or it was nowhere to be seen.
+    ++m_comparisons;
     const auto without = takeAll(Cursor::leftOut);
     const auto with = takeAll(Cursor::painted);
     for (size_t i = 0; i < without.size() && i < with.size(); ++i) {

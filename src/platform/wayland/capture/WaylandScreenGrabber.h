@@ -79,6 +79,7 @@ private:
     QTimer m_dropSpare;
     std::unique_ptr<CursorHider> m_cursorHider; ///< null where the cursor is left out anyway
     QTimer m_compareCursors;
+    int m_comparisons = 0;
     QString m_failure;
 };
 

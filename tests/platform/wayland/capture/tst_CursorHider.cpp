@@ -63,8 +63,17 @@ private Q_SLOTS:
         QCOMPARE(differentPixels(captured(), m_compositor->look(0)), 0);
     }
 
+    void stopsWhereThePointerStays()
+    {
+        start(false, 1, true);
+        for (const int tries : {1, 2, 3, 3, 3}) {
+            QVERIFY(!captured().isNull());
+            QCOMPARE(m_compositor->layerCount(), tries);
+        }
+    }
+
 private:
-    void start(bool isHardware, double scale)
+    void start(bool isHardware, double scale, bool keepsPointer = false)
     {
         m_grabber.reset();
         m_outputs.reset();
@@ -75,6 +84,7 @@ private:
         plan.outputs = {{QStringLiteral("ONE"), image, scale}};
         plan.cursor = QPoint(50, 40);
         plan.hasCursorHardware = isHardware;
+        plan.keepsPointer = keepsPointer;
         m_compositor = std::make_unique<TestCompositor>(plan);
         QVERIFY(m_compositor->start());
         const UseCompositor use(*m_compositor);
