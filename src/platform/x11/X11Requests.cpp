@@ -32,11 +32,16 @@ void x11PutImage(xcb_connection_t *connection, xcb_drawable_t drawable, xcb_gcon
     }
 }
 
+bool x11IsDown(const xcb_query_keymap_reply_t &keymap, int keycode)
+{
+    return keymap.keys[keycode / 8] >> (keycode % 8) & 1;
+}
+
 bool x11IsKeyDown(xcb_connection_t *connection, int keycode)
 {
     const X11Reply<xcb_query_keymap_reply_t> keymap(
         xcb_query_keymap_reply(connection, xcb_query_keymap(connection), nullptr));
-    return keymap && (keymap->keys[keycode / 8] >> (keycode % 8) & 1);
+    return keymap && x11IsDown(*keymap, keycode);
 }
 
 } // namespace tovek

@@ -14,7 +14,9 @@ namespace tovek {
 void x11PutImage(xcb_connection_t *connection, xcb_drawable_t drawable, xcb_gcontext_t gc,
                  int depth, const QImage &image);
 
-/// True when the key is held down now; one round trip.
+/// True when the key was held down when the server answered.
+bool x11IsDown(const xcb_query_keymap_reply_t &keymap, int keycode);
+/// True when it is held down now; one round trip.
 bool x11IsKeyDown(xcb_connection_t *connection, int keycode);
 
 } // namespace tovek

@@ -68,9 +68,12 @@ int X11HotKeys::grab(quint32 id, KeyCombo combo)
     // down now must not pass before it is waited for.
     m_keyEvents.selectRaw(m_keyEvents.rawMask() | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS
                           | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE);
+    // Before it too: what is pressed from the grab on is meant for us.
+    const X11Reply<xcb_query_keymap_reply_t> keysDown(
+        xcb_query_keymap_reply(m_connection.get(), xcb_query_keymap(m_connection.get()), nullptr));
     const int status = m_grabs.grab(id, combo);
-    if (status == 0)
-        noteKeysDown(id);
+    if (status == 0 && keysDown)
+        noteStale(id, *keysDown);
     selectRawKeys();
     dispatchLater();
     return status;
@@ -295,10 +298,10 @@ void X11HotKeys::keyReleased(xcb_keycode_t keycode, xcb_timestamp_t time, bool i
         tellReleased(press.id);
 }
 
-void X11HotKeys::noteKeysDown(quint32 id)
+void X11HotKeys::noteStale(quint32 id, const xcb_query_keymap_reply_t &keysDown)
 {
     for (const xcb_keycode_t keycode : m_grabs.keycodes(id)) {
-        if (!findPress(keycode) && x11IsKeyDown(m_connection.get(), keycode))
+        if (!findPress(keycode) && x11IsDown(keysDown, keycode))
             m_stale.insert(keycode);
     }
 }

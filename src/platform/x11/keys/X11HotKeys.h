@@ -71,7 +71,7 @@ private:
     void corePress(const xcb_key_press_event_t &event);
     void rawPress(xcb_keycode_t keycode, xcb_timestamp_t time);
     void keyReleased(xcb_keycode_t keycode, xcb_timestamp_t time, bool isCore);
-    void noteKeysDown(quint32 id);
+    void noteStale(quint32 id, const xcb_query_keymap_reply_t &keysDown);
     void arm(quint32 id, xcb_keycode_t keycode, xcb_timestamp_t time);
     void holdKeyboard();
     void tellMayBeFree();

@@ -1,8 +1,12 @@
 // SPDX-FileCopyrightText: 2026 The Tovek developers
 // SPDX-License-Identifier: MIT
 
+#include "platform/linux/KeyCodes.h"
 #include "platform/x11/keys/X11HotKeysFixture.h"
 #include "platform/x11/keys/X11KeyboardLayout.h"
+
+#include <thread>
+#include <xcb/xtest.h>
 
 using namespace tovek;
 using namespace std::chrono_literals;
@@ -138,6 +142,24 @@ private Q_SLOTS:
         m_hotKeys->startDispatching();
         QVERIFY(waitForLog(2));
         QCOMPARE(m_log, QStringList({QStringLiteral("down 3"), QStringLiteral("up 3")}));
+    }
+
+    void hearsAPressRightAfterTheGrab()
+    {
+        m_keyboard->press(TestKeyboard::control);
+        m_keyboard->press(TestKeyboard::super);
+        for (int round = 0; round < 200; ++round) {
+            m_hotKeys->release(1);
+            m_log.clear();
+            std::thread presser([] { pressWhenGrabbed(); });
+            const int status = m_hotKeys->grab(1, capture);
+            presser.join();
+            QCOMPARE(status, 0);
+            QVERIFY2(waitForLog(1), qPrintable(QStringLiteral("round %1").arg(round)));
+            m_keyboard->release(keyC);
+            QVERIFY(waitForLog(2));
+        }
+        m_keyboard->releaseAll();
     }
 
     void tellsWhileAnotherProgramHasItsMenuOpen()
@@ -330,6 +352,28 @@ private Q_SLOTS:
     }
 
 private:
+    /// Presses the key of `capture`, whose modifiers are down, as soon as it is anybody's.
+    static void pressWhenGrabbed()
+    {
+        const XConnection x(qEnvironmentVariable("DISPLAY"));
+        constexpr auto keycode = xcb_keycode_t(keyC + windowSystemKeyOffset);
+        constexpr uint16_t modifiers = XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_4;
+        for (bool isTaken = false; !isTaken;) {
+            xcb_grab_server(x);
+            const XPtr<xcb_generic_error_t> refusal(
+                xcb_request_check(x,
+                                  xcb_grab_key_checked(x, false, x.root(), modifiers, keycode,
+                                                       XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)));
+            isTaken = refusal != nullptr;
+            if (!isTaken)
+                xcb_ungrab_key(x, keycode, x.root(), modifiers);
+            else
+                xcb_test_fake_input(x, XCB_KEY_PRESS, keycode, XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0,
+                                    0, 0);
+            xcb_ungrab_server(x);
+            x.sync();
+        }
+    }
     /// Nothing holds the keyboard any more.
     void typesAgain(xcb_window_t window)
     {
