@@ -270,7 +270,10 @@ struct Stage
         const QDeadlineTimer end(patience);
         while (!isShown()) {
             if (end.hasExpired())
-                giveUp(QStringLiteral("nothing covered the screens"));
+                giveUp(QStringLiteral("nothing covered the screens but \"%1\", and %2 says \"%3\"")
+                           .arg(desktop.unmanagedTitles().join(QLatin1Char(' ')),
+                                floor ? QStringLiteral("the bare client") : QStringLiteral("Tovek"),
+                                (floor ? floor : tovek)->lines().join(QLatin1Char('\n'))));
             // Answering takes the shell from what it is asked about.
             std::this_thread::sleep_for(1ms);
         }
