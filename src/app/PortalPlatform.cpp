@@ -112,9 +112,9 @@ std::unique_ptr<HotKeys> makePortalHotKeys(EarlyPlatform &early, const KeyboardL
     const bool isKde = isDesktop({QLatin1String("KDE")});
     if (!isGnome() && !isKde && !isInSandbox())
         return nullptr;
-    using Signs = PortalHotKeys::Signs;
-    if (auto keys = PortalHotKeys::create(portalOf(early), layout,
-                                          isKde ? Signs::asTyped : Signs::withShift)) {
+    using Desktop = PortalHotKeys::Desktop;
+    const Desktop desktop = isKde ? Desktop::kde : isGnome() ? Desktop::gnome : Desktop::other;
+    if (auto keys = PortalHotKeys::create(portalOf(early), layout, desktop)) {
         logLine(QStringLiteral("Wayland: shortcuts over the desktop's portal"));
         return keys;
     }

@@ -24,6 +24,8 @@ using namespace std::chrono_literals;
 constexpr auto sessionLimit = 5s;
 constexpr auto shortcutThinkingTime = 10min;
 constexpr int shortcutPatienceMs = 1000;
+constexpr auto longestTap = 250ms;
+constexpr auto repeatDelay = 700ms; // 500 unless the user chose otherwise, and then a few a second
 const QString shortcutsInterface = QStringLiteral("GlobalShortcuts");
 
 struct PortalShortcut
@@ -69,7 +71,7 @@ Q_DECLARE_METATYPE(tovek::PortalShortcut)
 namespace tovek {
 
 std::unique_ptr<PortalHotKeys> PortalHotKeys::create(std::shared_ptr<PortalBus> bus,
-                                                     const KeyboardLayout &layout, Signs signs)
+                                                     const KeyboardLayout &layout, Desktop desktop)
 {
     if (!bus->isOffered())
         return nullptr;
@@ -78,17 +80,19 @@ std::unique_ptr<PortalHotKeys> PortalHotKeys::create(std::shared_ptr<PortalBus> 
                                QDBus::Block, shortcutPatienceMs);
     if (!version.isValid() || version.value().variant().toUInt() < 1)
         return nullptr;
-    return std::unique_ptr<PortalHotKeys>(new PortalHotKeys(std::move(bus), layout, signs));
+    return std::unique_ptr<PortalHotKeys>(new PortalHotKeys(std::move(bus), layout, desktop));
 }
 
 PortalHotKeys::PortalHotKeys(std::shared_ptr<PortalBus> bus, const KeyboardLayout &layout,
-                             Signs signs)
+                             Desktop desktop)
     : DeferredHotKeys(layout)
     , m_bus(std::move(bus))
-    , m_signs(signs)
+    , m_desktop(desktop)
 {
     qDBusRegisterMetaType<PortalShortcut>();
     qDBusRegisterMetaType<QList<PortalShortcut>>();
+    m_silence.setSingleShot(true);
+    connect(&m_silence, &QTimer::timeout, this, &PortalHotKeys::fellSilent);
     listen();
     connect(m_bus.get(), &PortalBus::portalLost, this, [this] {
         m_session.clear();
@@ -127,7 +131,7 @@ QString PortalHotKeys::triggerOf(KeyCombo combo) const
                      {"SHIFT+", ComboModifier::shift},
                      {"LOGO+", ComboModifier::command}};
     QString sign;
-    if (m_signs == Signs::asTyped && (combo.modifiers & ComboModifier::shift))
+    if (m_desktop == Desktop::kde && (combo.modifiers & ComboModifier::shift))
         sign = shiftedSymbolNameOf(combo.keyCode, layout());
     if (!sign.isEmpty())
         combo.modifiers &= ~ComboModifier::shift;
@@ -239,14 +243,38 @@ std::optional<quint32> PortalHotKeys::idOf(const QString &session, const QString
 void PortalHotKeys::activated(const QDBusObjectPath &session, const QString &name, qulonglong,
                               const QVariantMap &)
 {
-    if (const auto id = idOf(session.path(), name); id && onPressed)
+    const auto id = idOf(session.path(), name);
+    if (!id)
+        return;
+    if (m_desktop == Desktop::gnome) {
+        const bool isRepeat = m_held == name;
+        m_silence.start(isRepeat && m_isReleaseTold ? repeatDelay : longestTap);
+        if (isRepeat)
+            return;
+        m_held = name;
+        m_isReleaseTold = false;
+    }
+    if (onPressed)
         onPressed(*id);
 }
 
 void PortalHotKeys::deactivated(const QDBusObjectPath &session, const QString &name, qulonglong,
                                 const QVariantMap &)
 {
-    if (const auto id = idOf(session.path(), name); id && onReleased)
+    const bool isToldAlready = m_held == name && m_isReleaseTold;
+    m_held.clear();
+    m_silence.stop();
+    if (const auto id = idOf(session.path(), name); id && onReleased && !isToldAlready)
+        onReleased(*id);
+}
+
+void PortalHotKeys::fellSilent()
+{
+    if (m_isReleaseTold)
+        return m_held.clear();
+    m_isReleaseTold = true;
+    m_silence.start(repeatDelay);
+    if (const auto id = idOf(m_session, m_held); id && onReleased)
         onReleased(*id);
 }
 

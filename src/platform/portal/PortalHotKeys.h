@@ -7,6 +7,7 @@
 #include "platform/portal/PortalBus.h"
 
 #include <QDBusObjectPath>
+#include <QTimer>
 
 #include <memory>
 
@@ -24,12 +25,13 @@ class PortalHotKeys : public DeferredHotKeys
 public:
     /// Null where the portal has none. Waits for it, a second at most. The layout must outlive
     /// this.
-    /// `signs`: whether the desktop knows Shift with a key that types another sign then as such, or
-    /// as that sign without Shift, as KDE does.
-    enum class Signs { withShift, asTyped };
+    /// KDE knows Shift with a key that types another sign then as that sign without Shift. GNOME
+    /// (48) tells of no release where a modifier is let go first, and of a held key again and
+    /// again: there a key counts as let go after a quarter of a second.
+    enum class Desktop { gnome, kde, other };
     static std::unique_ptr<PortalHotKeys> create(std::shared_ptr<PortalBus> bus,
                                                  const KeyboardLayout &layout,
-                                                 Signs signs = Signs::withShift);
+                                                 Desktop desktop = Desktop::other);
     ~PortalHotKeys() override;
 
     bool reportsRelease() const override { return true; }
@@ -44,7 +46,7 @@ private Q_SLOTS:
                      const QVariantMap &options);
 
 private:
-    PortalHotKeys(std::shared_ptr<PortalBus> bus, const KeyboardLayout &layout, Signs signs);
+    PortalHotKeys(std::shared_ptr<PortalBus> bus, const KeyboardLayout &layout, Desktop desktop);
     void listen();
     void openSession();
     void bind();
@@ -52,14 +54,19 @@ private:
     void closeSession();
     QString triggerOf(KeyCombo combo) const;
     QString nameOf(KeyCombo combo) const;
+    void fellSilent();
     std::optional<quint32> idOf(const QString &session, const QString &name) const;
 
     std::shared_ptr<PortalBus> m_bus;
-    const Signs m_signs;
+    const Desktop m_desktop;
     QString m_session; ///< empty while there is none
     std::map<QString, KeyCombo> m_asked; ///< by name, in this session
     bool m_isBusy = false; ///< between a question and its answer
     bool m_isOutdated = false;
+    // On GNOME:
+    QString m_held; ///< the shortcut whose release is awaited, or whose repeats are passed over
+    bool m_isReleaseTold = false;
+    QTimer m_silence; ///< since it was last told of
 };
 
 } // namespace tovek

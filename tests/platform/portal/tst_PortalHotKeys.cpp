@@ -7,6 +7,8 @@
 #include "platform/portal/PortalTest.h"
 #include "support/Wait.h"
 
+#include <QElapsedTimer>
+
 using namespace tovek;
 
 namespace {
@@ -55,10 +57,52 @@ private Q_SLOTS:
         QVERIFY(waitUntil([this] { return m_told.size() == 2; }));
         QCOMPARE(m_told, (QStringList{"down 7", "up 7"}));
     }
+    void tellsAReleaseThatGnomeKeepsToItself()
+    {
+        bindOnGnome();
+        m_portal->press(imageName);
+        QVERIFY(waitUntil([this] { return m_told == QStringList{"down 7", "up 7"}; }));
+        // That it is held is told from half a second on, and its end if it goes before the others.
+        for (int count = 0; count < 5; ++count) {
+            m_portal->press(imageName);
+            QTest::qWait(50);
+        }
+        m_portal->letGo(imageName);
+        QTest::qWait(400);
+        QCOMPARE(m_told.size(), 2);
+        m_portal->press(imageName);
+        QVERIFY(waitUntil([this] { return m_told.size() == 4; }));
+    }
+    void tellsAKeyThatGnomeRepeatsOnce()
+    {
+        bindOnGnome();
+        const auto pressesFor400Ms = [this] {
+            qint64 longestPause = 0;
+            for (QElapsedTimer all, pause; !all.isValid() || all.elapsed() < 400;) {
+                if (!all.isValid())
+                    all.start();
+                m_portal->press(imageName);
+                pause.start();
+                QTest::qWait(20);
+                longestPause = std::max(longestPause, pause.elapsed());
+            }
+            return longestPause;
+        };
+        // A machine that stops for longer lets the key go.
+        while (pressesFor400Ms() > 150) {
+            QTest::qWait(1500);
+            m_told.clear();
+        }
+        QCOMPARE(m_told, QStringList{"down 7"});
+        m_portal->letGo(imageName);
+        QVERIFY(waitUntil([this] { return m_told.size() == 2; }));
+        QTest::qWait(400);
+        QCOMPARE(m_told, (QStringList{"down 7", "up 7"}));
+    }
     void writesSignsAsTheDesktopKnowsThem()
     {
         m_layout.shifted = {{20, QStringLiteral("#")}};
-        m_keys = PortalHotKeys::create(m_portalBus, m_layout, PortalHotKeys::Signs::asTyped);
+        m_keys = PortalHotKeys::create(m_portalBus, m_layout, PortalHotKeys::Desktop::kde);
         QCOMPARE(m_keys->grab(1, controlShift3), 0);
         QCOMPARE(m_keys->grab(2, print), 0);
         QVERIFY(isBound({"shortcut:CTRL+numbersign (Capture) on CTRL+numbersign",
@@ -138,6 +182,16 @@ private Q_SLOTS:
     }
 
 private:
+    void bindOnGnome()
+    {
+        auto keys = PortalHotKeys::create(m_portalBus, m_layout, PortalHotKeys::Desktop::gnome);
+        keys->purposeOf = m_keys->purposeOf;
+        keys->onPressed = m_keys->onPressed;
+        keys->onReleased = m_keys->onReleased;
+        m_keys = std::move(keys);
+        QCOMPARE(m_keys->grab(7, controlShift3), 0);
+        QVERIFY(isBound({imageName + " (Capture Image) on CTRL+SHIFT+3"}));
+    }
     bool isBound(const QStringList &shortcuts)
     {
         const bool isSo = waitUntil([&] { return m_portal->shortcuts() == shortcuts; });
